@@ -1,0 +1,62 @@
+#include "image/frame_list.h"
+
+namespace lumafold {
+
+bool FrameListAppend(FrameList& list, const FrameRecord& record) {
+    if (list.count == INT32_MAX) return false;
+    const std::size_t bytes = (static_cast<std::size_t>(list.count) + 1) * sizeof(FrameRecord);
+    const bool first = list.handle == 0;
+    const GlobalHandle grown =
+        first ? GlobalCreate(GlobalKind::Movable, bytes) : GlobalResize(list.handle, bytes);
+    if (grown == 0) return false;
+    list.handle = grown;
+    ++list.count;
+    if (FrameListPut(list, list.count - 1, record)) return true;
+    --list.count;
+    if (first) {
+        GlobalDestroy(list.handle);
+        list.handle = 0;
+    }
+    return false;
+}
+
+bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay) {
+    FrameRecord record{};
+    record.image = image;
+    record.delay = delay;
+    record.transparentIndex = -1;
+    return FrameListAppend(list, record);
+}
+
+bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record) {
+    if (index < 0 || index >= list.count) return false;
+    const GlobalLocked<const FrameRecord> records(list.handle);
+    if (!records) return false;
+    record = records.Get()[index];
+    return true;
+}
+
+bool FrameListPut(FrameList& list, std::int32_t index, const FrameRecord& record) {
+    if (index < 0 || index >= list.count) return false;
+    const GlobalLocked<FrameRecord> records(list.handle);
+    if (!records) return false;
+    records.Get()[index] = record;
+    return true;
+}
+
+void FrameRecordRelease(FrameRecord& record) {
+    GlobalDestroy(record.image);
+    GlobalDestroy(record.mask);
+    record = {};
+}
+
+void FrameListRelease(FrameList& list) {
+    FrameRecord record;
+    for (std::int32_t i = 0; FrameListGet(list, i, record); ++i) {
+        FrameRecordRelease(record);
+    }
+    GlobalDestroy(list.handle);
+    list = {};
+}
+
+} // namespace lumafold

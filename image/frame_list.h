@@ -1,0 +1,53 @@
+// The frames of a build, in order: a growable array of records in one movable block. The list owns every picture
+// in it; effects append, colour reduction rewrites in place, the hand-over to the host reads.
+#pragma once
+
+#include "image/dib.h"
+
+namespace lumafold {
+
+#pragma pack(push, 1)
+struct FrameRecord {
+    DibHandle image;               ///< owned
+    DibHandle mask;                ///< owned; one bit, 1 where nothing changed since the frame before; or 0
+    std::int32_t delay;            ///< in the host's unit
+    std::int32_t transparentIndex; ///< -1 for none
+    std::uint8_t reserved[24];
+};
+struct FrameList {
+    GlobalHandle handle; ///< the records, or 0 while there are none
+    std::int32_t count;
+};
+#pragma pack(pop)
+static_assert(sizeof(FrameRecord) == 40 && sizeof(FrameList) == 8);
+
+/// Appends a copy of the record and owns its pictures from then on. False leaves the list as it was.
+bool FrameListAppend(FrameList& list, const FrameRecord& record);
+/// Appends a picture with nothing special about it; it passes to the list only on success.
+bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay);
+
+/// Copy one record out or in; false, touching nothing, when there is no such slot or it cannot be locked.
+bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record);
+bool FrameListPut(FrameList& list, std::int32_t index, const FrameRecord& record);
+
+/// Frees the record's pictures and zeroes it.
+void FrameRecordRelease(FrameRecord& record);
+/// Frees everything and zeroes the list.
+void FrameListRelease(FrameList& list);
+
+/// A list that releases itself.
+class OwnedFrameList {
+public:
+    OwnedFrameList() = default;
+    OwnedFrameList(const OwnedFrameList&) = delete;
+    OwnedFrameList& operator=(const OwnedFrameList&) = delete;
+    ~OwnedFrameList() { FrameListRelease(list_); }
+
+    FrameList& operator*() { return list_; }
+    FrameList* operator->() { return &list_; }
+
+private:
+    FrameList list_{};
+};
+
+} // namespace lumafold

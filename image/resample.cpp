@@ -1,0 +1,337 @@
+#include "image/resample.h"
+
+#include "image/row_view.h"
+
+namespace lumafold {
+namespace {
+
+enum class Axis { Width, Height };
+
+/// A line of a picture, a row or a column, walked in three channels. Any depth, through the accessors.
+class ChannelLine {
+public:
+    struct Value {
+        std::int64_t channels[3];
+        bool none;
+    };
+
+    template <typename Header>
+    ChannelLine(Header* dib, Axis axis, std::int32_t at)
+        : dib_(const_cast<DibHeader*>(dib)), axis_(axis), at_(at) {}
+
+    Value Get(std::int64_t index) const {
+        const auto i = static_cast<std::int32_t>(index);
+        const PixelValue v = axis_ == Axis::Width ? DibGetPixel(dib_, i, at_) : DibGetPixel(dib_, at_, i);
+        return {{RedOf(v), GreenOf(v), BlueOf(v)}, v == kNoPixel};
+    }
+    void Set(std::int64_t index, const Value& value) {
+        if (value.none) return;
+        const PixelValue v = MakeColour(static_cast<unsigned>(value.channels[0]), static_cast<unsigned>(value.channels[1]),
+                                        static_cast<unsigned>(value.channels[2]));
+        const auto i = static_cast<std::int32_t>(index);
+        if (axis_ == Axis::Width) {
+            DibSetPixel(dib_, i, at_, v);
+        } else {
+            DibSetPixel(dib_, at_, i, v);
+        }
+    }
+    template <typename Operation>
+    static Value Combine(const Value& a, const Value& b, Operation operation) {
+        Value result{{}, false};
+        for (int c = 0; c < 3; ++c) {
+            result.channels[c] = operation(a.channels[c], b.channels[c]);
+        }
+        return result;
+    }
+
+private:
+    DibHeader* dib_;
+    Axis axis_;
+    std::int32_t at_;
+};
+
+/// The same for pictures of 2 to 8 bits, whose stored values are treated as numbers; no pixel is the number -1.
+class ValueLine {
+public:
+    using Value = std::int64_t;
+
+    template <typename Header>
+    ValueLine(Header* dib, Axis axis, std::int32_t at)
+        : dib_(const_cast<DibHeader*>(dib)), axis_(axis), at_(at) {}
+
+    Value Get(std::int64_t index) const {
+        const auto i = static_cast<std::int32_t>(index);
+        return static_cast<std::int32_t>(axis_ == Axis::Width ? DibGetPixel(dib_, i, at_) : DibGetPixel(dib_, at_, i));
+    }
+    void Set(std::int64_t index, Value value) {
+        const auto i = static_cast<std::int32_t>(index);
+        const auto v = static_cast<PixelValue>(value);
+        if (axis_ == Axis::Width) {
+            DibSetPixel(dib_, i, at_, v);
+        } else {
+            DibSetPixel(dib_, at_, i, v);
+        }
+    }
+    template <typename Operation>
+    static Value Combine(Value a, Value b, Operation operation) {
+        return operation(a, b);
+    }
+
+private:
+    DibHeader* dib_;
+    Axis axis_;
+    std::int32_t at_;
+};
+
+/// The same for 24-bit pictures, straight from the rows: what ChannelLine does, with the address at hand.
+class TrueColourLine {
+public:
+    struct Value {
+        std::int64_t channels[3];
+        bool none;
+    };
+
+    template <typename Header>
+    TrueColourLine(Header* dib, Axis axis, std::int32_t at) {
+        const BasicRowView<const std::uint8_t, const DibHeader> rows(dib);
+        length_ = axis == Axis::Width ? rows.Width() : rows.Height();
+        step_ = axis == Axis::Width ? 3 : -rows.Stride();
+        first_ = const_cast<std::uint8_t*>(axis == Axis::Width ? rows.Row(at) : rows.Row(0) + std::ptrdiff_t{3} * at);
+    }
+
+    Value Get(std::int64_t index) const {
+        if (index >= length_) return {{255, 255, 255}, true};
+        const std::uint8_t* p = first_ + step_ * static_cast<std::ptrdiff_t>(index);
+        return {{p[0], p[1], p[2]}, false};
+    }
+    void Set(std::int64_t index, const Value& value) {
+        if (value.none) return;
+        std::uint8_t* p = first_ + step_ * static_cast<std::ptrdiff_t>(index);
+        for (int c = 0; c < 3; ++c) {
+            p[c] = static_cast<std::uint8_t>(value.channels[c]);
+        }
+    }
+    template <typename Operation>
+    static Value Combine(const Value& a, const Value& b, Operation operation) {
+        return {{operation(a.channels[0], b.channels[0]), operation(a.channels[1], b.channels[1]),
+                 operation(a.channels[2], b.channels[2])},
+                false};
+    }
+
+private:
+    std::int64_t length_;
+    std::ptrdiff_t step_;
+    std::uint8_t* first_;
+};
+
+/// Linear interpolation of one line. The height pass looks one pixel beyond the source and so ramps towards white
+/// there; the width pass does not. Wanted.
+template <typename Line>
+void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent,
+                 Axis axis) {
+    if (length < 1 || newLength < 1) return;
+    const std::int64_t inflated = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
+    to.Set(0, from.Get(0));
+    std::int64_t previous = 0;
+    const std::int64_t last = axis == Axis::Width ? length - 1 : length;
+    for (std::int64_t i = 1; i <= last; ++i) {
+        const auto a = from.Get(i - 1);
+        const auto b = from.Get(i);
+        const std::int64_t position = i * inflated / 100;
+        const std::int64_t n = position - previous;
+        for (std::int64_t k = 0; k < n && previous + k < newLength; ++k) {
+            to.Set(previous + k, Line::Combine(a, b, [=](std::int64_t x, std::int64_t y) {
+                       return (n - k - 1) * x / n + (k + 1) * y / n;
+                   }));
+        }
+        if (position < newLength) to.Set(position, b);
+        previous = position;
+    }
+    to.Set(newLength - 1, from.Get(length - 1));
+}
+
+/// Box average of one line.
+template <typename Line>
+void ShrinkLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent, Axis) {
+    std::int64_t previous = 0;
+    for (std::int64_t x = 0; x < newLength; ++x) {
+        const std::int64_t end = (x + 1) * 100 / percent;
+        typename Line::Value sum{};
+        std::int64_t taken = 0;
+        for (; taken < end - previous && previous + taken < length; ++taken) {
+            sum = Line::Combine(sum, from.Get(previous + taken), [](std::int64_t s, std::int64_t v) { return s + v; });
+        }
+        const std::int64_t count = taken == 0 ? 1 : taken;
+        to.Set(x, Line::Combine(sum, sum, [count](std::int64_t s, std::int64_t) { return s / count; }));
+        previous = end;
+    }
+}
+
+enum class Pass { Stretch, Shrink };
+
+template <typename Line>
+void RunPass(Pass pass, Axis axis, const DibHeader* source, DibHeader* target, std::int64_t percent) {
+    const bool wide = axis == Axis::Width;
+    const std::int32_t lines = wide ? source->biHeight : source->biWidth;
+    const std::int64_t length = wide ? source->biWidth : source->biHeight;
+    const std::int64_t newLength = wide ? target->biWidth : target->biHeight;
+    if (newLength < 1) return;
+    for (std::int32_t at = 0; at < lines; ++at) {
+        const Line from(source, axis, at);
+        Line to(target, axis, at);
+        if (pass == Pass::Stretch) {
+            StretchLine(from, length, to, newLength, percent, axis);
+        } else {
+            ShrinkLine(from, length, to, newLength, percent, axis);
+        }
+    }
+}
+
+/// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the time.
+void HalveWidth(const DibHeader* source, DibHeader* target) {
+    const ConstRowView from(source);
+    const RowView to(target);
+    for (std::int32_t y = 0; y < to.Height(); ++y) {
+        const std::uint8_t* s = from.Row(y);
+        std::uint8_t* d = to.Row(y);
+        for (std::int32_t x = 0; x < to.Width(); ++x, s += 6, d += 3) {
+            d[0] = static_cast<std::uint8_t>((s[0] + s[3]) / 2);
+            d[1] = static_cast<std::uint8_t>((s[1] + s[4]) / 2);
+            d[2] = static_cast<std::uint8_t>((s[2] + s[5]) / 2);
+        }
+    }
+}
+
+void HalveHeight(const DibHeader* source, DibHeader* target) {
+    const ConstRowView from(source);
+    const RowView to(target);
+    const std::int32_t bytes = to.Width() * 3;
+    for (std::int32_t y = 0; y < to.Height(); ++y) {
+        const std::uint8_t* upper = from.Row(2 * y);
+        const std::uint8_t* lower = from.Row(2 * y + 1);
+        std::uint8_t* d = to.Row(y);
+        for (std::int32_t i = 0; i < bytes; ++i) {
+            d[i] = static_cast<std::uint8_t>((upper[i] + lower[i]) / 2);
+        }
+    }
+}
+
+DibHandle Resample(DibHandle sourceHandle, std::int32_t percent, Pass pass, Axis axis) {
+    const LockedDib source(sourceHandle);
+    if (!source) return 0;
+    const bool wide = axis == Axis::Width;
+    const std::int64_t size = std::int64_t{wide ? source->biWidth : source->biHeight} * percent / 100;
+    if (size < 0 || size > INT32_MAX) return 0;
+    const auto newSize = static_cast<std::int32_t>(size);
+    const int bits = source->biBitCount;
+    Palette palette;
+    DibGetPalette(source.Get(), palette);
+    OwnedDib result(DibCreate(wide ? newSize : source->biWidth, wide ? source->biHeight : newSize, &palette, bits));
+    const LockedDib target(result.Get());
+    if (!target) return 0;
+    if (bits == 24 && pass == Pass::Shrink && percent == 50) {
+        wide ? HalveWidth(source.Get(), target.Get()) : HalveHeight(source.Get(), target.Get());
+    } else if (bits == 24) {
+        RunPass<TrueColourLine>(pass, axis, source.Get(), target.Get(), percent);
+    } else if (bits >= 2 && bits <= 8) {
+        RunPass<ValueLine>(pass, axis, source.Get(), target.Get(), percent);
+    } else {
+        RunPass<ChannelLine>(pass, axis, source.Get(), target.Get(), percent);
+    }
+    return result.Release();
+}
+
+DibHandle ScaleAxis(DibHandle source, std::int32_t percent, Axis axis) {
+    if (percent == 100) return GlobalDuplicate(source);
+    return Resample(source, percent, percent > 100 ? Pass::Stretch : Pass::Shrink, axis);
+}
+
+} // namespace
+
+DibHandle DibToTrueColour(DibHandle sourceHandle) {
+    const LockedDib source(sourceHandle);
+    if (!source || source->biBitCount != DibRoundBitDepth(source->biBitCount)) return 0;
+    Palette palette;
+    DibGetPalette(source.Get(), palette);
+    OwnedDib result(DibCreate(source->biWidth, source->biHeight, nullptr, 24));
+    const LockedDib target(result.Get());
+    if (!target) return 0;
+    const ConstRowView from(source.Get());
+    const RowView to(target.Get());
+    for (std::int32_t y = 0; y < to.Height(); ++y) {
+        const std::uint8_t* s = from.Row(y);
+        std::uint8_t* d = to.Row(y);
+        if (from.Bits() > 8) {
+            // Deeper than 24 bits the row is still taken as it stands, three bytes a pixel: wanted.
+            if (to.Width() > 0) std::memcpy(d, s, static_cast<std::size_t>(to.Width()) * 3);
+            continue;
+        }
+        for (std::int32_t x = 0; x < to.Width(); ++x, d += 3) {
+            const auto column = static_cast<std::size_t>(x);
+            unsigned index = 0;
+            switch (from.Bits()) {
+            case 1: index = (s[column / 8] >> (7 - column % 8)) & 1U; break;
+            case 4: index = column % 2 == 0 ? s[column / 2] >> 4 : s[column / 2] & 0x0FU; break;
+            default: index = s[column]; break;
+            }
+            d[0] = palette[index].blue;
+            d[1] = palette[index].green;
+            d[2] = palette[index].red;
+        }
+    }
+    return result.Release();
+}
+
+DibHandle DibStretchWidth(DibHandle source, std::int32_t percent) {
+    return Resample(source, percent, Pass::Stretch, Axis::Width);
+}
+DibHandle DibShrinkWidth(DibHandle source, std::int32_t percent) {
+    return Resample(source, percent, Pass::Shrink, Axis::Width);
+}
+DibHandle DibStretchHeight(DibHandle source, std::int32_t percent) {
+    return Resample(source, percent, Pass::Stretch, Axis::Height);
+}
+DibHandle DibShrinkHeight(DibHandle source, std::int32_t percent) {
+    return Resample(source, percent, Pass::Shrink, Axis::Height);
+}
+
+DibHandle DibScale(DibHandle source, std::int32_t percentX, std::int32_t percentY) {
+    const OwnedDib widened(ScaleAxis(source, percentX, Axis::Width));
+    return widened ? ScaleAxis(widened.Get(), percentY, Axis::Height) : 0;
+}
+
+DibHandle DibCropRect(DibHandle sourceHandle, const Rect& rect, PixelValue fill) {
+    const LockedDib source(sourceHandle);
+    if (!source) return 0;
+    const std::int64_t width = std::int64_t{rect.right} - rect.left;
+    const std::int64_t height = std::int64_t{rect.bottom} - rect.top;
+    if (width < 0 || height < 0 || width > INT32_MAX || height > INT32_MAX) return 0;
+    Palette palette;
+    DibGetPalette(source.Get(), palette);
+    OwnedDib result(DibCreate(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), &palette,
+                              source->biBitCount));
+    const LockedDib target(result.Get());
+    if (!target) return 0;
+    const bool inside = rect.left >= 0 && rect.top >= 0 && rect.right <= source->biWidth && rect.bottom <= source->biHeight;
+    // New pixels are zero, so a fill of 0 needs no writing.
+    if (!inside && fill != 0) {
+        for (std::int32_t y = 0; y < target->biHeight; ++y) {
+            for (std::int32_t x = 0; x < target->biWidth; ++x) {
+                DibSetPixel(target.Get(), x, y, fill);
+            }
+        }
+    }
+    DibCopyRect(target.Get(), 0, 0, source.Get(), rect.left, rect.top, target->biWidth, target->biHeight);
+    return result.Release();
+}
+
+std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth, std::int32_t boxHeight) {
+    if (width < 1 || height < 1) return 100;
+    const std::int64_t percent =
+        std::min(std::int64_t{boxWidth} * 100 / width, std::int64_t{boxHeight} * 100 / height);
+    return static_cast<std::int32_t>(std::min<std::int64_t>(percent, 100));
+}
+
+std::int32_t FitOffset(std::int32_t room, std::int32_t size) { return std::max(0, (room - size) / 2); }
+
+} // namespace lumafold

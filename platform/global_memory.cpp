@@ -1,0 +1,22 @@
+#include "platform/global_memory.h"
+
+#include <cstring>
+
+namespace lumafold {
+
+GlobalHandle GlobalDuplicate(GlobalHandle handle) {
+    const std::size_t bytes = GlobalBytes(handle);
+    if (bytes < 1) return 0;
+    const GlobalLocked<const void> source(handle);
+    if (!source) return 0;
+    OwnedGlobal copy(GlobalCreate(GlobalKind::Movable, bytes));
+    if (!copy) return 0;
+    {
+        const GlobalLocked<void> target(copy.Get());
+        if (!target) return 0;
+        std::memcpy(target.Get(), source.Get(), bytes);
+    }
+    return copy.Release();
+}
+
+} // namespace lumafold

@@ -1,0 +1,53 @@
+// Hard-edged white shapes on a black canvas: the platform's own drawing where there is one, and elsewhere the
+// rules that give the same pixels. Effects draw their masks with it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "platform/user.h"
+
+namespace lumafold {
+
+struct ShapePoint {
+    std::int32_t x, y;
+};
+
+/// A black canvas of 24-bit pixels over the rows of a picture, white pen and brush in hand. Coordinates are
+/// top-down; what lies outside is clipped. Rows are stored bottom-up, 4-byte padded, `width` and `height` > 0.
+class ShapeCanvas {
+public:
+    /// `rows` stays the caller's and must outlive the canvas; it is all black afterwards (padding included).
+    /// `window` gives the drawing context to be compatible with; 0 is the screen. Check it before use.
+    ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* rows);
+    ShapeCanvas(const ShapeCanvas&) = delete;
+    ShapeCanvas& operator=(const ShapeCanvas&) = delete;
+    ~ShapeCanvas();
+
+    explicit operator bool() const { return usable_; }
+
+    /// Right and bottom are not part of the shape.
+    void FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
+    /// The ellipse inside the box whose right and bottom lines are not part of it.
+    void Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
+    /// Even-odd interior and the outline, closed by itself. At most 128 points.
+    void Polygon(std::span<const ShapePoint> points);
+
+    /// Brings what was drawn between picture rows `top` and `bottom` (not included) into `rows`; more may be drawn
+    /// afterwards. False when the platform could not.
+    bool Finish(std::int32_t top, std::int32_t bottom);
+    bool Finish() { return Finish(0, height_); }
+
+private:
+    bool usable_ = false;
+    std::int32_t width_, height_;
+    std::size_t stride_;
+    std::uint8_t* rows_;
+    void* context_ = nullptr; // the platform's, where it draws by itself
+    void* bitmap_ = nullptr;
+    void* previousBitmap_ = nullptr;
+    void* bits_ = nullptr;
+};
+
+} // namespace lumafold

@@ -1,0 +1,24 @@
+#include "settings/settings.h"
+
+namespace lumafold {
+namespace {
+
+constexpr SettingDescriptor kDescriptors[] = {
+#define LUMAFOLD_SETTING(key, kind, value, minimum, maximum, start, label, choices, meaning)                           \
+    {#key, SettingKind::kind, &PluginSettings::key, value, minimum, maximum, start, label, choices, meaning},
+#include "settings/descriptors.def"
+#undef LUMAFOLD_SETTING
+};
+
+} // namespace
+
+PluginSettings pluginSettings;
+
+std::span<const SettingDescriptor> SettingDescriptors() { return kDescriptors; }
+
+void ApplyCapabilities(PluginSettings& settings, std::uint32_t capabilityFlags) {
+    if ((capabilityFlags & kHostTakesSupercompression) == 0) settings.Supercompress = 0;
+    if ((capabilityFlags & kHostTakesTrueColour) == 0) settings.TransitionTruecolour = 0;
+}
+
+} // namespace lumafold

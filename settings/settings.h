@@ -1,0 +1,42 @@
+// All options under their configuration keys, with their defaults, and the table that describes them. One set for
+// the whole process; effects, colour reduction and the driver read it directly.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace lumafold {
+
+struct PluginSettings {
+#define LUMAFOLD_SETTING(key, kind, value, minimum, maximum, start, label, choices, meaning) std::uint32_t key = value;
+#include "settings/descriptors.def"
+#undef LUMAFOLD_SETTING
+};
+
+enum class SettingKind { Switch, Number, Colour, Choice, Fixed };
+
+/// Ranges bind dialogs; a settings file or a command line may hold any 32-bit number.
+struct SettingDescriptor {
+    const char* key;
+    SettingKind kind;
+    std::uint32_t PluginSettings::*value;
+    std::uint32_t defaultValue, minimum, maximum, start;
+    const char* label;
+    const char* choices;
+    const char* meaning;
+};
+
+/// The settings in force.
+extern PluginSettings pluginSettings;
+
+/// The table, in the order of the settings file.
+std::span<const SettingDescriptor> SettingDescriptors();
+
+/// Bits of a host's capability flags.
+inline constexpr std::uint32_t kHostTakesSupercompression = 1;
+inline constexpr std::uint32_t kHostTakesTrueColour = 2;
+
+/// Turns off what the host cannot take.
+void ApplyCapabilities(PluginSettings& settings, std::uint32_t capabilityFlags);
+
+} // namespace lumafold

@@ -1,0 +1,28 @@
+// What the effects blend with: a Gaussian blur, a cross-fade by one weight, a blend through a mask. Each returns a
+// new picture that the caller owns, or 0.
+#pragma once
+
+#include "image/dib.h"
+
+namespace lumafold {
+
+/// The weights of a blur of n taps, adding up to 1, each the sum of three samples; below 1 tap, 3 are used.
+/// Sigma in pixels. Empty when it could not be allocated.
+Array<double> GaussianKernel(std::int32_t taps, double sigma);
+
+/// Convolves a row of `count` three-byte pixels. Borders are renormalised by the weights that fall inside, half a
+/// level added before the division: wanted. No taps give black.
+void BlurRow(const Array<double>& kernel, const std::uint8_t* source, std::uint8_t* target, std::int32_t count);
+
+/// Radius and sigma in tenths of a pixel; the picture has 24 bits, or the blur fails. Afterwards `picture` holds
+/// itself blurred horizontally, so free it. A kernel that cannot be had gives a black picture, not a failure.
+DibHandle DibGaussianBlur(DibHandle picture, std::int32_t radius, std::int32_t sigma);
+
+/// (b x t) / 255 + (a x (255 - t)) / 255 in each channel, both quotients truncated; t from 0 (a) to 255 (b).
+DibHandle DibCrossfade(const DibHeader* a, const DibHeader* b, int t);
+DibHandle DibCrossfadeHandles(DibHandle a, DibHandle b, int t);
+
+/// White in the mask shows a, black shows b, its low byte weighs between; a one-bit mask copies whole pixels.
+DibHandle DibMaskBlend(const DibHeader* a, const DibHeader* b, const DibHeader* mask);
+
+} // namespace lumafold
