@@ -1,8 +1,7 @@
 # Shared by the scripts beside it: where things are, how they speak, how they become root.
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 cacheDir=${LUMAFOLD_CACHE:-$([ "$(id -u)" = 0 ] && echo /var/cache/lumafold || echo "${XDG_CACHE_HOME:-$HOME/.cache}/lumafold")}
 wineRoot=$cacheDir/i386-root
-winePrefix=$cacheDir/wine-prefix
 
 say() { printf '== %s\n' "$*"; }
 die() { printf 'lumafold: %s\n' "$*" >&2; exit 1; }
