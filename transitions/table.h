@@ -1,7 +1,7 @@
 // The 33 transitions, in alphabetical order of their display names. The row number is stored data and never changes.
 #pragma once
 
-#include <span>
+#include <array>
 #include <string_view>
 
 #include "transitions/context.h"
@@ -18,7 +18,10 @@ struct TransitionRow {
 };
 
 inline constexpr int kTransitionCount = 33;
-extern const TransitionRow TransitionTable[kTransitionCount];
+extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
+
+/// Whether the row's effect is there yet; one that is not fails when called.
+bool TransitionAvailable(int row);
 
 /// How many frames row `row` appends for a canvas of this size with the settings in force, the still frame
 /// included; 0 when the effect would fail.

@@ -1,0 +1,167 @@
+#include "transitions/compositing.h"
+
+#include "image/row_view.h"
+
+namespace lumafold {
+namespace {
+
+/// x / 255 for 0 <= x < 65535, in 16 bits so that eight bytes are worked on at once.
+constexpr std::uint16_t DivideBy255(std::uint16_t x) {
+    return static_cast<std::uint16_t>(static_cast<std::uint16_t>(x + 1 + (x >> 8)) >> 8);
+}
+
+/// Both quotients truncate before they are added, so two equal bytes may come out one level darker: wanted.
+constexpr std::uint8_t Mix(std::uint8_t a, std::uint8_t b, std::uint8_t shareOfB) {
+    const auto partB = static_cast<std::uint16_t>(b * shareOfB);
+    const auto partA = static_cast<std::uint16_t>(a * static_cast<std::uint8_t>(255 - shareOfB));
+    return static_cast<std::uint8_t>(DivideBy255(partB) + DivideBy255(partA));
+}
+
+PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
+    const auto channel = [=](int shift) {
+        return static_cast<unsigned>(
+            Mix(static_cast<std::uint8_t>(a >> shift), static_cast<std::uint8_t>(b >> shift), shareOfB));
+    };
+    return MakeColour(channel(0), channel(8), channel(16));
+}
+
+void MixBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b, std::uint8_t* __restrict out,
+              std::size_t bytes, std::uint8_t shareOfB) {
+    for (std::size_t i = 0; i < bytes; ++i) {
+        out[i] = Mix(a[i], b[i], shareOfB);
+    }
+}
+
+constexpr std::size_t kBlockPixels = 16;
+constexpr std::size_t kBlockBytes = kBlockPixels * 3;
+
+/// The mask's bytes weigh the very bytes they stand beside.
+void BlendBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b, const std::uint8_t* __restrict mask,
+                std::uint8_t* __restrict out) {
+    for (std::size_t i = 0; i < kBlockBytes; ++i) {
+        out[i] = Mix(b[i], a[i], mask[i]);
+    }
+}
+
+/// By the mask's red alone, for blocks that are not grey and for the end of a row.
+void BlendPixels(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+                 std::size_t bytes) {
+    for (std::size_t i = 0; i < bytes; i += 3) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            out[i + c] = Mix(b[i + c], a[i + c], mask[i + 2]);
+        }
+    }
+}
+
+/// Whether every pixel of a block has three equal channels; reads one byte beyond it.
+bool IsGrey(const std::uint8_t* block) {
+    static constexpr auto kInsidePixel = [] {
+        std::array<std::uint8_t, kBlockBytes> pattern{};
+        for (std::size_t i = 0; i < kBlockBytes; ++i) {
+            pattern[i] = i % 3 == 2 ? 0 : 0xFF;
+        }
+        return pattern;
+    }();
+    std::uint8_t differs = 0;
+    for (std::size_t i = 0; i < kBlockBytes; ++i) {
+        differs |= static_cast<std::uint8_t>((block[i] ^ block[i + 1]) & kInsidePixel[i]);
+    }
+    return differs == 0;
+}
+
+bool IsAll(const std::uint8_t* block, std::uint64_t pattern) {
+    std::uint64_t words[kBlockBytes / 8];
+    std::memcpy(words, block, kBlockBytes);
+    std::uint64_t differs = 0;
+    for (const std::uint64_t word : words) {
+        differs |= word ^ pattern;
+    }
+    return differs == 0;
+}
+
+/// Masks are mostly flat: whole blocks of one picture or the other are copied.
+void BlendRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+              std::size_t bytes) {
+    std::size_t i = 0;
+    for (; i + kBlockBytes < bytes; i += kBlockBytes) {
+        if (IsAll(mask + i, 0)) {
+            std::memcpy(out + i, b + i, kBlockBytes);
+        } else if (IsAll(mask + i, ~std::uint64_t{0})) {
+            std::memcpy(out + i, a + i, kBlockBytes);
+        } else if (IsGrey(mask + i)) {
+            BlendBytes(a + i, b + i, mask + i, out + i);
+        } else {
+            BlendPixels(a + i, b + i, mask + i, out + i, kBlockBytes);
+        }
+    }
+    BlendPixels(a + i, b + i, mask + i, out + i, bytes - i);
+}
+
+PixelValue BlendPixel(PixelValue a, PixelValue b, PixelValue mask, bool oneBit) {
+    if (oneBit) return mask == 0 ? b : a;
+    return MixColours(b, a, static_cast<std::uint8_t>(mask));
+}
+
+DibHandle NewLike(const DibHeader* a) {
+    Palette palette;
+    DibGetPalette(a, palette);
+    return DibCreate(a->biWidth, a->biHeight, &palette, 24);
+}
+
+/// A new 24-bit picture of a's size, each pixel by `pixel(x, y)`.
+template <typename Pixel>
+void ForEachPixel(DibHeader* out, Pixel pixel) {
+    for (std::int32_t y = 0; y < out->biHeight; ++y) {
+        for (std::int32_t x = 0; x < out->biWidth; ++x) {
+            DibSetPixel(out, x, y, pixel(x, y));
+        }
+    }
+}
+
+} // namespace
+
+DibHandle DibCrossfade(const DibHeader* a, const DibHeader* b, int t) {
+    OwnedDib result(NewLike(a));
+    const LockedDib out(result.Get());
+    if (!out) return 0;
+    const auto share = static_cast<std::uint8_t>(std::clamp(t, 0, 255));
+    if (Covers24(a, a->biWidth, a->biHeight) && Covers24(b, a->biWidth, a->biHeight)) {
+        const ConstRowView rowsA(a), rowsB(b);
+        const RowView rows(out.Get());
+        for (std::int32_t y = 0; y < rows.Height(); ++y) {
+            MixBytes(rowsA.Row(y), rowsB.Row(y), rows.Row(y), static_cast<std::size_t>(rows.Width()) * 3, share);
+        }
+    } else {
+        ForEachPixel(out.Get(), [=](std::int32_t x, std::int32_t y) {
+            return MixColours(DibGetPixel(a, x, y), DibGetPixel(b, x, y), share);
+        });
+    }
+    return result.Release();
+}
+
+DibHandle DibCrossfadeHandles(DibHandle a, DibHandle b, int t) {
+    const LockedDib lockedA(a), lockedB(b);
+    return lockedA && lockedB ? DibCrossfade(lockedA.Get(), lockedB.Get(), t) : 0;
+}
+
+DibHandle DibMaskBlend(const DibHeader* a, const DibHeader* b, const DibHeader* mask) {
+    OwnedDib result(NewLike(a));
+    const LockedDib out(result.Get());
+    if (!out) return 0;
+    const std::int32_t width = a->biWidth, height = a->biHeight;
+    if (Covers24(a, width, height) && Covers24(b, width, height) && Covers24(mask, width, height)) {
+        const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
+        const RowView rows(out.Get());
+        for (std::int32_t y = 0; y < height; ++y) {
+            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), static_cast<std::size_t>(width) * 3);
+        }
+    } else {
+        const bool oneBit = mask->biBitCount == 1;
+        ForEachPixel(out.Get(), [=](std::int32_t x, std::int32_t y) {
+            return BlendPixel(DibGetPixel(a, x, y), DibGetPixel(b, x, y), DibGetPixel(mask, x, y), oneBit);
+        });
+    }
+    return result.Release();
+}
+
+} // namespace lumafold

@@ -1,0 +1,24 @@
+// None: a hard cut. The still frame alone, copied pixel by pixel into a picture of its own.
+#include "transitions/effects.h"
+
+namespace lumafold {
+
+std::int64_t NoneFrames(CanvasSize) { return 1; }
+
+int None(TransitionContext& context) {
+    const LockedDib source(context.image);
+    if (!source) return 0;
+    Palette palette;
+    DibGetPalette(source.Get(), palette);
+    OwnedDib copy(DibCreate(source->biWidth, source->biHeight, &palette, source->biBitCount));
+    {
+        const LockedDib target(copy.Get());
+        if (!target) return 0;
+        DibCopyRect(target.Get(), 0, 0, source.Get(), 0, 0, source->biWidth, source->biHeight);
+    }
+    if (!FrameListAddImage(*context.frames, copy.Get(), context.pause)) return 0;
+    (void)copy.Release();
+    return 1;
+}
+
+} // namespace lumafold

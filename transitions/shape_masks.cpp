@@ -1,0 +1,44 @@
+#include "transitions/shape_masks.h"
+
+#include <cmath>
+
+namespace lumafold {
+namespace {
+
+/// The half-axes for `longer` along the longer side, in the canvas's proportions, shrunk to `percent`.
+struct HalfAxes {
+    std::int32_t x, y;
+};
+HalfAxes Proportional(std::int64_t width, std::int64_t height, std::int64_t longer, std::int64_t percent) {
+    const bool wide = height < width;
+    const std::int64_t x = wide ? longer : width * longer / height;
+    const std::int64_t y = wide ? height * longer / width : longer;
+    const std::int64_t p = std::min<std::int64_t>(percent, 100);
+    return {static_cast<std::int32_t>(x * p / 100), static_cast<std::int32_t>(y * p / 100)};
+}
+
+} // namespace
+
+DibHandle EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+    const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
+    return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
+        const auto longer = static_cast<std::int64_t>(std::ceil(0.5 * std::sqrt(static_cast<double>(w * w + h * h))));
+        const HalfAxes r = Proportional(w, h, longer, percent);
+        canvas.Ellipse(width - r.x, height - r.y, width + r.x, height + r.y);
+    });
+}
+
+DibHandle DiamondMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+    const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
+    return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
+        const HalfAxes r = Proportional(w, h, std::max(w, h), percent);
+        const ShapePoint corners[] = {{width - r.x, height},
+                                      {width, height - r.y},
+                                      {width + r.x, height},
+                                      {width, height + r.y},
+                                      {width - r.x, height}};
+        canvas.Polygon(corners);
+    });
+}
+
+} // namespace lumafold

@@ -1,0 +1,99 @@
+#include "transitions/table.h"
+
+#include "transitions/effects.h"
+
+namespace lumafold {
+namespace {
+
+/// Holds the place of an effect that is not there yet.
+int Unavailable(TransitionContext&) { return 0; }
+std::int64_t NoFrames(CanvasSize) { return 0; }
+
+struct Row {
+    const char* name;
+    EffectFunction effect;
+    FrameCounter frames;
+    std::string_view settings;
+};
+
+constexpr std::string_view kBarSettings =
+    "TransitionAlphaBarCount TransitionAlphaTileColor TransitionAlphaTileStep RandomSeed";
+constexpr std::string_view kClearBarSettings = "TransitionAlphaBarCount TransitionAlphaTileStep RandomSeed";
+constexpr std::string_view kTileSettings =
+    "TransitionAlphaTileSize TransitionAlphaTileCount TransitionAlphaTileColor TransitionAlphaTileStep RandomSeed";
+constexpr std::string_view kClearTileSettings =
+    "TransitionAlphaTileSize TransitionAlphaTileCount TransitionAlphaTileStep RandomSeed";
+constexpr std::string_view kSparkleSettings =
+    "TransitionSparkleStep TransitionSparkleSize TransitionSparkleColor RandomSeed";
+constexpr std::string_view kImplodeSettings =
+    "TransitionImplodeStep TransitionImplodeMax TransitionImplodeTrack TransitionImplodeXPos TransitionImplodeYPos "
+    "TransitionMattcolour";
+constexpr std::string_view kRasterSettings = "TransitionDiagonalRasterSize TransitionDiagonalRasterStep";
+constexpr std::string_view kQuadSettings = "TransitionQuadStepSize";
+constexpr std::string_view kBlindSettings = "TransitionRollerblindStep TransitionRollerblindShading";
+constexpr std::string_view kIrisSettings = "TransitionIrisStep TransitionIrisRadius";
+constexpr std::string_view kSlideSettings = "TransitionSoftSlideStep TransitionSoftSlideRadius";
+constexpr std::string_view kSpikeSettings = "TransitionSpikeCount TransitionSpikeStep TransitionSpikeRadius";
+constexpr std::string_view kSpiralSettings = "TransitionSpiralStep TransitionSpiralShear";
+
+constexpr Row kRows[kTransitionCount] = {
+    {"Alpha horizontal bar (opaque)", Unavailable, NoFrames, kBarSettings},
+    {"Alpha horizontal bar (transparent)", Unavailable, NoFrames, kClearBarSettings},
+    {"Alpha vertical bar (opaque)", Unavailable, NoFrames, kBarSettings},
+    {"Alpha vertical bar (transparent)", Unavailable, NoFrames, kClearBarSettings},
+    {"Alpha tile (opaque)", Unavailable, NoFrames, kTileSettings},
+    {"Alpha tile (transparent)", Unavailable, NoFrames, kClearTileSettings},
+    {"Backscatter (horizontal)", Unavailable, NoFrames, kSparkleSettings},
+    {"Backscatter (vertical)", Unavailable, NoFrames, kSparkleSettings},
+    {"Burp", Unavailable, NoFrames, kImplodeSettings},
+    {"Diagonal raster (left)", Unavailable, NoFrames, kRasterSettings},
+    {"Diagonal raster (right)", Unavailable, NoFrames, kRasterSettings},
+    {"Framework", Unavailable, NoFrames, ""},
+    {"Hurricane", Unavailable, NoFrames,
+     "TransitionMotionBlurStep TransitionMotionBlurAngle TransitionMotionBlurRadius TransitionMattcolour"},
+    {"Liquid metal", Unavailable, NoFrames,
+     "TransitionLiquidMetalStep TransitionLiquidMetalViscosity TransitionLiquidMetalCenterX "
+     "TransitionLiquidMetalCenterY"},
+    {"None", None, NoneFrames, ""},
+    {"Paintball", Unavailable, NoFrames, "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
+    {"Quad (contract)", Unavailable, NoFrames, kQuadSettings},
+    {"Quad (expand)", Unavailable, NoFrames, kQuadSettings},
+    {"Quantum singularity", Unavailable, NoFrames, kImplodeSettings},
+    {"Rollerblind (horizontal)", Unavailable, NoFrames, kBlindSettings},
+    {"Rollerblind (vertical)", Unavailable, NoFrames, kBlindSettings},
+    {"Silent movie", SilentMovie, SilentMovieFrames,
+     "TransitionSilentMovieStep TransitionSilentMovieRadius TransitionSilentMovieBackground"},
+    {"Soft iris (diamond)", SoftIrisDiamond, SoftIrisDiamondFrames, kIrisSettings},
+    {"Soft iris (ellipse)", SoftIrisEllipse, SoftIrisEllipseFrames, kIrisSettings},
+    {"Soft slide (horizontal)", Unavailable, NoFrames, kSlideSettings},
+    {"Soft slide (vertical)", Unavailable, NoFrames, kSlideSettings},
+    {"Solarize", Unavailable, NoFrames, "TransitionSolarizeStep TransitionSolarizeIntensity"},
+    {"Spikes (horizontal)", Unavailable, NoFrames, kSpikeSettings},
+    {"Spikes (vertical)", Unavailable, NoFrames, kSpikeSettings},
+    {"Spiral in", Unavailable, NoFrames, kSpiralSettings},
+    {"Spiral out", Unavailable, NoFrames, kSpiralSettings},
+    {"Submerge", Unavailable, NoFrames, "TransitionSubmergeStep TransitionSubmergeColor"},
+    {"Unplugged TV", Unavailable, NoFrames, "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
+};
+
+bool IsRow(int row) { return row >= 0 && row < kTransitionCount; }
+
+} // namespace
+
+constinit const std::array<TransitionRow, kTransitionCount> TransitionTable = [] {
+    std::array<TransitionRow, kTransitionCount> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        table[i] = {kRows[i].effect, kRows[i].name, 0};
+    }
+    return table;
+}();
+
+bool TransitionAvailable(int row) { return IsRow(row) && kRows[row].effect != Unavailable; }
+
+std::int64_t FrameCount(int row, std::int32_t width, std::int32_t height) {
+    return IsRow(row) ? kRows[row].frames({width, height}) : 0;
+}
+
+std::string_view TransitionSettings(int row) { return IsRow(row) ? kRows[row].settings : std::string_view(); }
+
+} // namespace lumafold
