@@ -49,6 +49,7 @@ private:
     bool RenderGap(std::int32_t index);
     bool ChoosePalette() const;
     bool MarkUnchanged() const;
+    bool ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib image);
     bool ReduceColours();
     bool HandOver();
     void PutBack();
@@ -188,6 +189,15 @@ bool AnimationBuild::MarkUnchanged() const {
     return !supercompress_;
 }
 
+/// Puts a picture in the place of a frame's, which is freed; on failure the list keeps the one it had.
+bool AnimationBuild::ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib image) {
+    const DibHandle replaced = std::exchange(frame.image, image.Get());
+    if (!FrameListPut(*frames_, index, frame)) return false;
+    (void)image.Release();
+    GlobalDestroy(replaced);
+    return true;
+}
+
 bool AnimationBuild::ReduceColours() {
     host_.ResetPosition();
     host_.Caption(LUMAFOLD_CAPTION_REMAPPING);
@@ -199,13 +209,7 @@ bool AnimationBuild::ReduceColours() {
         if (pluginSettings.TransitionTruecolour == 0) {
             OwnedDib reduced(pluginSettings.TransitionDither != 0 ? remapper.Dither(frame.image)
                                                                   : remapper.Remap(frame.image));
-            if (!reduced) return false;
-            const OwnedDib replaced(std::exchange(frame.image, reduced.Release()));
-            if (!FrameListPut(*frames_, i, frame)) {
-                // The list still names the old picture and frees it.
-                GlobalDestroy(std::exchange(frame.image, const_cast<OwnedDib&>(replaced).Release()));
-                return false;
-            }
+            if (!reduced || !ReplaceImage(i, frame, std::move(reduced))) return false;
         }
         std::int32_t width = 0, height = 0;
         if (!DibQuery(frame.image, &width, &height, nullptr, nullptr)) return false;

@@ -1,0 +1,45 @@
+// Pictures for tests: busy ones, in which a wrong pixel shows, and runs of one effect over two of them.
+#pragma once
+
+#include "image/frame_list.h"
+#include "settings/settings.h"
+#include "transitions/context.h"
+
+namespace lumafold::test {
+
+/// 24 bits of noise over gradients, the same for the same arguments on every platform.
+OwnedDib BusyPicture(std::int32_t width, std::int32_t height, std::uint32_t seed);
+/// Noise at any depth, with a palette of its own up to 8 bits.
+OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::uint32_t seed);
+/// One colour at 24 bits.
+OwnedDib PlainPicture(std::int32_t width, std::int32_t height, PixelValue colour);
+
+/// One row of the table over source and target, with the settings in force.
+struct EffectResult {
+    int returned = 0;
+    OwnedFrameList frames;
+
+    std::int32_t Count() { return frames->count; }
+    DibHandle Image(std::int32_t index);
+    std::int32_t Delay(std::int32_t index);
+};
+inline constexpr std::int32_t kTestPause = 77;
+inline constexpr std::int32_t kTestDelay = 9;
+void RunEffect(int row, DibHandle source, DibHandle target, EffectResult& result, std::int32_t delay = kTestDelay);
+
+/// A pixel by its definition.
+PixelValue PixelAt(DibHandle picture, std::int32_t x, std::int32_t y);
+
+/// Restores pluginSettings when it goes.
+class SettingsGuard {
+public:
+    SettingsGuard() : saved_(pluginSettings) {}
+    SettingsGuard(const SettingsGuard&) = delete;
+    SettingsGuard& operator=(const SettingsGuard&) = delete;
+    ~SettingsGuard() { pluginSettings = saved_; }
+
+private:
+    const PluginSettings saved_;
+};
+
+} // namespace lumafold::test
