@@ -1,9 +1,12 @@
 # 32-bit Windows, compiled by MinGW on Linux and run there by Wine. Doubles are SSE2 doubles, as everywhere.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
-set(CMAKE_CXX_FLAGS_INIT "-march=pentium4 -msse2 -mfpmath=sse -mstackrealign -D_WIN32_WINNT=0x0501 -D_WIN32_IE=0x0600 -DNOMINMAX")
+set(CMAKE_C_FLAGS_INIT "-march=pentium4 -msse2 -mfpmath=sse -mstackrealign -D_WIN32_WINNT=0x0501 -D_WIN32_IE=0x0600")
+set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT} -DNOMINMAX")
+set(CMAKE_RC_FLAGS_INIT "-c 65001")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run)

@@ -1,0 +1,16 @@
+// What lumafold.dll exports, by these plain names (plugin/lumafold.def). Hosts take the types from here and
+// the addresses from the loaded library.
+#pragma once
+
+#include <windows.h>
+
+#include "plugin/host_protocol.h"
+
+extern "C" {
+
+/// Remembers the module; always 1.
+BOOL WINAPI DllEntryPoint(HINSTANCE instance, DWORD reason, LPVOID reserved);
+
+/// Describes the plug-in in the host's record, which must have room for the whole notice; always 1.
+BOOL WINAPI PLUGINGetPluginParams(lumafold::PluginParams* params);
+}

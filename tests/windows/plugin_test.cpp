@@ -1,0 +1,171 @@
+// The plug-in as a host meets it: lumafold.dll loaded from beside this program and called by its exported
+// names.
+#include <algorithm>
+#include <cstring>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "lumafold_version.h"
+#include "plugin/entry_points.h"
+#include "plugin/module.h"
+
+namespace lumafold {
+namespace {
+
+class Library {
+public:
+    Library() : module_(LoadLibraryA("lumafold.dll")) {}
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library() {
+        if (module_ != nullptr) FreeLibrary(module_);
+    }
+    HMODULE Module() const { return module_; }
+    template <typename Function>
+    Function* Find(const char* name) const {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+    }
+
+private:
+    HMODULE module_;
+};
+
+/// The loaded image, read by the addresses its own headers give.
+class Image {
+public:
+    explicit Image(HMODULE module) : base_(reinterpret_cast<const std::uint8_t*>(module)) {}
+
+    std::set<std::string> Exports() const {
+        const auto* table = Directory<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT);
+        const auto* names = At<DWORD>(table->AddressOfNames);
+        std::set<std::string> found;
+        for (DWORD i = 0; i < table->NumberOfNames; ++i)
+            found.insert(At<char>(names[i]));
+        EXPECT_EQ(table->NumberOfFunctions, table->NumberOfNames);
+        return found;
+    }
+    std::set<std::string> Imports() const {
+        std::set<std::string> found;
+        for (const auto* library = Directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT);
+             library->Name != 0; ++library) {
+            found.insert(At<char>(library->Name));
+        }
+        return found;
+    }
+
+private:
+    template <typename T>
+    const T* At(DWORD offset) const {
+        return reinterpret_cast<const T*>(base_ + offset);
+    }
+    template <typename T>
+    const T* Directory(int entry) const {
+        const auto dos = At<IMAGE_DOS_HEADER>(0);
+        const auto headers = At<IMAGE_NT_HEADERS32>(static_cast<DWORD>(dos->e_lfanew));
+        return At<T>(headers->OptionalHeader.DataDirectory[entry].VirtualAddress);
+    }
+
+    const std::uint8_t* base_;
+};
+
+/// This process's open handles, from the system's list of all: Wine answers GetProcessHandleCount with 0.
+std::size_t OpenHandles() {
+    constexpr ULONG kHandleInformation = 16;
+    struct Entry {
+        ULONG process;
+        ULONG typeAndValue;
+        PVOID object;
+        ULONG access;
+    };
+    using Query = LONG WINAPI(ULONG, PVOID, ULONG, PULONG);
+    const auto query = reinterpret_cast<Query*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
+    std::vector<ULONG> list(1 << 20);
+    if (query(kHandleInformation, list.data(), static_cast<ULONG>(list.size() * sizeof(ULONG)), nullptr) != 0)
+        return 0;
+    const auto* entries = reinterpret_cast<const Entry*>(&list[1]);
+    // The upper half of the process field is another number on some versions.
+    return static_cast<std::size_t>(std::count_if(entries, entries + list[0], [](const Entry& entry) {
+        return static_cast<WORD>(entry.process) == static_cast<WORD>(GetCurrentProcessId());
+    }));
+}
+
+TEST(Plugin, ExportsItsEntryPointsAndNeedsOnlyTheSystem) {
+    const Library library;
+    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
+    const Image image(library.Module());
+    EXPECT_EQ(image.Exports(), (std::set<std::string>{"DllEntryPoint", "PLUGINGetPluginParams"}));
+
+    char system[MAX_PATH];
+    const UINT systemLength = GetSystemDirectoryA(system, MAX_PATH);
+    const std::set<std::string> imports = image.Imports();
+    EXPECT_FALSE(imports.empty());
+    for (const std::string& name : imports) {
+        char path[MAX_PATH] = "";
+        GetModuleFileNameA(GetModuleHandleA(name.c_str()), path, MAX_PATH);
+        EXPECT_EQ(_strnicmp(path, system, systemLength), 0) << name << " comes from " << path;
+    }
+    EXPECT_NE(FindResourceA(library.Module(), MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION), nullptr);
+}
+
+TEST(Plugin, DescribesItselfWhateverTheSize) {
+    const Library library;
+    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
+    const auto describe = library.Find<decltype(PLUGINGetPluginParams)>("PLUGINGetPluginParams");
+    ASSERT_NE(describe, nullptr);
+
+    const std::string notice = LUMAFOLD_NOTICE;
+    EXPECT_NE(notice.find("Lumafold"), std::string::npos);
+    EXPECT_EQ(notice.find_first_of("\r\n"), std::string::npos);
+    const std::size_t exact = 269 + notice.size() + 1;
+    for (const std::size_t size : {std::size_t{0}, std::size_t{10}, std::size_t{100}, std::size_t{269},
+                                   exact - 1, exact, exact + 1, exact + 100}) {
+        std::vector<char> record(exact + 164, '\x5A');
+        const auto declared = static_cast<std::uint32_t>(size);
+        std::memcpy(record.data(), &declared, 4);
+        // Cleared as far as the size says; the fields written whole; what lies between and behind them kept.
+        std::vector<char> expected = record;
+        std::memset(expected.data(), 0, size);
+        std::memcpy(expected.data(), &declared, 4);
+        std::memcpy(expected.data() + 4, "\x01\x02\x00\x00", 4);
+        std::memcpy(expected.data() + 8, "Lumafold", 9);
+        std::memcpy(expected.data() + 269, notice.c_str(), notice.size() + 1);
+
+        EXPECT_EQ(describe(reinterpret_cast<PluginParams*>(record.data())), 1);
+        EXPECT_EQ(record, expected) << "size " << size;
+    }
+}
+
+TEST(Plugin, EntryPointAnswersEveryReasonAndRemembersTheModule) {
+    const Library library;
+    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
+    const auto loaded = library.Find<decltype(DllEntryPoint)>("DllEntryPoint");
+    ASSERT_NE(loaded, nullptr);
+    for (DWORD reason = 0; reason <= 4; ++reason) {
+        EXPECT_EQ(loaded(library.Module(), reason, nullptr), 1) << "reason " << reason;
+        // The library keeps its module to itself, so the same code is asked where it can be seen.
+        SetModuleInstance(nullptr);
+        EXPECT_EQ(DllEntryPoint(library.Module(), reason, nullptr), 1);
+        EXPECT_EQ(ModuleInstance(), library.Module()) << "reason " << reason;
+    }
+}
+
+TEST(Plugin, LoadingAndUnloadingLeavesNothingBehind) {
+    const auto loadOnce = [] {
+        const Library library;
+        ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
+    };
+    loadOnce();
+    const std::size_t before = OpenHandles();
+    EXPECT_GT(before, 0U);
+    for (int i = 0; i < 50; ++i)
+        loadOnce();
+    EXPECT_EQ(OpenHandles(), before);
+    EXPECT_EQ(GetModuleHandleA("lumafold.dll"), nullptr);
+}
+
+} // namespace
+} // namespace lumafold
