@@ -1,0 +1,217 @@
+#include "image/resample.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+#include "tests/support/pictures.h"
+
+namespace lumafold::test {
+namespace {
+
+using Line = std::vector<std::array<int, 3>>;
+
+/// The definition, on one line of pixels in three channels; `beyond` pixels past the end read as white.
+Line StretchedLine(const Line& from, int percent, int beyond) {
+    const int length = static_cast<int>(from.size());
+    const int newLength = length * percent / 100;
+    const int q = percent + percent / 100 + (percent % 100 != 0);
+    Line to(static_cast<std::size_t>(newLength));
+    const auto at = [&](int i) { return i < length ? from[static_cast<std::size_t>(i)] : std::array{255, 255, 255}; };
+    to[0] = from[0];
+    for (int i = 1, previous = 0; i <= length - 1 + beyond; ++i) {
+        const int position = i * q / 100, n = position - previous;
+        for (int k = 0; k < n && previous + k < newLength; ++k) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                to[static_cast<std::size_t>(previous + k)][c] = (n - k - 1) * at(i - 1)[c] / n + (k + 1) * at(i)[c] / n;
+            }
+        }
+        if (position < newLength && i < length) to[static_cast<std::size_t>(position)] = at(i);
+        previous = position;
+    }
+    to.back() = from.back();
+    return to;
+}
+
+Line ShrunkLine(const Line& from, int percent) {
+    Line to(from.size() * static_cast<std::size_t>(percent) / 100);
+    std::size_t next = 0;
+    for (std::size_t x = 0; x < to.size(); ++x) {
+        const std::size_t end = (x + 1) * 100 / static_cast<std::size_t>(percent);
+        std::array<int, 3> sum{};
+        int taken = 0;
+        for (std::size_t i = next; i < end && i < from.size(); ++i, ++taken) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                sum[c] += from[i][c];
+            }
+        }
+        for (std::size_t c = 0; c < 3; ++c) {
+            to[x][c] = sum[c] / std::max(taken, 1);
+        }
+        next = end;
+    }
+    return to;
+}
+
+std::array<int, 3> Channels(PixelValue v) {
+    return {static_cast<int>(RedOf(v)), static_cast<int>(GreenOf(v)), static_cast<int>(BlueOf(v))};
+}
+
+void ExpectLine(const Line& expected, const std::function<PixelValue(std::int32_t)>& pixel) {
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_EQ(Channels(pixel(static_cast<std::int32_t>(i))), expected[i]) << "at " << i;
+    }
+}
+
+Line LineOf(std::int32_t length, const std::function<PixelValue(std::int32_t)>& pixel) {
+    Line line;
+    for (std::int32_t i = 0; i < length; ++i) {
+        line.push_back(Channels(pixel(i)));
+    }
+    return line;
+}
+
+TEST(Resample, PassesAreTheDefinition) {
+    struct Pass {
+        DibHandle (*run)(DibHandle, std::int32_t);
+        bool wide, stretch;
+    };
+    const Pass passes[] = {{DibStretchWidth, true, true},
+                           {DibShrinkWidth, true, false},
+                           {DibStretchHeight, false, true},
+                           {DibShrinkHeight, false, false}};
+    for (const Pass& pass : passes) {
+        for (const int percent : {1, 13, 49, 50, 51, 99, 101, 150, 200, 333}) {
+            if (pass.stretch != (percent > 100)) continue;
+            for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}}) {
+                SCOPED_TRACE(testing::Message() << width << "x" << height << (pass.wide ? " width " : " height ") << percent);
+                const OwnedDib source = BusyPicture(width, height, 3);
+                const OwnedDib result(pass.run(source.Get(), percent));
+                std::int32_t newWidth = 0, newHeight = 0;
+                ASSERT_TRUE(DibQuery(result.Get(), &newWidth, &newHeight, nullptr, nullptr));
+                EXPECT_EQ(newWidth, pass.wide ? width * percent / 100 : width);
+                EXPECT_EQ(newHeight, pass.wide ? height : height * percent / 100);
+                for (std::int32_t at = 0; at < (pass.wide ? height : width); ++at) {
+                    const auto pixelOf = [&](DibHandle dib) {
+                        return [dib, at, wide = pass.wide](std::int32_t i) {
+                            return wide ? PixelAt(dib, i, at) : PixelAt(dib, at, i);
+                        };
+                    };
+                    const Line line = LineOf(pass.wide ? width : height, pixelOf(source.Get()));
+                    // The height pass looks one pixel further than the width pass.
+                    ExpectLine(pass.stretch ? StretchedLine(line, percent, pass.wide ? 0 : 1) : ShrunkLine(line, percent),
+                               pixelOf(result.Get()));
+                }
+            }
+        }
+    }
+}
+
+TEST(Resample, KnownValues) {
+    // Doubling A, B: half of both, B, B, B.
+    const OwnedDib two(DibCreate(2, 1, nullptr, 24));
+    {
+        const LockedDib d(two.Get());
+        DibSetPixel(d.Get(), 0, 0, MakeColour(11, 40, 101));
+        DibSetPixel(d.Get(), 1, 0, MakeColour(201, 80, 3));
+    }
+    const OwnedDib four(DibStretchWidth(two.Get(), 200));
+    EXPECT_EQ(PixelAt(four.Get(), 0, 0), MakeColour(105, 60, 51));
+    EXPECT_EQ(PixelAt(four.Get(), 1, 0), MakeColour(201, 80, 3));
+    EXPECT_EQ(PixelAt(four.Get(), 3, 0), MakeColour(201, 80, 3));
+
+    // Doubled in height, a dark picture lightens just above its last row, which stays.
+    const OwnedDib dark = PlainPicture(1, 4, 0);
+    const OwnedDib tall(DibStretchHeight(dark.Get(), 200));
+    EXPECT_EQ(PixelAt(tall.Get(), 0, 5), 0U);
+    EXPECT_EQ(PixelAt(tall.Get(), 0, 6), MakeColour(127, 127, 127));
+    EXPECT_EQ(PixelAt(tall.Get(), 0, 7), 0U);
+
+    // Palette pictures scale their stored values as numbers.
+    Palette palette{};
+    const OwnedDib indexed(DibCreate(4, 1, &palette, 8));
+    {
+        const LockedDib d(indexed.Get());
+        for (std::int32_t x = 0; x < 4; ++x) {
+            DibSetPixel(d.Get(), x, 0, static_cast<PixelValue>(10 + 5 * x));
+        }
+    }
+    const OwnedDib half(DibShrinkWidth(indexed.Get(), 50));
+    EXPECT_EQ(PixelAt(half.Get(), 0, 0), 12U);
+    EXPECT_EQ(PixelAt(half.Get(), 1, 0), 22U);
+}
+
+TEST(Resample, ScaleTakesWidthFirstAndFreesWhatItMade) {
+    const OwnedDib source = BusyPicture(61, 47, 8);
+    const OwnedDib scaled(DibScale(source.Get(), 150, 50));
+    const OwnedDib wide(DibStretchWidth(source.Get(), 150));
+    const OwnedDib both(DibShrinkHeight(wide.Get(), 50));
+    for (std::int32_t y = 0; y < 23; ++y) {
+        for (std::int32_t x = 0; x < 91; ++x) {
+            ASSERT_EQ(PixelAt(scaled.Get(), x, y), PixelAt(both.Get(), x, y));
+        }
+    }
+    const OwnedDib copy(DibScale(source.Get(), 100, 100));
+    EXPECT_EQ(PixelAt(copy.Get(), 60, 46), PixelAt(source.Get(), 60, 46));
+
+    const std::int64_t blocks = allocation_hooks::LiveBlocks();
+    for (int n = 1; n <= 2; ++n) {
+        allocation_hooks::FailNth(n);
+        EXPECT_EQ(DibScale(source.Get(), 150, 50), 0U);
+        allocation_hooks::FailNth(0);
+        EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
+    }
+    EXPECT_EQ(DibScale(source.Get(), 0x7FFFFFFF, 100), 0U);
+    EXPECT_EQ(DibScale(source.Get(), 0, -5), 0U);
+    EXPECT_EQ(DibScale(0, 50, 50), 0U);
+}
+
+TEST(Resample, TrueColourTakesThePalette) {
+    for (const int bits : {1, 4, 8, 24}) {
+        const OwnedDib source = NoisePicture(33, 5, bits, 9);
+        const OwnedDib colour(DibToTrueColour(source.Get()));
+        Palette palette;
+        int depth = 0;
+        ASSERT_TRUE(DibQuery(source.Get(), nullptr, nullptr, nullptr, &palette));
+        ASSERT_TRUE(DibQuery(colour.Get(), nullptr, nullptr, &depth, nullptr));
+        EXPECT_EQ(depth, 24);
+        for (std::int32_t y = 0; y < 5; ++y) {
+            for (std::int32_t x = 0; x < 33; ++x) {
+                const PixelValue v = PixelAt(source.Get(), x, y);
+                const Rgb entry = palette[v & 0xFF];
+                ASSERT_EQ(PixelAt(colour.Get(), x, y), bits == 24 ? v : MakeColour(entry.red, entry.green, entry.blue));
+            }
+        }
+    }
+}
+
+TEST(Resample, CropPaintsTheOutside) {
+    for (const int bits : {1, 4, 8, 24}) {
+        const OwnedDib source = NoisePicture(7, 5, bits, 4);
+        for (const Rect rect : {Rect{-2, -2, 9, 8}, Rect{1, 1, 5, 4}, Rect{3, 2, 40, 3}, Rect{-9, -9, -3, -3}}) {
+            for (const PixelValue fill : {0U, 1U}) {
+                const OwnedDib cut(DibCropRect(source.Get(), rect, fill));
+                for (std::int32_t y = 0; y < RectHeight(&rect); ++y) {
+                    for (std::int32_t x = 0; x < RectWidth(&rect); ++x) {
+                        const PixelValue v = PixelAt(source.Get(), rect.left + x, rect.top + y);
+                        ASSERT_EQ(PixelAt(cut.Get(), x, y), v == kNoPixel ? fill : v);
+                    }
+                }
+            }
+        }
+        EXPECT_EQ(DibCropRect(source.Get(), {5, 0, 4, 1}, 0), 0U);
+        EXPECT_EQ(DibCropRect(source.Get(), {INT32_MIN, 0, INT32_MAX, 1}, 0), 0U);
+    }
+}
+
+TEST(Resample, FitsIntoABoxWithoutEnlarging) {
+    EXPECT_EQ(FitPercent(1000, 100, 288, 88), 28);
+    EXPECT_EQ(FitPercent(50, 20, 288, 88), 100);
+    EXPECT_EQ(FitPercent(100, 400, 288, 88), 22);
+    EXPECT_EQ(FitOffset(288, 279), 4);
+    EXPECT_EQ(FitOffset(88, 100), 0);
+}
+
+} // namespace
+} // namespace lumafold::test
