@@ -30,7 +30,8 @@ public:
     ~AnimationBuild() { PutBack(); }
 
     bool Run() {
-        BuildFixedPalette(&palette_, &paletteBits_, static_cast<std::int32_t>(pluginSettings.TransitionPalette));
+        BuildFixedPalette(&palette_, &paletteBits_,
+                          static_cast<std::int32_t>(pluginSettings.TransitionPalette));
         if (!CountEntries() || !MeasureCanvas() || !PlaceImages() || !RenderGaps() || !ChoosePalette() ||
             !MarkUnchanged() || !ReduceColours()) {
             ShowMessage(window_, LUMAFOLD_TEXT_MEMORY_ERROR);

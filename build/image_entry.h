@@ -1,5 +1,5 @@
-// The record behind each line of the image list. A TransitionContext is a copy of one: the second picture is the
-// context's `image`, the reserved bytes are its work fields, the tail its list of frames and its window.
+// The record behind each line of the image list. A TransitionContext is a copy of one: the second picture is
+// the context's `image`, the reserved bytes are its work fields, the tail its list of frames and its window.
 #pragma once
 
 #include "transitions/context.h"

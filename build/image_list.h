@@ -1,5 +1,5 @@
-// The image list as the driver sees it: entries by number, one temporary line, and what stands in the dialog's
-// controls. The list box implements it, and so does any host that keeps its list in memory.
+// The image list as the driver sees it: entries by number, one temporary line, and what stands in the
+// dialog's controls. The list box implements it, and so does any host that keeps its list in memory.
 #pragma once
 
 #include "build/image_entry.h"
@@ -17,8 +17,8 @@ public:
     /// Copy a whole record out or in; false when the line has none or it cannot be locked.
     virtual bool Read(std::int32_t index, ImageEntry& entry) = 0;
     virtual bool Write(std::int32_t index, const ImageEntry& entry) = 0;
-    /// Adds a line with the text " ", which comes first, for an entry in a block of its own. The list owns the
-    /// block on success.
+    /// Adds a line with the text " ", which comes first, for an entry in a block of its own. The list owns
+    /// the block on success.
     virtual bool AddTemporary(GlobalHandle entry) = 0;
     /// Deletes the first line and its block, not the entry's pictures.
     virtual void DeleteFirst() = 0;

@@ -47,7 +47,8 @@ DibHandle DibCreate(std::int32_t width, std::int32_t height, const Palette* pale
     const auto colours = static_cast<std::uint16_t>(1U << (bits % 32));
     if (width < 0 || height < 0) return 0;
     constexpr std::uint64_t kMostBytes = 0x7FFFFFFF;
-    const std::uint64_t stride = (static_cast<std::uint64_t>(bits) * static_cast<std::uint32_t>(width) + 31) / 32 * 4;
+    const std::uint64_t stride =
+        (static_cast<std::uint64_t>(bits) * static_cast<std::uint32_t>(width) + 31) / 32 * 4;
     if (height != 0 && stride > kMostBytes / static_cast<std::uint32_t>(height)) return 0;
     const std::uint64_t imageBytes = stride * static_cast<std::uint32_t>(height);
     const std::uint64_t bytes = sizeof(DibHeader) + colours * std::uint64_t{4} + imageBytes;
@@ -58,9 +59,19 @@ DibHandle DibCreate(std::int32_t width, std::int32_t height, const Palette* pale
     {
         const LockedDib header(dib.Get());
         if (!header) return 0;
-        *header.Get() = {sizeof(DibHeader), width, height, 1, static_cast<std::uint16_t>(bits), 0,
-                         static_cast<std::uint32_t>(imageBytes), 0, 0, colours, colours};
-        // At 32 bits the one entry lands on the first stored pixel: wanted, as hosts have always been given it.
+        *header.Get() = {sizeof(DibHeader),
+                         width,
+                         height,
+                         1,
+                         static_cast<std::uint16_t>(bits),
+                         0,
+                         static_cast<std::uint32_t>(imageBytes),
+                         0,
+                         0,
+                         colours,
+                         colours};
+        // At 32 bits the one entry lands on the first stored pixel: wanted, as hosts have always been given
+        // it.
         if (palette != nullptr) {
             auto* table = reinterpret_cast<std::uint8_t*>(header.Get()) + sizeof(DibHeader);
             for (std::size_t i = 0; i < colours; ++i, table += 4) {
@@ -99,12 +110,20 @@ PixelValue DibGetPixel(const DibHeader* dib, std::int32_t x, std::int32_t y) {
     const std::uint8_t* row = RowAddress(dib, y);
     const auto column = static_cast<std::size_t>(x);
     switch (dib->biBitCount) {
-    case 1: return (row[column / 8] & kBitMasks[column % 8]) != 0 ? 1 : 0;
-    case 4: return column % 2 == 0 ? row[column / 2] >> 4 : row[column / 2] & 0x0F;
-    case 8: return row[column];
-    case 24: row += column * 3; return MakeColour(row[2], row[1], row[0]);
-    case 32: row += column * 4; return MakeColour(row[2], row[1], row[0]) | static_cast<PixelValue>(row[3]) << 24;
-    default: return kNoPixel;
+    case 1:
+        return (row[column / 8] & kBitMasks[column % 8]) != 0 ? 1 : 0;
+    case 4:
+        return column % 2 == 0 ? row[column / 2] >> 4 : row[column / 2] & 0x0F;
+    case 8:
+        return row[column];
+    case 24:
+        row += column * 3;
+        return MakeColour(row[2], row[1], row[0]);
+    case 32:
+        row += column * 4;
+        return MakeColour(row[2], row[1], row[0]) | static_cast<PixelValue>(row[3]) << 24;
+    default:
+        return kNoPixel;
     }
 }
 
@@ -125,15 +144,20 @@ void DibSetPixel(DibHeader* dib, std::int32_t x, std::int32_t y, PixelValue valu
                                                          : (byte & 0xF0) | (value & 0x0F));
         break;
     }
-    case 8: row[column] = static_cast<std::uint8_t>(value); break;
-    case 32: row[column * 4 + 3] = static_cast<std::uint8_t>(value >> 24); [[fallthrough]];
+    case 8:
+        row[column] = static_cast<std::uint8_t>(value);
+        break;
+    case 32:
+        row[column * 4 + 3] = static_cast<std::uint8_t>(value >> 24);
+        [[fallthrough]];
     case 24:
         row += column * (dib->biBitCount / 8U);
         row[0] = static_cast<std::uint8_t>(BlueOf(value));
         row[1] = static_cast<std::uint8_t>(GreenOf(value));
         row[2] = static_cast<std::uint8_t>(RedOf(value));
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -142,26 +166,30 @@ void DibCopyRect(DibHeader* target, std::int32_t targetX, std::int32_t targetY, 
     const Span columns = Clip(width, targetX, target->biWidth, sourceX, source->biWidth);
     const Span rows = Clip(height, targetY, target->biHeight, sourceY, source->biHeight);
     if (columns.from >= columns.to || rows.from >= rows.to) return;
-    const auto at = [](std::int32_t base, std::int64_t offset) { return static_cast<std::int32_t>(base + offset); };
+    const auto at = [](std::int32_t base, std::int64_t offset) {
+        return static_cast<std::int32_t>(base + offset);
+    };
 
     const int bits = target->biBitCount;
-    // Whole rows in one piece; not at 32 bits, where a white pixel may read as none, and not within one picture,
-    // where the order of the pixels shows.
+    // Whole rows in one piece; not at 32 bits, where a white pixel may read as none, and not within one
+    // picture, where the order of the pixels shows.
     if (bits == source->biBitCount && (bits == 8 || bits == 24) && target != source) {
         const auto pixelBytes = static_cast<std::size_t>(bits / 8);
         const RowView to(target);
         const ConstRowView from(source);
         const std::size_t bytes = static_cast<std::size_t>(columns.to - columns.from) * pixelBytes;
         for (std::int64_t r = rows.from; r < rows.to; ++r) {
-            std::memcpy(to.Row(at(targetY, r)) + static_cast<std::size_t>(targetX + columns.from) * pixelBytes,
-                        from.Row(at(sourceY, r)) + static_cast<std::size_t>(sourceX + columns.from) * pixelBytes,
-                        bytes);
+            std::memcpy(
+                to.Row(at(targetY, r)) + static_cast<std::size_t>(targetX + columns.from) * pixelBytes,
+                from.Row(at(sourceY, r)) + static_cast<std::size_t>(sourceX + columns.from) * pixelBytes,
+                bytes);
         }
         return;
     }
     for (std::int64_t r = rows.from; r < rows.to; ++r) {
         for (std::int64_t c = columns.from; c < columns.to; ++c) {
-            DibSetPixel(target, at(targetX, c), at(targetY, r), DibGetPixel(source, at(sourceX, c), at(sourceY, r)));
+            DibSetPixel(target, at(targetX, c), at(targetY, r),
+                        DibGetPixel(source, at(sourceX, c), at(sourceY, r)));
         }
     }
 }

@@ -1,6 +1,7 @@
-// The picture: a packed device-independent bitmap in one movable block. Header, colour table of 2^bits entries up
-// to 8 bits, then bottom-up rows padded to four bytes. Picture coordinates are top-down. DibGetPixel and
-// DibSetPixel define every result; whole-picture loops over 24-bit pixels go through image/row_view.h.
+// The picture: a packed device-independent bitmap in one movable block. Header, colour table of 2^bits
+// entries up to 8 bits, then bottom-up rows padded to four bytes. Picture coordinates are top-down.
+// DibGetPixel and DibSetPixel define every result; whole-picture loops over 24-bit pixels go through
+// image/row_view.h.
 #pragma once
 
 #include <algorithm>
@@ -73,8 +74,9 @@ constexpr std::size_t DibRowsOffset(const DibHeader& header) {
     return header.biSize + (header.biBitCount < 9 ? std::size_t{4} << header.biBitCount : 0);
 }
 
-/// A new picture of all-zero pixels, or 0: out of memory, a negative side, or more bytes than a block can have
-/// (every product of sizes in the engine is safe because it is checked here). `palette` null leaves the table black.
+/// A new picture of all-zero pixels, or 0: out of memory, a negative side, or more bytes than a block can
+/// have (every product of sizes in the engine is safe because it is checked here). `palette` null leaves the
+/// table black.
 DibHandle DibCreate(std::int32_t width, std::int32_t height, const Palette* palette, int bits);
 
 /// Fills all 256 entries, those beyond the table with zero. The number of colours, 0 above 8 bits.
@@ -86,7 +88,8 @@ bool DibQuery(DibHandle dib, std::int32_t* width, std::int32_t* height, int* bit
 PixelValue DibGetPixel(const DibHeader* dib, std::int32_t x, std::int32_t y);
 void DibSetPixel(DibHeader* dib, std::int32_t x, std::int32_t y, PixelValue value);
 
-/// Copies raw values pixel by pixel, clipped by the accessors' own rule; depths and palettes are expected to agree.
+/// Copies raw values pixel by pixel, clipped by the accessors' own rule; depths and palettes are expected to
+/// agree.
 void DibCopyRect(DibHeader* target, std::int32_t targetX, std::int32_t targetY, const DibHeader* source,
                  std::int32_t sourceX, std::int32_t sourceY, std::int32_t width, std::int32_t height);
 

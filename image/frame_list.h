@@ -1,5 +1,5 @@
-// The frames of a build, in order: a growable array of records in one movable block. The list owns every picture
-// in it; effects append, colour reduction rewrites in place, the hand-over to the host reads.
+// The frames of a build, in order: a growable array of records in one movable block. The list owns every
+// picture in it; effects append, colour reduction rewrites in place, the hand-over to the host reads.
 #pragma once
 
 #include "image/dib.h"

@@ -26,8 +26,9 @@ public:
     }
     void Set(std::int64_t index, const Value& value) {
         if (value.none) return;
-        const PixelValue v = MakeColour(static_cast<unsigned>(value.channels[0]), static_cast<unsigned>(value.channels[1]),
-                                        static_cast<unsigned>(value.channels[2]));
+        const PixelValue v =
+            MakeColour(static_cast<unsigned>(value.channels[0]), static_cast<unsigned>(value.channels[1]),
+                       static_cast<unsigned>(value.channels[2]));
         const auto i = static_cast<std::int32_t>(index);
         if (axis_ == Axis::Width) {
             DibSetPixel(dib_, i, at_, v);
@@ -50,7 +51,8 @@ private:
     std::int32_t at_;
 };
 
-/// The same for pictures of 2 to 8 bits, whose stored values are treated as numbers; no pixel is the number -1.
+/// The same for pictures of 2 to 8 bits, whose stored values are treated as numbers; no pixel is the number
+/// -1.
 class ValueLine {
 public:
     using Value = std::int64_t;
@@ -61,7 +63,8 @@ public:
 
     Value Get(std::int64_t index) const {
         const auto i = static_cast<std::int32_t>(index);
-        return static_cast<std::int32_t>(axis_ == Axis::Width ? DibGetPixel(dib_, i, at_) : DibGetPixel(dib_, at_, i));
+        return static_cast<std::int32_t>(axis_ == Axis::Width ? DibGetPixel(dib_, i, at_)
+                                                              : DibGetPixel(dib_, at_, i));
     }
     void Set(std::int64_t index, Value value) {
         const auto i = static_cast<std::int32_t>(index);
@@ -96,7 +99,8 @@ public:
         const BasicRowView<const std::uint8_t, const DibHeader> rows(dib);
         length_ = axis == Axis::Width ? rows.Width() : rows.Height();
         step_ = axis == Axis::Width ? 3 : -rows.Stride();
-        first_ = const_cast<std::uint8_t*>(axis == Axis::Width ? rows.Row(at) : rows.Row(0) + std::ptrdiff_t{3} * at);
+        first_ = const_cast<std::uint8_t*>(axis == Axis::Width ? rows.Row(at)
+                                                               : rows.Row(0) + std::ptrdiff_t{3} * at);
     }
 
     Value Get(std::int64_t index) const {
@@ -124,11 +128,11 @@ private:
     std::uint8_t* first_;
 };
 
-/// Linear interpolation of one line. The height pass looks one pixel beyond the source and so ramps towards white
-/// there; the width pass does not. Wanted.
+/// Linear interpolation of one line. The height pass looks one pixel beyond the source and so ramps towards
+/// white there; the width pass does not. Wanted.
 template <typename Line>
-void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent,
-                 Axis axis) {
+void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength,
+                 std::int64_t percent, Axis axis) {
     if (length < 1 || newLength < 1) return;
     const std::int64_t inflated = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
     to.Set(0, from.Get(0));
@@ -152,14 +156,16 @@ void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t n
 
 /// Box average of one line.
 template <typename Line>
-void ShrinkLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent, Axis) {
+void ShrinkLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent,
+                Axis) {
     std::int64_t previous = 0;
     for (std::int64_t x = 0; x < newLength; ++x) {
         const std::int64_t end = (x + 1) * 100 / percent;
         typename Line::Value sum{};
         std::int64_t taken = 0;
         for (; taken < end - previous && previous + taken < length; ++taken) {
-            sum = Line::Combine(sum, from.Get(previous + taken), [](std::int64_t s, std::int64_t v) { return s + v; });
+            sum = Line::Combine(sum, from.Get(previous + taken),
+                                [](std::int64_t s, std::int64_t v) { return s + v; });
         }
         const std::int64_t count = taken == 0 ? 1 : taken;
         to.Set(x, Line::Combine(sum, sum, [count](std::int64_t s, std::int64_t) { return s / count; }));
@@ -187,7 +193,8 @@ void RunPass(Pass pass, Axis axis, const DibHeader* source, DibHeader* target, s
     }
 }
 
-/// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the time.
+/// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the
+/// time.
 void HalveWidth(const DibHeader* source, DibHeader* target) {
     const ConstRowView from(source);
     const RowView to(target);
@@ -226,7 +233,8 @@ DibHandle Resample(DibHandle sourceHandle, std::int32_t percent, Pass pass, Axis
     const int bits = source->biBitCount;
     Palette palette;
     DibGetPalette(source.Get(), palette);
-    OwnedDib result(DibCreate(wide ? newSize : source->biWidth, wide ? source->biHeight : newSize, &palette, bits));
+    OwnedDib result(
+        DibCreate(wide ? newSize : source->biWidth, wide ? source->biHeight : newSize, &palette, bits));
     const LockedDib target(result.Get());
     if (!target) return 0;
     if (bits == 24 && pass == Pass::Shrink && percent == 50) {
@@ -270,9 +278,15 @@ DibHandle DibToTrueColour(DibHandle sourceHandle) {
             const auto column = static_cast<std::size_t>(x);
             unsigned index = 0;
             switch (from.Bits()) {
-            case 1: index = (s[column / 8] >> (7 - column % 8)) & 1U; break;
-            case 4: index = column % 2 == 0 ? s[column / 2] >> 4 : s[column / 2] & 0x0FU; break;
-            default: index = s[column]; break;
+            case 1:
+                index = (s[column / 8] >> (7 - column % 8)) & 1U;
+                break;
+            case 4:
+                index = column % 2 == 0 ? s[column / 2] >> 4 : s[column / 2] & 0x0FU;
+                break;
+            default:
+                index = s[column];
+                break;
             }
             d[0] = palette[index].blue;
             d[1] = palette[index].green;
@@ -312,7 +326,8 @@ DibHandle DibCropRect(DibHandle sourceHandle, const Rect& rect, PixelValue fill)
                               source->biBitCount));
     const LockedDib target(result.Get());
     if (!target) return 0;
-    const bool inside = rect.left >= 0 && rect.top >= 0 && rect.right <= source->biWidth && rect.bottom <= source->biHeight;
+    const bool inside =
+        rect.left >= 0 && rect.top >= 0 && rect.right <= source->biWidth && rect.bottom <= source->biHeight;
     // New pixels are zero, so a fill of 0 needs no writing.
     if (!inside && fill != 0) {
         for (std::int32_t y = 0; y < target->biHeight; ++y) {
@@ -325,7 +340,8 @@ DibHandle DibCropRect(DibHandle sourceHandle, const Rect& rect, PixelValue fill)
     return result.Release();
 }
 
-std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth, std::int32_t boxHeight) {
+std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth,
+                        std::int32_t boxHeight) {
     if (width < 1 || height < 1) return 100;
     const std::int64_t percent =
         std::min(std::int64_t{boxWidth} * 100 / width, std::int64_t{boxHeight} * 100 / height);

@@ -1,5 +1,6 @@
-// Pictures in true colour, at other sizes, cut to a rectangle, shrunk into a box. Integer arithmetic throughout,
-// every division truncating. Each returns a new picture that the caller owns, or 0; the source is left alone.
+// Pictures in true colour, at other sizes, cut to a rectangle, shrunk into a box. Integer arithmetic
+// throughout, every division truncating. Each returns a new picture that the caller owns, or 0; the source is
+// left alone.
 #pragma once
 
 #include "image/dib.h"
@@ -22,7 +23,8 @@ DibHandle DibShrinkHeight(DibHandle source, std::int32_t percent);
 DibHandle DibCropRect(DibHandle source, const Rect& rect, PixelValue fill);
 
 /// The percentage that shrinks a picture into a box, 100 where it fits: pictures are never enlarged.
-std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth, std::int32_t boxHeight);
+std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth,
+                        std::int32_t boxHeight);
 /// Where a picture of `size` begins on an axis with `room`: centred, or at the start when larger.
 std::int32_t FitOffset(std::int32_t room, std::int32_t size);
 

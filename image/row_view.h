@@ -1,5 +1,5 @@
-// Rows of a picture, top-down, for loops over whole pictures. The view owns stride, bottom-up order and padding;
-// the bytes it leads to are the ones DibGetPixel and DibSetPixel would touch.
+// Rows of a picture, top-down, for loops over whole pictures. The view owns stride, bottom-up order and
+// padding; the bytes it leads to are the ones DibGetPixel and DibSetPixel would touch.
 #pragma once
 
 #include "image/dib.h"

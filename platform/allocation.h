@@ -1,5 +1,6 @@
-// Plain memory of the engine, and the counters behind every allocation it makes. An array that cannot be had is
-// a failed operation, never an exception; tests make any chosen allocation fail and look for what was not freed.
+// Plain memory of the engine, and the counters behind every allocation it makes. An array that cannot be had
+// is a failed operation, never an exception; tests make any chosen allocation fail and look for what was not
+// freed.
 #pragma once
 
 #include <cstddef>

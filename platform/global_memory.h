@@ -1,5 +1,6 @@
-// Movable memory blocks by 32-bit handle, the container of every picture, list and record. On Windows they are
-// the system's own global blocks, so a host can take them; elsewhere a handle table keeps the same contract.
+// Movable memory blocks by 32-bit handle, the container of every picture, list and record. On Windows they
+// are the system's own global blocks, so a host can take them; elsewhere a handle table keeps the same
+// contract.
 #pragma once
 
 #include "platform/allocation.h"
@@ -19,7 +20,8 @@ enum class GlobalKind : std::uint32_t {
 GlobalHandle GlobalCreate(GlobalKind kind, std::size_t bytes);
 /// Changes a block's size; new bytes are zero. The new handle, or 0, which leaves the block as it was.
 GlobalHandle GlobalResize(GlobalHandle handle, std::size_t bytes);
-/// The block's address until GlobalRelease is called as often as GlobalAcquire; null when it cannot be locked.
+/// The block's address until GlobalRelease is called as often as GlobalAcquire; null when it cannot be
+/// locked.
 void* GlobalAcquire(GlobalHandle handle);
 void GlobalRelease(GlobalHandle handle);
 /// The block's size in bytes as the platform tells it, at least what was asked for; 0 for no such block.

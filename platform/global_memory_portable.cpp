@@ -13,8 +13,8 @@ struct Slot {
     std::uint32_t nextFree;
 };
 
-// Slot 0 stays unused, since handle 0 is no block; freed slots form a list. Handles are spread by four, as odd
-// values are never handles and a stray small number is most likely none either.
+// Slot 0 stays unused, since handle 0 is no block; freed slots form a list. Handles are spread by four, as
+// odd values are never handles and a stray small number is most likely none either.
 constexpr std::uint32_t kHandleStep = 4;
 Slot* slots = nullptr;
 std::uint32_t slotCount = 0;

@@ -6,7 +6,8 @@ namespace lumafold {
 namespace {
 
 HGLOBAL System(GlobalHandle handle) {
-    return reinterpret_cast<HGLOBAL>(static_cast<std::uintptr_t>(handle)); // NOLINT(performance-no-int-to-ptr)
+    return reinterpret_cast<HGLOBAL>(
+        static_cast<std::uintptr_t>(handle)); // NOLINT(performance-no-int-to-ptr)
 }
 GlobalHandle Ours(HGLOBAL handle) {
     return static_cast<GlobalHandle>(reinterpret_cast<std::uintptr_t>(handle));

@@ -1,5 +1,5 @@
-// What the engine shows the person who waits for it: a message, and the wait cursor. The system's own by default
-// on Windows; elsewhere nothing, until a host says how it wants them shown.
+// What the engine shows the person who waits for it: a message, and the wait cursor. The system's own by
+// default on Windows; elsewhere nothing, until a host says how it wants them shown.
 #pragma once
 
 #include <cstdint>

@@ -14,23 +14,25 @@ std::intptr_t Address(const T* pointer) {
 
 } // namespace
 
-const char kDescriptiveComment[] =
-    "CREATED BY...\r\n"
-    "\r\n"
-    "This animation was created by Brackenfield' Ravelin Professional or Ravelin Motion and the Lumafold plugin.\r\n"
-    "\r\n"
-    "See\r\n"
-    "\r\n"
-    "    " LUMAFOLD_WEB_ADDRESS "\r\n"
-    "\r\n"
-    "for more information.";
+const char kDescriptiveComment[] = "CREATED BY...\r\n"
+                                   "\r\n"
+                                   "This animation was created by Brackenfield' Ravelin Professional or "
+                                   "Ravelin Motion and the Lumafold plugin.\r\n"
+                                   "\r\n"
+                                   "See\r\n"
+                                   "\r\n"
+                                   "    " LUMAFOLD_WEB_ADDRESS "\r\n"
+                                   "\r\n"
+                                   "for more information.";
 
-std::int32_t Host::Send(TaskRecord* task, HostCommand command, std::uint32_t wparam, std::intptr_t lparam) const {
+std::int32_t Host::Send(TaskRecord* task, HostCommand command, std::uint32_t wparam,
+                        std::intptr_t lparam) const {
     return callback_(task, static_cast<std::uint32_t>(command), wparam, lparam);
 }
 
 bool Host::CreateTask(TaskKind kind, TaskRecord& task) const {
-    const HostCommand command = kind == TaskKind::Test ? HostCommand::CreateTestTask : HostCommand::CreateTask;
+    const HostCommand command =
+        kind == TaskKind::Test ? HostCommand::CreateTestTask : HostCommand::CreateTask;
     return Send(nullptr, command, 0, Address(&task)) != 0;
 }
 bool Host::AddFrame(TaskRecord& task, const ImageRecord& frame) const {

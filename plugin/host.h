@@ -1,4 +1,5 @@
-// The host as the plug-in calls it: one function for each command, so that no caller spells a number or a cast.
+// The host as the plug-in calls it: one function for each command, so that no caller spells a number or a
+// cast.
 #pragma once
 
 #include "plugin/host_protocol.h"
@@ -22,7 +23,8 @@ public:
     void Position(std::int32_t position, std::int32_t total) const;
     void ResetPosition() const { Position(0, 0); }
 
-    /// Fills `names` with one path, or a folder and file names, ended by an empty string; false when cancelled.
+    /// Fills `names` with one path, or a folder and file names, ended by an empty string; false when
+    /// cancelled.
     bool ChooseFiles(WindowHandle owner, char* names) const;
     /// The pictures are the caller's; 0 when the host has none.
     DibHandle LoadPicture(const char* path) const;
@@ -31,12 +33,14 @@ public:
     bool ChooseColour(ColourRecord& record) const;
 
 private:
-    std::int32_t Send(TaskRecord* task, HostCommand command, std::uint32_t wparam, std::intptr_t lparam) const;
+    std::int32_t Send(TaskRecord* task, HostCommand command, std::uint32_t wparam,
+                      std::intptr_t lparam) const;
 
     HostCallback callback_;
 };
 
-/// Answers PLUGINGetPluginParams: zeroes as much as the host says there is, then writes name, version and notice.
+/// Answers PLUGINGetPluginParams: zeroes as much as the host says there is, then writes name, version and
+/// notice.
 void FillPluginParams(PluginParams& params);
 
 /// The comment of every built animation.

@@ -1,5 +1,6 @@
-// The records and commands exchanged with the host, byte for byte: little-endian, packed, every integer 32 bits.
-// Addresses are pointer-sized, so offsets behind one hold on the 32-bit target, where they are proved below.
+// The records and commands exchanged with the host, byte for byte: little-endian, packed, every integer 32
+// bits. Addresses are pointer-sized, so offsets behind one hold on the 32-bit target, where they are proved
+// below.
 #pragma once
 
 #include <cstddef>
@@ -69,8 +70,8 @@ struct ColourRecord {
     WindowHandle owner;
 };
 
-using HostCallback = std::int32_t(LUMAFOLD_CALL*)(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                                  std::intptr_t lparam);
+using HostCallback = std::int32_t(LUMAFOLD_CALL*)(TaskRecord* task, std::uint32_t command,
+                                                  std::uint32_t wparam, std::intptr_t lparam);
 
 struct HostContext {
     std::uint8_t unread1[8];

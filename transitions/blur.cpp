@@ -1,11 +1,13 @@
-// The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole picture work in
-// floats, sixteen bytes at once, with a bound on their error: a value too near a step to be sure of is computed
-// again by the definition, so every byte is the definition's. Grey pictures, which masks are, take one channel.
+// The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole picture work
+// in floats, sixteen bytes at once, with a bound on their error: a value too near a step to be sure of is
+// computed again by the definition, so every byte is the definition's. Grey pictures, which masks are, take
+// one channel.
 #include <cmath>
 
 #include "image/row_view.h"
 #include "platform/portable_math.h"
 #include "transitions/compositing.h"
+#include "transitions/grey.h"
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -23,7 +25,8 @@ struct Kernel {
     std::int32_t taps, half, first, last; // last not included
 
     explicit Kernel(const Array<double>& array)
-        : weights(array.data()), taps(static_cast<std::int32_t>(array.size())), half(taps / 2), first(0), last(taps) {
+        : weights(array.data()), taps(static_cast<std::int32_t>(array.size())), half(taps / 2), first(0),
+          last(taps) {
         while (first < last && weights[first] == 0) {
             ++first;
         }
@@ -43,9 +46,10 @@ TapRange TapsInside(const Kernel& kernel, std::int32_t count, std::int32_t x) {
     return {std::max(kernel.first, kernel.half - x), std::min(kernel.last, count - x + kernel.half), whole};
 }
 
-/// One byte of the result by the definition. `line` is that byte in the line's first pixel, `step` the way on.
-std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrdiff_t step, std::int32_t count,
-                       std::int32_t x) {
+/// One byte of the result by the definition. `line` is that byte in the line's first pixel, `step` the way
+/// on.
+std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrdiff_t step,
+                       std::int32_t count, std::int32_t x) {
     const TapRange range = TapsInside(kernel, count, x);
     const std::uint8_t* tap = line + step * (x - kernel.half + range.first);
     double sum = 0, used = 0;
@@ -93,12 +97,12 @@ private:
 
     unsigned SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse, float margin,
                       std::uint8_t* out) const;
-    void Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels, float* floats,
-             std::int32_t* runs) const;
+    void Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
+             float* floats, std::int32_t* runs) const;
     void Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
                std::int32_t rows, float* floats) const;
-    void PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                     std::int32_t rows) const;
+    void PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                     std::ptrdiff_t outStride, std::int32_t rows) const;
 
     Kernel kernel_;
     Array<float> floats_;
@@ -113,10 +117,10 @@ void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
     }
 }
 
-/// Sixteen neighbouring sums from floats at `taps`, a tap every `step`. A set bit of the result marks a byte that
-/// the margin leaves open.
-unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse, float margin,
-                            std::uint8_t* out) const {
+/// Sixteen neighbouring sums from floats at `taps`, a tap every `step`. A set bit of the result marks a byte
+/// that the margin leaves open.
+unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse,
+                            float margin, std::uint8_t* out) const {
     __m128 sums[4] = {_mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps()};
     const float* weight = floats_.data() + (range.first - kernel_.first);
     for (std::int32_t k = range.first; k < range.last; ++k, taps += step, ++weight) {
@@ -136,7 +140,8 @@ unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange ran
         const __m128 near = _mm_or_ps(_mm_cmplt_ps(rest, low), _mm_cmpgt_ps(rest, high));
         open |= static_cast<unsigned>(_mm_movemask_ps(near)) << (4 * j);
     }
-    const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(levels[0], levels[1]), _mm_packs_epi32(levels[2], levels[3]));
+    const __m128i bytes =
+        _mm_packus_epi16(_mm_packs_epi32(levels[0], levels[1]), _mm_packs_epi32(levels[2], levels[3]));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
     return open;
 }
@@ -193,8 +198,9 @@ void FastBlur::Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count
     }
 }
 
-bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                    std::int32_t count, std::int32_t rows, std::int32_t channels) const {
+bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                    std::ptrdiff_t outStride, std::int32_t count, std::int32_t rows,
+                    std::int32_t channels) const {
     const auto bytes = static_cast<std::size_t>(count) * static_cast<std::size_t>(channels);
     Array<float> floats(bytes + kLanes);
     Array<std::int32_t> runs(bytes);
@@ -206,8 +212,8 @@ bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_
 }
 
 /// kStrip columns, held as floats so that the window slides down within the nearest cache.
-void FastBlur::Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                     std::int32_t rows, float* floats) const {
+void FastBlur::Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                     std::ptrdiff_t outStride, std::int32_t rows, float* floats) const {
     const std::int32_t half = kernel_.half;
     const std::int32_t window = 2 * half + 1;
     const bool useRuns = flatIsIdentity_ && window < 255 && rows >= window;
@@ -255,8 +261,8 @@ void FastBlur::Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8
     }
 }
 
-bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                       std::int32_t bytes, std::int32_t rows) const {
+bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                       std::ptrdiff_t outStride, std::int32_t bytes, std::int32_t rows) const {
     Array<float> floats(static_cast<std::size_t>(rows) * kStrip);
     if (!floats) return false;
     if (bytes < kStrip) {
@@ -273,8 +279,9 @@ bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uin
 }
 
 #else
-bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                    std::int32_t count, std::int32_t rows, std::int32_t channels) const {
+bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                    std::ptrdiff_t outStride, std::int32_t count, std::int32_t rows,
+                    std::int32_t channels) const {
     for (std::int32_t y = 0; y < rows; ++y) {
         for (std::int32_t i = 0; i < count * channels; ++i) {
             out[outStride * y + i] =
@@ -284,8 +291,8 @@ bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_
     return true;
 }
 
-bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                       std::int32_t bytes, std::int32_t rows) const {
+bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
+                       std::ptrdiff_t outStride, std::int32_t bytes, std::int32_t rows) const {
     for (std::int32_t i = 0; i < bytes; ++i) {
         PlainColumn(in + i, inStride, out + i, outStride, rows);
     }
@@ -300,18 +307,6 @@ void FastBlur::PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std:
     }
 }
 
-bool IsGreyPicture(const ConstRowView& rows) {
-    for (std::int32_t y = 0; y < rows.Height(); ++y) {
-        const std::uint8_t* row = rows.Row(y);
-        unsigned differs = 0;
-        for (std::int32_t x = 0; x < rows.Width(); ++x, row += 3) {
-            differs |= static_cast<unsigned>((row[0] ^ row[1]) | (row[1] ^ row[2]));
-        }
-        if (differs != 0) return false;
-    }
-    return true;
-}
-
 /// The padding behind the pixels travels with a picture's rows.
 void CopyPadding(const RowView& from, const RowView& to) {
     const std::ptrdiff_t used = std::ptrdiff_t{3} * from.Width();
@@ -321,27 +316,12 @@ void CopyPadding(const RowView& from, const RowView& to) {
     }
 }
 
-void SpreadGrey(const std::uint8_t* plane, const RowView& rows) {
-    for (std::int32_t y = 0; y < rows.Height(); ++y) {
-        std::uint8_t* row = rows.Row(y);
-        for (std::int32_t x = 0; x < rows.Width(); ++x, row += 3) {
-            row[0] = row[1] = row[2] = *plane++;
-        }
-    }
-}
-
 bool BlurGrey(const FastBlur& blur, const RowView& source, const RowView& target) {
     const std::int32_t width = source.Width(), height = source.Height();
     const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     Array<std::uint8_t> before(pixels), after(pixels);
     if (!before || !after) return false;
-    std::uint8_t* to = before.data();
-    for (std::int32_t y = 0; y < height; ++y) {
-        const std::uint8_t* row = source.Row(y);
-        for (std::int32_t x = 0; x < width; ++x) {
-            *to++ = row[std::ptrdiff_t{3} * x];
-        }
-    }
+    GatherGrey(source, before.data());
     if (!blur.Rows(before.data(), width, after.data(), width, width, height, 1)) return false;
     SpreadGrey(after.data(), source);
     if (!blur.Columns(after.data(), width, before.data(), width, width, height)) return false;
@@ -351,7 +331,8 @@ bool BlurGrey(const FastBlur& blur, const RowView& source, const RowView& target
 
 bool BlurColour(const FastBlur& blur, const RowView& source, const RowView& target) {
     const std::int32_t width = source.Width(), height = source.Height();
-    if (!blur.Rows(source.Row(0), -source.Stride(), target.Row(0), -target.Stride(), width, height, 3)) return false;
+    if (!blur.Rows(source.Row(0), -source.Stride(), target.Row(0), -target.Stride(), width, height, 3))
+        return false;
     std::memcpy(source.Stored(), target.Stored(), source.StoredBytes());
     return blur.Columns(source.Row(0), -source.Stride(), target.Row(0), -target.Stride(), width * 3, height);
 }
@@ -364,10 +345,11 @@ Array<double> GaussianKernel(std::int32_t taps, double sigma) {
     if (!weights) return weights;
     const ExtendedPrecision precision;
     const long double spread = 18.0L * sigma * sigma;
-    // Three samples a tap, each at a third of a pixel: hence the nine in the spread. Beyond `reach` all are 0.
+    // Three samples a tap, each at a third of a pixel: hence the nine in the spread. Beyond `reach` all are
+    // 0.
     const std::int64_t half = std::int64_t{3} * taps / 2;
-    const auto reach = static_cast<std::int64_t>(
-        std::min<long double>(static_cast<long double>(half), std::sqrt(static_cast<double>(spread) * 750.0) + 1));
+    const auto reach = static_cast<std::int64_t>(std::min<long double>(
+        static_cast<long double>(half), std::sqrt(static_cast<double>(spread) * 750.0) + 1));
     for (std::int64_t i = -reach; i <= reach; ++i) {
         const long double sample = PortableExp(static_cast<long double>(-(i * i)) / spread);
         double& weight = weights[static_cast<std::size_t>((i + half) / 3)];
@@ -383,7 +365,8 @@ Array<double> GaussianKernel(std::int32_t taps, double sigma) {
     return weights;
 }
 
-void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint8_t* target, std::int32_t count) {
+void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint8_t* target,
+             std::int32_t count) {
     const Kernel kernel(weights);
     for (std::int32_t i = 0; i < count * 3; ++i) {
         target[i] = ExactByte(kernel, source + i % 3, 3, count, i / 3);
@@ -402,11 +385,11 @@ DibHandle DibGaussianBlur(DibHandle picture, std::int32_t radius, std::int32_t s
     const double reach = std::ceil(radius * 0.1);
     const double taps = 2 * reach + 1;
     // A kernel that cannot be had leaves no taps, and the passes give black.
-    const Array<double> weights = GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps),
-                                                 sigma * 0.1);
+    const Array<double> weights =
+        GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps), sigma * 0.1);
     const FastBlur blur(weights);
     if (!blur) return 0;
-    const bool grey = IsGreyPicture(ConstRowView(source.Get()));
+    const bool grey = IsGrey(ConstRowView(source.Get()));
     if (!(grey ? BlurGrey(blur, from, to) : BlurColour(blur, from, to))) return 0;
     CopyPadding(from, to);
     return result.Release();

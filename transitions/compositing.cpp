@@ -1,6 +1,7 @@
 #include "transitions/compositing.h"
 
 #include "image/row_view.h"
+#include "transitions/grey.h"
 
 namespace lumafold {
 namespace {
@@ -25,25 +26,31 @@ PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
     return MakeColour(channel(0), channel(8), channel(16));
 }
 
-void MixBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b, std::uint8_t* __restrict out,
-              std::size_t bytes, std::uint8_t shareOfB) {
+void MixBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
+              std::uint8_t* __restrict out, std::size_t bytes, std::uint8_t shareOfB) {
     for (std::size_t i = 0; i < bytes; ++i) {
         out[i] = Mix(a[i], b[i], shareOfB);
     }
 }
 
-constexpr std::size_t kBlockPixels = 16;
-constexpr std::size_t kBlockBytes = kBlockPixels * 3;
-
 /// The mask's bytes weigh the very bytes they stand beside.
-void BlendBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b, const std::uint8_t* __restrict mask,
-                std::uint8_t* __restrict out) {
+void BlendBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
+                const std::uint8_t* __restrict mask, std::uint8_t* __restrict out) {
     for (std::size_t i = 0; i < kBlockBytes; ++i) {
         out[i] = Mix(b[i], a[i], mask[i]);
     }
 }
 
-/// By the mask's red alone, for blocks that are not grey and for the end of a row.
+/// A mask that is not grey weighs by its red.
+std::array<std::uint8_t, kBlockBytes> SpreadRed(const std::uint8_t* mask) {
+    std::array<std::uint8_t, kBlockBytes> spread;
+    for (std::size_t i = 0; i < kBlockBytes; i += 3) {
+        spread[i] = spread[i + 1] = spread[i + 2] = mask[i + 2];
+    }
+    return spread;
+}
+
+/// The same, pixel by pixel, for the end of a row.
 void BlendPixels(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
                  std::size_t bytes) {
     for (std::size_t i = 0; i < bytes; i += 3) {
@@ -51,22 +58,6 @@ void BlendPixels(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_
             out[i + c] = Mix(b[i + c], a[i + c], mask[i + 2]);
         }
     }
-}
-
-/// Whether every pixel of a block has three equal channels; reads one byte beyond it.
-bool IsGrey(const std::uint8_t* block) {
-    static constexpr auto kInsidePixel = [] {
-        std::array<std::uint8_t, kBlockBytes> pattern{};
-        for (std::size_t i = 0; i < kBlockBytes; ++i) {
-            pattern[i] = i % 3 == 2 ? 0 : 0xFF;
-        }
-        return pattern;
-    }();
-    std::uint8_t differs = 0;
-    for (std::size_t i = 0; i < kBlockBytes; ++i) {
-        differs |= static_cast<std::uint8_t>((block[i] ^ block[i + 1]) & kInsidePixel[i]);
-    }
-    return differs == 0;
 }
 
 bool IsAll(const std::uint8_t* block, std::uint64_t pattern) {
@@ -88,10 +79,10 @@ void BlendRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* 
             std::memcpy(out + i, b + i, kBlockBytes);
         } else if (IsAll(mask + i, ~std::uint64_t{0})) {
             std::memcpy(out + i, a + i, kBlockBytes);
-        } else if (IsGrey(mask + i)) {
+        } else if (IsGreyBlock(mask + i)) {
             BlendBytes(a + i, b + i, mask + i, out + i);
         } else {
-            BlendPixels(a + i, b + i, mask + i, out + i, kBlockBytes);
+            BlendBytes(a + i, b + i, SpreadRed(mask + i).data(), out + i);
         }
     }
     BlendPixels(a + i, b + i, mask + i, out + i, bytes - i);
@@ -129,7 +120,8 @@ DibHandle DibCrossfade(const DibHeader* a, const DibHeader* b, int t) {
         const ConstRowView rowsA(a), rowsB(b);
         const RowView rows(out.Get());
         for (std::int32_t y = 0; y < rows.Height(); ++y) {
-            MixBytes(rowsA.Row(y), rowsB.Row(y), rows.Row(y), static_cast<std::size_t>(rows.Width()) * 3, share);
+            MixBytes(rowsA.Row(y), rowsB.Row(y), rows.Row(y), static_cast<std::size_t>(rows.Width()) * 3,
+                     share);
         }
     } else {
         ForEachPixel(out.Get(), [=](std::int32_t x, std::int32_t y) {
@@ -153,7 +145,8 @@ DibHandle DibMaskBlend(const DibHeader* a, const DibHeader* b, const DibHeader* 
         const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
         const RowView rows(out.Get());
         for (std::int32_t y = 0; y < height; ++y) {
-            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), static_cast<std::size_t>(width) * 3);
+            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y),
+                     static_cast<std::size_t>(width) * 3);
         }
     } else {
         const bool oneBit = mask->biBitCount == 1;

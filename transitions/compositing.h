@@ -1,5 +1,5 @@
-// What the effects blend with: a Gaussian blur, a cross-fade by one weight, a blend through a mask. Each returns a
-// new picture that the caller owns, or 0.
+// What the effects blend with: a Gaussian blur, a cross-fade by one weight, a blend through a mask. Each
+// returns a new picture that the caller owns, or 0.
 #pragma once
 
 #include "image/dib.h"
@@ -10,12 +10,14 @@ namespace lumafold {
 /// Sigma in pixels. Empty when it could not be allocated.
 Array<double> GaussianKernel(std::int32_t taps, double sigma);
 
-/// Convolves a row of `count` three-byte pixels. Borders are renormalised by the weights that fall inside, half a
-/// level added before the division: wanted. No taps give black.
-void BlurRow(const Array<double>& kernel, const std::uint8_t* source, std::uint8_t* target, std::int32_t count);
+/// Convolves a row of `count` three-byte pixels. Borders are renormalised by the weights that fall inside,
+/// half a level added before the division: wanted. No taps give black.
+void BlurRow(const Array<double>& kernel, const std::uint8_t* source, std::uint8_t* target,
+             std::int32_t count);
 
-/// Radius and sigma in tenths of a pixel; the picture has 24 bits, or the blur fails. Afterwards `picture` holds
-/// itself blurred horizontally, so free it. A kernel that cannot be had gives a black picture, not a failure.
+/// Radius and sigma in tenths of a pixel; the picture has 24 bits, or the blur fails. Afterwards `picture`
+/// holds itself blurred horizontally, so free it. A kernel that cannot be had gives a black picture, not a
+/// failure.
 DibHandle DibGaussianBlur(DibHandle picture, std::int32_t radius, std::int32_t sigma);
 
 /// (b x t) / 255 + (a x (255 - t)) / 255 in each channel, both quotients truncated; t from 0 (a) to 255 (b).

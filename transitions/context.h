@@ -1,5 +1,6 @@
-// What an effect is given: the list entry whose gap it fills, with the work fields the driver adds. The record has
-// the layout of an ImageEntry, of which it is a copy; addresses apart, it is the same on every platform.
+// What an effect is given: the list entry whose gap it fills, with the work fields the driver adds. The
+// record has the layout of an ImageEntry, of which it is a copy; addresses apart, it is the same on every
+// platform.
 #pragma once
 
 #include "image/frame_list.h"

@@ -1,5 +1,5 @@
-// What every effect does: append the still frame, lock both pictures, append frame after frame with the delay, and
-// leave nothing behind when it gives up. An effect opens one run and keeps its own loop in sight.
+// What every effect does: append the still frame, lock both pictures, append frame after frame with the
+// delay, and leave nothing behind when it gives up. An effect opens one run and keeps its own loop in sight.
 #pragma once
 
 #include "image/row_view.h"

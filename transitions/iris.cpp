@@ -1,5 +1,5 @@
-// Soft iris and Silent movie: a soft-edged shape opens from the middle onto the target. Silent movie first closes
-// it over the source onto a flat colour, as early films did.
+// Soft iris and Silent movie: a soft-edged shape opens from the middle onto the target. Silent movie first
+// closes it over the source onto a flat colour, as early films did.
 #include "transitions/compositing.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"
@@ -26,7 +26,8 @@ int OpenIris(TransitionContext& context, MaskFunction shape, std::int64_t step, 
     EffectRun run(context);
     if (!run || step == 0) return kEffectFailed;
     for (std::int64_t p = step; p < limit; p += step) {
-        if (!run.Emit(IrisFrame(run, shape, p, pluginSettings.TransitionIrisRadius, run.Target(), run.Source()))) {
+        if (!run.Emit(
+                IrisFrame(run, shape, p, pluginSettings.TransitionIrisRadius, run.Target(), run.Source()))) {
             return kEffectFailed;
         }
     }
@@ -74,11 +75,13 @@ int SilentMovie(TransitionContext& context) {
     if (!background) return kEffectFailed;
 
     for (std::int64_t p = 100; p > step; p -= step) {
-        if (!run.Emit(IrisFrame(run, EllipseMask, p, radius, run.Source(), background.Get()))) return kEffectFailed;
+        if (!run.Emit(IrisFrame(run, EllipseMask, p, radius, run.Source(), background.Get())))
+            return kEffectFailed;
     }
     if (!run.Emit(OwnedDib(GlobalDuplicate(flat.Get())))) return kEffectFailed;
     for (std::int64_t p = step; p < EllipseLimit(step); p += step) {
-        if (!run.Emit(IrisFrame(run, EllipseMask, p, radius, run.Target(), background.Get()))) return kEffectFailed;
+        if (!run.Emit(IrisFrame(run, EllipseMask, p, radius, run.Target(), background.Get())))
+            return kEffectFailed;
     }
     return kEffectDone;
 }

@@ -1,5 +1,5 @@
-// The generator of the effects that draw random numbers. Each seeds it with the setting when it starts, so equal
-// settings give equal animations.
+// The generator of the effects that draw random numbers. Each seeds it with the setting when it starts, so
+// equal settings give equal animations.
 #pragma once
 
 #include <cstdint>

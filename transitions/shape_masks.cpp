@@ -22,7 +22,8 @@ HalfAxes Proportional(std::int64_t width, std::int64_t height, std::int64_t long
 DibHandle EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
     const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
     return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
-        const auto longer = static_cast<std::int64_t>(std::ceil(0.5 * std::sqrt(static_cast<double>(w * w + h * h))));
+        const auto longer =
+            static_cast<std::int64_t>(std::ceil(0.5 * std::sqrt(static_cast<double>(w * w + h * h))));
         const HalfAxes r = Proportional(w, h, longer, percent);
         canvas.Ellipse(width - r.x, height - r.y, width + r.x, height + r.y);
     });

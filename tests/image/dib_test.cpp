@@ -22,8 +22,9 @@ std::vector<std::uint8_t> BytesOf(DibHandle dib) {
 
 TEST(Dib, HasThePackedLayout) {
     // requested bits, depth made, table entries, stride at 7 pixels
-    const int cases[][4] = {{0, 32, 1, 28}, {1, 1, 2, 4},  {2, 4, 16, 4},  {3, 4, 16, 4},   {5, 8, 256, 8},
-                            {8, 8, 256, 8}, {9, 24, 0, 24}, {16, 24, 0, 24}, {24, 24, 0, 24}, {25, 32, 1, 28}};
+    const int cases[][4] = {{0, 32, 1, 28},  {1, 1, 2, 4},   {2, 4, 16, 4},  {3, 4, 16, 4},
+                            {5, 8, 256, 8},  {8, 8, 256, 8}, {9, 24, 0, 24}, {16, 24, 0, 24},
+                            {24, 24, 0, 24}, {25, 32, 1, 28}};
     for (const auto& [asked, bits, colours, stride] : cases) {
         SCOPED_TRACE(asked);
         const OwnedDib dib(DibCreate(7, 3, nullptr, asked));
@@ -43,7 +44,8 @@ TEST(Dib, HasThePackedLayout) {
         const std::size_t channel = bits >= 24 ? 2 : 0; // red is the third byte
         EXPECT_NE(bytes[40 + table + 2 * static_cast<std::size_t>(stride) + channel], 0);
     }
-    for (const Size size : {Size{-1, 5}, Size{5, -1}, Size{1 << 20, 1 << 20}, Size{INT32_MAX, 1}, Size{1, INT32_MAX}}) {
+    for (const Size size :
+         {Size{-1, 5}, Size{5, -1}, Size{1 << 20, 1 << 20}, Size{INT32_MAX, 1}, Size{1, INT32_MAX}}) {
         EXPECT_EQ(DibCreate(size.width, size.height, nullptr, 24), 0U);
     }
 }
@@ -107,10 +109,15 @@ TEST(Dib, PaletteAndQuery) {
 /// Copying is pixel by pixel with the accessors' clipping, whatever the way it is done.
 TEST(Dib, CopyRectIsTheAccessors) {
     for (const int bits : kDepths) {
-        for (const auto [dx, dy, sx, sy, w, h] :
-             {std::array{0, 0, 0, 0, 61, 47}, {-3, -2, 1, 1, 20, 9}, {5, 3, -4, -6, 70, 70}, {50, 40, 3, 2, 90, 3},
-              {2, 1, 60, 46, 5, 5}, {0, 0, 0, 0, -4, 5}, {0, 0, 0, 0, 0, 0},
-              {INT32_MAX, 0, 0, 0, INT32_MAX, 1}, {0, 0, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}}) {
+        for (const auto [dx, dy, sx, sy, w, h] : {std::array{0, 0, 0, 0, 61, 47},
+                                                  {-3, -2, 1, 1, 20, 9},
+                                                  {5, 3, -4, -6, 70, 70},
+                                                  {50, 40, 3, 2, 90, 3},
+                                                  {2, 1, 60, 46, 5, 5},
+                                                  {0, 0, 0, 0, -4, 5},
+                                                  {0, 0, 0, 0, 0, 0},
+                                                  {INT32_MAX, 0, 0, 0, INT32_MAX, 1},
+                                                  {0, 0, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}}) {
             SCOPED_TRACE(testing::Message() << bits << " bits to " << dx << "," << dy);
             const OwnedDib source = NoisePicture(61, 47, bits, 1);
             const OwnedDib fast = NoisePicture(33, 29, bits, 2), plain = NoisePicture(33, 29, bits, 2);
@@ -124,7 +131,8 @@ TEST(Dib, CopyRectIsTheAccessors) {
                     if (c < 0 || c >= w || r < 0 || r >= h) continue;
                     const std::int64_t fromX = sx + c, fromY = sy + r;
                     if (fromX < 0 || fromX > 60 || fromY < 0 || fromY > 46) continue;
-                    DibSetPixel(p.Get(), x, y, DibGetPixel(s.Get(), static_cast<int>(fromX), static_cast<int>(fromY)));
+                    DibSetPixel(p.Get(), x, y,
+                                DibGetPixel(s.Get(), static_cast<int>(fromX), static_cast<int>(fromY)));
                 }
             }
             EXPECT_EQ(BytesOf(fast.Get()), BytesOf(plain.Get()));

@@ -18,13 +18,16 @@ Line StretchedLine(const Line& from, int percent, int beyond) {
     const int newLength = length * percent / 100;
     const int q = percent + percent / 100 + (percent % 100 != 0);
     Line to(static_cast<std::size_t>(newLength));
-    const auto at = [&](int i) { return i < length ? from[static_cast<std::size_t>(i)] : std::array{255, 255, 255}; };
+    const auto at = [&](int i) {
+        return i < length ? from[static_cast<std::size_t>(i)] : std::array{255, 255, 255};
+    };
     to[0] = from[0];
     for (int i = 1, previous = 0; i <= length - 1 + beyond; ++i) {
         const int position = i * q / 100, n = position - previous;
         for (int k = 0; k < n && previous + k < newLength; ++k) {
             for (std::size_t c = 0; c < 3; ++c) {
-                to[static_cast<std::size_t>(previous + k)][c] = (n - k - 1) * at(i - 1)[c] / n + (k + 1) * at(i)[c] / n;
+                to[static_cast<std::size_t>(previous + k)][c] =
+                    (n - k - 1) * at(i - 1)[c] / n + (k + 1) * at(i)[c] / n;
             }
         }
         if (position < newLength && i < length) to[static_cast<std::size_t>(position)] = at(i);
@@ -85,7 +88,8 @@ TEST(Resample, PassesAreTheDefinition) {
         for (const int percent : {1, 13, 49, 50, 51, 99, 101, 150, 200, 333}) {
             if (pass.stretch != (percent > 100)) continue;
             for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}}) {
-                SCOPED_TRACE(testing::Message() << width << "x" << height << (pass.wide ? " width " : " height ") << percent);
+                SCOPED_TRACE(testing::Message()
+                             << width << "x" << height << (pass.wide ? " width " : " height ") << percent);
                 const OwnedDib source = BusyPicture(width, height, 3);
                 const OwnedDib result(pass.run(source.Get(), percent));
                 std::int32_t newWidth = 0, newHeight = 0;
@@ -100,7 +104,8 @@ TEST(Resample, PassesAreTheDefinition) {
                     };
                     const Line line = LineOf(pass.wide ? width : height, pixelOf(source.Get()));
                     // The height pass looks one pixel further than the width pass.
-                    ExpectLine(pass.stretch ? StretchedLine(line, percent, pass.wide ? 0 : 1) : ShrunkLine(line, percent),
+                    ExpectLine(pass.stretch ? StretchedLine(line, percent, pass.wide ? 0 : 1)
+                                            : ShrunkLine(line, percent),
                                pixelOf(result.Get()));
                 }
             }
@@ -180,7 +185,8 @@ TEST(Resample, TrueColourTakesThePalette) {
             for (std::int32_t x = 0; x < 33; ++x) {
                 const PixelValue v = PixelAt(source.Get(), x, y);
                 const Rgb entry = palette[v & 0xFF];
-                ASSERT_EQ(PixelAt(colour.Get(), x, y), bits == 24 ? v : MakeColour(entry.red, entry.green, entry.blue));
+                ASSERT_EQ(PixelAt(colour.Get(), x, y),
+                          bits == 24 ? v : MakeColour(entry.red, entry.green, entry.blue));
             }
         }
     }
@@ -189,7 +195,8 @@ TEST(Resample, TrueColourTakesThePalette) {
 TEST(Resample, CropPaintsTheOutside) {
     for (const int bits : {1, 4, 8, 24}) {
         const OwnedDib source = NoisePicture(7, 5, bits, 4);
-        for (const Rect rect : {Rect{-2, -2, 9, 8}, Rect{1, 1, 5, 4}, Rect{3, 2, 40, 3}, Rect{-9, -9, -3, -3}}) {
+        for (const Rect rect :
+             {Rect{-2, -2, 9, 8}, Rect{1, 1, 5, 4}, Rect{3, 2, 40, 3}, Rect{-9, -9, -3, -3}}) {
             for (const PixelValue fill : {0U, 1U}) {
                 const OwnedDib cut(DibCropRect(source.Get(), rect, fill));
                 for (std::int32_t y = 0; y < RectHeight(&rect); ++y) {

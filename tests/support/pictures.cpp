@@ -15,8 +15,9 @@ OwnedDib BusyPicture(std::int32_t width, std::int32_t height, std::uint32_t seed
             const auto ramp = [&](std::int32_t at, std::int32_t size, unsigned shift) {
                 return static_cast<unsigned>(at * 200 / size) + ((noise >> shift) & 0x37);
             };
-            DibSetPixel(dib.Get(), x, y,
-                        MakeColour(ramp(x, width, 0), ramp(y, height, 6), ramp(width - x + y, width + height, 12)));
+            DibSetPixel(
+                dib.Get(), x, y,
+                MakeColour(ramp(x, width, 0), ramp(y, height, 6), ramp(width - x + y, width + height, 12)));
         }
     }
     return picture;
@@ -27,7 +28,8 @@ OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::ui
     Palette palette;
     for (Rgb& entry : palette) {
         const std::uint32_t v = random.Draw();
-        entry = {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8), static_cast<std::uint8_t>(v >> 16)};
+        entry = {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8),
+                 static_cast<std::uint8_t>(v >> 16)};
     }
     OwnedDib picture(DibCreate(width, height, bits <= 8 ? &palette : nullptr, bits));
     const LockedDib dib(picture.Get());

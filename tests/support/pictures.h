@@ -25,7 +25,8 @@ struct EffectResult {
 };
 inline constexpr std::int32_t kTestPause = 77;
 inline constexpr std::int32_t kTestDelay = 9;
-void RunEffect(int row, DibHandle source, DibHandle target, EffectResult& result, std::int32_t delay = kTestDelay);
+void RunEffect(int row, DibHandle source, DibHandle target, EffectResult& result,
+               std::int32_t delay = kTestDelay);
 
 /// A pixel by its definition.
 PixelValue PixelAt(DibHandle picture, std::int32_t x, std::int32_t y);

@@ -24,8 +24,9 @@ OwnedDib MaskPicture(std::int32_t width, std::int32_t height) {
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
             const int level = std::clamp((x - width / 3) * 90 + (y - height / 3) * 30, 0, 255);
-            DibSetPixel(dib.Get(), x, y, MakeColour(static_cast<unsigned>(level), static_cast<unsigned>(level),
-                                                    static_cast<unsigned>(level)));
+            DibSetPixel(dib.Get(), x, y,
+                        MakeColour(static_cast<unsigned>(level), static_cast<unsigned>(level),
+                                   static_cast<unsigned>(level)));
         }
     }
     return picture;
@@ -43,7 +44,8 @@ void ExpectEqual(DibHandle picture, DibHandle expected) {
     }
 }
 
-// --- blur -------------------------------------------------------------------------------------------------------
+// --- blur
+// -------------------------------------------------------------------------------------------------------
 
 int BlurredByte(const std::vector<double>& kernel, const std::vector<int>& line, int x) {
     const int n = static_cast<int>(kernel.size()), h = n / 2, count = static_cast<int>(line.size());
@@ -60,7 +62,8 @@ int BlurredByte(const std::vector<double>& kernel, const std::vector<int>& line,
 
 /// Every channel of every line along one axis, pixel by pixel.
 void PlainPass(const std::vector<double>& kernel, DibHeader* dib, bool wide) {
-    const std::int32_t lines = wide ? dib->biHeight : dib->biWidth, count = wide ? dib->biWidth : dib->biHeight;
+    const std::int32_t lines = wide ? dib->biHeight : dib->biWidth,
+                       count = wide ? dib->biWidth : dib->biHeight;
     for (std::int32_t at = 0; at < lines; ++at) {
         std::vector<PixelValue> result(static_cast<std::size_t>(count));
         for (int shift = 0; shift < 24; shift += 8) {
@@ -69,7 +72,8 @@ void PlainPass(const std::vector<double>& kernel, DibHeader* dib, bool wide) {
                 line.push_back((wide ? DibGetPixel(dib, i, at) : DibGetPixel(dib, at, i)) >> shift & 0xFF);
             }
             for (std::int32_t i = 0; i < count; ++i) {
-                result[static_cast<std::size_t>(i)] |= static_cast<PixelValue>(BlurredByte(kernel, line, i)) << shift;
+                result[static_cast<std::size_t>(i)] |= static_cast<PixelValue>(BlurredByte(kernel, line, i))
+                                                       << shift;
             }
         }
         for (std::int32_t i = 0; i < count; ++i) {
@@ -82,9 +86,11 @@ TEST(Compositing, BlurIsTheDefinition) {
     for (const Size size : kSizes) {
         for (const std::int32_t radius : {0, 2, 25, 32, 35, 100, 400, 2000}) {
             for (const bool mask : {false, true}) {
-                SCOPED_TRACE(testing::Message() << size.width << "x" << size.height << " radius " << radius << " mask " << mask);
+                SCOPED_TRACE(testing::Message()
+                             << size.width << "x" << size.height << " radius " << radius << " mask " << mask);
                 const std::int32_t sigma = radius == 32 ? 10 : 100;
-                OwnedDib source = mask ? MaskPicture(size.width, size.height) : BusyPicture(size.width, size.height, 4);
+                OwnedDib source =
+                    mask ? MaskPicture(size.width, size.height) : BusyPicture(size.width, size.height, 4);
                 const OwnedDib expected(GlobalDuplicate(source.Get()));
                 const OwnedDib blurred(DibGaussianBlur(source.Get(), radius, sigma));
                 const Array<double> weights =
@@ -157,7 +163,8 @@ TEST(Compositing, BlurFailsCleanly) {
     }
 }
 
-// --- cross-fade and mask blend ----------------------------------------------------------------------------------
+// --- cross-fade and mask blend
+// ----------------------------------------------------------------------------------
 
 /// Every pair of bytes, as pictures of 256 x 256 whose channels run different ways.
 struct AllPairs {
@@ -191,7 +198,8 @@ TEST(Compositing, CrossfadeOverAllPairs) {
         const LockedDib f(faded.Get());
         for (std::int32_t y = 0; y < 256; ++y) {
             for (std::int32_t x = 0; x < 256; ++x) {
-                ASSERT_EQ(DibGetPixel(f.Get(), x, y), PlainMix(DibGetPixel(a.Get(), x, y), DibGetPixel(b.Get(), x, y), t));
+                ASSERT_EQ(DibGetPixel(f.Get(), x, y),
+                          PlainMix(DibGetPixel(a.Get(), x, y), DibGetPixel(b.Get(), x, y), t));
             }
         }
     }

@@ -1,0 +1,136 @@
+// Pictures and compositing at 640x480, beside a plain copy of the same bytes and a plain byte cross-fade.
+#include <cstring>
+#include <vector>
+
+#include "bench/bench_pictures.h"
+#include "image/resample.h"
+#include "image/row_view.h"
+#include "transitions/compositing.h"
+#include "transitions/shape_masks.h"
+
+namespace lumafold::bench {
+namespace {
+
+void Memcpy(benchmark::State& state) {
+    std::vector<std::uint8_t> from(kWidth * kHeight * 3, 1), to(from.size());
+    for (auto _ : state) {
+        std::memcpy(to.data(), from.data(), from.size());
+        benchmark::DoNotOptimize(to.data());
+        benchmark::ClobberMemory();
+    }
+    CountPixels(state);
+}
+BENCHMARK(Memcpy);
+
+void PlainByteCrossfade(benchmark::State& state) {
+    std::vector<std::uint8_t> a(kWidth * kHeight * 3, 100), b(a.size(), 200), to(a.size());
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < to.size(); ++i) {
+            to[i] = static_cast<std::uint8_t>((a[i] * 77 + b[i] * 179) >> 8);
+        }
+        benchmark::DoNotOptimize(to.data());
+        benchmark::ClobberMemory();
+    }
+    CountPixels(state);
+}
+BENCHMARK(PlainByteCrossfade);
+
+void Accessors(benchmark::State& state) {
+    const OwnedDib picture = PhotoPicture(1);
+    const LockedDib dib(picture.Get());
+    for (auto _ : state) {
+        for (std::int32_t y = 0; y < kHeight; ++y) {
+            for (std::int32_t x = 0; x < kWidth; ++x) {
+                DibSetPixel(dib.Get(), x, y, DibGetPixel(dib.Get(), x, y));
+            }
+        }
+    }
+    CountPixels(state);
+}
+BENCHMARK(Accessors);
+
+void CopyRect(benchmark::State& state) {
+    const OwnedDib from = PhotoPicture(1), to = PhotoPicture(2);
+    const LockedDib source(from.Get()), target(to.Get());
+    for (auto _ : state) {
+        DibCopyRect(target.Get(), 0, 0, source.Get(), 0, 0, kWidth, kHeight);
+        benchmark::ClobberMemory();
+    }
+    CountPixels(state);
+}
+BENCHMARK(CopyRect);
+
+void Duplicate(benchmark::State& state) {
+    const OwnedDib from = PhotoPicture(1);
+    for (auto _ : state) {
+        const OwnedDib copy(GlobalDuplicate(from.Get()));
+        benchmark::DoNotOptimize(copy.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK(Duplicate);
+
+void Scale(benchmark::State& state) {
+    const auto percent = static_cast<std::int32_t>(state.range(0));
+    const OwnedDib from = PhotoPicture(1);
+    for (auto _ : state) {
+        const OwnedDib scaled(DibScale(from.Get(), percent, percent));
+        benchmark::DoNotOptimize(scaled.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK(Scale)->Arg(50)->Arg(37)->Arg(150);
+
+void Mask(benchmark::State& state) {
+    for (auto _ : state) {
+        const OwnedDib mask(EllipseMask(0, kWidth, kHeight, 60));
+        benchmark::DoNotOptimize(mask.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK(Mask);
+
+enum class Kind { Colour, GreyMask };
+void Blur(benchmark::State& state, Kind kind) {
+    const OwnedDib picture =
+        kind == Kind::Colour ? PhotoPicture(1) : OwnedDib(EllipseMask(0, kWidth, kHeight, 60));
+    for (auto _ : state) {
+        state.PauseTiming();
+        const OwnedDib source(GlobalDuplicate(picture.Get()));
+        state.ResumeTiming();
+        const OwnedDib blurred(DibGaussianBlur(source.Get(), 100, 100));
+        benchmark::DoNotOptimize(blurred.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK_CAPTURE(Blur, colour, Kind::Colour);
+BENCHMARK_CAPTURE(Blur, grey_mask, Kind::GreyMask);
+
+void Crossfade(benchmark::State& state) {
+    const OwnedDib from = PhotoPicture(1), to = PhotoPicture(2);
+    const LockedDib a(from.Get()), b(to.Get());
+    for (auto _ : state) {
+        const OwnedDib faded(DibCrossfade(a.Get(), b.Get(), 100));
+        benchmark::DoNotOptimize(faded.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK(Crossfade);
+
+void MaskBlend(benchmark::State& state, Kind kind) {
+    const OwnedDib from = PhotoPicture(1), to = PhotoPicture(2);
+    const OwnedDib sharp(EllipseMask(0, kWidth, kHeight, 60));
+    const OwnedDib soft =
+        kind == Kind::Colour ? PhotoPicture(3) : OwnedDib(DibGaussianBlur(sharp.Get(), 100, 100));
+    const LockedDib a(from.Get()), b(to.Get()), mask(soft.Get());
+    for (auto _ : state) {
+        const OwnedDib blended(DibMaskBlend(a.Get(), b.Get(), mask.Get()));
+        benchmark::DoNotOptimize(blended.Get());
+    }
+    CountPixels(state);
+}
+BENCHMARK_CAPTURE(MaskBlend, colour, Kind::Colour);
+BENCHMARK_CAPTURE(MaskBlend, grey_mask, Kind::GreyMask);
+
+} // namespace
+} // namespace lumafold::bench
