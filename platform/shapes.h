@@ -15,7 +15,8 @@ struct ShapePoint {
 };
 
 /// A black canvas of 24-bit pixels over the rows of a picture, white pen and brush in hand. Coordinates are
-/// top-down; what lies outside is clipped. Rows are stored bottom-up, 4-byte padded, `width` and `height` > 0.
+/// top-down; what lies outside is clipped. Rows are stored bottom-up, 4-byte padded, `width` and `height` >
+/// 0.
 class ShapeCanvas {
 public:
     /// `rows` stays the caller's and must outlive the canvas; it is all black afterwards (padding included).
@@ -27,15 +28,15 @@ public:
 
     explicit operator bool() const { return usable_; }
 
-    /// Right and bottom are not part of the shape.
+    /// Right and bottom are not part of the shape; a box without any pixel draws nothing.
     void FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
     /// The ellipse inside the box whose right and bottom lines are not part of it.
     void Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
     /// Even-odd interior and the outline, closed by itself. At most 128 points.
     void Polygon(std::span<const ShapePoint> points);
 
-    /// Brings what was drawn between picture rows `top` and `bottom` (not included) into `rows`; more may be drawn
-    /// afterwards. False when the platform could not.
+    /// Brings what was drawn between picture rows `top` and `bottom` (not included) into `rows`; more may be
+    /// drawn afterwards. False when the platform could not.
     bool Finish(std::int32_t top, std::int32_t bottom);
     bool Finish() { return Finish(0, height_); }
 
@@ -47,6 +48,8 @@ private:
     void* context_ = nullptr; // the platform's, where it draws by itself
     void* bitmap_ = nullptr;
     void* previousBitmap_ = nullptr;
+    void* previousBrush_ = nullptr;
+    void* previousPen_ = nullptr;
     void* bits_ = nullptr;
 };
 
