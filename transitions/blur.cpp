@@ -98,7 +98,7 @@ private:
     unsigned SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse, float margin,
                       std::uint8_t* out) const;
     void Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
-             float* floats, std::int32_t* runs) const;
+             float* floats) const;
     void Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
                std::int32_t rows, float* floats) const;
     void PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
@@ -115,6 +115,10 @@ void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) {
         floats[i] = bytes[i];
     }
+}
+
+bool AreEqual(const std::uint8_t* bytes, std::int32_t count) {
+    return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
 }
 
 /// Sixteen neighbouring sums from floats at `taps`, a tap every `step`. A set bit of the result marks a byte
@@ -147,7 +151,7 @@ unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange ran
 }
 
 void FastBlur::Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
-                   float* floats, std::int32_t* runs) const {
+                   float* floats) const {
     const auto exact = [&](std::int32_t byte) {
         out[byte] = ExactByte(kernel_, in + byte % channels, channels, count, byte / channels);
     };
@@ -168,22 +172,16 @@ void FastBlur::Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count
         return;
     }
 
-    // In one channel, how many equal bytes end here tells which windows are flat.
-    const bool useRuns = channels == 1 && flatIsIdentity_;
-    if (useRuns) {
-        runs[0] = 1;
-        for (std::int32_t i = 1; i < bytes; ++i) {
-            runs[i] = in[i] == in[i - 1] ? runs[i - 1] + 1 : 1;
-        }
-        if (runs[bytes - 1] == bytes) {
-            std::memcpy(out + begin, in + begin, static_cast<std::size_t>(end - begin));
-            return;
-        }
+    // In one channel a window of equal bytes, which masks are full of, need not be summed.
+    const bool mayCopy = channels == 1 && flatIsIdentity_;
+    if (mayCopy && AreEqual(in, bytes)) {
+        std::memcpy(out + begin, in + begin, static_cast<std::size_t>(end - begin));
+        return;
     }
     ToFloats(in, floats, bytes);
     const TapRange all{kernel_.first, kernel_.last, true};
     for (std::int32_t i = begin;;) {
-        if (useRuns && runs[i + kLanes - 1 + half] >= kLanes + 2 * half) {
+        if (mayCopy && AreEqual(in + i - half, kLanes + 2 * half)) {
             std::memcpy(out + i, in + i, kLanes);
         } else {
             const float* taps = floats + i + static_cast<std::ptrdiff_t>(channels) * (kernel_.first - half);
@@ -203,10 +201,9 @@ bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_
                     std::int32_t channels) const {
     const auto bytes = static_cast<std::size_t>(count) * static_cast<std::size_t>(channels);
     Array<float> floats(bytes + kLanes);
-    Array<std::int32_t> runs(bytes);
-    if (!floats || !runs) return false;
+    if (!floats) return false;
     for (std::int32_t y = 0; y < rows; ++y) {
-        Row(in + inStride * y, out + outStride * y, count, channels, floats.data(), runs.data());
+        Row(in + inStride * y, out + outStride * y, count, channels, floats.data());
     }
     return true;
 }
