@@ -16,9 +16,10 @@ enum class GlobalKind : std::uint32_t {
     MovableShared = 0x2042, ///< the same, shared
 };
 
-/// A zeroed block of `bytes`, or 0.
+/// A zeroed block of `bytes` (at least one), or 0.
 GlobalHandle GlobalCreate(GlobalKind kind, std::size_t bytes);
-/// Changes a block's size; new bytes are zero. The new handle, or 0, which leaves the block as it was.
+/// Changes a block's size; new bytes are zero. The new handle, or 0, which leaves the block as it was: a
+/// locked block has no new size.
 GlobalHandle GlobalResize(GlobalHandle handle, std::size_t bytes);
 /// The block's address until GlobalRelease is called as often as GlobalAcquire; null when it cannot be
 /// locked.

@@ -45,7 +45,8 @@ bool Grow() {
 GlobalHandle GlobalCreate(GlobalKind, std::size_t bytes) {
     if (!allocation_hooks::Admit()) return 0;
     if (firstFree == 0 && !Grow()) return 0;
-    auto* memory = static_cast<std::uint8_t*>(std::calloc(bytes == 0 ? 1 : bytes, 1));
+    if (bytes == 0) bytes = 1; // a block of no bytes still has an address
+    auto* memory = static_cast<std::uint8_t*>(std::calloc(bytes, 1));
     if (memory == nullptr) return 0;
     const std::uint32_t index = firstFree;
     firstFree = slots[index].nextFree;
@@ -57,7 +58,8 @@ GlobalHandle GlobalCreate(GlobalKind, std::size_t bytes) {
 GlobalHandle GlobalResize(GlobalHandle handle, std::size_t bytes) {
     Slot* slot = Find(handle);
     if (!allocation_hooks::Admit() || slot == nullptr || slot->locks != 0) return 0;
-    auto* memory = static_cast<std::uint8_t*>(std::realloc(slot->memory, bytes == 0 ? 1 : bytes));
+    if (bytes == 0) bytes = 1;
+    auto* memory = static_cast<std::uint8_t*>(std::realloc(slot->memory, bytes));
     if (memory == nullptr) return 0;
     if (bytes > slot->bytes) std::memset(memory + slot->bytes, 0, bytes - slot->bytes);
     slot->memory = memory;

@@ -1,0 +1,166 @@
+#include "platform/allocation.h"
+#include "platform/global_memory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace lumafold {
+namespace {
+
+/// Every test must end with what it began with.
+class Memory : public ::testing::Test {
+protected:
+    void TearDown() override {
+        allocation_hooks::FailNth(0);
+        EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks_);
+        EXPECT_EQ(allocation_hooks::LiveLocks(), locks_);
+    }
+
+private:
+    std::int64_t blocks_ = allocation_hooks::LiveBlocks();
+    std::int64_t locks_ = allocation_hooks::LiveLocks();
+};
+
+bool IsFilled(GlobalHandle handle, std::size_t from, std::size_t to, std::uint8_t value) {
+    const GlobalLocked<std::uint8_t> bytes(handle);
+    return bytes &&
+           std::all_of(bytes.Get() + from, bytes.Get() + to, [=](std::uint8_t b) { return b == value; });
+}
+
+bool Fill(GlobalHandle handle, std::size_t length, std::uint8_t value) {
+    const GlobalLocked<std::uint8_t> bytes(handle);
+    if (bytes) std::memset(bytes.Get(), value, length);
+    return static_cast<bool>(bytes);
+}
+
+TEST_F(Memory, BlocksAreZeroedAndGrowByZeroes) {
+    for (const std::size_t length : {std::size_t{1}, std::size_t{40}, std::size_t{100003}}) {
+        OwnedGlobal block(GlobalCreate(GlobalKind::MovableShared, length));
+        ASSERT_TRUE(block);
+        EXPECT_GE(GlobalBytes(block.Get()), length);
+        EXPECT_TRUE(IsFilled(block.Get(), 0, length, 0));
+        ASSERT_TRUE(Fill(block.Get(), length, 0x77));
+        const GlobalHandle grown = GlobalResize(block.Get(), length + 5000);
+        ASSERT_NE(grown, 0U);
+        EXPECT_EQ(block.Release(), grown) << "a movable block keeps its name";
+        block = OwnedGlobal(grown);
+        EXPECT_GE(GlobalBytes(grown), length + 5000);
+        EXPECT_TRUE(IsFilled(grown, 0, length, 0x77));
+        // The system may have rounded the block up, and then calls those bytes old ones.
+        EXPECT_TRUE(IsFilled(grown, length + 16, length + 5000, 0));
+    }
+}
+
+TEST_F(Memory, EmptyBlocksCanBeLockedAndGrown) {
+    OwnedGlobal block(GlobalCreate(GlobalKind::Movable, 0));
+    ASSERT_TRUE(block);
+    EXPECT_TRUE(GlobalLocked<std::uint8_t>(block.Get()));
+    ASSERT_EQ(GlobalResize(block.Get(), 0), block.Get());
+    ASSERT_EQ(GlobalResize(block.Get(), 40), block.Get());
+    EXPECT_TRUE(IsFilled(block.Get(), 1, 40, 0));
+}
+
+TEST_F(Memory, LockedBlocksStayWhereTheyAre) {
+    const OwnedGlobal block(GlobalCreate(GlobalKind::Movable, 64));
+    const std::int64_t locks = allocation_hooks::LiveLocks();
+    {
+        const GlobalLocked<std::uint8_t> outer(block.Get());
+        ASSERT_TRUE(outer);
+        outer.Get()[63] = 9;
+        EXPECT_EQ(GlobalResize(block.Get(), 1 << 20), 0U);
+        {
+            const GlobalLocked<std::uint8_t> inner(block.Get());
+            EXPECT_EQ(inner.Get(), outer.Get());
+            EXPECT_EQ(allocation_hooks::LiveLocks(), locks + 2);
+        }
+        EXPECT_EQ(GlobalResize(block.Get(), 1 << 20), 0U) << "one lock is left";
+        EXPECT_EQ(outer.Get()[63], 9);
+    }
+    EXPECT_EQ(GlobalResize(block.Get(), 1 << 20), block.Get());
+    EXPECT_TRUE(IsFilled(block.Get(), 63, 64, 9));
+}
+
+TEST_F(Memory, DuplicatesAreBlocksOfTheirOwn) {
+    const OwnedGlobal block(GlobalCreate(GlobalKind::MovableShared, 300));
+    ASSERT_TRUE(Fill(block.Get(), 300, 0x31));
+    const OwnedGlobal copy(GlobalDuplicate(block.Get()));
+    ASSERT_TRUE(copy);
+    EXPECT_NE(copy.Get(), block.Get());
+    ASSERT_TRUE(Fill(block.Get(), 300, 0x32));
+    EXPECT_TRUE(IsFilled(copy.Get(), 0, 300, 0x31));
+    allocation_hooks::FailNth(1);
+    EXPECT_EQ(GlobalDuplicate(block.Get()), 0U);
+    EXPECT_TRUE(allocation_hooks::HasFailed());
+}
+
+TEST_F(Memory, WhatIsNoBlockIsToldSo) {
+    EXPECT_EQ(GlobalBytes(0), 0U);
+    EXPECT_EQ(GlobalAcquire(0), nullptr);
+    EXPECT_EQ(GlobalDuplicate(0), 0U);
+    EXPECT_EQ(GlobalResize(0, 10), 0U);
+    GlobalDestroy(0);
+    EXPECT_EQ(GlobalCreate(GlobalKind::Movable, std::numeric_limits<std::size_t>::max() / 2), 0U);
+#ifndef _WIN32
+    const GlobalHandle freed = GlobalCreate(GlobalKind::Movable, 10);
+    GlobalDestroy(freed);
+    for (const GlobalHandle stray : {freed, freed + 1, GlobalHandle{1}, ~GlobalHandle{3}}) {
+        EXPECT_EQ(GlobalAcquire(stray), nullptr);
+        EXPECT_EQ(GlobalBytes(stray), 0U);
+        EXPECT_EQ(GlobalResize(stray, 10), 0U);
+        GlobalRelease(stray);
+        GlobalDestroy(stray);
+    }
+#endif
+}
+
+TEST_F(Memory, ManyBlocksKeepTheirContents) {
+    std::vector<OwnedGlobal> blocks;
+    for (std::uint32_t i = 0; i < 2000; ++i) {
+        blocks.emplace_back(GlobalCreate(GlobalKind::Movable, 1 + i % 50));
+        ASSERT_TRUE(Fill(blocks.back().Get(), 1 + i % 50, static_cast<std::uint8_t>(i)));
+        if (i % 3 == 0) blocks[i / 2] = OwnedGlobal();
+    }
+    for (std::uint32_t i = 0; i < 2000; ++i) {
+        if (!blocks[i]) continue;
+        EXPECT_TRUE(IsFilled(blocks[i].Get(), 0, 1 + i % 50, static_cast<std::uint8_t>(i))) << i;
+    }
+}
+
+TEST_F(Memory, TheNthAllocationOfAnyKindFailsOnce) {
+    const std::int64_t before = allocation_hooks::LiveBlocks();
+    for (int n = 1; n <= 4; ++n) {
+        allocation_hooks::FailNth(n);
+        const Array<int> first(10);
+        OwnedGlobal second(GlobalCreate(GlobalKind::Movable, 10));
+        const GlobalHandle third = GlobalResize(second.Get(), 20);
+        const bool succeeded[3] = {static_cast<bool>(first), static_cast<bool>(second), third != 0};
+        for (int i = 0; i < 3; ++i) {
+            const bool lacksItsBlock = i == 2 && n == 2;
+            EXPECT_EQ(succeeded[i], i + 1 != n && !lacksItsBlock) << n << ": " << i;
+        }
+        EXPECT_EQ(allocation_hooks::HasFailed(), n <= 3);
+        EXPECT_EQ(allocation_hooks::Requests(), 3);
+        EXPECT_EQ(allocation_hooks::LiveBlocks(), before + succeeded[0] + succeeded[1]);
+    }
+    EXPECT_FALSE(Array<double>(std::numeric_limits<std::size_t>::max() / 4));
+    EXPECT_FALSE(Array<std::uint8_t>(std::numeric_limits<std::size_t>::max() - 64));
+}
+
+TEST_F(Memory, ArraysAreZeroedAndMove) {
+    Array<std::uint32_t> array(1000);
+    ASSERT_EQ(array.size(), 1000U);
+    EXPECT_TRUE(std::all_of(array.begin(), array.end(), [](std::uint32_t v) { return v == 0; }));
+    array[999] = 5;
+    Array<std::uint32_t> moved(std::move(array));
+    EXPECT_EQ(moved[999], 5U);
+    array = Array<std::uint32_t>(3);
+    EXPECT_EQ(array.size(), 3U);
+    EXPECT_TRUE(Array<std::uint32_t>(0)) << "no elements is no failure";
+}
+
+} // namespace
+} // namespace lumafold
