@@ -1,0 +1,262 @@
+#include "build/build_driver.h"
+
+#include <gtest/gtest.h>
+
+#include "settings/settings.h"
+#include "tests/support/build_fixture.h"
+#include "tests/support/checksum.h"
+#include "tests/support/pictures.h"
+
+namespace lumafold::test {
+namespace {
+
+constexpr int kNone = 14, kSilentMovie = 21, kDiamond = 22, kEllipse = 23;
+
+class BuildDriver : public testing::Test {
+protected:
+    BuildDriver() {
+        pluginSettings.TransitionCustompalette = 0;
+        pluginSettings.Supercompress = 0;
+        pluginSettings.TransitionDither = 0;
+        pluginSettings.TransitionIrisStep = 20;
+    }
+    int Build(TaskKind kind = TaskKind::Build) { return BuildAnimation(list, 0, host.context, kind); }
+
+    void ExpectListAsItWas(std::int32_t count) {
+        ASSERT_EQ(list.Count(), count);
+        for (std::int32_t i = 0; i < count; ++i) {
+            ImageEntry entry;
+            ASSERT_TRUE(list.Read(i, entry));
+            EXPECT_NE(entry.image, 0U);
+            EXPECT_EQ(entry.workImage, 0U);
+            EXPECT_EQ(entry.frames, nullptr);
+        }
+    }
+
+    SettingsGuard settings;
+    RecordingHost host;
+    TestList list;
+};
+
+TEST_F(BuildDriver, SendsEveryCommandInOrder) {
+    list.Add(BusyPicture(7, 5, 1), kNone, 50, 3);
+    list.Add(BusyPicture(6, 8, 2), kNone, 60, 3);
+    ASSERT_EQ(Build(), 1);
+    const std::vector<RecordedCommand> expected = {
+        {10, 0, "Calculating"},
+        {13, 1, "2"},
+        {13, 2, "2"},
+        {10, 0, "Adjusting"},
+        {13, 1, "2"},
+        {13, 2, "2"},
+        {13, 0, "0"},
+        {10, 0, "Building"},
+        {13, 1, "2"},
+        {13, 2, "2"},
+        {13, 0, "0"},
+        {13, 0, "0"},
+        {10, 0, "Remapping"},
+        {13, 0, "2"},
+        {13, 1, "2"},
+        {13, 0, "0"},
+        {1, 0, ""},
+        {2, 0, ""},
+        {2, 0, ""},
+        {3, 0, kDescriptiveComment},
+        {4, 1, ""},
+    };
+    EXPECT_EQ(host.commands, expected);
+    EXPECT_EQ(host.task.size, 1069U);
+    EXPECT_EQ(host.task.version, 0x201U);
+    EXPECT_EQ(std::tuple(host.task.width, host.task.height), std::tuple(7, 8));
+    EXPECT_EQ(host.task.paletteBits, 8);
+    EXPECT_EQ(host.task.frameCount, 2);
+    EXPECT_EQ(host.task.palette[255], (Rgb{255, 255, 255}));
+    EXPECT_EQ(host.frames[0].delay, 50);
+    EXPECT_EQ(host.frames[1].delay, 60);
+    EXPECT_EQ(host.frames[1].index, 1);
+    EXPECT_EQ(host.frames[1].transparentIndex, -1);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(host.waitCursors, 0);
+    ExpectListAsItWas(2);
+
+    // A test build differs in one command; without the comment setting none is sent.
+    host.commands.clear();
+    pluginSettings.AddDescriptiveCommentBlock = 0;
+    ASSERT_EQ(Build(TaskKind::Test), 1);
+    EXPECT_EQ(host.commands[16], (RecordedCommand{5, 0, ""}));
+    EXPECT_EQ(host.commands.size(), expected.size() - 1);
+}
+
+TEST_F(BuildDriver, CentresPicturesOnTheMatte) {
+    pluginSettings.TransitionTruecolour = 1;
+    pluginSettings.TransitionMattcolour = 0x102030;
+    list.Add(PlainPicture(9, 3, 0xFF), kNone, 1, 1);
+    list.Add(PlainPicture(4, 8, 0xFF00), kNone, 1, 1);
+    ASSERT_EQ(Build(), 1);
+    ASSERT_EQ(host.frames.size(), 2U);
+    const auto box = [&](std::size_t frame, PixelValue colour) {
+        std::int32_t left = 99, top = 99, right = -1, bottom = -1;
+        for (std::int32_t y = 0; y < 8; ++y) {
+            for (std::int32_t x = 0; x < 9; ++x) {
+                const PixelValue pixel = PixelAt(host.frames[frame].image.Get(), x, y);
+                if (pixel != colour) {
+                    EXPECT_EQ(pixel, 0x102030U);
+                    continue;
+                }
+                left = std::min(left, x), top = std::min(top, y);
+                right = std::max(right, x), bottom = std::max(bottom, y);
+            }
+        }
+        return std::tuple(left, top, right, bottom);
+    };
+    EXPECT_EQ(box(0, 0xFF), std::tuple(0, 2, 8, 4));   // (8 - 3) / 2
+    EXPECT_EQ(box(1, 0xFF00), std::tuple(2, 0, 5, 7)); // (9 - 4) / 2
+    // True colour keeps 24 bits, but is still announced as remapping.
+    int bits = 0;
+    DibQuery(host.frames[0].image.Get(), nullptr, nullptr, &bits, nullptr);
+    EXPECT_EQ(bits, 24);
+    EXPECT_NE(std::find(host.commands.begin(), host.commands.end(), RecordedCommand{10, 0, "Remapping"}),
+              host.commands.end());
+}
+
+TEST_F(BuildDriver, OnePictureFadesToTheMatteAndBack) {
+    pluginSettings.TransitionTruecolour = 1;
+    list.Add(PlainPicture(8, 6, 0x0000FF), kEllipse, 70, 7);
+    list.defaultTransition = kDiamond;
+    ASSERT_EQ(Build(), 1);
+    // The matte's line comes first and carries the dialog's values: 1 + 4 diamond frames, then 1 + 5 of the
+    // ellipse.
+    ASSERT_EQ(host.frames.size(), 11U);
+    EXPECT_EQ(PixelAt(host.frames[0].image.Get(), 4, 3), 0xCCCCCCU);
+    EXPECT_EQ(host.frames[0].delay, 31);
+    EXPECT_EQ(host.frames[4].delay, 4);
+    EXPECT_EQ(PixelAt(host.frames[5].image.Get(), 4, 3), 0x0000FFU);
+    EXPECT_EQ(host.frames[5].delay, 70);
+    EXPECT_EQ(host.frames[10].delay, 7);
+    ExpectListAsItWas(1);
+}
+
+TEST_F(BuildDriver, FailuresTellOnceAndLeaveTheListAlone) {
+    const std::int64_t blocks = allocation_hooks::LiveBlocks();
+    EXPECT_EQ(Build(), 0); // nothing listed
+    EXPECT_EQ(host.messages, std::vector<std::string>{"Memory error"});
+    EXPECT_TRUE(host.commands.empty());
+
+    list.Add(BusyPicture(7, 5, 1), kNone, 50, 3);
+    list.refuseTemporary = true;
+    EXPECT_EQ(Build(), 0);
+    EXPECT_EQ(host.messages.size(), 2U);
+    ExpectListAsItWas(1);
+
+    list.Add(BusyPicture(7, 5, 1), 33, 50, 3); // no such row
+    EXPECT_EQ(Build(), 0);
+    EXPECT_EQ(host.messages.back(), "Memory error");
+    ExpectListAsItWas(2);
+    {
+        ImageEntry entry;
+        list.Read(1, entry);
+        entry.transition = kNone;
+        list.Write(1, entry);
+    }
+    host.messages.clear();
+    host.refuseTask = true;
+    EXPECT_EQ(Build(), 0);
+    EXPECT_EQ(host.messages, std::vector<std::string>{"Error creating new task."});
+    EXPECT_EQ(host.commands.back().command, 1U);
+    ExpectListAsItWas(2);
+
+    host.refuseTask = false;
+    host.refuseFrame = 1;
+    EXPECT_EQ(Build(), 0);
+    EXPECT_EQ(host.messages.back(), "There has been an error adding an image to the current file object.");
+    EXPECT_EQ(host.commands.back(), (RecordedCommand{4, 0, ""}));
+    EXPECT_EQ(host.waitCursors, 0);
+    ExpectListAsItWas(2);
+    host.frames.clear();
+    EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks + 4); // two lines, two pictures
+}
+
+/// Every allocation of a build fails in turn, for each way a build can go.
+TEST_F(BuildDriver, EveryFailingAllocationEndsCleanly) {
+    struct Case {
+        int pictures, transition;
+        std::uint32_t trueColour, dither;
+        int blackMasks; // kernels that cannot be had are no failure: the mask comes out black
+    };
+    for (const Case& c : {Case{1, kNone, 0, 1, 0},
+                          {2, kNone, 0, 0, 0},
+                          {2, kDiamond, 0, 1, 8},
+                          {3, kSilentMovie, 1, 0, 27}}) {
+        SCOPED_TRACE(testing::Message() << c.pictures << " pictures, row " << c.transition);
+        pluginSettings.TransitionTruecolour = c.trueColour;
+        pluginSettings.TransitionDither = c.dither;
+        pluginSettings.TransitionSilentMovieStep = 20;
+        host.keepFrames = false;
+        TestList own;
+        for (int i = 0; i < c.pictures; ++i) {
+            own.Add(NoisePicture(7 + i, 5, i == 1 ? 8 : 24, 3), c.transition, 5, 5);
+        }
+        const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
+        int points = 0, blackMasks = 0;
+        for (std::int64_t n = 1;; ++n) {
+            host.messages.clear();
+            allocation_hooks::FailNth(n);
+            const int built = BuildAnimation(own, 0, host.context, TaskKind::Build);
+            const bool failed = allocation_hooks::HasFailed();
+            allocation_hooks::FailNth(0);
+            EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks) << n;
+            EXPECT_EQ(allocation_hooks::LiveLocks(), locks) << n;
+            EXPECT_EQ(own.Count(), c.pictures);
+            EXPECT_EQ(host.waitCursors, 0);
+            if (!failed) {
+                EXPECT_EQ(built, 1);
+                break;
+            }
+            ++points;
+            if (built == 1) ++blackMasks;
+            EXPECT_EQ(host.messages.size(), built == 1 ? 0U : 1U) << n;
+            if (built == 0) {
+                EXPECT_EQ(host.messages.back(), "Memory error");
+            }
+        }
+        EXPECT_GT(points, 8);
+        EXPECT_EQ(blackMasks, c.blackMasks);
+    }
+}
+
+/// What whole builds come to, equal on every platform.
+TEST_F(BuildDriver, ChecksumsOfWholeBuilds) {
+    struct Case {
+        int transition;
+        std::uint32_t palette, dither, trueColour;
+        std::uint64_t checksum;
+    };
+    const Case cases[] = {
+        {kEllipse, 6, 1, 0, 0x4A7CA20411AD429F},     {kEllipse, 6, 0, 0, 0xA2D398A1BCDB334C},
+        {kDiamond, 0, 1, 0, 0x7B768D753BD8021B},     {kDiamond, 0, 0, 0, 0x3C17E629C9700C5},
+        {kSilentMovie, 1, 1, 0, 0x626AA51AA06CBD38}, {kSilentMovie, 2, 0, 0, 0x63D9D235C2763F2B},
+        {kNone, 5, 1, 0, 0x96BA79CE7069C75D},        {kEllipse, 8, 0, 0, 0x2D6BC31A332B4713},
+        {kDiamond, 0, 0, 1, 0xAC21CC46C1FFA7EA},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "row " << c.transition << ", palette " << c.palette);
+        pluginSettings.TransitionPalette = c.palette;
+        pluginSettings.TransitionDither = c.dither;
+        pluginSettings.TransitionTruecolour = c.trueColour;
+        TestList own;
+        own.Add(BusyPicture(61, 47, 1), c.transition, 5, 5);
+        own.Add(NoisePicture(33, 21, 8, 2), c.transition, 5, 5);
+        host.frames.clear();
+        ASSERT_EQ(BuildAnimation(own, 0, host.context, TaskKind::Build), 1);
+        Checksum sum;
+        for (const RecordedFrame& frame : host.frames) {
+            const LockedDib image(frame.image.Get());
+            sum.Add(*image);
+        }
+        EXPECT_EQ(sum.Value(), c.checksum) << std::hex << sum.Value();
+    }
+}
+
+} // namespace
+} // namespace lumafold::test
