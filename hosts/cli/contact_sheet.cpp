@@ -1,0 +1,148 @@
+#include "hosts/cli/contact_sheet.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "hosts/cli/sheet_font.h"
+#include "image/resample.h"
+
+namespace lumafold {
+namespace {
+
+constexpr PixelValue kPaper = MakeColour(0x1E, 0x20, 0x24);
+constexpr PixelValue kInk = MakeColour(0xB8, 0xBC, 0xC4);
+constexpr std::int32_t kMargin = 10, kLabelGap = 4;
+constexpr std::int32_t kColumns = 6;
+
+void DrawLabel(DibHeader* sheet, std::int32_t x, std::int32_t y, const std::string& label,
+               std::int32_t width) {
+    const std::int32_t right = x + width;
+    for (const char letter : label) {
+        if (x + kGlyphWidth > right) return;
+        const bool printable = letter >= ' ' && letter <= '~';
+        const auto& glyph = kGlyphs[printable ? letter - ' ' : '?' - ' '];
+        for (int column = 0; column < kGlyphWidth; ++column) {
+            for (int row = 0; row < kGlyphHeight; ++row) {
+                if (glyph[column] >> row & 1) DibSetPixel(sheet, x + column, y + row, kInk);
+            }
+        }
+        x += kGlyphAdvance;
+    }
+}
+
+/// Where things lie: all cells are as large as the largest picture.
+struct Grid {
+    std::int32_t columns, rows;
+    std::int32_t cellWidth = 1, cellHeight = 1;
+
+    explicit Grid(std::span<const SheetCell> cells) {
+        const auto count = static_cast<std::int32_t>(cells.size());
+        columns = std::min(count, kColumns);
+        rows = (count + columns - 1) / columns;
+        for (const SheetCell& cell : cells) {
+            std::int32_t width = 0, height = 0;
+            if (!DibQuery(cell.picture.Get(), &width, &height, nullptr, nullptr)) continue;
+            cellWidth = std::max(cellWidth, width);
+            cellHeight = std::max(cellHeight, height);
+        }
+    }
+    std::int32_t StepX() const { return cellWidth + kMargin; }
+    std::int32_t StepY() const { return cellHeight + kLabelGap + kGlyphHeight + kMargin; }
+    std::int32_t Width() const { return columns * StepX() + kMargin; }
+    std::int32_t Height() const { return rows * StepY() + kMargin; }
+};
+
+std::string FrameLabel(std::size_t index, std::int32_t delay) {
+    char text[48];
+    std::snprintf(text, sizeof(text), "%zu  %d.%02d s", index, delay / 100, std::max(delay, 0) % 100);
+    return text;
+}
+
+/// What a viewer shows after each frame.
+class Screen {
+public:
+    explicit Screen(const Animation& animation)
+        : animation_(animation), picture_(DibCreate(animation.width, animation.height, nullptr, 24)) {}
+
+    bool Show(const AnimationFrame& frame) {
+        OwnedDib opaque(DibToTrueColour(frame.image.Get()));
+        if (!opaque) return false;
+        if (frame.transparentIndex < 0) {
+            picture_ = std::move(opaque);
+            return true;
+        }
+        return Overlay(frame, opaque.Get());
+    }
+    DibHandle Picture() const { return picture_.Get(); }
+
+private:
+    bool Overlay(const AnimationFrame& frame, DibHandle opaque) {
+        const LockedDib screen(picture_.Get()), indices(frame.image.Get()), colours(opaque);
+        if (!screen || !indices || !colours) return false;
+        for (std::int32_t y = 0; y < indices->biHeight; ++y) {
+            for (std::int32_t x = 0; x < indices->biWidth; ++x) {
+                if (DibGetPixel(indices.Get(), x, y) == static_cast<PixelValue>(frame.transparentIndex))
+                    continue;
+                DibSetPixel(screen.Get(), x, y, DibGetPixel(colours.Get(), x, y));
+            }
+        }
+        return true;
+    }
+
+    const Animation& animation_;
+    OwnedDib picture_;
+};
+
+} // namespace
+
+OwnedDib SheetPicture(DibHandle picture) {
+    OwnedDib colour(DibToTrueColour(picture));
+    std::int32_t width = 0, height = 0;
+    if (!colour || !DibQuery(colour.Get(), &width, &height, nullptr, nullptr)) return {};
+    const std::int32_t percent = FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
+    if (percent >= 100) return colour;
+    // A very long side would leave nothing of the short one.
+    return OwnedDib(DibScale(colour.Get(), std::max(percent, (99 + width) / width),
+                             std::max(percent, (99 + height) / height)));
+}
+
+OwnedDib LayOutSheet(std::span<const SheetCell> cells) {
+    if (cells.empty()) return {};
+    const Grid grid(cells);
+    OwnedDib sheet(DibCreate(grid.Width(), grid.Height(), nullptr, 24));
+    const LockedDib target(sheet.Get());
+    if (!target) return {};
+    DibFill(target.Get(), kPaper);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const OwnedDib picture(DibToTrueColour(cells[i].picture.Get()));
+        const LockedDib source(picture.Get());
+        if (!source) return {};
+        const std::int32_t x = kMargin + static_cast<std::int32_t>(i) % grid.columns * grid.StepX();
+        const std::int32_t y = kMargin + static_cast<std::int32_t>(i) / grid.columns * grid.StepY();
+        DibCopyRect(target.Get(), x + (grid.cellWidth - source->biWidth) / 2,
+                    y + (grid.cellHeight - source->biHeight) / 2, source.Get(), 0, 0, source->biWidth,
+                    source->biHeight);
+        DrawLabel(target.Get(), x, y + grid.cellHeight + kLabelGap, cells[i].label, grid.cellWidth);
+    }
+    return sheet;
+}
+
+OwnedDib AnimationSheet(const Animation& animation) {
+    const std::size_t count = animation.frames.size();
+    const std::size_t shown = std::min(count, kMostSheetCells);
+    const auto chosen = [&](std::size_t cell) { return shown < 2 ? 0 : cell * (count - 1) / (shown - 1); };
+    std::vector<SheetCell> cells;
+    Screen screen(animation);
+    for (std::size_t i = 0; i < count && cells.size() < shown; ++i) {
+        const bool wanted = i == chosen(cells.size());
+        const bool shinesThrough = i + 1 < count && animation.frames[i + 1].transparentIndex >= 0;
+        if (!wanted && !shinesThrough) continue;
+        if (!screen.Show(animation.frames[i])) return {};
+        if (!wanted) continue;
+        cells.push_back({SheetPicture(screen.Picture()), FrameLabel(i, animation.frames[i].delay)});
+        if (!cells.back().picture) return {};
+    }
+    return LayOutSheet(cells);
+}
+
+} // namespace lumafold

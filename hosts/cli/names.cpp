@@ -1,0 +1,120 @@
+#include "hosts/cli/names.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <vector>
+
+#include "settings/settings.h"
+#include "transitions/table.h"
+
+namespace lumafold {
+namespace {
+
+char Lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+std::string LowerAll(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), Lower);
+    return lower;
+}
+
+std::vector<std::string_view> TransitionNames() {
+    std::vector<std::string_view> names;
+    for (const TransitionRow& row : TransitionTable)
+        names.emplace_back(row.name);
+    return names;
+}
+
+// A part of the name is as good a hint as a slip of the finger: "IrisStep", "soft iris".
+std::string_view FirstNameAround(std::string_view word, std::span<const std::string_view> known) {
+    if (word.size() < 4) return {};
+    const std::string part = LowerAll(word);
+    for (const std::string_view name : known) {
+        if (LowerAll(name).find(part) != std::string::npos) return name;
+    }
+    return {};
+}
+
+} // namespace
+
+std::optional<std::uint32_t> ParseNumber(std::string_view text) {
+    const bool negative = text.starts_with('-');
+    if (negative) text.remove_prefix(1);
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        text.remove_prefix(2);
+        base = 16;
+    }
+    std::uint64_t magnitude = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
+    if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+    const std::uint64_t largest =
+        negative ? std::uint64_t{1} << 31 : std::numeric_limits<std::uint32_t>::max();
+    if (magnitude > largest) return std::nullopt;
+    return static_cast<std::uint32_t>(negative ? std::uint64_t{0} - magnitude : magnitude);
+}
+
+std::optional<std::int32_t> FindTransition(std::string_view text) {
+    if (const auto row = ParseNumber(text)) {
+        if (*row < kTransitionCount) return static_cast<std::int32_t>(*row);
+        return std::nullopt;
+    }
+    const std::string wanted = LowerAll(text);
+    for (std::int32_t row = 0; row < kTransitionCount; ++row) {
+        if (LowerAll(TransitionTable[row].name) == wanted) return row;
+    }
+    return std::nullopt;
+}
+
+int EditDistance(std::string_view one, std::string_view other) {
+    const std::size_t width = other.size() + 1;
+    std::vector<int> table((one.size() + 1) * width);
+    const auto at = [&](std::size_t i, std::size_t j) -> int& { return table[i * width + j]; };
+    for (std::size_t i = 0; i <= one.size(); ++i)
+        at(i, 0) = static_cast<int>(i);
+    for (std::size_t j = 0; j <= other.size(); ++j)
+        at(0, j) = static_cast<int>(j);
+    for (std::size_t i = 1; i <= one.size(); ++i) {
+        for (std::size_t j = 1; j <= other.size(); ++j) {
+            const char a = Lower(one[i - 1]), b = Lower(other[j - 1]);
+            at(i, j) = std::min({at(i - 1, j) + 1, at(i, j - 1) + 1, at(i - 1, j - 1) + (a == b ? 0 : 1)});
+            const bool swapped = i > 1 && j > 1 && a == Lower(other[j - 2]) && b == Lower(one[i - 2]);
+            if (swapped) at(i, j) = std::min(at(i, j), at(i - 2, j - 2) + 1);
+        }
+    }
+    return at(one.size(), other.size());
+}
+
+std::string_view NearestName(std::string_view word, std::span<const std::string_view> known) {
+    // A long word would cost a long table, and is no slip of a short name.
+    if (word.empty() || word.size() > 100) return {};
+    std::string_view nearest;
+    int nearestDistance = 1 + static_cast<int>(word.size()) / 4;
+    for (const std::string_view name : known) {
+        const int distance = EditDistance(word, name);
+        if (distance < nearestDistance || (nearest.empty() && distance == nearestDistance)) {
+            nearest = name;
+            nearestDistance = distance;
+        }
+    }
+    return nearest.empty() ? FirstNameAround(word, known) : nearest;
+}
+
+std::string DidYouMean(std::string_view word, std::span<const std::string_view> known) {
+    const std::string_view nearest = NearestName(word, known);
+    return nearest.empty() ? "" : ", did you mean \"" + std::string(nearest) + "\"?";
+}
+
+std::string DidYouMeanTransition(std::string_view word) { return DidYouMean(word, TransitionNames()); }
+
+std::string DidYouMeanKey(std::string_view word) {
+    std::vector<std::string_view> keys;
+    for (const SettingDescriptor& setting : SettingDescriptors())
+        keys.emplace_back(setting.key);
+    return DidYouMean(word, keys);
+}
+
+} // namespace lumafold

@@ -1,0 +1,31 @@
+// Words a person typed against the names the program knows: numbers, transitions, keys, and the name that was
+// probably meant.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace lumafold {
+
+/// A whole number as a settings file may hold it: decimal or 0x..., from -2147483648 (kept in two's
+/// complement) to 4294967295. Nothing for any other text.
+std::optional<std::uint32_t> ParseNumber(std::string_view text);
+
+/// A row of the TransitionTable by its number or by its display name in any case.
+std::optional<std::int32_t> FindTransition(std::string_view text);
+
+/// Letters to insert, remove, replace or swap with their neighbour; case does not count.
+int EditDistance(std::string_view one, std::string_view other);
+
+/// The known name that is close to `word`, the first of the nearest; "" when none is.
+std::string_view NearestName(std::string_view word, std::span<const std::string_view> known);
+
+/// ", did you mean ...?" for the end of an error line, or "".
+std::string DidYouMean(std::string_view word, std::span<const std::string_view> known);
+std::string DidYouMeanTransition(std::string_view word);
+std::string DidYouMeanKey(std::string_view word);
+
+} // namespace lumafold

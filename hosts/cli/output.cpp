@@ -1,0 +1,86 @@
+#include "hosts/cli/output.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <unistd.h>
+
+#include "hosts/cli/frames_folder.h"
+#include "hosts/codecs/files.h"
+#include "hosts/codecs/gif_writer.h"
+#include "settings/settings.h"
+
+namespace lumafold {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string WhyNoEntryIn(const fs::path& folder) {
+    std::error_code error;
+    const std::string name = folder.empty() ? "." : folder.string();
+    const fs::file_status status = fs::status(name, error);
+    if (status.type() == fs::file_type::not_found) return "the folder " + name + " does not exist";
+    if (error) return error.message();
+    if (status.type() != fs::file_type::directory) return name + " is not a folder";
+    if (access(name.c_str(), W_OK | X_OK) != 0)
+        return std::string("cannot write into ") + name + ": " + std::strerror(errno);
+    return {};
+}
+
+std::string WhyNoFolderAt(const std::string& path) {
+    std::error_code error;
+    const fs::path folder = fs::path(path + "/").parent_path(); // without slashes at its end
+    const fs::file_status status = fs::status(folder, error);
+    if (status.type() == fs::file_type::directory) return WhyNoEntryIn(folder);
+    if (status.type() != fs::file_type::not_found) return "is not a folder";
+    return WhyNoEntryIn(fs::path(path).lexically_normal().parent_path().parent_path());
+}
+
+bool WriteGif(const std::string& path, const Animation& animation, std::uint64_t& bytes, std::string& error) {
+    const std::vector<std::uint8_t> file = EncodeGif(animation, error);
+    if (file.empty()) {
+        error = path + ": " + error;
+        return false;
+    }
+    bytes = file.size();
+    if (WriteFileSafely(path, file, error)) return true;
+    error = path + ": " + error;
+    return false;
+}
+
+} // namespace
+
+std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
+    std::error_code ignored;
+    if (path.ends_with('/') || fs::is_directory(path, ignored)) return OutputKind::Folder;
+    std::string suffix = fs::path(path).extension().string();
+    for (char& letter : suffix)
+        letter = static_cast<char>(letter | (letter >= 'A' && letter <= 'Z' ? 0x20 : 0));
+    if (suffix == ".gif") return OutputKind::Gif;
+    error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
+            " means no known kind of file; known are .gif, and a folder's name with / at its end";
+    return std::nullopt;
+}
+
+std::uint32_t CapabilityFlags(OutputKind kind) {
+    return kind == OutputKind::Gif ? kHostTakesSupercompression
+                                   : kHostTakesSupercompression | kHostTakesTrueColour;
+}
+
+std::string WhyNoFileCanStandAt(const std::string& path) {
+    std::error_code error;
+    if (fs::is_directory(path, error)) return "is a folder";
+    return WhyNoEntryIn(fs::path(path).parent_path());
+}
+
+std::string WhyNotWritable(const std::string& path, OutputKind kind) {
+    return kind == OutputKind::Gif ? WhyNoFileCanStandAt(path) : WhyNoFolderAt(path);
+}
+
+bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host, std::uint64_t& bytes,
+                 std::string& error) {
+    if (kind == OutputKind::Gif) return WriteGif(path, host.Result(), bytes, error);
+    return WriteFramesFolder(path, host.Result(), host.Commands(), bytes, error);
+}
+
+} // namespace lumafold

@@ -1,0 +1,49 @@
+#include "hosts/cli/progress.h"
+
+#include <algorithm>
+
+namespace lumafold {
+
+void Progress::Caption(std::string_view caption) {
+    caption_ = caption;
+    position_ = total_ = tenthShown_ = 0;
+    if (style_ == ProgressStyle::Bar) DrawBar();
+    if (style_ == ProgressStyle::Lines) stream_ << caption_ << std::endl;
+}
+
+void Progress::Position(std::int64_t position, std::int64_t total) {
+    if (total <= 0) position = total = tenthShown_ = 0;
+    position_ = std::clamp<std::int64_t>(position, 0, total);
+    total_ = total;
+    if (style_ == ProgressStyle::Bar) DrawBar();
+    if (style_ == ProgressStyle::Lines) WriteLine();
+}
+
+void Progress::DrawBar() {
+    constexpr int kCells = 32;
+    if (caption_.empty()) return;
+    const int full = total_ > 0 ? static_cast<int>(position_ * kCells / total_) : 0;
+    std::string line = caption_;
+    line.resize(std::max<std::size_t>(line.size(), 17), ' ');
+    line += " [" + std::string(static_cast<std::size_t>(full), '#') +
+            std::string(static_cast<std::size_t>(kCells - full), '.') + "]";
+    if (total_ > 0) line += " " + std::to_string(position_) + "/" + std::to_string(total_);
+    stream_ << "\r\033[K" << line << std::flush;
+    drawn_ = true;
+}
+
+// A log of hundreds of frames is told in tenths.
+void Progress::WriteLine() {
+    if (total_ == 0) return;
+    const std::int64_t tenth = position_ * 10 / total_;
+    if (tenth <= tenthShown_) return;
+    tenthShown_ = tenth;
+    stream_ << caption_ << ' ' << position_ << '/' << total_ << std::endl;
+}
+
+void Progress::Clear() {
+    if (drawn_) stream_ << "\r\033[K" << std::flush;
+    drawn_ = false;
+}
+
+} // namespace lumafold

@@ -1,0 +1,60 @@
+// The host that the command line is: one callback that answers every command, collects the animation, shows
+// the progress, and keeps a record of what was sent.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "hosts/cli/progress.h"
+#include "hosts/codecs/animation.h"
+#include "plugin/host_protocol.h"
+
+namespace lumafold {
+
+struct SentCommand {
+    std::uint32_t command;
+    std::uint32_t wparam;
+    std::string text; ///< the caption, the comment, or the total in decimal digits; else ""
+};
+
+/// The callback has no place for an object, so there is one host at a time; it takes the engine's messages
+/// too, each as a line on `errors`.
+class RecordingHost {
+public:
+    RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors);
+    RecordingHost(const RecordingHost&) = delete;
+    RecordingHost& operator=(const RecordingHost&) = delete;
+    ~RecordingHost();
+
+    const HostContext& Context() const { return context_; }
+    /// Whole once the task was finished as complete; empty when there was none or it was abandoned.
+    const Animation& Result() const { return animation_; }
+    bool Complete() const { return state_ == TaskState::Complete; }
+    /// Everything from the first caption on.
+    const std::vector<SentCommand>& Commands() const { return commands_; }
+
+private:
+    enum class TaskState { None, Open, Complete };
+
+    static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
+                                               std::intptr_t lparam);
+    static void ShowLine(WindowHandle window, const char* text);
+
+    std::int32_t Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
+    void Record(std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
+    bool OpenTask(TaskRecord* task);
+    bool AddFrame(const ImageRecord& frame);
+    void FinishTask(bool complete);
+
+    HostContext context_{};
+    Progress& progress_;
+    std::ostream& errors_;
+    MessageHook messagesBefore_;
+    TaskRecord* task_ = nullptr; // whose frames are taken
+    TaskState state_ = TaskState::None;
+    Animation animation_;
+    std::vector<SentCommand> commands_;
+};
+
+} // namespace lumafold
