@@ -19,14 +19,15 @@ struct Row {
 constexpr std::string_view kBarSettings =
     "TransitionAlphaBarCount TransitionAlphaTileColor TransitionAlphaTileStep RandomSeed";
 constexpr std::string_view kClearBarSettings = "TransitionAlphaBarCount TransitionAlphaTileStep RandomSeed";
-constexpr std::string_view kTileSettings =
-    "TransitionAlphaTileSize TransitionAlphaTileCount TransitionAlphaTileColor TransitionAlphaTileStep RandomSeed";
+constexpr std::string_view kTileSettings = "TransitionAlphaTileSize TransitionAlphaTileCount "
+                                           "TransitionAlphaTileColor TransitionAlphaTileStep RandomSeed";
 constexpr std::string_view kClearTileSettings =
     "TransitionAlphaTileSize TransitionAlphaTileCount TransitionAlphaTileStep RandomSeed";
 constexpr std::string_view kSparkleSettings =
     "TransitionSparkleStep TransitionSparkleSize TransitionSparkleColor RandomSeed";
 constexpr std::string_view kImplodeSettings =
-    "TransitionImplodeStep TransitionImplodeMax TransitionImplodeTrack TransitionImplodeXPos TransitionImplodeYPos "
+    "TransitionImplodeStep TransitionImplodeMax TransitionImplodeTrack TransitionImplodeXPos "
+    "TransitionImplodeYPos "
     "TransitionMattcolour";
 constexpr std::string_view kRasterSettings = "TransitionDiagonalRasterSize TransitionDiagonalRasterStep";
 constexpr std::string_view kQuadSettings = "TransitionQuadStepSize";
@@ -37,17 +38,17 @@ constexpr std::string_view kSpikeSettings = "TransitionSpikeCount TransitionSpik
 constexpr std::string_view kSpiralSettings = "TransitionSpiralStep TransitionSpiralShear";
 
 constexpr Row kRows[kTransitionCount] = {
-    {"Alpha horizontal bar (opaque)", Unavailable, NoFrames, kBarSettings},
-    {"Alpha horizontal bar (transparent)", Unavailable, NoFrames, kClearBarSettings},
-    {"Alpha vertical bar (opaque)", Unavailable, NoFrames, kBarSettings},
-    {"Alpha vertical bar (transparent)", Unavailable, NoFrames, kClearBarSettings},
-    {"Alpha tile (opaque)", Unavailable, NoFrames, kTileSettings},
-    {"Alpha tile (transparent)", Unavailable, NoFrames, kClearTileSettings},
-    {"Backscatter (horizontal)", Unavailable, NoFrames, kSparkleSettings},
-    {"Backscatter (vertical)", Unavailable, NoFrames, kSparkleSettings},
+    {"Alpha horizontal bar (opaque)", AlphaHorizontalBarOpaque, AlphaHorizontalBarOpaqueFrames, kBarSettings},
+    {"Alpha horizontal bar (transparent)", AlphaHorizontalBarTransparent, AlphaHorizontalBarTransparentFrames, kClearBarSettings},
+    {"Alpha vertical bar (opaque)", AlphaVerticalBarOpaque, AlphaVerticalBarOpaqueFrames, kBarSettings},
+    {"Alpha vertical bar (transparent)", AlphaVerticalBarTransparent, AlphaVerticalBarTransparentFrames, kClearBarSettings},
+    {"Alpha tile (opaque)", AlphaTileOpaque, AlphaTileOpaqueFrames, kTileSettings},
+    {"Alpha tile (transparent)", AlphaTileTransparent, AlphaTileTransparentFrames, kClearTileSettings},
+    {"Backscatter (horizontal)", BackscatterHorizontal, BackscatterHorizontalFrames, kSparkleSettings},
+    {"Backscatter (vertical)", BackscatterVertical, BackscatterVerticalFrames, kSparkleSettings},
     {"Burp", Unavailable, NoFrames, kImplodeSettings},
-    {"Diagonal raster (left)", Unavailable, NoFrames, kRasterSettings},
-    {"Diagonal raster (right)", Unavailable, NoFrames, kRasterSettings},
+    {"Diagonal raster (left)", DiagonalRasterLeft, DiagonalRasterLeftFrames, kRasterSettings},
+    {"Diagonal raster (right)", DiagonalRasterRight, DiagonalRasterRightFrames, kRasterSettings},
     {"Framework", Unavailable, NoFrames, ""},
     {"Hurricane", Unavailable, NoFrames,
      "TransitionMotionBlurStep TransitionMotionBlurAngle TransitionMotionBlurRadius TransitionMattcolour"},
@@ -55,25 +56,25 @@ constexpr Row kRows[kTransitionCount] = {
      "TransitionLiquidMetalStep TransitionLiquidMetalViscosity TransitionLiquidMetalCenterX "
      "TransitionLiquidMetalCenterY"},
     {"None", None, NoneFrames, ""},
-    {"Paintball", Unavailable, NoFrames, "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
-    {"Quad (contract)", Unavailable, NoFrames, kQuadSettings},
-    {"Quad (expand)", Unavailable, NoFrames, kQuadSettings},
+    {"Paintball", Paintball, PaintballFrames, "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
+    {"Quad (contract)", QuadContract, QuadContractFrames, kQuadSettings},
+    {"Quad (expand)", QuadExpand, QuadExpandFrames, kQuadSettings},
     {"Quantum singularity", Unavailable, NoFrames, kImplodeSettings},
-    {"Rollerblind (horizontal)", Unavailable, NoFrames, kBlindSettings},
-    {"Rollerblind (vertical)", Unavailable, NoFrames, kBlindSettings},
+    {"Rollerblind (horizontal)", RollerblindHorizontal, RollerblindHorizontalFrames, kBlindSettings},
+    {"Rollerblind (vertical)", RollerblindVertical, RollerblindVerticalFrames, kBlindSettings},
     {"Silent movie", SilentMovie, SilentMovieFrames,
      "TransitionSilentMovieStep TransitionSilentMovieRadius TransitionSilentMovieBackground"},
     {"Soft iris (diamond)", SoftIrisDiamond, SoftIrisDiamondFrames, kIrisSettings},
     {"Soft iris (ellipse)", SoftIrisEllipse, SoftIrisEllipseFrames, kIrisSettings},
-    {"Soft slide (horizontal)", Unavailable, NoFrames, kSlideSettings},
-    {"Soft slide (vertical)", Unavailable, NoFrames, kSlideSettings},
-    {"Solarize", Unavailable, NoFrames, "TransitionSolarizeStep TransitionSolarizeIntensity"},
-    {"Spikes (horizontal)", Unavailable, NoFrames, kSpikeSettings},
-    {"Spikes (vertical)", Unavailable, NoFrames, kSpikeSettings},
+    {"Soft slide (horizontal)", SoftSlideHorizontal, SoftSlideHorizontalFrames, kSlideSettings},
+    {"Soft slide (vertical)", SoftSlideVertical, SoftSlideVerticalFrames, kSlideSettings},
+    {"Solarize", Solarize, SolarizeFrames, "TransitionSolarizeStep TransitionSolarizeIntensity"},
+    {"Spikes (horizontal)", SpikesHorizontal, SpikesHorizontalFrames, kSpikeSettings},
+    {"Spikes (vertical)", SpikesVertical, SpikesVerticalFrames, kSpikeSettings},
     {"Spiral in", Unavailable, NoFrames, kSpiralSettings},
     {"Spiral out", Unavailable, NoFrames, kSpiralSettings},
-    {"Submerge", Unavailable, NoFrames, "TransitionSubmergeStep TransitionSubmergeColor"},
-    {"Unplugged TV", Unavailable, NoFrames, "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
+    {"Submerge", Submerge, SubmergeFrames, "TransitionSubmergeStep TransitionSubmergeColor"},
+    {"Unplugged TV", UnpluggedTV, UnpluggedTVFrames, "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
 };
 
 bool IsRow(int row) { return row >= 0 && row < kTransitionCount; }
