@@ -8,8 +8,8 @@ namespace lumafold {
 inline constexpr int kFixedPaletteCount = 9;
 inline constexpr int kDefaultFixedPalette = 6;
 
-/// The colour count of palette `number`; any other number is the default one. Outputs may be null. Entries beyond
-/// the count are zero. `bits` is 1, 4, 5, 6, 7 or 8.
+/// The colour count of palette `number`; any other number is the default one. Outputs may be null. Entries
+/// beyond the count are zero. `bits` is 1, 4, 5, 6, 7 or 8.
 int BuildFixedPalette(Palette* palette, int* bits, std::int32_t number);
 
 /// 1 bit up to 2 colours, 2 up to 4, and so on to 7 up to 128, 8 above.
@@ -17,7 +17,8 @@ int PaletteBitsFor(int colours);
 
 /// (30 R + 59 G + 11 B) / 100 with each product divided by itself, modulo 256.
 constexpr std::uint8_t Luminance(Rgb colour) {
-    return static_cast<std::uint8_t>(colour.red * 30 / 100 + colour.green * 59 / 100 + colour.blue * 11 / 100);
+    return static_cast<std::uint8_t>(colour.red * 30 / 100 + colour.green * 59 / 100 +
+                                     colour.blue * 11 / 100);
 }
 
 } // namespace lumafold

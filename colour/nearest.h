@@ -1,0 +1,94 @@
+// Finding a colour in a palette: the two searches that define every index, and tables that give the same
+// answers to many questions about one palette.
+#pragma once
+
+#include "image/dib.h"
+
+namespace lumafold {
+
+/// The first equal entry, else the first of the nearest by 3 dR^2 + 4 dG^2 + 2 dB^2; 0 when count is 0.
+/// Channels are 0 to 255; of a count beyond 256 only 256 entries exist.
+int FindNearestColour(int red, int green, int blue, const Palette& palette, int count);
+/// The first equal entry, or -1.
+int FindExactColour(int red, int green, int blue, const Palette& palette, int count);
+
+/// The 15-bit cell of a colour (0x00BBGGRR): five bits a channel, red lowest. A cell stands for its darkest
+/// colour.
+inline constexpr std::size_t kCellCount = 32768;
+constexpr std::size_t CellOf(PixelValue colour) {
+    return ((colour >> 3) & 0x1F) | ((colour >> 6) & 0x3E0) | ((colour >> 9) & 0x7C00);
+}
+
+/// FindNearestColour for one palette, by looking only at the entries that can win near the colour asked for.
+class NearestSearch {
+public:
+    /// False when memory is short; the search is then as empty as before.
+    bool Build(const Palette& palette, int count);
+    explicit operator bool() const { return static_cast<bool>(candidates_); }
+
+    int Find(PixelValue colour) const {
+        const unsigned red = RedOf(colour), green = GreenOf(colour), blue = BlueOf(colour);
+        const std::size_t block = BlockOf(red / kBlockSide, green / kBlockSide, blue / kBlockSide);
+        // Distance above, index below: the smallest key is the nearest entry, and the first of equals.
+        std::uint32_t best = kNothingFound;
+        for (std::uint32_t i = starts_[block]; i < starts_[block + 1]; ++i) {
+            const unsigned index = candidates_[i];
+            const Rgb entry = palette_[index];
+            const auto dr = static_cast<std::int32_t>(red - entry.red);
+            const auto dg = static_cast<std::int32_t>(green - entry.green);
+            const auto db = static_cast<std::int32_t>(blue - entry.blue);
+            const auto distance = static_cast<std::uint32_t>(3 * dr * dr + 4 * dg * dg + 2 * db * db);
+            best = std::min(best, distance << 8 | index);
+        }
+        return static_cast<int>(best & 0xFF);
+    }
+
+    /// Colours are told apart in cubes of so many levels a channel.
+    static constexpr unsigned kBlockSide = 16;
+
+private:
+    static constexpr unsigned kBlocksPerAxis = 256 / kBlockSide;
+    static constexpr std::size_t kBlocks = kBlocksPerAxis * kBlocksPerAxis * kBlocksPerAxis;
+    static constexpr std::uint32_t kNothingFound = 1000000U << 8;
+
+    static constexpr std::size_t BlockOf(unsigned red, unsigned green, unsigned blue) {
+        return (red * kBlocksPerAxis + green) * kBlocksPerAxis + blue;
+    }
+
+    Palette palette_{};
+    Array<std::uint8_t>
+        candidates_; ///< the entries that can win in a block, in palette order, block after block
+    Array<std::uint32_t> starts_; ///< where each block's candidates begin, and behind the last one the end
+};
+
+/// The nearest entry of each cell's colour; empty when memory is short.
+Array<std::uint8_t> BuildLookupCache(const NearestSearch& search);
+
+/// FindExactColour for one palette. Needs no memory of its own.
+class ExactColours {
+public:
+    ExactColours(const Palette& palette, int count);
+
+    int Find(PixelValue colour) const {
+        // Few cells hold an entry at all, so this first question is nearly always the last.
+        const std::size_t cell = CellOf(colour);
+        if ((occupied_[cell / 32] >> (cell % 32) & 1) == 0) return -1;
+        return FindInTable(colour);
+    }
+
+private:
+    struct Slot {
+        PixelValue colour;
+        std::int32_t index; ///< -1 in a free slot
+    };
+    static constexpr std::size_t kSlots = 1024;
+
+    /// The slot of `colour`, or the free one where it belongs.
+    std::size_t SlotOf(PixelValue colour) const;
+    int FindInTable(PixelValue colour) const;
+
+    std::array<std::uint32_t, kCellCount / 32> occupied_{};
+    std::array<Slot, kSlots> slots_;
+};
+
+} // namespace lumafold

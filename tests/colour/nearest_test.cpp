@@ -1,0 +1,92 @@
+#include "colour/nearest.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/colour/definition.h"
+#include "transitions/random.h"
+
+namespace lumafold {
+namespace {
+
+TEST(FindNearestColour, WeighsTiesAndPrefersTheFirst) {
+    Palette palette{};
+    palette[0] = {10, 10, 10}, palette[1] = {14, 10, 10}, palette[2] = {10, 14, 10},
+    palette[3] = {10, 10, 14};
+    palette[4] = {14, 10, 10}, palette[5] = {200, 0, 0}, palette[6] = {200, 0, 1};
+    const struct {
+        int red, green, blue, count, nearest, exact;
+    } cases[] = {
+        {14, 10, 10, 7, 1, 1},  // the first of two equal ones
+        {12, 10, 10, 7, 0, -1}, // half-way: the lower index
+        {14, 14, 10, 7, 2, -1}, // 48 to entry 2, 64 to entry 1: green weighs most
+        {14, 10, 14, 7, 1, -1}, // 32 to entry 1, 48 to entry 3: blue weighs least
+        {200, 0, 1, 6, 5, -1},  // beyond the count nothing is seen
+        {200, 0, 1, 7, 6, 6},   //
+        {255, 255, 255, 0, 0, -1}, {255, 255, 255, -3, 0, -1},
+        {0, 0, 0, 400, 7, 7}, // no more than 256 entries, the black ones behind the others included
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.red << ' ' << c.green << ' ' << c.blue << " of " << c.count);
+        EXPECT_EQ(FindNearestColour(c.red, c.green, c.blue, palette, c.count), c.nearest);
+        EXPECT_EQ(FindExactColour(c.red, c.green, c.blue, palette, c.count), c.exact);
+    }
+}
+
+/// Fixed palettes and random ones: crowded together, with many equal entries, nearly empty, empty.
+std::vector<std::pair<Palette, int>> PalettesToSearch() {
+    std::vector<std::pair<Palette, int>> all;
+    for (const int number : {0, 1, 5, 6, 7, 8}) {
+        Palette palette;
+        BuildFixedPalette(&palette, nullptr, number);
+        all.emplace_back(palette, 256);
+    }
+    const struct {
+        unsigned mask, base;
+        int count;
+    } kinds[] = {{0xFF, 0, 256}, {0x1F, 90, 256}, {0xC0, 0, 256}, {0xFF, 0, 17}, {0xFF, 0, 1}, {0xFF, 0, 0}};
+    Random random(5);
+    for (const auto& kind : kinds) {
+        Palette palette;
+        const auto level = [&] {
+            return static_cast<std::uint8_t>((random.Draw() >> 9 & kind.mask) + kind.base);
+        };
+        for (Rgb& entry : palette)
+            entry.red = level(), entry.green = level(), entry.blue = level();
+        all.emplace_back(palette, kind.count);
+    }
+    return all;
+}
+
+TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
+    Random random(77);
+    for (const auto& [palette, count] : PalettesToSearch()) {
+        const test::Definition definition(palette, 8, count);
+        NearestSearch search;
+        ASSERT_TRUE(search.Build(palette, count));
+        const Array<std::uint8_t> cache = BuildLookupCache(search);
+        const ExactColours exact(palette, count);
+        int wrong = 0;
+        const auto check = [&](int r, int g, int b) {
+            const PixelValue colour =
+                MakeColour(static_cast<unsigned>(r), static_cast<unsigned>(g), static_cast<unsigned>(b));
+            const int nearest = definition.Nearest(r, g, b, count);
+            wrong += search.Find(colour) != nearest || FindNearestColour(r, g, b, palette, count) != nearest;
+            wrong += exact.Find(colour) != definition.Exact(r, g, b, count);
+            return nearest;
+        };
+        for (int cell = 0; cell < 32768; ++cell) {
+            const int index = check((cell & 31) * 8, (cell >> 5 & 31) * 8, (cell >> 10) * 8);
+            wrong += cache[static_cast<std::size_t>(cell)] != index;
+        }
+        for (int i = 0; i < 20000; ++i) {
+            const auto draw = static_cast<int>(random.Draw() >> 4);
+            check(draw & 255, draw >> 8 & 255, draw >> 16 & 255);
+        }
+        for (const Rgb entry : palette)
+            check(entry.red, entry.green, entry.blue);
+        EXPECT_EQ(wrong, 0) << "with " << count << " entries";
+    }
+}
+
+} // namespace
+} // namespace lumafold

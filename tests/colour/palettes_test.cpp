@@ -1,0 +1,76 @@
+#include "colour/palettes.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/checksum.h"
+
+namespace lumafold {
+namespace {
+
+TEST(FixedPalettes, AreTheNineAgreedOn) {
+    const struct {
+        int bits, colours;
+        std::uint64_t checksum; // over all 768 bytes
+    } expected[] = {
+        {1, 2, 0xA7AED495B4C89EFE},   {4, 16, 0x00496FD755A20601},  {5, 32, 0x4CC1C0AE466C73C5},
+        {6, 64, 0xD0C46BCE2F208975},  {7, 128, 0x36DB2D9BB27B350D}, {8, 216, 0x02DA4569867CDDD1},
+        {8, 256, 0x17C2ADF13BEB2595}, {8, 256, 0x8A6AB83D9A3D884A}, {8, 256, 0x3AC8574C48F9B025},
+    };
+    for (int number = -2; number < 12; ++number) {
+        SCOPED_TRACE(number);
+        const auto& row = expected[number < 0 || number > 8 ? 6 : number];
+        Palette palette;
+        palette.fill({1, 2, 3});
+        int bits = 0;
+        EXPECT_EQ(BuildFixedPalette(&palette, &bits, number), row.colours);
+        EXPECT_EQ(bits, row.bits);
+        Checksum sum;
+        sum.Add(palette.data(), sizeof(palette));
+        EXPECT_EQ(sum.Value(), row.checksum);
+        EXPECT_EQ(BuildFixedPalette(nullptr, nullptr, number), row.colours);
+    }
+}
+
+TEST(FixedPalettes, HoldTheirKnownEntries) {
+    const struct {
+        int number;
+        std::size_t entry;
+        Rgb colour;
+    } known[] = {
+        {1, 8, {192, 192, 192}},   {2, 1, {0, 0, 255}},       {2, 31, {255, 255, 255}},
+        {4, 4, {0, 36, 0}},        {5, 6, {51, 0, 0}},        {5, 36, {0, 51, 0}},
+        {5, 216, {0, 0, 0}},       {7, 111, {128, 109, 255}}, {7, 112, {1, 1, 1}},
+        {7, 143, {254, 254, 254}}, {7, 144, {128, 146, 0}},   {6, 255, {255, 255, 255}},
+    };
+    for (const auto& row : known) {
+        Palette palette;
+        BuildFixedPalette(&palette, nullptr, row.number);
+        EXPECT_EQ(palette[row.entry], row.colour) << row.number << ", entry " << row.entry;
+    }
+}
+
+TEST(Palettes, DepthAndLuminanceFollowTheColours) {
+    const int bounds[] = {2, 4, 8, 16, 32, 64, 128, 256};
+    for (int bits = 1; bits <= 8; ++bits) {
+        EXPECT_EQ(PaletteBitsFor(bounds[bits - 1]), bits);
+        EXPECT_EQ(PaletteBitsFor(bounds[bits - 1] + 1), std::min(bits + 1, 8));
+    }
+    EXPECT_EQ(PaletteBitsFor(0), 1);
+
+    Checksum sum;
+    for (int r = 0; r < 256; r += 5) {
+        for (int g = 0; g < 256; g += 3) {
+            for (int b = 0; b < 256; b += 5) {
+                const std::uint8_t level =
+                    Luminance({static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g),
+                               static_cast<std::uint8_t>(b)});
+                sum.Add(&level, 1);
+            }
+        }
+    }
+    EXPECT_EQ(sum.Value(), 0xFDC347AC9FD89F01U);
+    EXPECT_EQ(Luminance({255, 255, 255}), 254);
+}
+
+} // namespace
+} // namespace lumafold
