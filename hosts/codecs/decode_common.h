@@ -1,0 +1,79 @@
+// What the decoders of the single formats share: their failure, the limits they keep to, and the picture
+// under construction. Inside this room only; callers see decode.h.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "image/dib.h"
+#include "image/row_view.h"
+
+namespace lumafold {
+
+/// Why a file cannot be decoded, in one line without the file's name. Decoders throw it; DecodePicture
+/// catches it.
+struct DecodeError {
+    std::string text;
+};
+
+inline constexpr const char* kEndsTooEarly = "the file ends too early";
+
+struct DecodeLimits {
+    PixelValue matte;         ///< 0x00BBGGRR, behind whatever is transparent
+    std::uint64_t mostPixels; ///< width x height
+};
+
+/// Throws for pictures without pixels and for those too large; called before anything of that size is
+/// allocated.
+void CheckSize(std::uint64_t width, std::uint64_t height, const DecodeLimits& limits);
+
+/// A sample laid over the matte's, all of it on the scale 0 to `most` (255 or 65535) but `matte` and the
+/// result, which are 0 to 255. Rounded once, so that 16 bits lose nothing on the way.
+constexpr std::uint8_t LayOver(std::uint64_t sample, std::uint64_t alpha, std::uint64_t matte,
+                               std::uint64_t most) {
+    const std::uint64_t unit = most / 255;
+    return static_cast<std::uint8_t>((sample * alpha + matte * unit * (most - alpha) + most * unit / 2) /
+                                     (most * unit));
+}
+
+/// A table entry of opacity `alpha` (0 to 255) over the matte.
+constexpr Rgb LayOver(Rgb colour, unsigned alpha, PixelValue matte) {
+    return {LayOver(colour.red, alpha, RedOf(matte), 255), LayOver(colour.green, alpha, GreenOf(matte), 255),
+            LayOver(colour.blue, alpha, BlueOf(matte), 255)};
+}
+
+constexpr Rgb ToRgb(PixelValue colour) {
+    return {static_cast<std::uint8_t>(RedOf(colour)), static_cast<std::uint8_t>(GreenOf(colour)),
+            static_cast<std::uint8_t>(BlueOf(colour))};
+}
+
+/// 2^bits greys from black to white.
+Palette GreyRamp(int bits);
+
+/// The picture being decoded, locked while this lives. Throws when there is no memory for it.
+class PictureBuilder {
+public:
+    PictureBuilder(std::uint32_t width, std::uint32_t height, const Palette& palette, int bits);
+
+    int Bits() const { return rows_.Bits(); }
+    /// Stores one byte a pixel at the picture's depth (1, 4 or 8 bits); excess bits are dropped.
+    void PutIndexes(std::int32_t y, const std::uint8_t* indexes);
+    /// The pixels of a row as they are stored: blue, green, red at 24 bits.
+    std::uint8_t* Row(std::int32_t y) { return rows_.Row(y); }
+    /// Gives the picture away; the builder is spent.
+    OwnedDib Finish() { return std::move(picture_); }
+
+private:
+    OwnedDib picture_;
+    LockedDib lock_;
+    RowView rows_;
+};
+
+/// One format each. They throw DecodeError, and std::bad_alloc when memory runs out.
+OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+OwnedDib DecodeGif(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+OwnedDib DecodeBmp(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+
+} // namespace lumafold
