@@ -77,16 +77,16 @@ inline double PowerOfTwo(int exponent) {
     return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52);
 }
 
-struct Reduced {
-    Pair rest; // at most a little over pi / 4
-    unsigned quadrant;
-};
+/// x - count * pi / 2, at most a little over pi / 4, with an error below 2^-80.
+Pair ReduceQuickly(double x, double count) {
+    const Pair sum = Sum(x - count * kHalfPiParts[0], -(count * kHalfPiParts[1])); // the difference is exact
+    return QuickSum(sum.high, sum.low - count * kHalfPiParts[2]);
+}
 
-/// Takes multiples of pi / 2 off. Two sweeps of exact sums keep every bit however much of x cancels.
-Reduced ReduceByHalfPi(double x) {
-    const double count = Nearest(x * kTwoOverPi);
+/// The same to 100 bits however much of x cancels: two sweeps of exact sums keep every bit.
+Pair ReduceExactly(double x, double count) {
     double part[5];
-    part[0] = x - count * kHalfPiParts[0]; // exact
+    part[0] = x - count * kHalfPiParts[0];
     for (int i = 1; i < 5; ++i) {
         part[i] = -(count * kHalfPiParts[i]);
     }
@@ -97,8 +97,7 @@ Reduced ReduceByHalfPi(double x) {
             part[i] = sum.low;
         }
     }
-    return {QuickSum(part[0], part[1] + (part[2] + part[3])),
-            static_cast<unsigned>(static_cast<std::int64_t>(count)) & 3U};
+    return QuickSum(part[0], part[1] + (part[2] + part[3]));
 }
 
 struct SineCosine {
@@ -119,6 +118,39 @@ SineCosine SmallSineCosine(Pair x) {
     return {x + x * (square * sineFactor), square * cosineFactor};
 }
 
+/// A sine or cosine near a table angle: base * cos(rest) + slope * sin(rest), where slope is base's
+/// derivative.
+struct NearAngle {
+    Pair base, slope, rest;
+};
+
+NearAngle FromTable(Pair angle, bool wantsCosine) {
+    const double step = Nearest(angle.high * kStepsPerUnit);
+    const SinCosEntry& entry = kSinCos[static_cast<int>(step)];
+    const Pair rest = Sum(angle.high - step / kStepsPerUnit, angle.low);
+    if (wantsCosine) return {entry.cosine, -entry.sine, rest};
+    return {entry.sine, entry.cosine, rest};
+}
+
+/// Good to 65 bits of base, where base is not 0.
+Pair QuickValue(const NearAngle& near) {
+    const double s = near.rest.high, z = s * s;
+    const double cosineLessOne = z * (-0.5 + z * (kInverseFactorial[4].high - z * kInverseFactorial[6].high));
+    const double sineLessArgument =
+        s * z *
+        (-kInverseFactorial[3].high + z * (kInverseFactorial[5].high - z * kInverseFactorial[7].high));
+    const Pair line = Product(near.slope.high, s);
+    const Pair sum = QuickSum(near.base.high, line.high);
+    const double small = near.slope.high * sineLessArgument + near.slope.high * near.rest.low +
+                         near.slope.low * s + line.low + near.base.low;
+    return QuickSum(sum.high, sum.low + (small + near.base.high * cosineLessOne));
+}
+
+Pair ExactValue(const NearAngle& near) {
+    const SineCosine small = SmallSineCosine(near.rest);
+    return near.base + (near.base * small.cosine + near.slope * small.sine);
+}
+
 /// The sine of x + quarters * pi / 2.
 double SineFrom(double x, unsigned quarters) {
     constexpr double kLargest = 1048576.0;
@@ -127,18 +159,26 @@ double SineFrom(double x, unsigned quarters) {
         x = std::fmod(x, kTwoPi); // beyond our promise; not finite becomes no number
     if (x != x) return x;
 
-    const auto [angle, quadrant] = ReduceByHalfPi(x);
-    const bool negativeAngle = angle.high < 0;
-    const Pair magnitude = negativeAngle ? -angle : angle;
-    const double step = Nearest(magnitude.high * kStepsPerUnit);
-    const SinCosEntry& entry = kSinCos[static_cast<int>(step)];
-    const SineCosine small = SmallSineCosine(Sum(magnitude.high - step / kStepsPerUnit, magnitude.low));
-
-    const unsigned turn = (quadrant + quarters) & 3U;
+    const double count = Nearest(x * kTwoOverPi);
+    const unsigned turn = (static_cast<unsigned>(static_cast<std::int64_t>(count)) + quarters) & 3U;
     const bool wantsCosine = (turn & 1U) != 0;
-    const Pair value = wantsCosine ? entry.cosine + (entry.cosine * small.cosine + -(entry.sine * small.sine))
-                                   : entry.sine + (entry.sine * small.cosine + entry.cosine * small.sine);
+    Pair angle = ReduceQuickly(x, count);
+    const bool negativeAngle = angle.high < 0;
     const bool negative = ((turn & 2U) != 0) != (!wantsCosine && negativeAngle);
+
+    // Nearly always a few bits more than a double's decide the rounding.
+    if (negativeAngle) angle = -angle;
+    if (wantsCosine || angle.high > 1.0 / kStepsPerUnit) {
+        const Pair value = QuickValue(FromTable(angle, wantsCosine));
+        const double doubt = value.high * 0x1p-62;
+        if (value.high + (value.low + doubt) == value.high &&
+            value.high + (value.low - doubt) == value.high) {
+            return negative ? -value.high : value.high;
+        }
+    }
+    angle = ReduceExactly(x, count);
+    if (negativeAngle) angle = -angle;
+    const Pair value = ExactValue(FromTable(angle, wantsCosine));
     return negative ? -value.high : value.high;
 }
 
