@@ -7,7 +7,6 @@ namespace {
 
 /// Holds the place of an effect that is not there yet.
 int Unavailable(TransitionContext&) { return 0; }
-std::int64_t NoFrames(CanvasSize) { return 0; }
 
 struct Row {
     const char* name;
@@ -46,20 +45,20 @@ constexpr Row kRows[kTransitionCount] = {
     {"Alpha tile (transparent)", AlphaTileTransparent, AlphaTileTransparentFrames, kClearTileSettings},
     {"Backscatter (horizontal)", BackscatterHorizontal, BackscatterHorizontalFrames, kSparkleSettings},
     {"Backscatter (vertical)", BackscatterVertical, BackscatterVerticalFrames, kSparkleSettings},
-    {"Burp", Unavailable, NoFrames, kImplodeSettings},
+    {"Burp", Burp, BurpFrames, kImplodeSettings},
     {"Diagonal raster (left)", DiagonalRasterLeft, DiagonalRasterLeftFrames, kRasterSettings},
     {"Diagonal raster (right)", DiagonalRasterRight, DiagonalRasterRightFrames, kRasterSettings},
-    {"Framework", Unavailable, NoFrames, ""},
-    {"Hurricane", Unavailable, NoFrames,
+    {"Framework", Framework, FrameworkFrames, ""},
+    {"Hurricane", Hurricane, HurricaneFrames,
      "TransitionMotionBlurStep TransitionMotionBlurAngle TransitionMotionBlurRadius TransitionMattcolour"},
-    {"Liquid metal", Unavailable, NoFrames,
+    {"Liquid metal", LiquidMetal, LiquidMetalFrames,
      "TransitionLiquidMetalStep TransitionLiquidMetalViscosity TransitionLiquidMetalCenterX "
      "TransitionLiquidMetalCenterY"},
     {"None", None, NoneFrames, ""},
     {"Paintball", Paintball, PaintballFrames, "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
     {"Quad (contract)", QuadContract, QuadContractFrames, kQuadSettings},
     {"Quad (expand)", QuadExpand, QuadExpandFrames, kQuadSettings},
-    {"Quantum singularity", Unavailable, NoFrames, kImplodeSettings},
+    {"Quantum singularity", QuantumSingularity, QuantumSingularityFrames, kImplodeSettings},
     {"Rollerblind (horizontal)", RollerblindHorizontal, RollerblindHorizontalFrames, kBlindSettings},
     {"Rollerblind (vertical)", RollerblindVertical, RollerblindVerticalFrames, kBlindSettings},
     {"Silent movie", SilentMovie, SilentMovieFrames,
@@ -71,8 +70,8 @@ constexpr Row kRows[kTransitionCount] = {
     {"Solarize", Solarize, SolarizeFrames, "TransitionSolarizeStep TransitionSolarizeIntensity"},
     {"Spikes (horizontal)", SpikesHorizontal, SpikesHorizontalFrames, kSpikeSettings},
     {"Spikes (vertical)", SpikesVertical, SpikesVerticalFrames, kSpikeSettings},
-    {"Spiral in", Unavailable, NoFrames, kSpiralSettings},
-    {"Spiral out", Unavailable, NoFrames, kSpiralSettings},
+    {"Spiral in", SpiralIn, SpiralInFrames, kSpiralSettings},
+    {"Spiral out", SpiralOut, SpiralOutFrames, kSpiralSettings},
     {"Submerge", Submerge, SubmergeFrames, "TransitionSubmergeStep TransitionSubmergeColor"},
     {"Unplugged TV", UnpluggedTV, UnpluggedTVFrames, "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
 };

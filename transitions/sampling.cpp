@@ -1,0 +1,70 @@
+#include "transitions/sampling.h"
+
+namespace lumafold {
+
+SamplePlane::SamplePlane(std::int32_t width, std::int32_t height)
+    : width_(width), height_(height), stride_(static_cast<std::ptrdiff_t>(width) + 2),
+      pixels_((static_cast<std::size_t>(width) + 2) * (static_cast<std::size_t>(height) + 2)),
+      origin_(pixels_.data() + (pixels_ ? stride_ + 1 : 0)) {}
+
+bool SamplePlane::Load(const DibHeader* picture, Border border) {
+    if (!Covers24(picture, width_, height_) || width_ < 1 || height_ < 1) return false;
+    const ConstRowView rows(picture);
+    for (std::int32_t y = 0; y < height_; ++y) {
+        const std::uint8_t* from = rows.Row(y);
+        std::uint32_t* to = origin_ + stride_ * y;
+        // Four bytes at once; the last pixel's fourth byte may lie beyond the picture.
+        std::int32_t x = 0;
+        for (; x < width_ - 1; ++x, from += 3) {
+            std::uint32_t bytes;
+            std::memcpy(&bytes, from, 4);
+            to[x] = bytes & 0xFFFFFF;
+        }
+        to[x] =
+            from[0] | static_cast<std::uint32_t>(from[1]) << 8 | static_cast<std::uint32_t>(from[2]) << 16;
+        if (border == Border::Nearest) {
+            to[-1] = to[0];
+            to[width_] = to[width_ - 1];
+        }
+    }
+    if (border == Border::Nearest) {
+        const std::size_t bytes = static_cast<std::size_t>(stride_) * sizeof(std::uint32_t);
+        std::uint32_t* first = origin_ - 1;
+        std::memcpy(first - stride_, first, bytes);
+        std::memcpy(first + stride_ * height_, first + stride_ * (height_ - 1), bytes);
+    }
+    return true;
+}
+
+WarpSampler::WarpSampler(const SamplePlane& plane, PixelValue matte)
+    : plane_(plane), width_(plane.Width()),
+      height_(plane.Height()), matte_{static_cast<double>(BlueOf(matte)), static_cast<double>(GreenOf(matte)),
+                                      static_cast<double>(RedOf(matte))} {}
+
+void WarpSampler::AddExact(SamplePoint point, double* sums) const {
+    const double coverage = std::clamp(std::min(point.u, width_ - point.u) + 1, 0.0, 1.0) *
+                            std::clamp(std::min(point.v, height_ - point.v) + 1, 0.0, 1.0);
+    if (!(coverage > 0)) {
+        for (int c = 0; c < 3; ++c) {
+            sums[c] += matte_[c];
+        }
+        return;
+    }
+    const double x = std::clamp(point.u - 0.5, 0.0, width_ - 1),
+                 y = std::clamp(point.v - 0.5, 0.0, height_ - 1);
+    const auto column = static_cast<std::int32_t>(x), row = static_cast<std::int32_t>(y);
+    const double fx = x - column, fy = y - row;
+    const std::uint32_t* top = plane_.At(column, row);
+    const std::uint32_t* bottom = top + plane_.Stride();
+    for (int c = 0; c < 3; ++c) {
+        const auto channel = [c](std::uint32_t pixel) {
+            return static_cast<double>((pixel >> (8 * c)) & 0xFF);
+        };
+        const double upper = channel(top[0]) + (channel(top[1]) - channel(top[0])) * fx;
+        const double lower = channel(bottom[0]) + (channel(bottom[1]) - channel(bottom[0])) * fx;
+        const double colour = upper + (lower - upper) * fy;
+        sums[c] += coverage * colour + (1 - coverage) * matte_[c];
+    }
+}
+
+} // namespace lumafold
