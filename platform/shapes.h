@@ -45,12 +45,12 @@ private:
     std::int32_t width_, height_;
     std::size_t stride_;
     std::uint8_t* rows_;
-    void* context_ = nullptr; // the platform's, where it draws by itself
-    void* bitmap_ = nullptr;
-    void* previousBitmap_ = nullptr;
-    void* previousBrush_ = nullptr;
-    void* previousPen_ = nullptr;
-    void* bits_ = nullptr;
+    [[maybe_unused]] void* context_ = nullptr; // these are the platform's, where it draws by itself
+    [[maybe_unused]] void* bitmap_ = nullptr;
+    [[maybe_unused]] void* previousBitmap_ = nullptr;
+    [[maybe_unused]] void* previousBrush_ = nullptr;
+    [[maybe_unused]] void* previousPen_ = nullptr;
+    [[maybe_unused]] void* bits_ = nullptr;
 };
 
 } // namespace lumafold
