@@ -92,7 +92,8 @@ std::string_view NearestName(std::string_view word, std::span<const std::string_
     // A long word would cost a long table, and is no slip of a short name.
     if (word.empty() || word.size() > 100) return {};
     std::string_view nearest;
-    int nearestDistance = 1 + static_cast<int>(word.size()) / 4;
+    // Of three letters, one that is wrong leaves too little to tell what was meant.
+    int nearestDistance = word.size() < 4 ? 0 : 1 + static_cast<int>(word.size()) / 4;
     for (const std::string_view name : known) {
         const int distance = EditDistance(word, name);
         if (distance < nearestDistance || (nearest.empty() && distance == nearestDistance)) {

@@ -1,0 +1,232 @@
+// Whole builds by the command line, and what they leave on the disk.
+#include <algorithm>
+
+#include "build/image_entry.h"
+#include "colour/palettes.h"
+#include "hosts/cli/memory_list.h"
+#include "hosts/cli/recording_host.h"
+#include "plugin/host.h"
+#include "tests/hosts/cli_fixture.h"
+
+namespace lumafold::test {
+namespace {
+
+TEST(MemoryList, TheTemporaryLineComesFirstAndGoesWithItsBlockAlone) {
+    const std::int64_t before = allocation_hooks::LiveBlocks();
+    {
+        MemoryList list({21, 300, 7});
+        ASSERT_TRUE(list.Add(PlainPicture(1, 1, 1), "one", {1, 10, 100}));
+        ASSERT_TRUE(list.Add(PlainPicture(1, 1, 2), std::string(400, 'x'), {2, 20, 200}));
+        const OwnedDib background = PlainPicture(1, 1, 3);
+        OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
+        GlobalLocked<ImageEntry>(block.Get())->image = background.Get();
+        GlobalLocked<ImageEntry>(block.Get())->transition = 3;
+        ASSERT_TRUE(list.AddTemporary(block.Release()));
+        ASSERT_EQ(list.Count(), 3);
+        ImageEntry entry;
+        for (const auto& [index, transition] : {std::pair{0, 3}, {1, 1}, {2, 2}}) {
+            ASSERT_TRUE(list.Read(index, entry));
+            EXPECT_EQ(entry.transition, transition);
+        }
+        EXPECT_EQ(std::string(entry.label), std::string(260, 'x'));
+        EXPECT_FALSE(list.Read(3, entry));
+        EXPECT_FALSE(list.Read(-1, entry));
+        EXPECT_FALSE(list.Write(3, entry));
+        list.DeleteFirst();
+        ASSERT_TRUE(list.Read(0, entry));
+        EXPECT_EQ(std::string(entry.label), "one");
+        EXPECT_EQ(PixelAt(background.Get(), 0, 0), 3u) << "the driver frees the background itself";
+        EXPECT_EQ(list.DefaultTransition(), 21);
+        EXPECT_EQ(list.DefaultPause(), 300);
+        EXPECT_EQ(list.DefaultDelay(), 7);
+    }
+    EXPECT_EQ(allocation_hooks::LiveBlocks(), before);
+}
+
+TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
+    std::ostringstream screen;
+    Progress progress(screen, ProgressStyle::Silent);
+    RecordingHost recording(3, progress, screen);
+    const Host host(recording.Context());
+    const OwnedDib picture = PlainPicture(2, 2, 5);
+    TaskRecord task{}, other{};
+    ImageRecord frame{};
+    frame.image = picture.Get();
+    EXPECT_FALSE(host.AddFrame(task, frame)) << "before there is a task";
+    EXPECT_TRUE(host.CreateTask(TaskKind::Build, task));
+    EXPECT_FALSE(host.CreateTask(TaskKind::Test, other)) << "one is open";
+    EXPECT_FALSE(host.AddFrame(other, frame)) << "another task";
+    EXPECT_TRUE(host.AddFrame(task, frame));
+    EXPECT_FALSE(host.AddFrame(task, frame)) << "the same index again";
+    EXPECT_NE(recording.Result().frames.at(0).image.Get(), picture.Get())
+        << "a copy, the plug-in frees its own";
+    host.FinishTask(task, TaskEnd::Abandoned);
+    EXPECT_FALSE(recording.Complete());
+    EXPECT_TRUE(recording.Result().frames.empty());
+    char names[1000] = {};
+    EXPECT_FALSE(host.ChooseFiles(0, names));
+    EXPECT_EQ(host.ClipboardPicture(0), 0u);
+    EXPECT_EQ(host.LoadPicture("/no/such/file.png"), 0u);
+    ShowMessage(0, "Memory error");
+    EXPECT_EQ(screen.str(), "lumafold: Memory error\n");
+}
+
+constexpr char kNotYet[] =
+    "lumafold: built with the fixed palette and without supercompression; computing a palette "
+    "and supercompression are not available yet\n";
+
+TEST_F(CommandLineTest, TaskJsonIsExact) {
+    PutPicture("a.bmp", 7, 5, 1);
+    PutPicture("b.bmp", 3, 9, 200);
+    const Ran ran = Run({"build", "--transition", "None", "--pause", "12", Path("a.bmp"), "--pause", "34",
+                         Path("b.bmp"), "--set", "TransitionPalette=0", "-o", Path("out/")});
+    ASSERT_EQ(ran.status, 0) << ran.err;
+    EXPECT_EQ(ran.err.find(kNotYet), 0u);
+    EXPECT_NE(ran.out.find("2 frames, 7x9"), std::string::npos) << ran.out;
+
+    Palette palette;
+    BuildFixedPalette(&palette, nullptr, 0);
+    std::string colours;
+    for (const Rgb& colour : palette) {
+        colours += (colours.empty() ? "[" : ",[") + std::to_string(colour.red) + "," +
+                   std::to_string(colour.green) + "," + std::to_string(colour.blue) + "]";
+    }
+    std::string comment;
+    for (const char* letter = kDescriptiveComment; *letter != '\0'; ++letter) {
+        comment += *letter == '\r' ? "\\r" : *letter == '\n' ? "\\n" : std::string(1, *letter);
+    }
+    EXPECT_EQ(
+        Get("out/task.json"),
+        "{\n\"width\": 7,\n\"height\": 9,\n\"paletteBits\": 1,\n\"palette\": [" + colours +
+            "],\n\"frameCount\": 2,\n\"frames\": ["
+            "{\"file\":\"frame-0000.bmp\",\"delay\":12,\"transparentIndex\":-1},"
+            "{\"file\":\"frame-0001.bmp\",\"delay\":34,\"transparentIndex\":-1}],\n"
+            "\"comment\": \"" +
+            comment +
+            "\",\n\"commands\": ["
+            "[10,0,\"Calculating\"],[13,1,\"2\"],[13,2,\"2\"],[10,0,\"Adjusting\"],[13,1,\"2\"],[13,2,\"2\"],"
+            "[13,0,\"0\"],[10,0,\"Building\"],[13,1,\"2\"],[13,2,\"2\"],[13,0,\"0\"],"
+            "[13,0,\"0\"],[10,0,\"Remapping\"],[13,0,\"2\"],[13,1,\"2\"],[13,0,\"0\"],"
+            "[1,0,\"\"],[2,0,\"\"],[2,0,\"\"],[3,0,\"" +
+            comment + "\"],[4,1,\"\"]]\n}\n");
+}
+
+TEST_F(CommandLineTest, FramesAreThePackedBitmapsByteForByte) {
+    PutPicture("a.bmp", 7, 5, 1);
+    PutPicture("b.bmp", 7, 5, 90);
+    const std::vector<std::string> build{
+        "build",       "-q",    "--transition",           "14", Path("a.bmp"),
+        Path("b.bmp"), "--set", "TransitionTruecolour=1", "-o", Path("out")};
+    std::filesystem::create_directory(Path("out")); // an existing folder needs no slash
+    for (const char* name :
+         {"out/frame-0002.bmp", "out/frame-12345.bmp", "out/frame-0003.bmp.txt", "out/notes"}) {
+        Put(name, "old");
+    }
+    const Ran ran = Run(build);
+    EXPECT_EQ(ran.status, 0) << ran.err;
+    EXPECT_EQ(ran.out + ran.err, "") << "quiet";
+    // In true colour a picture of the canvas' size comes through untouched.
+    EXPECT_EQ(Get("out/frame-0000.bmp"), Get("a.bmp"));
+    EXPECT_EQ(Get("out/frame-0001.bmp"), Get("b.bmp"));
+    const std::vector<std::string> expected{"a.bmp",
+                                            "b.bmp",
+                                            "out",
+                                            "out/frame-0000.bmp",
+                                            "out/frame-0001.bmp",
+                                            "out/frame-0003.bmp.txt",
+                                            "out/notes",
+                                            "out/task.json"};
+    EXPECT_EQ(Names(), expected) << "frames of a longer run go, all else stays";
+
+    auto eightBits = build;
+    eightBits[7] = "TransitionPalette=6";
+    ASSERT_EQ(Run(eightBits).status, 0);
+    const std::string file = Get("out/frame-0000.bmp");
+    ASSERT_EQ(file.size(), 14u + 40 + 1024 + 8 * 5);
+    EXPECT_EQ(file.substr(2, 4), std::string("\x5E\x04\0\0", 4)) << "its own size";
+    EXPECT_EQ(file.substr(10, 4), std::string("\x36\x04\0\0", 4)) << "where the rows begin";
+}
+
+TEST_F(CommandLineTest, OnePictureFadesToTheMatteColourByTheLastValues) {
+    PutPicture("a.bmp", 3, 3, 1);
+    const Ran ran =
+        Run({"build", "-q", "--transition", "None", "--pause", "1", Path("a.bmp"), "--pause", "2", "-o",
+             Path("out/"), "--set", "TransitionTruecolour=1", "--set", "TransitionMattcolour=0x010203",
+             "--test-build", "--set", "AddDescriptiveCommentBlock=0"});
+    ASSERT_EQ(ran.status, 0) << ran.err;
+    const std::string json = Get("out/task.json");
+    EXPECT_NE(json.find("\"delay\":2,\"transparentIndex\":-1},{\"file\":\"frame-0001.bmp\",\"delay\":1"),
+              std::string::npos);
+    EXPECT_EQ(Get("out/frame-0000.bmp").substr(54, 9), std::string("\1\2\3\1\2\3\1\2\3"));
+    EXPECT_EQ(Get("out/frame-0001.bmp"), Get("a.bmp"));
+    EXPECT_NE(json.find("[5,0,\"\"],[2,0,\"\"],[2,0,\"\"],[4,1,\"\"]]"), std::string::npos);
+    EXPECT_NE(json.find("\"comment\": \"\""), std::string::npos);
+}
+
+TEST_F(CommandLineTest, GifAndContactSheetAreWrittenTogether) {
+    PutPicture("a.bmp", 33, 1, 1);
+    PutPicture("b.bmp", 1, 21, 9);
+    const Ran ran = Run({"build", "--transition", "Soft iris (diamond)", Path("a.bmp"), Path("b.bmp"), "-o",
+                         Path("x.GIF"), "--sheet", Path("sheet.png"), "--set", "TransitionTruecolour=1"});
+    ASSERT_EQ(ran.status, 0) << ran.err;
+    EXPECT_EQ(ran.err.find("lumafold: a GIF holds no true colour, so the frames get a palette\n"), 0u);
+    EXPECT_NE(ran.err.find("\nBuilding\nBuilding 1/2\nBuilding 2/2\n"), std::string::npos) << ran.err;
+    EXPECT_EQ(Get("x.GIF").substr(0, 10), std::string("GIF89a\x21\0\x15\0", 10));
+    EXPECT_EQ(Get("sheet.png").substr(1, 3), "PNG");
+    EXPECT_NE(ran.out.find("40 frames, 33x21"), std::string::npos) << ran.out;
+}
+
+TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
+    PutPicture("a.bmp", 7, 5, 1);
+    Put("empty.png", "");
+    Put("words.png", "these are only words");
+    Put("old.gif", "old");
+    std::filesystem::create_directories(Path("taken/frame-0001.bmp/inside"));
+    const std::string a = Path("a.bmp");
+    const struct {
+        std::vector<std::string> words;
+        int status;
+        std::string expected;
+    } kCases[] = {
+        {{a, Path("none.png"), "-o", Path("x.gif")}, 1, "lumafold: " + Path("none.png") + ": "},
+        {{a, Path("empty.png"), "-o", Path("old.gif")}, 1, "lumafold: " + Path("empty.png") + ": "},
+        {{a, Path("words.png"), "-o", Path("new/")}, 1, "lumafold: " + Path("words.png") + ": "},
+        {{a, a, "-o", Path("x.tiff")},
+         2,
+         "lumafold: -o " + Path("x.tiff") + ": the suffix .tiff means no known kind"},
+        {{a, a, "-o", Path("x")}, 2, "lumafold: -o " + Path("x") + ": a name without a suffix"},
+        {{a, a, "-o", Path("no/x.gif")},
+         1,
+         "lumafold: -o " + Path("no/x.gif") + ": the folder " + Path("no")},
+        {{a, a, "-o", Path("no/deep/")},
+         1,
+         "lumafold: -o " + Path("no/deep/") + ": the folder " + Path("no")},
+        {{a, a, "-o", Path("a.bmp/")}, 1, "lumafold: -o " + Path("a.bmp/") + ": is not a folder"},
+        {{a, a, "-o", Path("taken/")}, 1, "lumafold: " + Path("taken/frame-0001.bmp") + ": is a folder"},
+        {{a, a, "-o", Path("x.gif"), "--sheet", Path("no/s.png")},
+         1,
+         "lumafold: --sheet " + Path("no/s.png")},
+        {{a, a, "-o", Path("x.gif"), "--sheet", Path("s.jpg")}, 2, "lumafold: --sheet " + Path("s.jpg")},
+        // The engine's own word: a step of 0 would never end.
+        {{"--transition", "23", a, a, "-o", Path("x.gif")}, 1, "lumafold: Memory error\n"},
+    };
+    const auto before = Names();
+    for (const auto& row : kCases) {
+        std::vector<std::string> words{"build", "-q", "--transition", "None"};
+        words.insert(words.end(), row.words.begin(), row.words.end());
+        if (row.words[0] == "--transition") words.insert(words.end(), {"--set", "TransitionIrisStep=0"});
+        Ran ran = Run(words);
+        const std::string kWarning =
+            "lumafold: warning: --set TransitionIrisStep: 0 is outside the range of 2 to 20\n";
+        if (ran.err.starts_with(kWarning)) ran.err.erase(0, kWarning.size());
+        EXPECT_EQ(ran.status, row.status) << row.expected;
+        EXPECT_EQ(ran.err.substr(0, row.expected.size()), row.expected);
+        EXPECT_EQ(std::count(ran.err.begin(), ran.err.end(), '\n'), 1) << ran.err;
+        EXPECT_EQ(ran.out, "");
+        EXPECT_EQ(Names(), before) << row.expected;
+    }
+    EXPECT_EQ(Get("old.gif"), "old");
+}
+
+} // namespace
+} // namespace lumafold::test

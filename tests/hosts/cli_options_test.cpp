@@ -1,0 +1,160 @@
+// The words of the command line: what applies to which picture, what counts as a number, what is a mistake.
+#include "hosts/cli/build_options.h"
+#include "hosts/cli/names.h"
+#include "tests/hosts/cli_fixture.h"
+
+namespace lumafold::test {
+namespace {
+
+std::vector<std::string> Words(const std::string& line) {
+    std::vector<std::string> words;
+    std::string word;
+    bool quoted = false;
+    for (const char letter : line + " ") {
+        if (letter == '\'') {
+            quoted = !quoted;
+        } else if (letter == ' ' && !quoted) {
+            if (!word.empty()) words.push_back(std::move(word));
+            word.clear();
+        } else {
+            word += letter;
+        }
+    }
+    return words;
+}
+
+std::string GapText(const GapValues& gap) {
+    return std::to_string(gap.transition) + "/" + std::to_string(gap.pause) + "/" + std::to_string(gap.delay);
+}
+
+/// Each picture with what follows it, then what stands for the dialog's; or the error.
+std::string Parsed(const std::string& line) {
+    BuildOptions options;
+    std::string error;
+    if (!ParseBuild(Words(line), options, error)) return "error: " + error;
+    std::string text;
+    for (const ImageArgument& image : options.images)
+        text += image.path + " " + GapText(image.gap) + ", ";
+    return text + GapText(options.defaults);
+}
+
+TEST(BuildOptions, GapOptionsApplyToThePicturesAfterThem) {
+    const struct {
+        const char *line, *expected;
+    } kCases[] = {
+        {"a b -o x.gif", "a 0/100/5, b 0/100/5, 0/100/5"},
+        {"a --transition None b --pause 7 c -o x.gif --delay 9 d",
+         "a 0/100/5, b 14/100/5, c 14/7/5, d 14/7/9, 14/7/9"},
+        {"--transition 'soft IRIS (ellipse)' --delay=3 a --transition=21 b -o x.gif",
+         "a 23/100/3, b 21/100/3, 21/100/3"},
+        // The settings fill what no option says, wherever they stand.
+        {"a -o x.gif --pause 1 --set TransitionType=14 --set TransitionPause=0x20 --set TransitionDelay=8",
+         "a 14/32/8, 14/1/8"},
+        {"a b -o x.gif --set TransitionType=33", "a 0/100/5, b 0/100/5, 0/100/5"},
+        {"-o x.gif -- --pause -q", "--pause 0/100/5, -q 0/100/5, 0/100/5"},
+        {"- a --pause 0 b -o x.gif", "- 0/100/5, a 0/100/5, b 0/0/5, 0/0/5"},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(Parsed(row.line), row.expected) << row.line;
+}
+
+TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
+    const struct {
+        const char *line, *expected;
+    } kCases[] = {
+        {"-o x.gif", "no image is named"},
+        {"a b", "no output is named, add -o FILE.gif or -o FOLDER/"},
+        {"a --transiton 3 -o x.gif", "unknown option --transiton, did you mean \"--transition\"?"},
+        {"a -x -o x.gif", "unknown option -x"},
+        {"a b -o", "option -o needs a value"},
+        {"a -o x.gif -o y.gif", "option -o is given twice: x.gif and y.gif"},
+        {"a -o x.gif --quiet=yes", "option --quiet takes no value"},
+        {"a --transition 33 -o x.gif", "--transition 33: there is no such row, the table has 0 to 32"},
+        {"a --transition -1 -o x.gif", "--transition -1: there is no such row, the table has 0 to 32"},
+        {"a --transition 'slient movie' -o x.gif",
+         "--transition slient movie: no transition has this name, did you mean \"Silent movie\"?"},
+        {"a --transition soft -o x.gif",
+         "--transition soft: no transition has this name, did you mean \"Soft iris (diamond)\"?"},
+        {"a --transition zzzz -o x.gif", "--transition zzzz: no transition has this name"},
+        {"a --pause soon -o x.gif", "--pause soon: not a number of hundredths of a second"},
+        {"a --delay -5 -o x.gif", "--delay -5: not a number of hundredths of a second"},
+        {"a --set FastRemap -o x.gif", "--set FastRemap: write it as KEY=VALUE"},
+        {"a --set fastremap=1 -o x.gif",
+         "--set fastremap=1: no setting fastremap, did you mean \"FastRemap\"?"},
+        {"a --set IrisStep=1 -o x.gif",
+         "--set IrisStep=1: no setting IrisStep, did you mean \"TransitionIrisStep\"?"},
+        {"a --set FastRemap=yes -o x.gif", "--set FastRemap=yes: yes is no 32-bit number"},
+        {"a --set FastRemap= -o x.gif", "--set FastRemap=:  is no 32-bit number"},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(Parsed(row.line), std::string("error: ") + row.expected) << row.line;
+}
+
+TEST(BuildOptions, SettingsTakeAny32BitNumberAndWarnOutsideTheirRange) {
+    BuildOptions options;
+    std::string error;
+    const auto words =
+        Words("a b -o x.gif --set TransitionIrisStep=21 --set TransitionIrisRadius=-1 --set PatchLevel=3 "
+              "--set TransitionMattcolour=0xFF00112233 --pause 1001");
+    EXPECT_FALSE(ParseBuild(words, options, error)) << "33 bits and more";
+    options = {};
+    auto fewer = words;
+    fewer[11] = "TransitionMattcolour=0x1112233";
+    ASSERT_TRUE(ParseBuild(fewer, options, error)) << error;
+    EXPECT_EQ(options.settings.TransitionIrisStep, 21u);
+    EXPECT_EQ(options.settings.TransitionIrisRadius, 0xFFFFFFFFu);
+    EXPECT_EQ(options.settings.PatchLevel, 17u) << "written to files, never taken";
+    EXPECT_EQ(options.settings.TransitionMattcolour, 0x1112233u);
+    const std::vector<std::string> expected{
+        "--set TransitionIrisStep: 21 is outside the range of 2 to 20",
+        "--set TransitionIrisRadius: 4294967295 is outside the range of 2 to 400",
+        "--set PatchLevel: 3 is outside the range of always 17 and stays as it is",
+        "--set TransitionMattcolour: 0x1112233 is outside the range of 0x000000 to 0xFFFFFF",
+        "--pause: 1001 is outside the range of 0 to 1000",
+        "--pause stands after the last image and changes nothing",
+    };
+    EXPECT_EQ(options.warnings, expected);
+}
+
+TEST(Names, NumbersEndWhereThirtyTwoBitsDo) {
+    EXPECT_EQ(ParseNumber("4294967295"), 0xFFFFFFFFu);
+    EXPECT_EQ(ParseNumber("0xFFFFFFFF"), 0xFFFFFFFFu);
+    EXPECT_EQ(ParseNumber("-2147483648"), 0x80000000u);
+    EXPECT_EQ(ParseNumber("-0x1"), 0xFFFFFFFFu);
+    EXPECT_EQ(ParseNumber("007"), 7u);
+    for (const char* text : {"", "-", "0x", "4294967296", "-2147483649", "12 ", "1e3", "0xG", "--1", "+1",
+                             "99999999999999999999"}) {
+        EXPECT_EQ(ParseNumber(text), std::nullopt) << text;
+    }
+}
+
+TEST_F(CommandLineTest, HelpAndVersionAnswerEverywhere) {
+    for (const std::string command : {"build", "transitions", "settings"}) {
+        const Ran help = Run({command, "--help"}), version = Run({command, "a", "--version", "--nonsense"});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.out.find("usage: lumafold " + command), 0u) << help.out;
+        EXPECT_EQ(version.out.find("lumafold 1."), 0u);
+        EXPECT_EQ(help.err + version.err, "");
+    }
+    EXPECT_EQ(Run({"--help"}).status, 0);
+    EXPECT_EQ(Run({}).status, 2);
+    const Ran unknown = Run({"biuld", "a"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err, "lumafold: unknown command biuld, did you mean \"build\"?\n");
+}
+
+TEST_F(CommandLineTest, ListingsHaveALineForEveryRowAndKey) {
+    const Ran transitions = Run({"transitions"}), settings = Run({"settings"});
+    EXPECT_NE(transitions.out.find(
+                  "\n 23  Soft iris (ellipse)                 TransitionIrisStep TransitionIrisRadius"),
+              std::string::npos)
+        << transitions.out;
+    EXPECT_EQ(std::count(transitions.out.begin(), transitions.out.end(), '\n'), 1 + 33);
+    for (const SettingDescriptor& setting : SettingDescriptors()) {
+        EXPECT_NE(settings.out.find("\n" + std::string(setting.key) + " "), std::string::npos) << setting.key;
+    }
+    EXPECT_NE(settings.out.find("0xFF33CC  0x000000 to 0xFFFFFF"), std::string::npos);
+}
+
+} // namespace
+} // namespace lumafold::test

@@ -1,0 +1,77 @@
+// The contact sheet: what lies where, and what it shows of frames that let others shine through.
+#include "hosts/cli/contact_sheet.h"
+#include "tests/support/pictures.h"
+
+#include <gtest/gtest.h>
+
+namespace lumafold::test {
+namespace {
+
+bool Shows(const OwnedDib& sheet, PixelValue colour) {
+    std::int32_t width = 0, height = 0;
+    DibQuery(sheet.Get(), &width, &height, nullptr, nullptr);
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < width; ++x) {
+            if (PixelAt(sheet.Get(), x, y) == colour) return true;
+        }
+    }
+    return false;
+}
+
+TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
+    std::vector<SheetCell> cells;
+    for (unsigned i = 0; i < 7; ++i)
+        cells.push_back({PlainPicture(20, 10, 0x10 + i), "|"});
+    const OwnedDib sheet = LayOutSheet(cells);
+    std::int32_t width = 0, height = 0;
+    ASSERT_TRUE(DibQuery(sheet.Get(), &width, &height, nullptr, nullptr));
+    EXPECT_EQ(width, 6 * 30 + 10);
+    EXPECT_EQ(height, 2 * 31 + 10);
+    EXPECT_EQ(PixelAt(sheet.Get(), 10, 10), 0x10u);
+    EXPECT_EQ(PixelAt(sheet.Get(), 5 * 30 + 29, 19), 0x15u);
+    EXPECT_EQ(PixelAt(sheet.Get(), 10, 31 + 10), 0x16u);
+    const PixelValue paper = PixelAt(sheet.Get(), 0, 0);
+    EXPECT_NE(PixelAt(sheet.Get(), 12, 24), paper) << "the bar of the label";
+    EXPECT_EQ(PixelAt(sheet.Get(), 13, 24), paper);
+    EXPECT_FALSE(LayOutSheet({}));
+}
+
+TEST(ContactSheet, ShrinksLargePicturesAndKeepsAPixelOfTheLongest) {
+    for (const auto& [w, h] : {std::pair{481, 47}, {16384, 1}, {1, 16384}, {160, 120}, {7, 5}}) {
+        const OwnedDib small = SheetPicture(PlainPicture(w, h, 0x123456).Get());
+        std::int32_t width = 0, height = 0;
+        ASSERT_TRUE(DibQuery(small.Get(), &width, &height, nullptr, nullptr)) << w << 'x' << h;
+        EXPECT_TRUE(width >= 1 && width <= std::max(kSheetCellWidth, 164)) << width;
+        EXPECT_TRUE(height >= 1 && height <= 164) << height;
+        EXPECT_EQ(PixelAt(small.Get(), 0, 0), 0x123456u);
+    }
+}
+
+TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
+    Palette palette{};
+    for (unsigned i = 0; i < 256; ++i)
+        palette[i] = {static_cast<std::uint8_t>(i), 7, 9};
+    Animation animation;
+    animation.width = animation.height = 2;
+    for (unsigned i = 0; i < 100; ++i) {
+        OwnedDib frame(DibCreate(2, 2, &palette, 8));
+        {
+            const LockedDib dib(frame.Get());
+            for (int x = 0; x < 2; ++x) {
+                for (int y = 0; y < 2; ++y)
+                    DibSetPixel(dib.Get(), x, y, i == 99 && x == 0 ? 200 : i);
+            }
+        }
+        animation.frames.push_back({std::move(frame), 5, i == 99 ? 200 : -1});
+    }
+    const OwnedDib sheet = AnimationSheet(animation);
+    EXPECT_TRUE(Shows(sheet, MakeColour(0, 7, 9)));
+    EXPECT_TRUE(Shows(sheet, MakeColour(99, 7, 9)));
+    EXPECT_TRUE(Shows(sheet, MakeColour(98, 7, 9)))
+        << "the frame before, through the transparent half of the last";
+    EXPECT_FALSE(Shows(sheet, MakeColour(200, 7, 9)));
+    EXPECT_FALSE(Shows(sheet, MakeColour(1, 7, 9))) << "48 of 100 are shown, and 1 is not among them";
+}
+
+} // namespace
+} // namespace lumafold::test
