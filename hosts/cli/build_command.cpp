@@ -58,6 +58,7 @@ public:
         if (const int status = CheckFirst(); status != 0) return status;
         MemoryList list(options_.defaults);
         if (const int status = Load(list); status != 0) return status;
+        for (const std::string& remark : remarks_) err_ << "lumafold: " << remark << '\n';
         return Build(list);
     }
 
@@ -67,8 +68,9 @@ private:
         return status;
     }
 
+    // Held back until the pictures are read: what is wrong with one of those should stand alone.
     void Remark(const std::string& text) {
-        if (!options_.quiet) err_ << "lumafold: " << text << '\n';
+        if (!options_.quiet) remarks_.push_back(text);
     }
 
     void PutSettingsInForce() {
@@ -164,6 +166,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     BuildOptions options_;
+    std::vector<std::string> remarks_;
     OutputKind kind_ = OutputKind::Gif;
 };
 
