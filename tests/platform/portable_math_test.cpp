@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "math_table.h"
+#include "tests/platform/math_table.h"
 
 namespace lumafold {
 namespace {
