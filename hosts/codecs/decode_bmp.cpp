@@ -47,6 +47,7 @@ void ReadMasks(const BmpBytes& file, std::size_t headerBytes, BmpShape& shape) {
         if (shape.bits == 32) shape.masks = {0xFF0000, 0xFF00, 0xFF, 0};
         return;
     }
+    if (shape.packing != Packing::BitFields && shape.packing != Packing::AlphaBitFields) return;
     // In the header, or right behind the old one: the offset is the same.
     const bool hasAlpha = headerBytes >= 56 || shape.packing == Packing::AlphaBitFields;
     for (std::size_t i = 0; i < (hasAlpha ? 4U : 3U); ++i) {
@@ -120,7 +121,7 @@ BmpShape ReadShape(const BmpBytes& file, const DecodeLimits& limits) {
     }
     CheckSize(shape.width, shape.height, limits);
     // A 64-byte header numbers its compressions differently from 3 on.
-    if (headerBytes < 40 || headerBytes == 64 ? packing > 2 : false) packing += 100;
+    if ((headerBytes < 40 || headerBytes == 64) && packing > 2) packing += 100;
     CheckKind(bits, packing, shape);
     shape.bits = static_cast<int>(bits);
     shape.packing = static_cast<Packing>(packing);

@@ -146,6 +146,7 @@ OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limi
         jpeg_read_header(&info, TRUE);
     });
     CheckSize(info.image_width, info.image_height, limits);
+    const int orientation = ReadOrientation(info); // finishing drops the markers
     info.out_color_space = DeliveredColours(info.jpeg_color_space);
 
     const bool grey = info.out_color_space == JCS_GRAYSCALE;
@@ -172,7 +173,7 @@ OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limi
         }
         jpeg_finish_decompress(&info);
     });
-    return Upright(picture.Finish(), ReadOrientation(info));
+    return Upright(picture.Finish(), orientation);
 }
 
 } // namespace lumafold

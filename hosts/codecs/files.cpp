@@ -60,8 +60,8 @@ std::FILE* CreateNew(const std::string& path) {
 
 /// Down to the disk, where the system offers that: a name must not be there before its bytes are.
 bool WriteOut(std::FILE* file, std::span<const std::uint8_t> bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || std::fflush(file) != 0)
-        return false;
+    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()) return false;
+    if (std::fflush(file) != 0) return false;
 #ifndef _WIN32
     if (fsync(fileno(file)) != 0 && errno != EINVAL && errno != EROFS) return false;
 #endif
