@@ -14,7 +14,7 @@ std::uint8_t BitOf(Rgb colour) { return Luminance(colour) < kWhiteFrom ? 0 : 1; 
 } // namespace
 
 Remapper::Remapper(const Palette& palette, int bits, int count)
-    : palette_(palette), bits_(bits), count_(std::clamp(count, 0, 256)) {}
+    : palette_(palette), bits_(bits), count_(count) {}
 
 DibHandle Remapper::Remap(DibHandle picture) { return Reduce(picture, &Remapper::FillNearest); }
 

@@ -32,13 +32,18 @@ TEST(FindNearestColour, WeighsTiesAndPrefersTheFirst) {
     }
 }
 
+struct Search {
+    Palette palette;
+    int count;
+};
+
 /// Fixed palettes and random ones: crowded together, with many equal entries, nearly empty, empty.
-std::vector<std::pair<Palette, int>> PalettesToSearch() {
-    std::vector<std::pair<Palette, int>> all;
+std::vector<Search> PalettesToSearch() {
+    std::vector<Search> all;
     for (const int number : {0, 1, 5, 6, 7, 8}) {
         Palette palette;
         BuildFixedPalette(&palette, nullptr, number);
-        all.emplace_back(palette, 256);
+        all.push_back({palette, 256});
     }
     const struct {
         unsigned mask, base;
@@ -52,14 +57,16 @@ std::vector<std::pair<Palette, int>> PalettesToSearch() {
         };
         for (Rgb& entry : palette)
             entry.red = level(), entry.green = level(), entry.blue = level();
-        all.emplace_back(palette, kind.count);
+        all.push_back({palette, kind.count});
     }
     return all;
 }
 
 TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
     Random random(77);
-    for (const auto& [palette, count] : PalettesToSearch()) {
+    for (const Search& each : PalettesToSearch()) {
+        const Palette& palette = each.palette;
+        const int count = each.count;
         const test::Definition definition(palette, 8, count);
         NearestSearch search;
         ASSERT_TRUE(search.Build(palette, count));

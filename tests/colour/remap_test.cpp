@@ -99,8 +99,9 @@ TEST(Reduction, IsWhatTheAccessorsDefine) {
 
 TEST(Dithering, SpreadsByHandComputedShares) {
     const test::SettingsGuard guard;
-    // 100: black, 43 to the right. 143: white, -49 to the right, and nothing to the left below. 51: black.
-    // The next row starts from 31, -20 and 8 and becomes 131 white, 25 black, 118 white's loss: black.
+    // 100 is black and gives 43 to the right; 143 is white and gives -49, but nothing to the left below; 51
+    // is black. So the next row was given 31, -20 and 8: 131 is white and gives -55, 25 is black and gives
+    // 10, 118 is black.
     const OwnedDib gray = GrayPicture(3, 2, {100, 100, 100, 100, 100, 100});
     for (const std::uint32_t fast : {0U, 1U}) {
         pluginSettings.FastRemap = fast;
@@ -128,6 +129,24 @@ TEST(Dithering, LeavesAUniformColourOfThePaletteAlone) {
     }
 }
 
+TEST(Reduction, TellsExactColoursFromTheirCells) {
+    const test::SettingsGuard guard;
+    // All of the first two in one cell, which the second is nearest to. White is missing: the fourth is
+    // nearest to it, the third to its cell.
+    Palette palette{};
+    palette[0] = {7, 7, 7}, palette[1] = {1, 1, 1}, palette[2] = {244, 244, 244},
+    palette[3] = {255, 255, 240};
+    const OwnedDib dark = GrayPicture(1, 3, {7, 1, 6});
+    const OwnedDib bits(DibCreate(2, 1, &palette, 1));
+    DibSetPixel(LockedDib(bits.Get()).Get(), 1, 0, 1);
+    for (const bool fast : {false, true}) {
+        pluginSettings.FastRemap = fast ? 1 : 0;
+        EXPECT_EQ(Indices(OwnedDib(DitherImage(dark.Get(), palette, 8, 4)).Get()), fast ? "011" : "010");
+        EXPECT_EQ(Indices(OwnedDib(RemapImage(dark.Get(), palette, 8, 4)).Get()), "111");
+        EXPECT_EQ(Indices(OwnedDib(RemapImage(bits.Get(), palette, 8, 4)).Get()), fast ? "12" : "13");
+    }
+}
+
 TEST(Dithering, TakesLevelsOfAnySteepness) {
     const test::SettingsGuard guard;
     const OwnedDib picture = BusyPicture(61, 47, 4);
@@ -145,8 +164,7 @@ TEST(Dithering, TakesLevelsOfAnySteepness) {
 TEST(Reduction, SurvivesOddCountsAndRefusesOtherDepths) {
     const OwnedDib picture = BusyPicture(7, 5, 1);
     for (const int count : {-1, 0, 300}) {
-        const int whole = std::clamp(count, 0, 256);
-        const Definition definition(FixedPalette(6), 8, whole);
+        const Definition definition(FixedPalette(6), 8, std::clamp(count, 0, 256));
         ExpectSameBlock(OwnedDib(RemapImage(picture.Get(), FixedPalette(6), 8, count)).Get(),
                         definition.Remap(picture.Get()).Get());
         ExpectSameBlock(OwnedDib(DitherImage(picture.Get(), FixedPalette(6), 8, count)).Get(),
@@ -203,7 +221,8 @@ TEST(Reduction, IsTheSameOnEveryPlatform) {
             int bits = 0;
             BuildFixedPalette(&palette, &bits, number);
             for (const auto reduce : {RemapImage, DitherImage}) {
-                const std::uint64_t one = DibChecksum(OwnedDib(reduce(picture.Get(), palette, bits, 256)).Get());
+                const std::uint64_t one =
+                    DibChecksum(OwnedDib(reduce(picture.Get(), palette, bits, 256)).Get());
                 ASSERT_NE(one, 0U);
                 sum.Add(&one, sizeof(one));
             }
