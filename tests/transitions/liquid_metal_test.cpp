@@ -1,0 +1,96 @@
+#include "platform/portable_math.h"
+#include "tests/transitions/plain_sample.h"
+
+namespace lumafold::test {
+namespace {
+
+constexpr int kLiquidMetal = 13;
+
+std::uint32_t PlainBilinear(float fx, float fy, const PixelValue (&p)[4]) {
+    std::uint32_t result = 0;
+    for (int c = 0; c < 4; ++c) {
+        const auto at = [&](int i) { return static_cast<float>((p[i] >> (8 * c)) & 0xFF); };
+        const float top = at(0) * (1.0F - fx) + at(1) * fx;
+        const float bottom = at(2) * (1.0F - fx) + at(3) * fx;
+        result |= static_cast<std::uint32_t>((1.0F - fy) * top + fy * bottom) << (8 * c);
+    }
+    return result;
+}
+
+OwnedDib PlainRipple(const DibHeader* picture, float strength, int centreX, int centreY) {
+    const int w = picture->biWidth, h = picture->biHeight;
+    const double amplitude = 0.01 * (static_cast<int>(strength * 7930.0F) + 70);
+    const double wavelength = 0.01 * (static_cast<int>(strength * 600.0F) + 400);
+    const double cx = ((centreX - 100) * w) / 100 + w * 0.5, cy = ((centreY - 100) * h) / 100 + h * 0.5;
+    const double farthest = std::sqrt((w - cx) * (w - cx) + (h - cy) * (h - cy)) + 0.0001;
+    return Picture(w, h, [&](int x, int y) {
+        const double dx = x - cx, dy = y - cy, r = std::sqrt(dx * dx + dy * dy);
+        double shift = PortableSin(r / wavelength * (2 * kPi) + 0.01 * 180) * amplitude;
+        shift = (1 - r / farthest) * (0.01 * 15) * shift;
+        const double sx = std::min(std::max(x + shift, 0.0), w - 1.0),
+                     sy = std::min(std::max(y + shift, 0.0), h - 1.0);
+        const int xi = static_cast<int>(sx), yi = static_cast<int>(sy);
+        const auto at = [&](int column, int row) {
+            const PixelValue value = DibGetPixel(picture, column, row);
+            return value == kNoPixel ? 0 : value;
+        };
+        return PlainBilinear(static_cast<float>(std::fmod(sx, 1.0)), static_cast<float>(std::fmod(sy, 1.0)),
+                             {at(xi, yi), at(xi + 1, yi), at(xi, yi + 1), at(xi + 1, yi + 1)});
+    });
+}
+
+/// Centres inside, on the corner, and so far away that distances hardly repeat.
+TEST(LiquidMetal, IsItsPlainDefinition) {
+    SettingsGuard guard;
+    for (const auto& [step, viscosity, centreX, centreY] :
+         {std::array{10, 300, 100, 100}, {23, 600, 50, 150}, {50, 200, 83, 117}, {60, 333, 2000, -900}}) {
+        pluginSettings.TransitionLiquidMetalStep = static_cast<unsigned>(step);
+        pluginSettings.TransitionLiquidMetalViscosity = static_cast<unsigned>(viscosity);
+        pluginSettings.TransitionLiquidMetalCenterX = static_cast<unsigned>(centreX);
+        pluginSettings.TransitionLiquidMetalCenterY = static_cast<unsigned>(centreY);
+        std::vector<float> strengths;
+        const int rising = 128 / step;
+        for (int i = 1; i <= 255 / step; ++i) {
+            const int mirrored = i <= rising ? i : std::max(2 * rising + 1 - i, 1);
+            strengths.push_back(static_cast<float>(mirrored * step) * 0.0078125F);
+        }
+        const auto factor = static_cast<float>(0.01 * viscosity);
+        for (const auto& [w, h] : kOddSizes) {
+            ExpectFrames(kLiquidMetal, w, h, [&](int i, const DibHeader* from, const DibHeader* to) {
+                const OwnedDib mix(DibCrossfade(from, to, i * step));
+                const LockedDib locked(mix.Get());
+                return PlainRipple(locked.Get(), strengths[static_cast<std::size_t>(i - 1)] * factor, centreX,
+                                   centreY);
+            });
+        }
+    }
+}
+
+TEST(LiquidMetal, HoldsLaterFramesLonger) {
+    SettingsGuard guard;
+    const OwnedDib picture = BusyPicture(7, 5, 1);
+    // Default step: half is 12, so stores above 6 lengthen 9 by 9 * stored * 2 / 12.
+    const int expected[] = {9,  9,  9,  9,  9, 9, 19, 21, 22, 24, 25, 27, 25,
+                            24, 22, 21, 19, 9, 9, 9,  9,  9,  9,  9,  9};
+    EffectResult result;
+    RunEffect(kLiquidMetal, picture.Get(), picture.Get(), result);
+    ASSERT_EQ(result.Count(), 26);
+    for (int i = 1; i < 26; ++i) {
+        EXPECT_EQ(result.Delay(i), expected[i - 1]) << i;
+    }
+    // With one step or none before the middle there is no half to divide by; a delay of 0 stays 0.
+    for (const unsigned step : {128U, 200U}) {
+        pluginSettings.TransitionLiquidMetalStep = step;
+        EffectResult one;
+        RunEffect(kLiquidMetal, picture.Get(), picture.Get(), one);
+        ASSERT_EQ(one.Count(), 2);
+        EXPECT_EQ(one.Delay(1), kTestDelay);
+    }
+    pluginSettings.TransitionLiquidMetalStep = 10;
+    EffectResult still;
+    RunEffect(kLiquidMetal, picture.Get(), picture.Get(), still, 0);
+    EXPECT_EQ(still.Delay(12), 0);
+}
+
+} // namespace
+} // namespace lumafold::test
