@@ -100,6 +100,9 @@ TEST(BmpDecoder, BringsBitFieldsToEightBits) {
     ExpectPixels(Compose({2, 1, 16}, {0x00, 0x7C, 0x10, 0x02}), 24, {{0x0000FF, 0x848400}});
     ExpectPixels(Compose({2, 1, 16, 3, 40, {0xF800, 0x07E0, 0x001F}}, {0x00, 0xF8, 0x10, 0x04}), 24,
                  {{0x0000FF, 0x848200}});
+    Bytes noOffset = Compose({2, 1, 16, 3, 40, {0xF800, 0x07E0, 0x001F}}, {0x00, 0xF8, 0x10, 0x04});
+    std::fill_n(noOffset.begin() + 10, 4, std::uint8_t{0});
+    ExpectPixels(noOffset, 24, {{0x0000FF, 0x848200}});
     ExpectPixels(Compose({1, 1, 32}, {3, 2, 1, 0x80}), 24, {{0x030201}});
     ExpectPixels(Compose({1, 1, 32, 3, 40, {0x3FF00000, 0x000FFC00, 0x000003FF}}, {0xFF, 0x03, 0x08, 0x20}),
                  24, {{MakeColour(128, 128, 255)}});

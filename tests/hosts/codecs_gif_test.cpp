@@ -184,9 +184,12 @@ TEST(GifWriter, LeavesOutUnchangedPixelsWhereThatPacksBetter) {
     maker.Add(noise);
     maker.Add([&](int x, int y) { return x == y && x % 99 == 0 ? 252 : noise(x, y); }, 5, 255);
     maker.Add([&](int x, int y) { return x == y && x % 99 == 0 ? 251 : noise(x, y); }, 5);
+    maker.Add([](int x, int y) { return (x * y) % 3 == 0 ? 9 : 10; }, 5);
+    maker.Add([](int, int) { return 9; }, 5, 255);
     const PlayedGif played = WriteAndPlay(maker.made);
     EXPECT_EQ(played.frames[1].transparent, 255);
     EXPECT_EQ(played.frames[2].transparent, -1) << "a frame without a transparent index gets none";
+    EXPECT_EQ(played.frames[4].transparent, -1) << "one colour packs better than one with holes";
 }
 
 TEST(GifWriter, PlacesSmallFramesAndKeepsHolesOpen) {
@@ -201,7 +204,8 @@ TEST(GifWriter, PlacesSmallFramesAndKeepsHolesOpen) {
 TEST(GifWriter, WidensTheTableForIndexesBeyondIt) {
     AnimationMaker maker(5, 5, 8);
     maker.Add([](int x, int y) { return x * 5 + y + 20; }); // up to 44
-    maker.Add([](int x, int y) { return x * 5 + y + 19; }, 5, 200);
+    maker.Add([](int x, int y) { return x == y && x % 4 == 0 ? 1 : x * 5 + y + 20; }, 5,
+              200); // nor is 200 in it
     maker.made.paletteBits = 5;
     const PlayedGif played = WriteAndPlay(maker.made);
     EXPECT_EQ(played.table.size(), 64U);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -121,6 +122,15 @@ TEST(JpegDecoder, TurnsPicturesUpright) {
         ExpectPicture({"YCbCr", JCS_RGB, JCS_YCbCr, 3, false, true, orientation});
         ExpectPicture({"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, 1, false, true, orientation});
     }
+}
+
+TEST(JpegDecoder, TellsWhenItIsTooLarge) {
+    std::vector<std::uint8_t> file = Compose({"", JCS_RGB, JCS_YCbCr, 3});
+    const std::uint8_t frame[] = {0xFF, 0xC0, 0, 17, 8, 0, kHeight, 0, kWidth};
+    const auto at = std::search(file.begin(), file.end(), std::begin(frame), std::end(frame));
+    ASSERT_NE(at, file.end());
+    at[5] = 0x40;
+    EXPECT_EQ(DecodePicture(file, 0, 1 << 30).error, "61 x 16431 pixels are too many, a side may have 16384");
 }
 
 TEST(JpegDecoder, TellsWhenPixelsAreMissing) {
