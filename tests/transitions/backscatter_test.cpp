@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -85,53 +84,22 @@ TEST(Backscatter, PushesBehindAFiveLineSeam) {
     }
 }
 
-TEST(Backscatter, StopsShortOfTheEdgeOfAWidePicture) {
+TEST(Backscatter, SeamsAtTheEnds) {
     const SettingsGuard guard;
-    Settings(0, 50);
+    // On a wide picture the push stops short of the edge; with a step of 2 the first seam's outer line shows.
     const OwnedDib source = BusyPicture(20, 10, 1), target = BusyPicture(20, 10, 2);
     EffectResult result;
+    Settings(0, 2);
     RunEffect(kHorizontal, source.Get(), target.Get(), result);
+    ASSERT_EQ(result.Count(), 1 + 1 + 49 + 1);
+    EXPECT_EQ(PixelAt(result.Image(1), 0, 9), 0x3F0C33U);
+    EXPECT_EQ(PixelAt(result.Image(1), 1, 9), PixelAt(source.Get(), 1, 9));
     for (std::int32_t x = 0; x < 20; ++x) {
-        EXPECT_EQ(PixelAt(result.Image(3), x, 9),
+        EXPECT_EQ(PixelAt(result.Image(51), x, 9),
                   x < 10 ? PixelAt(target.Get(), x + 10, 9) : PixelAt(source.Get(), x - 10, 9));
     }
-}
-
-TEST(Backscatter, AStepOfTwoLeavesTheFirstSeamsOuterLineInSight) {
-    const SettingsGuard guard;
-    Settings(0, 2);
-    const OwnedDib source = PlainPicture(3, 3, 0x010203), target = PlainPicture(3, 3, 0x040506);
-    EffectResult result;
-    RunEffect(kVertical, source.Get(), target.Get(), result);
-    EXPECT_EQ(PixelAt(result.Image(1), 1, 0), 0x3F0C33U);
-    EXPECT_EQ(PixelAt(result.Image(1), 1, 1), 0x010203U);
-    EXPECT_EQ(PixelAt(result.Image(result.Count() - 1), 1, 2), 0x040506U);
-}
-
-TEST(Backscatter, CountsFramesAndEndsWhateverTheSettings) {
-    const SettingsGuard guard;
-    EXPECT_EQ(FrameCount(kVertical, 640, 480), 22);
-    const OwnedDib source = BusyPicture(7, 5, 1), target = BusyPicture(7, 5, 2);
-    pluginSettings.TransitionSparkleColor = kNoPixel;
-    for (const int row : {kHorizontal, kVertical}) {
-        for (const std::uint32_t step : {0U, 1U, 3U, 99U, 100U, 0x80000000U, 0xFFFFFFFFU}) {
-            for (const std::uint32_t size : {0U, 1U, 200U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
-                Settings(size, step);
-                EffectResult result;
-                RunEffect(row, source.Get(), target.Get(), result);
-                EXPECT_EQ(result.returned, step == 0 || size > 10000 ? 0 : 1) << step << ", " << size;
-                EXPECT_EQ(FrameCount(row, 7, 5), result.returned == 0 ? 0 : result.Count());
-            }
-        }
-    }
-    EffectResult a, b, c;
-    Settings(10, 20);
-    RunEffect(kHorizontal, source.Get(), target.Get(), a);
-    RunEffect(kHorizontal, source.Get(), target.Get(), b);
-    pluginSettings.RandomSeed += 1;
-    RunEffect(kHorizontal, source.Get(), target.Get(), c);
-    EXPECT_EQ(DibChecksum(a.Image(3)), DibChecksum(b.Image(3)));
-    EXPECT_NE(DibChecksum(a.Image(3)), DibChecksum(c.Image(3)));
+    Settings(10001, 2);
+    EXPECT_EQ(FrameCount(kVertical, 7, 5), 0);
 }
 
 } // namespace

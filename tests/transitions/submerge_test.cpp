@@ -1,5 +1,3 @@
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "tests/support/checksum.h"
@@ -63,19 +61,6 @@ TEST(Submerge, WhiteStaysAboveAndBlackBelow) {
     ASSERT_EQ(fine.Count(), 1 + 254 + 254);
     EXPECT_EQ(PixelAt(fine.Image(254), 0, 0), 0xFFFFFFU);
     EXPECT_EQ(PixelAt(fine.Image(508), 0, 0), 0x946B41U);
-}
-
-TEST(Submerge, CountsItsFrames) {
-    const SettingsGuard guard;
-    const OwnedDib source = BusyPicture(3, 2, 1), target = BusyPicture(3, 2, 2);
-    for (const std::uint32_t step : {0U, 1U, 2U, 51U, 254U, 255U, 256U, 0xFFFFFFFFU}) {
-        pluginSettings.TransitionSubmergeStep = step;
-        EffectResult result;
-        RunEffect(kSubmerge, source.Get(), target.Get(), result);
-        EXPECT_EQ(result.returned, step == 0 ? 0 : 1);
-        EXPECT_EQ(FrameCount(kSubmerge, 3, 2), step == 0 ? 0 : result.Count()) << step;
-        EXPECT_EQ(result.Delay(0), kTestPause);
-    }
 }
 
 } // namespace

@@ -94,21 +94,5 @@ TEST(UnpluggedTV, GlowsUpAndFades) {
     }
 }
 
-TEST(UnpluggedTV, CountsItsFrames) {
-    const SettingsGuard guard;
-    EXPECT_EQ(FrameCount(kUnpluggedTV, 640, 480), 34);
-    const OwnedDib source = BusyPicture(7, 5, 1), target = BusyPicture(7, 5, 2);
-    for (const std::uint32_t step : {0U, 1U, 2U, 50U, 70U, 71U, 100U, 101U, 0xFFFFFFFFU}) {
-        for (const std::uint32_t glow : {0U, 1U, 7U}) {
-            pluginSettings.TransitionUnpluggedTVStep = step;
-            pluginSettings.TransitionUnpluggedTVAfterglow = glow;
-            EffectResult result;
-            RunEffect(kUnpluggedTV, source.Get(), target.Get(), result);
-            EXPECT_EQ(result.returned, step == 0 ? 0 : 1);
-            EXPECT_EQ(FrameCount(kUnpluggedTV, 7, 5), step == 0 ? 0 : result.Count()) << step << ", " << glow;
-        }
-    }
-}
-
 } // namespace
 } // namespace lumafold::test
