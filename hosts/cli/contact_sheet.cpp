@@ -62,7 +62,7 @@ std::string FrameLabel(std::size_t index, std::int32_t delay) {
 class Screen {
 public:
     explicit Screen(const Animation& animation)
-        : animation_(animation), picture_(DibCreate(animation.width, animation.height, nullptr, 24)) {}
+        : picture_(DibCreate(animation.width, animation.height, nullptr, 24)) {}
 
     bool Show(const AnimationFrame& frame) {
         OwnedDib opaque(DibToTrueColour(frame.image.Get()));
@@ -89,7 +89,6 @@ private:
         return true;
     }
 
-    const Animation& animation_;
     OwnedDib picture_;
 };
 
