@@ -5,13 +5,11 @@
 namespace lumafold::test {
 namespace {
 
-OwnedDib Copy(DibHandle picture) { return OwnedDib(GlobalDuplicate(picture)); }
-
 /// The frame by its definition: a mask of stripes, a work picture and two blends.
-OwnedDib PlainRaster(const BusyRun& run, int p, int n, bool mirrored) {
+OwnedDib PlainRaster(const Rendered& run, int p, int n, bool mirrored) {
     const LockedDib s(run.source.Get()), t(run.target.Get());
     const int w = s->biWidth, h = s->biHeight, shift = std::min(w, h) * p / 100;
-    const OwnedDib maskPicture(DibCreate(w, h, nullptr, 24)), workPicture(Copy(run.source.Get()));
+    const OwnedDib maskPicture(DibCreate(w, h, nullptr, 24)), workPicture(GlobalDuplicate(run.source.Get()));
     const LockedDib mask(maskPicture.Get()), work(workPicture.Get());
     for (int y = 0; y < h; ++y) {
         for (int c = -h; c <= w;) {
@@ -44,7 +42,7 @@ TEST(DiagonalRaster, IsItsDefinition) {
         for (const CanvasSize size : kOddSizes) {
             for (const int width : {1, 2, 3, 8, 64, 1000}) {
                 pluginSettings.TransitionDiagonalRasterSize = static_cast<std::uint32_t>(width);
-                BusyRun run(name, size);
+                Rendered run = BusyRun(name, size);
                 ASSERT_EQ(run.result.Count(), 13);
                 for (std::int32_t i = 1; i < 13; ++i) {
                     SCOPED_TRACE(std::string(name) + std::to_string(size.width) + ' ' +
@@ -61,7 +59,8 @@ TEST(DiagonalRaster, StripesByHand) {
     const SettingsGuard guard;
     pluginSettings.TransitionDiagonalRasterStep = 50;
     pluginSettings.TransitionDiagonalRasterSize = 2;
-    BlackToWhite left("Diagonal raster (left)", {8, 8}), right("Diagonal raster (right)", {8, 8});
+    Rendered left = BlackToWhite("Diagonal raster (left)", {8, 8}),
+             right = BlackToWhite("Diagonal raster (right)", {8, 8});
     ASSERT_EQ(left.result.Count(), 3);
     EXPECT_EQ(Drawing(left.result.Image(2)), "##....../"
                                              ".##...../"
@@ -79,15 +78,6 @@ TEST(DiagonalRaster, StripesByHand) {
                                               "#..#..../"
                                               "..##..../"
                                               ".##...../");
-}
-
-TEST(DiagonalRaster, AnyNumberEnds) {
-    for (const char* name : {"Diagonal raster (left)", "Diagonal raster (right)"}) {
-        ExpectFramesAsCounted(name, &PluginSettings::TransitionDiagonalRasterSize,
-                              {0, 1, 1U << 31, kMostNumber});
-        ExpectFramesAsCounted(name, &PluginSettings::TransitionDiagonalRasterStep,
-                              {0, 1, 50, 99, 100, kMostNumber});
-    }
 }
 
 } // namespace

@@ -21,7 +21,7 @@ const Case kCases[] = {
     {50, 100, {100, 200, 200, 100, 100}},
     {50, 58, {58, 116, 116, 58, 58}},
     {64, 100, {128, 256, 256}},
-    {64, kMostNumber, {256, 256, 256}},
+    {64, 0xFFFFFFFF, {256, 256, 256}},
     {64, 0, {0, 0, 0}},
     {129, 100, {0}},
     {200, 100, {0}},
@@ -35,7 +35,7 @@ TEST(Solarize, TurnsOverWhatLiesBelowTheThreshold) {
         pluginSettings.TransitionSolarizeStep = expected.step;
         pluginSettings.TransitionSolarizeIntensity = expected.intensity;
         for (const CanvasSize size : kOddSizes) {
-            BusyRun run("Solarize", size);
+            Rendered run = BusyRun("Solarize", size);
             ASSERT_EQ(run.result.returned, 1);
             ASSERT_EQ(run.result.Count(), static_cast<std::int32_t>(expected.thresholds.size()) + 1);
             for (std::int32_t i = 1; i < run.result.Count(); ++i) {
@@ -58,8 +58,6 @@ TEST(Solarize, TurnsOverWhatLiesBelowTheThreshold) {
             }
         }
     }
-    ExpectFramesAsCounted("Solarize", &PluginSettings::TransitionSolarizeStep,
-                          {0, 1, 2, 127, 128, 254, 255, 256, kMostNumber});
 }
 
 } // namespace
