@@ -112,14 +112,13 @@ private:
         const double largest = squared(columns_.Count() - 1, rows_.Count() - 1);
         // Doubled distances along an axis are all odd or all even, so whole squares tell the distances apart.
         const bool shared = largest < 8.0 * static_cast<double>(slots_.size()) + 256;
-        const Array<std::uint32_t> known(shared ? static_cast<std::size_t>(largest) + 1 : 1);
+        Array<std::uint32_t> known(shared ? static_cast<std::size_t>(largest) + 1 : 1); // slot + 1, or 0
         if (!known) return false;
-        std::uint32_t* slotOf = const_cast<std::uint32_t*>(known.data());
         for (std::size_t row = 0, i = 0; row < rows_.Count(); ++row) {
             for (std::size_t column = 0; column < columns_.Count(); ++column, ++i) {
                 const double square = squared(column, row);
                 std::uint32_t fresh = 0;
-                std::uint32_t& slot = shared ? slotOf[static_cast<std::size_t>(square)] : fresh;
+                std::uint32_t& slot = shared ? known[static_cast<std::size_t>(square)] : fresh;
                 if (slot == 0) {
                     radii_[radiusCount_] = std::sqrt(square);
                     slot = static_cast<std::uint32_t>(++radiusCount_);
