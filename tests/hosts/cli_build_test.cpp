@@ -26,7 +26,7 @@ TEST(MemoryList, TheTemporaryLineComesFirstAndGoesWithItsBlockAlone) {
         ImageEntry entry;
         for (const auto& [index, transition] : {std::pair{0, 3}, {1, 1}, {2, 2}}) {
             ASSERT_TRUE(list.Read(index, entry));
-            EXPECT_EQ(entry.transition, transition);
+            EXPECT_EQ(std::int32_t{entry.transition}, transition); // a packed field binds to no reference
         }
         EXPECT_EQ(std::string(entry.label), std::string(260, 'x'));
         EXPECT_FALSE(list.Read(3, entry));
