@@ -1,5 +1,5 @@
-// An animation as a host holds it: what the build driver's task, frames and comment came to. Writers of files take
-// it whole.
+// An animation as a host holds it: what the build driver's task, frames and comment came to. Writers of files
+// take it whole.
 #pragma once
 
 #include <string>

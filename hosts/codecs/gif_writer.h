@@ -1,5 +1,5 @@
-// Animations to GIF files: global palette, delays, transparency, the comment, an endless loop; each frame cropped to
-// what changes on screen, so that the file is no larger than it need be and shows the same.
+// Animations to GIF files: global palette, delays, transparency, the comment, an endless loop; each frame
+// cropped to what changes on screen, so that the file is no larger than it need be and shows the same.
 #pragma once
 
 #include <cstdint>
