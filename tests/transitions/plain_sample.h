@@ -8,15 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/checksum.h"
-#include "tests/support/pictures.h"
+#include "tests/transitions/effect_checks.h"
 #include "transitions/compositing.h"
-#include "transitions/table.h"
 
 namespace lumafold::test {
 
 inline constexpr double kPi = 3.14159265358979323846;
-inline constexpr std::pair<std::int32_t, std::int32_t> kOddSizes[] = {
-    {1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}};
 
 struct PlainPoint {
     double u, v;

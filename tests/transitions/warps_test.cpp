@@ -1,13 +1,10 @@
-#include <sstream>
-
 #include "platform/portable_math.h"
 #include "tests/transitions/plain_sample.h"
 
 namespace lumafold::test {
 namespace {
 
-constexpr int kBurp = 8, kFramework = 11, kHurricane = 12, kLiquidMetal = 13, kSingularity = 18,
-              kSpiralIn = 29, kSpiralOut = 30;
+constexpr int kBurp = 8, kHurricane = 12, kSingularity = 18;
 
 double Swell(double part, double whole) { return PortableSin(kPi * part / whole); }
 
@@ -135,29 +132,6 @@ TEST(Warps, MoveThePictureVisiblyAndTheRightWay) {
     const PixelValue above = Map(kHurricane).At(100, 90);
     EXPECT_NEAR(RedOf(above), 90.0, 2);
     EXPECT_NEAR(GreenOf(above), 100.0, 2);
-}
-
-/// Any number a settings file may hold: an effect ends, and says beforehand how many frames it will make.
-TEST(Warps, CountTheirFramesWhateverTheSettings) {
-    const OwnedDib source = BusyPicture(7, 5, 1), target = BusyPicture(7, 5, 2);
-    for (const int row : {kBurp, kFramework, kHurricane, kLiquidMetal, kSingularity, kSpiralIn, kSpiralOut}) {
-        std::istringstream keys{std::string(TransitionSettings(row))};
-        for (std::string key; keys >> key;) {
-            for (const auto& descriptor : SettingDescriptors()) {
-                if (key != descriptor.key) continue;
-                for (const std::uint32_t value : {0U, 1U, 2U, 49U, 99U, 100U, 254U, 255U, 20000U, 20001U,
-                                                  0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-                    SettingsGuard guard;
-                    pluginSettings.*descriptor.value = value;
-                    EffectResult result;
-                    RunEffect(row, source.Get(), target.Get(), result);
-                    const std::int64_t count = FrameCount(row, 7, 5);
-                    EXPECT_EQ(result.returned, count > 0 ? 1 : 0) << row << ' ' << key << ' ' << value;
-                    EXPECT_EQ(result.Count(), count > 0 ? count : 1) << row << ' ' << key << ' ' << value;
-                }
-            }
-        }
-    }
 }
 
 } // namespace
