@@ -92,7 +92,8 @@ void WarpSampler::Write(const Path& path, std::int32_t count, std::uint8_t* pixe
         AddExact(walk.Next(), sums);
     }
     for (int c = 0; c < 3; ++c) {
-        pixel[c] = static_cast<std::uint8_t>(sums[c] / count + 0.5);
+        const double rounded = sums[c] / count + 0.5;
+        pixel[c] = static_cast<std::uint8_t>(rounded);
     }
 }
 

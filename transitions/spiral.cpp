@@ -160,9 +160,11 @@ private:
         const auto [from, to] = row.Reached();
         for (std::int32_t x = from; x < to; ++x) {
             const auto [u, v] = row.At(x);
+            // A soft edge, one pixel of the frame wide.
             const double share = std::clamp((halfWidth - std::abs(u)) * spin.scale + 0.5, 0.0, 1.0) *
                                  std::clamp((halfHeight - std::abs(v)) * spin.scale + 0.5, 0.0, 1.0);
-            std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(255 * share + 0.5), 3);
+            const double rounded = 255 * share + 0.5;
+            std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(rounded), 3);
             // Held to the picture, which clamps the colours too.
             const StillPoint path{{std::clamp((u + halfWidth) * shrink, 0.0, right),
                                    std::clamp((v + halfHeight) * shrink, 0.0, bottom)}};
