@@ -21,7 +21,8 @@ OwnedDib PlainRipple(const DibHeader* picture, float strength, int centreX, int 
     const int w = picture->biWidth, h = picture->biHeight;
     const double amplitude = 0.01 * (static_cast<int>(strength * 7930.0F) + 70);
     const double wavelength = 0.01 * (static_cast<int>(strength * 600.0F) + 400);
-    const double cx = ((centreX - 100) * w) / 100 + w * 0.5, cy = ((centreY - 100) * h) / 100 + h * 0.5;
+    const int offsetX = ((centreX - 100) * w) / 100, offsetY = ((centreY - 100) * h) / 100;
+    const double cx = offsetX + w * 0.5, cy = offsetY + h * 0.5;
     const double farthest = std::sqrt((w - cx) * (w - cx) + (h - cy) * (h - cy)) + 0.0001;
     return Picture(w, h, [&](int x, int y) {
         const double dx = x - cx, dy = y - cy, r = std::sqrt(dx * dx + dy * dy);
@@ -42,26 +43,31 @@ OwnedDib PlainRipple(const DibHeader* picture, float strength, int centreX, int 
 /// Centres inside, on the corner, and so far away that distances hardly repeat.
 TEST(LiquidMetal, IsItsPlainDefinition) {
     SettingsGuard guard;
-    for (const auto& [step, viscosity, centreX, centreY] :
-         {std::array{10, 300, 100, 100}, {23, 600, 50, 150}, {50, 200, 83, 117}, {60, 333, 2000, -900}}) {
-        pluginSettings.TransitionLiquidMetalStep = static_cast<unsigned>(step);
-        pluginSettings.TransitionLiquidMetalViscosity = static_cast<unsigned>(viscosity);
-        pluginSettings.TransitionLiquidMetalCenterX = static_cast<unsigned>(centreX);
-        pluginSettings.TransitionLiquidMetalCenterY = static_cast<unsigned>(centreY);
+    struct Case {
+        int step, viscosity, centreX, centreY;
+    };
+    for (const Case& c :
+         {Case{10, 300, 100, 100}, {23, 600, 50, 150}, {50, 200, 83, 117}, {60, 333, 2000, -900}}) {
+        pluginSettings.TransitionLiquidMetalStep = static_cast<unsigned>(c.step);
+        pluginSettings.TransitionLiquidMetalViscosity = static_cast<unsigned>(c.viscosity);
+        pluginSettings.TransitionLiquidMetalCenterX = static_cast<unsigned>(c.centreX);
+        pluginSettings.TransitionLiquidMetalCenterY = static_cast<unsigned>(c.centreY);
         std::vector<float> strengths;
-        const int rising = 128 / step;
-        for (int i = 1; i <= 255 / step; ++i) {
+        const int rising = 128 / c.step;
+        for (int i = 1; i <= 255 / c.step; ++i) {
             const int mirrored = i <= rising ? i : std::max(2 * rising + 1 - i, 1);
-            strengths.push_back(static_cast<float>(mirrored * step) * 0.0078125F);
+            strengths.push_back(static_cast<float>(mirrored * c.step) * 0.0078125F);
         }
-        const auto factor = static_cast<float>(0.01 * viscosity);
-        for (const auto& [w, h] : kOddSizes) {
-            ExpectFrames(kLiquidMetal, w, h, [&](int i, const DibHeader* from, const DibHeader* to) {
-                const OwnedDib mix(DibCrossfade(from, to, i * step));
-                const LockedDib locked(mix.Get());
-                return PlainRipple(locked.Get(), strengths[static_cast<std::size_t>(i - 1)] * factor, centreX,
-                                   centreY);
-            });
+        const auto factor = static_cast<float>(0.01 * c.viscosity);
+        for (const CanvasSize size : kOddSizes) {
+            ExpectFrames(kLiquidMetal, size.width, size.height,
+                         [&](int i, const DibHeader* from, const DibHeader* to) {
+                             const OwnedDib mix(DibCrossfade(from, to, i * c.step));
+                             const LockedDib locked(mix.Get());
+                             return PlainRipple(locked.Get(),
+                                                strengths[static_cast<std::size_t>(i - 1)] * factor,
+                                                c.centreX, c.centreY);
+                         });
         }
     }
 }

@@ -44,7 +44,8 @@ inline PixelValue PlainSample(const DibHeader* picture, const std::vector<PlainP
         }
     }
     const auto level = [&](int c) {
-        return static_cast<unsigned>(sums[c] / static_cast<double>(points.size()) + 0.5);
+        const double rounded = sums[c] / static_cast<double>(points.size()) + 0.5;
+        return static_cast<unsigned>(rounded);
     };
     return MakeColour(level(0), level(1), level(2));
 }

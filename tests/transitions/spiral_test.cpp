@@ -13,7 +13,8 @@ struct PlainSpin {
     int w, h;
 
     PlainSpin(int row, int k, int degrees, int width, int height) : w(width), h(height) {
-        const double way = static_cast<double>(k) / (360 / degrees);
+        const int steps = 360 / degrees;
+        const double way = static_cast<double>(k) / steps;
         scale = row == kSpiralIn ? way : 1 - way;
         const int angle = k * degrees;
         c = angle % 180 == 90 ? 0 : PortableCos(angle * (kPi / 180));
@@ -44,7 +45,8 @@ OwnedDib PlainSmooth(const PlainSpin& spin, DibHandle turning, const DibHeader* 
         const auto [u, v] = spin.At(x, y);
         const double share = Unit((spin.w / 2.0 - std::fabs(u)) * spin.scale + 0.5) *
                              Unit((spin.h / 2.0 - std::fabs(v)) * spin.scale + 0.5);
-        const auto grey = static_cast<unsigned>(255 * share + 0.5);
+        const double rounded = 255 * share + 0.5;
+        const auto grey = static_cast<unsigned>(rounded);
         return MakeColour(grey, grey, grey);
     });
     const LockedDib colours(layer.Get()), weights(mask.Get());
@@ -66,7 +68,8 @@ TEST(Spiral, IsItsPlainDefinition) {
         for (const unsigned smooth : {0U, 1U}) {
             pluginSettings.TransitionSpiralStep = entry;
             pluginSettings.TransitionSpiralShear = smooth;
-            for (const auto& [w, h] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {24, 32}}) {
+            for (const CanvasSize size : {CanvasSize{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {24, 32}}) {
+                const std::int32_t w = size.width, h = size.height;
                 if (entry == 0 && w > 40) continue; // 360 frames
                 for (const int row : {kSpiralIn, kSpiralOut}) {
                     EXPECT_EQ(FrameCount(row, w, h), 360 / kDegrees[entry]);

@@ -26,25 +26,30 @@ PlainPoint PlainImplode(int row, int p, int w, int h, int x, int y) {
 
 TEST(Implode, IsItsPlainDefinition) {
     SettingsGuard guard;
-    for (const auto& [row, step, gravity, track, atX, atY] : {std::array{kBurp, 5, 150, 1, 50, 50},
-                                                              {kBurp, 13, 250, 2, 30, 70},
-                                                              {kSingularity, 5, 150, 1, 50, 50},
-                                                              {kSingularity, 17, 250, 0, 66, 31},
-                                                              {kSingularity, 1, 10, 2, 70, 70},
-                                                              {kBurp, 25, 90, 3, 200, 0}}) {
-        pluginSettings.TransitionImplodeStep = static_cast<unsigned>(step);
-        pluginSettings.TransitionImplodeMax = static_cast<unsigned>(gravity);
-        pluginSettings.TransitionImplodeTrack = static_cast<unsigned>(track);
-        pluginSettings.TransitionImplodeXPos = static_cast<unsigned>(atX);
-        pluginSettings.TransitionImplodeYPos = static_cast<unsigned>(atY);
+    struct Case {
+        int row;
+        unsigned step, gravity, track, atX, atY;
+    };
+    for (const Case& c : {Case{kBurp, 5, 150, 1, 50, 50},
+                          {kBurp, 13, 250, 2, 30, 70},
+                          {kSingularity, 5, 150, 1, 50, 50},
+                          {kSingularity, 17, 250, 0, 66, 31},
+                          {kSingularity, 1, 10, 2, 70, 70},
+                          {kBurp, 25, 90, 3, 200, 0}}) {
+        pluginSettings.TransitionImplodeStep = c.step;
+        pluginSettings.TransitionImplodeMax = c.gravity;
+        pluginSettings.TransitionImplodeTrack = c.track;
+        pluginSettings.TransitionImplodeXPos = c.atX;
+        pluginSettings.TransitionImplodeYPos = c.atY;
         pluginSettings.TransitionMattcolour = 0x2040C0;
-        for (const auto& [w, h] : kOddSizes) {
-            ExpectFrames(row, w, h, [&](int i, const DibHeader* from, const DibHeader* to) {
-                const int p = i * step;
+        for (const CanvasSize size : kOddSizes) {
+            const std::int32_t w = size.width, h = size.height;
+            ExpectFrames(c.row, w, h, [&](int i, const DibHeader* from, const DibHeader* to) {
+                const int p = i * static_cast<int>(c.step);
                 const OwnedDib mix(DibCrossfade(from, to, p * 255 / 100));
                 const LockedDib locked(mix.Get());
                 return Picture(w, h, [&](int x, int y) {
-                    return PlainSample(locked.Get(), {PlainImplode(row, p, w, h, x, y)}, 0x2040C0);
+                    return PlainSample(locked.Get(), {PlainImplode(c.row, p, w, h, x, y)}, 0x2040C0);
                 });
             });
         }
@@ -71,18 +76,22 @@ std::vector<PlainPoint> PlainHurricane(int p, int w, int h, int x, int y) {
 
 TEST(Hurricane, IsItsPlainDefinition) {
     SettingsGuard guard;
-    for (const auto& [step, angle, radius] :
-         {std::array{10, 90, 25}, {20, 359, 300}, {33, 0, 5}, {7, 200, 0}}) {
-        pluginSettings.TransitionMotionBlurStep = static_cast<unsigned>(step);
-        pluginSettings.TransitionMotionBlurAngle = static_cast<unsigned>(angle);
-        pluginSettings.TransitionMotionBlurRadius = static_cast<unsigned>(radius);
+    struct Case {
+        unsigned step, angle, radius;
+    };
+    for (const Case& c : {Case{10, 90, 25}, {20, 359, 300}, {33, 0, 5}, {7, 200, 0}}) {
+        pluginSettings.TransitionMotionBlurStep = c.step;
+        pluginSettings.TransitionMotionBlurAngle = c.angle;
+        pluginSettings.TransitionMotionBlurRadius = c.radius;
         pluginSettings.TransitionMattcolour = 0x2040C0;
-        for (const auto& [w, h] : kOddSizes) {
+        for (const CanvasSize size : kOddSizes) {
+            const std::int32_t w = size.width, h = size.height;
             ExpectFrames(kHurricane, w, h, [&](int i, const DibHeader* from, const DibHeader* to) {
-                const OwnedDib mix(DibCrossfade(from, to, i * step * 255 / 100));
+                const int p = i * static_cast<int>(c.step);
+                const OwnedDib mix(DibCrossfade(from, to, p * 255 / 100));
                 const LockedDib locked(mix.Get());
                 return Picture(w, h, [&](int x, int y) {
-                    return PlainSample(locked.Get(), PlainHurricane(i * step, w, h, x, y), 0x2040C0);
+                    return PlainSample(locked.Get(), PlainHurricane(p, w, h, x, y), 0x2040C0);
                 });
             });
         }
