@@ -2,21 +2,10 @@
 
 #include "image/row_view.h"
 #include "transitions/grey.h"
+#include "transitions/mix_bytes.h"
 
 namespace lumafold {
 namespace {
-
-/// x / 255 for 0 <= x < 65535, in 16 bits so that eight bytes are worked on at once.
-constexpr std::uint16_t DivideBy255(std::uint16_t x) {
-    return static_cast<std::uint16_t>(static_cast<std::uint16_t>(x + 1 + (x >> 8)) >> 8);
-}
-
-/// Both quotients truncate before they are added, so two equal bytes may come out one level darker: wanted.
-constexpr std::uint8_t Mix(std::uint8_t a, std::uint8_t b, std::uint8_t shareOfB) {
-    const auto partB = static_cast<std::uint16_t>(b * shareOfB);
-    const auto partA = static_cast<std::uint16_t>(a * static_cast<std::uint8_t>(255 - shareOfB));
-    return static_cast<std::uint8_t>(DivideBy255(partB) + DivideBy255(partA));
-}
 
 PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
     const auto channel = [=](int shift) {
@@ -24,13 +13,6 @@ PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
             Mix(static_cast<std::uint8_t>(a >> shift), static_cast<std::uint8_t>(b >> shift), shareOfB));
     };
     return MakeColour(channel(0), channel(8), channel(16));
-}
-
-void MixBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
-              std::uint8_t* __restrict out, std::size_t bytes, std::uint8_t shareOfB) {
-    for (std::size_t i = 0; i < bytes; ++i) {
-        out[i] = Mix(a[i], b[i], shareOfB);
-    }
 }
 
 /// The mask's bytes weigh the very bytes they stand beside.

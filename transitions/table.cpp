@@ -5,9 +5,6 @@
 namespace lumafold {
 namespace {
 
-/// Holds the place of an effect that is not there yet.
-int Unavailable(TransitionContext&) { return 0; }
-
 struct Row {
     const char* name;
     EffectFunction effect;
@@ -38,9 +35,11 @@ constexpr std::string_view kSpiralSettings = "TransitionSpiralStep TransitionSpi
 
 constexpr Row kRows[kTransitionCount] = {
     {"Alpha horizontal bar (opaque)", AlphaHorizontalBarOpaque, AlphaHorizontalBarOpaqueFrames, kBarSettings},
-    {"Alpha horizontal bar (transparent)", AlphaHorizontalBarTransparent, AlphaHorizontalBarTransparentFrames, kClearBarSettings},
+    {"Alpha horizontal bar (transparent)", AlphaHorizontalBarTransparent, AlphaHorizontalBarTransparentFrames,
+     kClearBarSettings},
     {"Alpha vertical bar (opaque)", AlphaVerticalBarOpaque, AlphaVerticalBarOpaqueFrames, kBarSettings},
-    {"Alpha vertical bar (transparent)", AlphaVerticalBarTransparent, AlphaVerticalBarTransparentFrames, kClearBarSettings},
+    {"Alpha vertical bar (transparent)", AlphaVerticalBarTransparent, AlphaVerticalBarTransparentFrames,
+     kClearBarSettings},
     {"Alpha tile (opaque)", AlphaTileOpaque, AlphaTileOpaqueFrames, kTileSettings},
     {"Alpha tile (transparent)", AlphaTileTransparent, AlphaTileTransparentFrames, kClearTileSettings},
     {"Backscatter (horizontal)", BackscatterHorizontal, BackscatterHorizontalFrames, kSparkleSettings},
@@ -55,7 +54,8 @@ constexpr Row kRows[kTransitionCount] = {
      "TransitionLiquidMetalStep TransitionLiquidMetalViscosity TransitionLiquidMetalCenterX "
      "TransitionLiquidMetalCenterY"},
     {"None", None, NoneFrames, ""},
-    {"Paintball", Paintball, PaintballFrames, "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
+    {"Paintball", Paintball, PaintballFrames,
+     "TransitionPaintballSize TransitionPaintballPerturb RandomSeed"},
     {"Quad (contract)", QuadContract, QuadContractFrames, kQuadSettings},
     {"Quad (expand)", QuadExpand, QuadExpandFrames, kQuadSettings},
     {"Quantum singularity", QuantumSingularity, QuantumSingularityFrames, kImplodeSettings},
@@ -73,7 +73,8 @@ constexpr Row kRows[kTransitionCount] = {
     {"Spiral in", SpiralIn, SpiralInFrames, kSpiralSettings},
     {"Spiral out", SpiralOut, SpiralOutFrames, kSpiralSettings},
     {"Submerge", Submerge, SubmergeFrames, "TransitionSubmergeStep TransitionSubmergeColor"},
-    {"Unplugged TV", UnpluggedTV, UnpluggedTVFrames, "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
+    {"Unplugged TV", UnpluggedTV, UnpluggedTVFrames,
+     "TransitionUnpluggedTVStep TransitionUnpluggedTVAfterglow"},
 };
 
 bool IsRow(int row) { return row >= 0 && row < kTransitionCount; }
@@ -87,8 +88,6 @@ constinit const std::array<TransitionRow, kTransitionCount> TransitionTable = []
     }
     return table;
 }();
-
-bool TransitionAvailable(int row) { return IsRow(row) && kRows[row].effect != Unavailable; }
 
 std::int64_t FrameCount(int row, std::int32_t width, std::int32_t height) {
     return IsRow(row) ? kRows[row].frames({width, height}) : 0;

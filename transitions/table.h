@@ -1,4 +1,5 @@
-// The 33 transitions, in alphabetical order of their display names. The row number is stored data and never changes.
+// The 33 transitions, in alphabetical order of their display names. The row number is stored data and never
+// changes.
 #pragma once
 
 #include <array>
@@ -8,7 +9,8 @@
 
 namespace lumafold {
 
-/// Appends the still frame and the frames between: 1, or 0 on any failure. Frames appended before stay in the list.
+/// Appends the still frame and the frames between: 1, or 0 on any failure. Frames appended before stay in the
+/// list.
 using EffectFunction = int (*)(TransitionContext& context);
 
 struct TransitionRow {
@@ -19,9 +21,6 @@ struct TransitionRow {
 
 inline constexpr int kTransitionCount = 33;
 extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
-
-/// Whether the row's effect is there yet; one that is not fails when called.
-bool TransitionAvailable(int row);
 
 /// How many frames row `row` appends for a canvas of this size with the settings in force, the still frame
 /// included; 0 when the effect would fail.

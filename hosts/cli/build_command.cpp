@@ -58,7 +58,8 @@ public:
         if (const int status = CheckFirst(); status != 0) return status;
         MemoryList list(options_.defaults);
         if (const int status = Load(list); status != 0) return status;
-        for (const std::string& remark : remarks_) err_ << "lumafold: " << remark << '\n';
+        for (const std::string& remark : remarks_)
+            err_ << "lumafold: " << remark << '\n';
         return Build(list);
     }
 
@@ -87,17 +88,6 @@ private:
 
     // What can be known before any work is done.
     int CheckFirst() {
-        std::vector<std::int32_t> rows;
-        for (const ImageArgument& image : options_.images)
-            rows.push_back(image.gap.transition);
-        if (rows.size() == 1) rows.push_back(options_.defaults.transition);
-        for (const std::int32_t row : rows) {
-            if (!TransitionAvailable(row)) {
-                return Fail(1, "the transition \"" + std::string(TransitionTable[row].name) + "\" (row " +
-                                   std::to_string(row) +
-                                   ") is not available yet; choose another with --transition");
-            }
-        }
         if (const std::string why = WhyNotWritable(options_.output, kind_); !why.empty()) {
             return Fail(1, "-o " + options_.output + ": " + why);
         }

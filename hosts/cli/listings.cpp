@@ -12,8 +12,7 @@ void ListTransitions(std::ostream& out) {
     for (int row = 0; row < kTransitionCount; ++row) {
         const std::string_view settings = TransitionSettings(row);
         out << std::right << std::setw(3) << row << "  " << std::left << std::setw(36)
-            << TransitionTable[row].name << (settings.empty() ? "-" : settings)
-            << (TransitionAvailable(row) ? "" : "  (not available yet)") << '\n';
+            << TransitionTable[row].name << (settings.empty() ? "-" : settings) << '\n';
     }
 }
 
