@@ -11,14 +11,6 @@
 namespace lumafold {
 namespace {
 
-OwnedDib FlatPicture(std::int32_t width, std::int32_t height, PixelValue colour) {
-    OwnedDib picture(DibCreate(width, height, nullptr, 24));
-    const LockedDib locked(picture.Get());
-    if (!locked) return {};
-    DibFill(locked.Get(), colour);
-    return picture;
-}
-
 /// One build, from the list to the host. Its steps return false to stop; its end puts everything back.
 class AnimationBuild {
 public:
@@ -85,7 +77,7 @@ bool AnimationBuild::AddTemporaryEntry() {
     ImageEntry only;
     std::int32_t width = 0, height = 0;
     if (!list_.Read(0, only) || !DibQuery(only.image, &width, &height, nullptr, nullptr)) return false;
-    OwnedDib background = FlatPicture(width, height, pluginSettings.TransitionMattcolour);
+    OwnedDib background(DibCreateFlat(width, height, pluginSettings.TransitionMattcolour));
     OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
     if (!background || !block) return false;
     {
@@ -139,7 +131,7 @@ OwnedDib AnimationBuild::Place(DibHandle image) const {
     const OwnedDib converted(DibToTrueColour(image));
     const LockedDib source(converted.Get());
     if (!source) return {};
-    OwnedDib canvas = FlatPicture(canvasWidth_, canvasHeight_, pluginSettings.TransitionMattcolour);
+    OwnedDib canvas(DibCreateFlat(canvasWidth_, canvasHeight_, pluginSettings.TransitionMattcolour));
     const LockedDib target(canvas.Get());
     if (!target) return {};
     DibCopyRect(target.Get(), (canvasWidth_ - source->biWidth) / 2, (canvasHeight_ - source->biHeight) / 2,

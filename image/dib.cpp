@@ -196,7 +196,7 @@ void DibCopyRect(DibHeader* target, std::int32_t targetX, std::int32_t targetY, 
 
 void DibFill(DibHeader* dib, PixelValue colour) {
     const RowView rows(dib);
-    if (rows.Bits() != 24 || rows.Width() < 1) return;
+    if (rows.Bits() != 24 || rows.Width() < 1 || colour == kNoPixel) return;
     const auto bytes = static_cast<std::size_t>(rows.Width()) * 3;
     for (std::int32_t y = 0; y < rows.Height(); ++y) {
         std::uint8_t* row = rows.Row(y);
@@ -210,6 +210,14 @@ void DibFill(DibHeader* dib, PixelValue colour) {
             row[i + 2] = static_cast<std::uint8_t>(RedOf(colour));
         }
     }
+}
+
+DibHandle DibCreateFlat(std::int32_t width, std::int32_t height, PixelValue colour) {
+    OwnedDib picture(DibCreate(width, height, nullptr, 24));
+    const LockedDib locked(picture.Get());
+    if (!locked) return 0;
+    DibFill(locked.Get(), colour);
+    return picture.Release();
 }
 
 } // namespace lumafold

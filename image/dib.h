@@ -93,7 +93,10 @@ void DibSetPixel(DibHeader* dib, std::int32_t x, std::int32_t y, PixelValue valu
 void DibCopyRect(DibHeader* target, std::int32_t targetX, std::int32_t targetY, const DibHeader* source,
                  std::int32_t sourceX, std::int32_t sourceY, std::int32_t width, std::int32_t height);
 
-/// Sets every pixel of a 24-bit picture.
+/// Sets every pixel of a 24-bit picture; kNoPixel sets none.
 void DibFill(DibHeader* dib, PixelValue colour);
+
+/// A new 24-bit picture of one colour, or 0.
+DibHandle DibCreateFlat(std::int32_t width, std::int32_t height, PixelValue colour);
 
 } // namespace lumafold

@@ -38,14 +38,6 @@ int OpenIris(TransitionContext& context, MaskFunction shape, std::int64_t step, 
 std::int64_t EllipseLimit(std::int64_t step) { return step + 100; }
 constexpr std::int64_t kDiamondLimit = 100;
 
-OwnedDib FlatPicture(const EffectRun& run, PixelValue colour) {
-    OwnedDib picture(DibCreate(run.Width(), run.Height(), nullptr, 24));
-    const LockedDib locked(picture.Get());
-    if (!locked) return {};
-    DibFill(locked.Get(), colour);
-    return picture;
-}
-
 } // namespace
 
 int SoftIrisEllipse(TransitionContext& context) {
@@ -70,7 +62,8 @@ int SilentMovie(TransitionContext& context) {
     const std::int64_t step = pluginSettings.TransitionSilentMovieStep;
     if (!run || step == 0) return kEffectFailed;
     const std::uint32_t radius = pluginSettings.TransitionSilentMovieRadius;
-    const OwnedDib flat = FlatPicture(run, pluginSettings.TransitionSilentMovieBackground);
+    const OwnedDib flat(
+        DibCreateFlat(run.Width(), run.Height(), pluginSettings.TransitionSilentMovieBackground));
     const LockedDib background(flat.Get());
     if (!background) return kEffectFailed;
 

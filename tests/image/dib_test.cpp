@@ -157,6 +157,8 @@ TEST(Dib, FillLeavesPaddingAlone) {
             }
         }
         EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
+        DibFill(p.Get(), kNoPixel);
+        EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
     }
 }
 

@@ -43,9 +43,7 @@ OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::ui
 }
 
 OwnedDib PlainPicture(std::int32_t width, std::int32_t height, PixelValue colour) {
-    OwnedDib picture(DibCreate(width, height, nullptr, 24));
-    DibFill(LockedDib(picture.Get()).Get(), colour);
-    return picture;
+    return OwnedDib(DibCreateFlat(width, height, colour));
 }
 
 DibHandle EffectResult::Image(std::int32_t index) {
