@@ -29,7 +29,7 @@ void CheckSize(std::uint64_t width, std::uint64_t height, const DecodeLimits& li
         throw DecodeError{size + "a side may have " + std::to_string(kLargestSide)};
     }
     if (width * height > limits.mostPixels) {
-        throw DecodeError{size + "a picture may have " + std::to_string(limits.mostPixels)};
+        throw DecodeError{size + "there is room for " + std::to_string(limits.mostPixels)};
     }
 }
 
