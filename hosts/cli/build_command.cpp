@@ -1,24 +1,18 @@
 #include "hosts/cli/build_command.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <iostream>
-#include <unistd.h>
-
 #include "build/build_driver.h"
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/interrupt.h"
+#include "hosts/cli/load_pictures.h"
 #include "hosts/cli/output.h"
-#include "hosts/codecs/decode.h"
+#include "hosts/cli/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
 #include "transitions/table.h"
 
 namespace lumafold {
 namespace {
-
-constexpr std::uint64_t kMostPixels = std::uint64_t{256} << 20;
 
 // Computing a palette and supercompression are still to come; until then their settings are off and the
 // person who builds is told.
@@ -30,15 +24,6 @@ bool TurnOffUnfinishedSteps(PluginSettings& settings) {
     return any;
 }
 
-std::string SizeText(std::uint64_t bytes) {
-    char text[32];
-    if (bytes < 1000) return std::to_string(bytes) + " bytes";
-    const bool mega = bytes >= 1000000;
-    std::snprintf(text, sizeof(text), mega ? "%.1f MB" : "%.1f kB",
-                  static_cast<double>(bytes) / (mega ? 1e6 : 1e3));
-    return text;
-}
-
 class BuildRun {
 public:
     BuildRun(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
@@ -46,11 +31,16 @@ public:
     int Run(std::span<const std::string> words) {
         std::string error;
         if (!ParseBuild(words, options_, error)) return Fail(2, error);
-        const auto kind = ClassifyOutput(options_.output, error);
-        if (!kind) return Fail(2, error);
-        kind_ = *kind;
-        if (!options_.sheet.empty() && !options_.sheet.ends_with(".png")) {
+        if (!options_.output.empty()) {
+            const auto kind = ClassifyOutput(options_.output, error);
+            if (!kind) return Fail(2, error);
+            kind_ = *kind;
+        }
+        if (!options_.sheet.empty() && LowerSuffix(options_.sheet) != ".png") {
             return Fail(2, "--sheet " + options_.sheet + ": a contact sheet is a .png file");
+        }
+        if (options_.sheet == options_.output && !options_.sheet.empty()) {
+            return Fail(2, "--sheet " + options_.sheet + ": the animation goes there");
         }
         for (const std::string& warning : options_.warnings)
             err_ << "lumafold: warning: " << warning << '\n';
@@ -80,6 +70,10 @@ private:
         if (pluginSettings.TransitionTruecolour != options_.settings.TransitionTruecolour) {
             Remark("a GIF holds no true colour, so the frames get a palette");
         }
+        // With both, changed pixels that are black would let the frame before shine through.
+        if (pluginSettings.TransitionTruecolour != 0 && !options_.supercompressAsked) {
+            pluginSettings.Supercompress = 0;
+        }
         if (TurnOffUnfinishedSteps(pluginSettings)) {
             Remark("built with the fixed palette and without supercompression; computing a palette and "
                    "supercompression are not available yet");
@@ -88,6 +82,7 @@ private:
 
     // What can be known before any work is done.
     int CheckFirst() {
+        if (options_.estimate) return 0;
         if (const std::string why = WhyNotWritable(options_.output, kind_); !why.empty()) {
             return Fail(1, "-o " + options_.output + ": " + why);
         }
@@ -97,35 +92,26 @@ private:
     }
 
     int Load(MemoryList& list) {
-        std::uint64_t pixelsLeft = kMostPixels;
+        PictureLoader loader(pluginSettings.TransitionMattcolour);
+        std::string error;
         for (const ImageArgument& image : options_.images) {
-            DecodedPicture decoded =
-                DecodePictureFile(image.path, pluginSettings.TransitionMattcolour, pixelsLeft);
-            std::int32_t width = 0, height = 0;
-            if (!decoded.picture) return Fail(1, image.path + ": " + decoded.error);
-            DibQuery(decoded.picture.Get(), &width, &height, nullptr, nullptr);
-            pixelsLeft -=
-                std::min(pixelsLeft, static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height));
-            if (!list.Add(std::move(decoded.picture), image.path, image.gap)) {
+            OwnedDib picture = loader.Load(image.path, error);
+            if (!picture) return Fail(1, error);
+            if (!list.Add(std::move(picture), image.path, image.gap)) {
                 return Fail(1, image.path + ": not enough memory");
             }
         }
         return 0;
     }
 
-    ProgressStyle Style() const {
-        if (options_.quiet) return ProgressStyle::Silent;
-        return &err_ == &std::cerr && isatty(STDERR_FILENO) != 0 ? ProgressStyle::Bar : ProgressStyle::Lines;
-    }
-
     int Build(MemoryList& list) {
-        Progress progress(err_, Style());
+        Progress progress(err_, StyleFor(err_, options_.quiet));
         const RecordingHost host(CapabilityFlags(kind_), progress, err_);
         const TaskKind kind = options_.testBuild ? TaskKind::Test : TaskKind::Build;
         const bool built = BuildAnimation(list, 0, host.Context(), kind) != 0 && host.Complete();
         progress.Clear();
         if (!built) return 1; // the engine has said why
-        return Write(host);
+        return options_.estimate ? Estimate(host) : Write(host);
     }
 
     int Write(const RecordingHost& host) {
@@ -143,14 +129,18 @@ private:
         if (!sheet.empty() && !WriteFileSafely(options_.sheet, sheet, error)) {
             return Fail(1, "--sheet " + options_.sheet + ": " + error);
         }
-        if (!options_.quiet) Report(host.Result(), bytes);
+        if (options_.quiet) return 0;
+        out_ << "wrote " << options_.output << ": " << AnimationText(host.Result(), bytes)
+             << (options_.sheet.empty() ? "" : ", contact sheet " + options_.sheet) << '\n';
         return 0;
     }
 
-    void Report(const Animation& animation, std::uint64_t bytes) {
-        out_ << "wrote " << options_.output << ": " << animation.frames.size() << " frames, "
-             << animation.width << 'x' << animation.height << ", " << SizeText(bytes)
-             << (options_.sheet.empty() ? "" : ", contact sheet " + options_.sheet) << '\n';
+    int Estimate(const RecordingHost& host) {
+        std::string error;
+        std::uint64_t bytes = 0;
+        if (!MeasureOutput(kind_, host, bytes, error)) return Fail(1, error);
+        out_ << "nothing written: " << AnimationText(host.Result(), bytes) << '\n';
+        return 0;
     }
 
     std::ostream& out_;

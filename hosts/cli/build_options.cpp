@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "colour/palettes.h"
 #include "hosts/cli/names.h"
 #include "transitions/table.h"
 
@@ -16,26 +17,70 @@ struct GapWords {
     std::optional<std::int32_t> transition, pause, delay;
 };
 
-constexpr std::string_view kOptions[] = {"-o",           "-q",      "--output", "--quiet",
-                                         "--transition", "--pause", "--delay",  "--set",
-                                         "--test-build", "--sheet", "--help",   "--version"};
+enum class Command { Build, Sheet };
+enum class Takes { Value, Nothing };
+enum class KnownTo { Build, Both };
 
-const SettingDescriptor& Descriptor(std::uint32_t PluginSettings::*value) {
-    const auto all = SettingDescriptors();
-    return *std::find_if(all.begin(), all.end(), [&](const auto& setting) { return setting.value == value; });
+/// An option; those that stand for a setting put `value` into it.
+struct OptionRow {
+    std::string_view name;
+    Takes takes;
+    KnownTo knownTo;
+    std::uint32_t PluginSettings::*setting = nullptr;
+    std::uint32_t value = 0;
+};
+
+constexpr OptionRow kOptions[] = {
+    {"-o", Takes::Value, KnownTo::Both},
+    {"--output", Takes::Value, KnownTo::Both},
+    {"--transition", Takes::Value, KnownTo::Both},
+    {"--pause", Takes::Value, KnownTo::Build},
+    {"--delay", Takes::Value, KnownTo::Build},
+    {"--set", Takes::Value, KnownTo::Both},
+    {"--matte", Takes::Value, KnownTo::Both},
+    {"--palette", Takes::Value, KnownTo::Build},
+    {"--custom-palette", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionCustompalette, 1},
+    {"--no-custom-palette", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionCustompalette, 0},
+    {"--dither", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionDither, 1},
+    {"--no-dither", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionDither, 0},
+    {"--true-colour", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionTruecolour, 1},
+    {"--supercompress", Takes::Nothing, KnownTo::Build, &PluginSettings::Supercompress, 1},
+    {"--no-supercompress", Takes::Nothing, KnownTo::Build, &PluginSettings::Supercompress, 0},
+    {"--test-build", Takes::Nothing, KnownTo::Build},
+    {"--estimate", Takes::Nothing, KnownTo::Build},
+    {"--sheet", Takes::Value, KnownTo::Build},
+    {"-q", Takes::Nothing, KnownTo::Both},
+    {"--quiet", Takes::Nothing, KnownTo::Both},
+    {"--help", Takes::Nothing, KnownTo::Both},
+    {"--version", Takes::Nothing, KnownTo::Both},
+};
+
+bool Knows(Command command, const OptionRow& option) {
+    return command == Command::Build || option.knownTo == KnownTo::Both;
+}
+
+std::string DidYouMeanOption(Command command, const std::string& word) {
+    std::vector<std::string_view> names;
+    for (const OptionRow& option : kOptions) {
+        if (Knows(command, option)) names.push_back(option.name);
+    }
+    return DidYouMean(word, names);
 }
 
 class Parser {
 public:
-    Parser(std::span<const std::string> words, BuildOptions& options) : words_(words), options_(options) {}
+    Parser(Command command, std::span<const std::string> words, BuildOptions& options)
+        : command_(command), words_(words), options_(options) {}
 
     bool Run() {
         while (next_ < words_.size()) {
             if (!TakeWord()) return false;
         }
-        return Finish();
+        return command_ == Command::Build ? FinishBuild() : FinishSheet();
     }
     const std::string& Error() const { return error_; }
+    /// What --transition said last.
+    std::optional<std::int32_t> Transition() const { return gap_.transition; }
 
 private:
     bool Fail(std::string text) {
@@ -51,28 +96,47 @@ private:
         const std::string name = word.substr(0, equals);
         const auto attached =
             equals == std::string::npos ? std::nullopt : std::optional(word.substr(equals + 1));
-        if (name == "-q" || name == "--quiet") return TakeSwitch(name, attached, options_.quiet);
-        if (name == "--test-build") return TakeSwitch(name, attached, options_.testBuild);
-        if (std::find(std::begin(kOptions), std::end(kOptions), name) == std::end(kOptions)) {
-            return Fail("unknown option " + name + DidYouMean(name, kOptions));
+        const auto option = std::find_if(std::begin(kOptions), std::end(kOptions), [&](const auto& row) {
+            return row.name == name && Knows(command_, row);
+        });
+        if (option == std::end(kOptions)) {
+            return Fail("unknown option " + name + DidYouMeanOption(command_, name));
+        }
+        if (option->takes == Takes::Nothing) {
+            return attached ? Fail("option " + name + " takes no value") : TakeSwitch(*option);
         }
         if (!attached && next_ == words_.size()) return Fail("option " + name + " needs a value");
         return TakeValue(name, attached ? *attached : words_[next_++]);
     }
 
-    bool TakeSwitch(const std::string& name, const std::optional<std::string>& attached, bool& target) {
-        if (attached) return Fail("option " + name + " takes no value");
-        return target = true;
+    bool TakeSwitch(const OptionRow& option) {
+        if (option.setting != nullptr) {
+            Set(option.setting, option.value);
+        } else if (option.name == "--test-build") {
+            options_.testBuild = true;
+        } else if (option.name == "--estimate") {
+            options_.estimate = true;
+        } else {
+            options_.quiet = true;
+        }
+        return true;
     }
 
     bool TakeValue(const std::string& name, const std::string& value) {
         if (name == "-o" || name == "--output") return TakePath(name, value, options_.output);
         if (name == "--sheet") return TakePath(name, value, options_.sheet);
         if (name == "--set") return TakeSetting(value);
+        if (name == "--matte") return TakeMatte(value);
+        if (name == "--palette") return TakePalette(value);
         gapAfterImages_ = name;
         if (name == "--transition") return TakeTransition(value);
         if (name == "--pause") return TakeTime(name, value, &PluginSettings::TransitionPause, gap_.pause);
         return TakeTime(name, value, &PluginSettings::TransitionDelay, gap_.delay);
+    }
+
+    void Set(std::uint32_t PluginSettings::*setting, std::uint32_t value) {
+        options_.settings.*setting = value;
+        if (setting == &PluginSettings::Supercompress) options_.supercompressAsked = value != 0;
     }
 
     bool TakePath(const std::string& name, const std::string& value, std::string& target) {
@@ -92,6 +156,28 @@ private:
         return Fail("--transition " + value + ": no transition has this name" + DidYouMeanTransition(value));
     }
 
+    bool TakeMatte(const std::string& value) {
+        const auto colour = ParseColour(value);
+        if (!colour) return Fail("--matte " + value + ": write a colour as R,G,B or '#RRGGBB'");
+        Set(&PluginSettings::TransitionMattcolour, *colour);
+        return true;
+    }
+
+    // Who names a palette wants to see it, and not one that is computed.
+    bool TakePalette(const std::string& value) {
+        const auto number = FindPalette(value);
+        if (!number && ParseNumber(value)) {
+            return Fail("--palette " + value + ": there is no such palette, they are 0 to " +
+                        std::to_string(kFixedPaletteCount - 1));
+        }
+        if (!number) {
+            return Fail("--palette " + value + ": no palette has this name" + DidYouMeanPalette(value));
+        }
+        Set(&PluginSettings::TransitionPalette, *number);
+        Set(&PluginSettings::TransitionCustompalette, 0);
+        return true;
+    }
+
     bool TakeTime(const std::string& name, const std::string& value, std::uint32_t PluginSettings::*setting,
                   std::optional<std::int32_t>& target) {
         const auto number = ParseNumber(value);
@@ -99,7 +185,7 @@ private:
             return Fail(name + " " + value + ": not a number of hundredths of a second");
         }
         target = static_cast<std::int32_t>(*number);
-        WarnWhenOutside(name, *number, Descriptor(setting));
+        WarnWhenOutside(name, *number, DescriptorOf(setting));
         return true;
     }
 
@@ -116,7 +202,7 @@ private:
         if (!number) return Fail("--set " + assignment + ": " + text + " is no 32-bit number");
         WarnWhenOutside("--set " + key, *number, *setting);
         // As with a settings file, where these two are written and never taken.
-        if (setting->kind != SettingKind::Fixed) options_.settings.*setting->value = *number;
+        if (setting->kind != SettingKind::Fixed) Set(setting->value, *number);
         return true;
     }
 
@@ -135,9 +221,19 @@ private:
         return true;
     }
 
-    bool Finish() {
+    bool FinishSheet() {
+        if (options_.images.size() != 2) return Fail("a sheet shows the way between two images, name both");
+        return options_.output.empty() ? Fail("no output is named, add -o FILE.png") : true;
+    }
+
+    bool FinishBuild() {
         if (options_.images.empty()) return Fail("no image is named");
-        if (options_.output.empty()) return Fail("no output is named, add -o FILE.gif or -o FOLDER/");
+        if (options_.estimate && !options_.sheet.empty()) {
+            return Fail("--estimate writes nothing, so it does not go with --sheet");
+        }
+        if (options_.output.empty() && !options_.estimate) {
+            return Fail("no output is named, add -o FILE.gif or -o FOLDER/");
+        }
         for (std::size_t i = 0; i < gaps_.size(); ++i)
             options_.images[i].gap = Filled(gaps_[i]);
         options_.defaults = Filled(gap_);
@@ -158,6 +254,7 @@ private:
                 words.delay.value_or(static_cast<std::int32_t>(options_.settings.TransitionDelay))};
     }
 
+    const Command command_;
     std::span<const std::string> words_;
     BuildOptions& options_;
     std::string error_;
@@ -171,10 +268,26 @@ private:
 } // namespace
 
 bool ParseBuild(std::span<const std::string> words, BuildOptions& options, std::string& error) {
-    Parser parser(words, options);
+    Parser parser(Command::Build, words, options);
     if (parser.Run()) return true;
     error = parser.Error();
     return false;
+}
+
+bool ParseSheet(std::span<const std::string> words, SheetOptions& options, std::string& error) {
+    BuildOptions read;
+    Parser parser(Command::Sheet, words, read);
+    if (!parser.Run()) {
+        error = parser.Error();
+        return false;
+    }
+    options = {{read.images[0].path, read.images[1].path},
+               parser.Transition(),
+               read.settings,
+               read.output,
+               read.quiet,
+               read.warnings};
+    return true;
 }
 
 std::string ValueText(const SettingDescriptor& setting, std::uint32_t value) {
@@ -200,14 +313,41 @@ matte colour and back.
   --pause N               how long each picture after it stands still, in hundredths of a second
   --delay N               how long each frame of the transition stands, in hundredths of a second
                           these three may be given again and again; each applies to the pictures after it
+  --custom-palette        compute the best palette; --no-custom-palette takes the fixed one
+  --palette NAME|0..8     a fixed palette instead of a computed one ("lumafold palettes" lists them)
+  --dither, --no-dither   spread the error of each colour over its neighbours, or take the nearest colour
+  --true-colour           24 bits a pixel where the output can hold them; without supercompression, unless
+                          that is asked for: changed black pixels would let the frame before shine through
+  --supercompress, --no-supercompress
+                          mark pixels that did not change as transparent
+  --matte R,G,B|'#RRGGBB' the colour round smaller pictures and behind clear ones
   --set KEY=VALUE         any setting, decimal or 0x... ("lumafold settings" lists them); may be repeated
+  --estimate              build all of it and say how large the file would be, but write nothing; -o is then
+                          needed for its kind alone, which is .gif without it
   --test-build            as the dialog's Test button does
   --sheet FILE.png        also a contact sheet of the finished frames
   -q, --quiet             no progress, no remarks
   --                      all words after it are pictures
   --help, --version
 
+Of options that say different things about a setting the last one holds.
 Exit status: 0 when everything was written, 1 when the build failed, 2 for a mistake on the command line.
+)";
+
+const char kSheetHelp[] =
+    R"(usage: lumafold sheet [options] IMAGE IMAGE -o FILE.png
+
+Draws frames of the way from the first picture to the second, in true colour: a row for each of the 33
+transitions, of pictures shrunk to 160x120 before; or, of one transition, up to 48 frames of the pictures as
+they are (shrunk before, too, where the frames would be very many or large).
+
+  -o, --output FILE.png   where the sheet goes
+  --transition NAME|ROW   the one to show ("lumafold transitions" lists them)
+  --matte R,G,B|'#RRGGBB' the colour round smaller pictures and behind clear ones
+  --set KEY=VALUE         any setting, decimal or 0x... ("lumafold settings" lists them); may be repeated
+  -q, --quiet             no progress, no remarks
+  --                      all words after it are pictures
+  --help, --version
 )";
 
 } // namespace lumafold

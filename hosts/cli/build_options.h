@@ -1,4 +1,5 @@
-// The words after "lumafold build": pictures, what fills each gap, settings, and where the result goes.
+// The words after "lumafold build" and "lumafold sheet": pictures, what fills the gaps, settings, and where
+// the result goes.
 #pragma once
 
 #include <optional>
@@ -20,9 +21,11 @@ struct BuildOptions {
     std::vector<ImageArgument> images;
     GapValues defaults{}; ///< the last values in force, which stand for the dialog's
     PluginSettings settings;
-    std::string output;
-    std::string sheet; ///< "" for none
+    bool supercompressAsked = false; ///< it is more than the setting's default
+    std::string output;              ///< "" for none, where nothing is to be written
+    std::string sheet;               ///< "" for none
     bool testBuild = false;
+    bool estimate = false; ///< measure the file and write none
     bool quiet = false;
     std::vector<std::string> warnings; ///< one line each
 };
@@ -31,11 +34,24 @@ struct BuildOptions {
 /// none was given, the settings' defaults do, wherever a --set stands.
 bool ParseBuild(std::span<const std::string> words, BuildOptions& options, std::string& error);
 
+struct SheetOptions {
+    std::string images[2];
+    std::optional<std::int32_t> transition; ///< none for a row of each
+    PluginSettings settings;
+    std::string output;
+    bool quiet = false;
+    std::vector<std::string> warnings;
+};
+
+/// False with `error` in one line.
+bool ParseSheet(std::span<const std::string> words, SheetOptions& options, std::string& error);
+
 /// "2 to 20" as a person reads a setting's range; colours in hexadecimal.
 std::string RangeText(const SettingDescriptor& setting);
 /// A setting's value in its own notation.
 std::string ValueText(const SettingDescriptor& setting, std::uint32_t value);
 
 extern const char kBuildHelp[];
+extern const char kSheetHelp[];
 
 } // namespace lumafold

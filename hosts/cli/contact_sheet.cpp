@@ -12,7 +12,6 @@ namespace {
 constexpr PixelValue kPaper = MakeColour(0x1E, 0x20, 0x24);
 constexpr PixelValue kInk = MakeColour(0xB8, 0xBC, 0xC4);
 constexpr std::int32_t kMargin = 10, kLabelGap = 4;
-constexpr std::int32_t kColumns = 6;
 
 void DrawLabel(DibHeader* sheet, std::int32_t x, std::int32_t y, const std::string& label,
                std::int32_t width) {
@@ -35,9 +34,9 @@ struct Grid {
     std::int32_t columns, rows;
     std::int32_t cellWidth = 1, cellHeight = 1;
 
-    explicit Grid(std::span<const SheetCell> cells) {
+    Grid(std::span<const SheetCell> cells, std::size_t mostColumns) {
         const auto count = static_cast<std::int32_t>(cells.size());
-        columns = std::min(count, kColumns);
+        columns = std::min(count, static_cast<std::int32_t>(mostColumns));
         rows = (count + columns - 1) / columns;
         for (const SheetCell& cell : cells) {
             std::int32_t width = 0, height = 0;
@@ -48,6 +47,14 @@ struct Grid {
     }
     std::int32_t StepX() const { return cellWidth + kMargin; }
     std::int32_t StepY() const { return cellHeight + kLabelGap + kGlyphHeight + kMargin; }
+    /// How far the label of cell `index` may run.
+    std::int32_t LabelWidth(std::span<const SheetCell> cells, std::size_t index) const {
+        const auto inRow = static_cast<std::size_t>(columns);
+        const std::size_t first = index++;
+        while (index < cells.size() && index % inRow != 0 && cells[index].label.empty())
+            ++index;
+        return static_cast<std::int32_t>(index - first) * StepX() - kMargin;
+    }
     std::int32_t Width() const { return columns * StepX() + kMargin; }
     std::int32_t Height() const { return rows * StepY() + kMargin; }
 };
@@ -94,41 +101,48 @@ private:
 
 } // namespace
 
-OwnedDib SheetPicture(DibHandle picture) {
+OwnedDib ShrinkPicture(DibHandle picture, std::int32_t percent) {
     OwnedDib colour(DibToTrueColour(picture));
     std::int32_t width = 0, height = 0;
     if (!colour || !DibQuery(colour.Get(), &width, &height, nullptr, nullptr)) return {};
-    const std::int32_t percent = FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
     if (percent >= 100) return colour;
     // A very long side would leave nothing of the short one.
     return OwnedDib(DibScale(colour.Get(), std::max(percent, (99 + width) / width),
                              std::max(percent, (99 + height) / height)));
 }
 
-OwnedDib LayOutSheet(std::span<const SheetCell> cells) {
+OwnedDib SheetPicture(DibHandle picture) {
+    std::int32_t width = 0, height = 0;
+    if (!DibQuery(picture, &width, &height, nullptr, nullptr)) return {};
+    return ShrinkPicture(picture, FitPercent(width, height, kSheetCellWidth, kSheetCellHeight));
+}
+
+OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns) {
     if (cells.empty()) return {};
-    const Grid grid(cells);
+    const Grid grid(cells, columns);
     OwnedDib sheet(DibCreate(grid.Width(), grid.Height(), nullptr, 24));
     const LockedDib target(sheet.Get());
     if (!target) return {};
     DibFill(target.Get(), kPaper);
     for (std::size_t i = 0; i < cells.size(); ++i) {
+        const std::int32_t x = kMargin + static_cast<std::int32_t>(i) % grid.columns * grid.StepX();
+        const std::int32_t y = kMargin + static_cast<std::int32_t>(i) / grid.columns * grid.StepY();
+        DrawLabel(target.Get(), x, y + grid.cellHeight + kLabelGap, cells[i].label,
+                  grid.LabelWidth(cells, i));
+        if (!cells[i].picture) continue;
         const OwnedDib picture(DibToTrueColour(cells[i].picture.Get()));
         const LockedDib source(picture.Get());
         if (!source) return {};
-        const std::int32_t x = kMargin + static_cast<std::int32_t>(i) % grid.columns * grid.StepX();
-        const std::int32_t y = kMargin + static_cast<std::int32_t>(i) / grid.columns * grid.StepY();
         DibCopyRect(target.Get(), x + (grid.cellWidth - source->biWidth) / 2,
                     y + (grid.cellHeight - source->biHeight) / 2, source.Get(), 0, 0, source->biWidth,
                     source->biHeight);
-        DrawLabel(target.Get(), x, y + grid.cellHeight + kLabelGap, cells[i].label, grid.cellWidth);
     }
     return sheet;
 }
 
-OwnedDib AnimationSheet(const Animation& animation) {
+std::vector<SheetCell> AnimationCells(const Animation& animation, std::size_t most) {
     const std::size_t count = animation.frames.size();
-    const std::size_t shown = std::min(count, kMostSheetCells);
+    const std::size_t shown = std::min(count, most);
     const auto chosen = [&](std::size_t cell) { return shown < 2 ? 0 : cell * (count - 1) / (shown - 1); };
     std::vector<SheetCell> cells;
     Screen screen(animation);
@@ -141,7 +155,11 @@ OwnedDib AnimationSheet(const Animation& animation) {
         cells.push_back({SheetPicture(screen.Picture()), FrameLabel(i, animation.frames[i].delay)});
         if (!cells.back().picture) return {};
     }
-    return LayOutSheet(cells);
+    return cells;
+}
+
+OwnedDib AnimationSheet(const Animation& animation) {
+    return LayOutSheet(AnimationCells(animation, kMostSheetCells), kSheetColumns);
 }
 
 } // namespace lumafold

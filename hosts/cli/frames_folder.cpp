@@ -23,6 +23,11 @@ void Append32(std::vector<std::uint8_t>& bytes, std::size_t value) {
         bytes.push_back(static_cast<std::uint8_t>(value >> shift));
 }
 
+std::size_t PackedBytes(const DibHeader& dib) {
+    return DibRowsOffset(dib) +
+           DibStride(dib.biWidth, dib.biBitCount) * static_cast<std::size_t>(dib.biHeight);
+}
+
 // A key to a line keeps a file of hundreds of frames readable and its differences small.
 std::string LineForEachKey(const Json& object) {
     std::string text = "{";
@@ -157,8 +162,7 @@ std::vector<std::uint8_t> BitmapFile(DibHandle picture) {
     const LockedDib dib(picture);
     if (!dib) return {};
     const std::size_t rows = DibRowsOffset(*dib);
-    const std::size_t packed =
-        rows + DibStride(dib->biWidth, dib->biBitCount) * static_cast<std::size_t>(dib->biHeight);
+    const std::size_t packed = PackedBytes(*dib);
     std::vector<std::uint8_t> file{'B', 'M'};
     file.reserve(kFileHeaderBytes + packed);
     Append32(file, kFileHeaderBytes + packed);
@@ -208,6 +212,15 @@ bool WriteFramesFolder(const std::string& path, const Animation& animation,
         folder.pop_back();
     const HoldInterrupts tidy;
     return FolderWriter(folder, error).Write(animation, commands, bytes);
+}
+
+std::uint64_t FramesFolderBytes(const Animation& animation, std::span<const SentCommand> commands) {
+    std::uint64_t bytes = TaskJson(animation, commands).size();
+    for (const AnimationFrame& frame : animation.frames) {
+        const LockedDib dib(frame.image.Get());
+        if (dib) bytes += kFileHeaderBytes + PackedBytes(*dib);
+    }
+    return bytes;
 }
 
 } // namespace lumafold

@@ -24,4 +24,7 @@ std::string TaskJson(const Animation& animation, std::span<const SentCommand> co
 bool WriteFramesFolder(const std::string& path, const Animation& animation,
                        std::span<const SentCommand> commands, std::uint64_t& bytes, std::string& error);
 
+/// How many bytes that would write.
+std::uint64_t FramesFolderBytes(const Animation& animation, std::span<const SentCommand> commands);
+
 } // namespace lumafold

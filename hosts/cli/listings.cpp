@@ -2,7 +2,9 @@
 
 #include <iomanip>
 
+#include "colour/palettes.h"
 #include "hosts/cli/build_options.h"
+#include "hosts/cli/names.h"
 #include "transitions/table.h"
 
 namespace lumafold {
@@ -22,17 +24,21 @@ void ListSettings(std::ostream& out) {
         out << std::left << std::setw(33) << setting.key << std::setw(10)
             << ValueText(setting, setting.defaultValue) << std::setw(22) << RangeText(setting)
             << setting.meaning << '\n';
-        if (setting.choices[0] == '\0') continue;
-        out << "    0 = ";
-        int choice = 0;
-        for (const char* letter = setting.choices; *letter != '\0'; ++letter) {
-            if (*letter == ';') {
-                out << ", " << ++choice << " = ";
-            } else {
-                out << *letter;
-            }
-        }
-        out << '\n';
+        const auto choices = ChoicesOf(setting);
+        for (std::size_t i = 0; i < choices.size(); ++i)
+            out << (i == 0 ? "    " : ", ") << i << " = " << choices[i];
+        if (!choices.empty()) out << '\n';
+    }
+}
+
+void ListPalettes(std::ostream& out) {
+    out << "number  name                      colours  bits\n";
+    int number = 0;
+    for (const std::string_view name : ChoicesOf(DescriptorOf(&PluginSettings::TransitionPalette))) {
+        int bits = 0;
+        const int colours = BuildFixedPalette(nullptr, &bits, number);
+        out << std::right << std::setw(6) << number++ << "  " << std::left << std::setw(26) << name
+            << std::right << std::setw(7) << colours << std::setw(6) << bits << '\n';
     }
 }
 

@@ -1,4 +1,4 @@
-// The tables a person asks for: transitions and settings.
+// What "lumafold transitions", "lumafold settings" and "lumafold palettes" print.
 #pragma once
 
 #include <ostream>
@@ -7,5 +7,6 @@ namespace lumafold {
 
 void ListTransitions(std::ostream& out);
 void ListSettings(std::ostream& out);
+void ListPalettes(std::ostream& out);
 
 } // namespace lumafold

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
-#include <vector>
 
-#include "settings/settings.h"
+#include "image/dib.h"
 #include "transitions/table.h"
 
 namespace lumafold {
@@ -28,6 +27,28 @@ std::vector<std::string_view> TransitionNames() {
     return names;
 }
 
+std::vector<std::string_view> PaletteNames() {
+    return ChoicesOf(DescriptorOf(&PluginSettings::TransitionPalette));
+}
+
+// A number stands for itself where there is a name for it.
+std::optional<std::uint32_t> FindName(std::string_view text, std::span<const std::string_view> names) {
+    if (const auto number = ParseNumber(text)) return *number < names.size() ? number : std::nullopt;
+    const std::string wanted = LowerAll(text);
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [&](std::string_view name) { return LowerAll(name) == wanted; });
+    if (found == names.end()) return std::nullopt;
+    return static_cast<std::uint32_t>(found - names.begin());
+}
+
+/// The number all of `text` is, when it is one byte's.
+std::optional<unsigned> ParseByte(std::string_view text, int base) {
+    unsigned value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (error != std::errc{} || end != text.data() + text.size() || value > 255) return std::nullopt;
+    return value;
+}
+
 // A part of the name is as good a hint as a slip of the finger: "IrisStep", "soft iris".
 std::string_view FirstNameAround(std::string_view word, std::span<const std::string_view> known) {
     if (word.size() < 4) return {};
@@ -39,6 +60,22 @@ std::string_view FirstNameAround(std::string_view word, std::span<const std::str
 }
 
 } // namespace
+
+const SettingDescriptor& DescriptorOf(std::uint32_t PluginSettings::*value) {
+    const auto all = SettingDescriptors();
+    return *std::find_if(all.begin(), all.end(), [&](const auto& setting) { return setting.value == value; });
+}
+
+std::vector<std::string_view> ChoicesOf(const SettingDescriptor& setting) {
+    std::vector<std::string_view> choices;
+    std::string_view rest = setting.choices;
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(';'), rest.size());
+        choices.push_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(rest.size(), end + 1));
+    }
+    return choices;
+}
 
 std::optional<std::uint32_t> ParseNumber(std::string_view text) {
     const bool negative = text.starts_with('-');
@@ -58,15 +95,29 @@ std::optional<std::uint32_t> ParseNumber(std::string_view text) {
 }
 
 std::optional<std::int32_t> FindTransition(std::string_view text) {
-    if (const auto row = ParseNumber(text)) {
-        if (*row < kTransitionCount) return static_cast<std::int32_t>(*row);
-        return std::nullopt;
+    const auto row = FindName(text, TransitionNames());
+    if (!row) return std::nullopt;
+    return static_cast<std::int32_t>(*row);
+}
+
+std::optional<std::uint32_t> FindPalette(std::string_view text) { return FindName(text, PaletteNames()); }
+
+std::optional<std::uint32_t> ParseColour(std::string_view text) {
+    const bool hexadecimal = text.starts_with('#');
+    if (hexadecimal && text.size() != 7) return std::nullopt;
+    std::optional<unsigned> parts[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (hexadecimal) {
+            parts[i] = ParseByte(text.substr(1 + 2 * i, 2), 16);
+        } else {
+            const std::size_t comma = i < 2 ? text.find(',') : text.size();
+            if (comma == std::string_view::npos) return std::nullopt;
+            parts[i] = ParseByte(text.substr(0, comma), 10);
+            text.remove_prefix(std::min(text.size(), comma + 1));
+        }
+        if (!parts[i]) return std::nullopt;
     }
-    const std::string wanted = LowerAll(text);
-    for (std::int32_t row = 0; row < kTransitionCount; ++row) {
-        if (LowerAll(TransitionTable[row].name) == wanted) return row;
-    }
-    return std::nullopt;
+    return MakeColour(*parts[0], *parts[1], *parts[2]);
 }
 
 int EditDistance(std::string_view one, std::string_view other) {
@@ -110,6 +161,8 @@ std::string DidYouMean(std::string_view word, std::span<const std::string_view> 
 }
 
 std::string DidYouMeanTransition(std::string_view word) { return DidYouMean(word, TransitionNames()); }
+
+std::string DidYouMeanPalette(std::string_view word) { return DidYouMean(word, PaletteNames()); }
 
 std::string DidYouMeanKey(std::string_view word) {
     std::vector<std::string_view> keys;

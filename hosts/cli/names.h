@@ -1,5 +1,5 @@
-// Words a person typed against the names the program knows: numbers, transitions, keys, and the name that was
-// probably meant.
+// Words a person typed against the names the program knows: numbers, colours, transitions, palettes, keys,
+// and the name that was probably meant.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,17 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "settings/settings.h"
 
 namespace lumafold {
+
+/// The row of the settings table for a setting of PluginSettings.
+const SettingDescriptor& DescriptorOf(std::uint32_t PluginSettings::*value);
+
+/// The entries of a setting's drop-down list, in their order; none for other kinds.
+std::vector<std::string_view> ChoicesOf(const SettingDescriptor& setting);
 
 /// A whole number as a settings file may hold it: decimal or 0x..., from -2147483648 (kept in two's
 /// complement) to 4294967295. Nothing for any other text.
@@ -16,6 +25,12 @@ std::optional<std::uint32_t> ParseNumber(std::string_view text);
 
 /// A row of the TransitionTable by its number or by its display name in any case.
 std::optional<std::int32_t> FindTransition(std::string_view text);
+
+/// A fixed palette by its number or by its name in any case.
+std::optional<std::uint32_t> FindPalette(std::string_view text);
+
+/// "R,G,B" in decimal or "#RRGGBB" as 0x00BBGGRR.
+std::optional<std::uint32_t> ParseColour(std::string_view text);
 
 /// Letters to insert, remove, replace or swap with their neighbour; case does not count.
 int EditDistance(std::string_view one, std::string_view other);
@@ -26,6 +41,7 @@ std::string_view NearestName(std::string_view word, std::span<const std::string_
 /// ", did you mean ...?" for the end of an error line, or "".
 std::string DidYouMean(std::string_view word, std::span<const std::string_view> known);
 std::string DidYouMeanTransition(std::string_view word);
+std::string DidYouMeanPalette(std::string_view word);
 std::string DidYouMeanKey(std::string_view word);
 
 } // namespace lumafold

@@ -36,26 +36,38 @@ std::string WhyNoFolderAt(const std::string& path) {
     return WhyNoEntryIn(fs::path(path).lexically_normal().parent_path().parent_path());
 }
 
-bool WriteGif(const std::string& path, const Animation& animation, std::uint64_t& bytes, std::string& error) {
-    const std::vector<std::uint8_t> file = EncodeGif(animation, error);
-    if (file.empty()) {
-        error = path + ": " + error;
-        return false;
+std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, std::string& error) {
+    switch (kind) {
+    case OutputKind::Gif:
+        return EncodeGif(animation, error);
+    case OutputKind::Folder:
+        break;
     }
+    return {};
+}
+
+bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation, std::uint64_t& bytes,
+               std::string& error) {
+    const std::vector<std::uint8_t> file = Encode(kind, animation, error);
     bytes = file.size();
-    if (WriteFileSafely(path, file, error)) return true;
+    if (!file.empty() && WriteFileSafely(path, file, error)) return true;
     error = path + ": " + error;
     return false;
 }
 
 } // namespace
 
-std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
-    std::error_code ignored;
-    if (path.ends_with('/') || fs::is_directory(path, ignored)) return OutputKind::Folder;
+std::string LowerSuffix(const std::string& path) {
     std::string suffix = fs::path(path).extension().string();
     for (char& letter : suffix)
         letter = static_cast<char>(letter | (letter >= 'A' && letter <= 'Z' ? 0x20 : 0));
+    return suffix;
+}
+
+std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
+    std::error_code ignored;
+    if (path.ends_with('/') || fs::is_directory(path, ignored)) return OutputKind::Folder;
+    const std::string suffix = LowerSuffix(path);
     if (suffix == ".gif") return OutputKind::Gif;
     error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
             " means no known kind of file; known are .gif, and a folder's name with / at its end";
@@ -74,13 +86,19 @@ std::string WhyNoFileCanStandAt(const std::string& path) {
 }
 
 std::string WhyNotWritable(const std::string& path, OutputKind kind) {
-    return kind == OutputKind::Gif ? WhyNoFileCanStandAt(path) : WhyNoFolderAt(path);
+    return kind == OutputKind::Folder ? WhyNoFolderAt(path) : WhyNoFileCanStandAt(path);
 }
 
 bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host, std::uint64_t& bytes,
                  std::string& error) {
-    if (kind == OutputKind::Gif) return WriteGif(path, host.Result(), bytes, error);
+    if (kind != OutputKind::Folder) return WriteFile(path, kind, host.Result(), bytes, error);
     return WriteFramesFolder(path, host.Result(), host.Commands(), bytes, error);
+}
+
+bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error) {
+    bytes = kind == OutputKind::Folder ? FramesFolderBytes(host.Result(), host.Commands())
+                                       : Encode(kind, host.Result(), error).size();
+    return bytes != 0;
 }
 
 } // namespace lumafold

@@ -12,6 +12,9 @@ namespace lumafold {
 
 enum class OutputKind { Gif, Folder };
 
+/// The suffix of a file's name with its dot, in small letters.
+std::string LowerSuffix(const std::string& path);
+
 /// Nothing, with `error` in one line, for a name whose kind is not known.
 std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error);
 
@@ -25,5 +28,8 @@ std::string WhyNoFileCanStandAt(const std::string& path);
 /// False with `error` in one line; what stood there before is then still there. `bytes` is what was written.
 bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host, std::uint64_t& bytes,
                  std::string& error);
+
+/// How many bytes that would write; false with `error` in one line where it could not.
+bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error);
 
 } // namespace lumafold

@@ -1,8 +1,15 @@
 #include "hosts/cli/progress.h"
 
 #include <algorithm>
+#include <iostream>
+#include <unistd.h>
 
 namespace lumafold {
+
+ProgressStyle StyleFor(const std::ostream& stream, bool quiet) {
+    if (quiet) return ProgressStyle::Silent;
+    return &stream == &std::cerr && isatty(STDERR_FILENO) != 0 ? ProgressStyle::Bar : ProgressStyle::Lines;
+}
 
 void Progress::Caption(std::string_view caption) {
     caption_ = caption;

@@ -11,6 +11,9 @@ namespace lumafold {
 
 enum class ProgressStyle { Silent, Lines, Bar };
 
+/// Silent when quiet; else a bar where `stream` is the terminal's.
+ProgressStyle StyleFor(const std::ostream& stream, bool quiet);
+
 class Progress {
 public:
     Progress(std::ostream& stream, ProgressStyle style) : stream_(stream), style_(style) {}
