@@ -1,8 +1,14 @@
 // Whole builds by the command line, and what they leave on the disk.
 #include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <sstream>
 
 #include "build/image_entry.h"
 #include "colour/palettes.h"
+#include "hosts/cli/command_line.h"
+#include "hosts/cli/frames_folder.h"
+#include "hosts/cli/interrupt.h"
 #include "hosts/cli/memory_list.h"
 #include "hosts/cli/recording_host.h"
 #include "plugin/host.h"
@@ -82,7 +88,7 @@ TEST_F(CommandLineTest, TaskJsonIsExact) {
                          Path("b.bmp"), "--set", "TransitionPalette=0", "-o", Path("out/")});
     ASSERT_EQ(ran.status, 0) << ran.err;
     EXPECT_EQ(ran.err.find(kNotYet), 0u);
-    EXPECT_NE(ran.out.find("2 frames, 7x9"), std::string::npos) << ran.out;
+    EXPECT_NE(ran.out.find(": 2 frames, 7x9, 2 colours, 0.46 s, "), std::string::npos) << ran.out;
 
     Palette palette;
     BuildFixedPalette(&palette, nullptr, 0);
@@ -176,6 +182,82 @@ TEST_F(CommandLineTest, GifAndContactSheetAreWrittenTogether) {
     EXPECT_NE(ran.out.find("40 frames, 33x21"), std::string::npos) << ran.out;
 }
 
+TEST_F(CommandLineTest, EstimatesAreTheTrueSizeAndWriteNothing) {
+    PutPicture("a.bmp", 33, 21, 1);
+    PutPicture("b.bmp", 33, 21, 9);
+    std::vector<std::string> words{"build", "-q", "--transition", "Burp", Path("a.bmp"), Path("b.bmp")};
+    const auto with = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), words.begin(), words.end());
+        return Run(more);
+    };
+    ASSERT_EQ(with({"-o", Path("x.gif")}).status, 0);
+    ASSERT_EQ(with({"-o", Path("x/"), "--true-colour"}).status, 0);
+    std::size_t folder = 0;
+    for (const std::string& name : Names()) {
+        if (name.starts_with("x/")) folder += Get(name).size();
+    }
+    const auto before = Names();
+    const struct {
+        std::vector<std::string> words;
+        std::size_t size;
+    } kCases[] = {
+        {{"--estimate"}, Get("x.gif").size()},
+        {{"--estimate", "-o", Path("missing/x.gif")}, Get("x.gif").size()},
+        {{"--estimate", "-o", Path("missing/x/"), "--true-colour"}, folder},
+    };
+    for (const auto& row : kCases) {
+        const Ran ran = with(row.words);
+        EXPECT_EQ(ran.status, 0) << ran.err;
+        EXPECT_EQ(ran.out.find("nothing written: 40 frames, 33x21, "), 0u) << ran.out;
+        EXPECT_NE(ran.out.find(", 3.90 s, "), std::string::npos) << ran.out;
+        EXPECT_NE(ran.out.find("(" + std::to_string(row.size) + " bytes)"), std::string::npos) << ran.out;
+        EXPECT_EQ(ran.out.find("true colour") != std::string::npos, row.words.back() == "--true-colour");
+    }
+    EXPECT_EQ(Names(), before);
+}
+
+/// Takes text as a stream does, and interrupts the program as soon as it has read `word`.
+class InterruptAt : public std::stringbuf {
+public:
+    explicit InterruptAt(std::string word) : word_(std::move(word)) {}
+
+private:
+    int sync() override {
+        if (str().find(word_) != std::string::npos) std::raise(SIGINT);
+        return 0;
+    }
+    std::string word_;
+};
+
+TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
+    GTEST_FLAG_SET(death_test_style, "fast"); // the children share this folder
+    PutPicture("a.bmp", 7, 5, 1);
+    for (const char* output : {"x.gif", "x/"}) {
+        const auto build = [&] {
+            WatchForInterrupts();
+            InterruptAt buffer("Remapping");
+            std::ostream screen(&buffer);
+            const std::vector<std::string> words{"build", Path("a.bmp"), "-o", Path(output)};
+            RunCommandLine(words, screen, screen);
+        };
+        EXPECT_EXIT(build(), testing::ExitedWithCode(kInterruptedStatus), "");
+    }
+    // While files are written it waits until they are taken back.
+    const auto write = [&] {
+        WatchForInterrupts();
+        const HoldInterrupts hold;
+        std::raise(SIGINT);
+        Animation animation;
+        animation.frames.push_back({PlainPicture(2, 2, 0), 1, -1});
+        std::uint64_t bytes = 0;
+        std::string error;
+        const bool written = WriteFramesFolder(Path("x"), animation, {}, bytes, error);
+        std::_Exit(!written && Interrupted() ? 0 : 1);
+    };
+    EXPECT_EXIT(write(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});
+}
+
 TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
     PutPicture("a.bmp", 7, 5, 1);
     Put("empty.png", "");
@@ -207,6 +289,7 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
          1,
          "lumafold: --sheet " + Path("no/s.png")},
         {{a, a, "-o", Path("x.gif"), "--sheet", Path("s.jpg")}, 2, "lumafold: --sheet " + Path("s.jpg")},
+        {{a, "--estimate", "-o", Path("x.tiff")}, 2, "lumafold: -o " + Path("x.tiff")},
         // The engine's own word: a step of 0 would never end.
         {{"--transition", "23", a, a, "-o", Path("x.gif")}, 1, "lumafold: Memory error\n"},
     };

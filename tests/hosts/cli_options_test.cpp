@@ -58,6 +58,53 @@ TEST(BuildOptions, GapOptionsApplyToThePicturesAfterThem) {
         EXPECT_EQ(Parsed(row.line), row.expected) << row.line;
 }
 
+/// The palette and what is switched on after these words.
+std::string Switches(const std::string& line) {
+    BuildOptions options;
+    std::string error;
+    if (!ParseBuild(Words("a b -o x.gif " + line), options, error)) return "error: " + error;
+    const PluginSettings& settings = options.settings;
+    return std::to_string(settings.TransitionPalette) + (settings.TransitionCustompalette ? " custom" : "") +
+           (settings.TransitionDither ? " dither" : "") + (settings.TransitionTruecolour ? " true" : "") +
+           (settings.Supercompress ? " super" : "") + (options.supercompressAsked ? " asked" : "");
+}
+
+TEST(BuildOptions, ShorthandsSayWhatTheDialogsSwitchesDo) {
+    const struct {
+        const char *line, *expected;
+    } kCases[] = {
+        {"", "6 custom dither super"},
+        {"--no-custom-palette --no-dither --no-supercompress", "6"},
+        {"--no-dither --dither --custom-palette --supercompress", "6 custom dither super asked"},
+        {"--set Supercompress=1 --true-colour", "6 custom dither true super asked"},
+        {"--supercompress --set Supercompress=0", "6 custom dither"},
+        {"--palette '216-COLOR safe'", "5 dither super"},
+        {"--palette=8 --custom-palette", "8 custom dither super"},
+        {"--custom-palette --palette 0 --set TransitionPalette=2", "2 dither super"},
+    };
+    for (const auto& row : kCases)
+        EXPECT_EQ(Switches(row.line), row.expected) << row.line;
+}
+
+TEST(SheetOptions, TakeTwoPicturesAndOneTransition) {
+    SheetOptions options;
+    std::string error;
+    ASSERT_TRUE(
+        ParseSheet(Words("a --transition 3 b -o x.png --matte 1,2,3 --transition Burp"), options, error));
+    EXPECT_EQ(options.images[0] + options.images[1] + options.output, "abx.png");
+    EXPECT_EQ(options.transition, 8);
+    EXPECT_EQ(options.settings.TransitionMattcolour, 0x030201u);
+    for (const auto& [line, expected] :
+         {std::pair{"a b", "no output is named, add -o FILE.png"},
+          {"a -o x.png", "a sheet shows the way between two images, name both"},
+          {"a b c -o x.png", "a sheet shows the way between two images, name both"},
+          {"a b -o x.png --dither", "unknown option --dither"},
+          {"a b -o x.png --transition 33", "--transition 33: there is no such row, the table has 0 to 32"}}) {
+        EXPECT_FALSE(ParseSheet(Words(line), options, error)) << line;
+        EXPECT_EQ(error.substr(0, std::string(expected).size()), expected);
+    }
+}
+
 TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
     const struct {
         const char *line, *expected;
@@ -84,6 +131,13 @@ TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
         {"a --set IrisStep=1 -o x.gif",
          "--set IrisStep=1: no setting IrisStep, did you mean \"TransitionIrisStep\"?"},
         {"a --set FastRemap=yes -o x.gif", "--set FastRemap=yes: yes is no 32-bit number"},
+        {"a --palette 9 -o x.gif", "--palette 9: there is no such palette, they are 0 to 8"},
+        {"a --palette '64-color ortogonal' -o x.gif",
+         "--palette 64-color ortogonal: no palette has this name, did you mean \"64-color orthogonal\"?"},
+        {"a --matte red -o x.gif", "--matte red: write a colour as R,G,B or '#RRGGBB'"},
+        {"a --no-dither=1 -o x.gif", "option --no-dither takes no value"},
+        {"a --help=build -o x.gif", "option --help takes no value"},
+        {"a --estimate --sheet s.png", "--estimate writes nothing, so it does not go with --sheet"},
         {"a --set FastRemap= -o x.gif", "--set FastRemap=:  is no 32-bit number"},
     };
     for (const auto& row : kCases)
@@ -128,8 +182,17 @@ TEST(Names, NumbersEndWhereThirtyTwoBitsDo) {
     }
 }
 
+TEST(Names, ColoursAreThreeBytesInEitherNotation) {
+    EXPECT_EQ(ParseColour("1,2,255"), 0xFF0201u);
+    EXPECT_EQ(ParseColour("#0102fF"), 0xFF0201u);
+    for (const char* text : {"", "1,2", "1,2,", "1,2,3,4", "1,2,256", "-1,2,3", "0x1,2,3", "1, 2,3", "#12345",
+                             "#1234567", "#12345G", "123456"}) {
+        EXPECT_EQ(ParseColour(text), std::nullopt) << text;
+    }
+}
+
 TEST_F(CommandLineTest, HelpAndVersionAnswerEverywhere) {
-    for (const std::string command : {"build", "transitions", "settings"}) {
+    for (const std::string command : {"build", "sheet", "transitions", "palettes", "settings"}) {
         const Ran help = Run({command, "--help"}), version = Run({command, "a", "--version", "--nonsense"});
         EXPECT_EQ(help.status, 0);
         EXPECT_EQ(help.out.find("usage: lumafold " + command), 0u) << help.out;
@@ -153,6 +216,12 @@ TEST_F(CommandLineTest, ListingsHaveALineForEveryRowAndKey) {
     for (const SettingDescriptor& setting : SettingDescriptors()) {
         EXPECT_NE(settings.out.find("\n" + std::string(setting.key) + " "), std::string::npos) << setting.key;
     }
+    EXPECT_NE(settings.out.find("\n    0 = Still, 1 = Track horizontal, 2 = Track vertical\n"),
+              std::string::npos);
+    const std::string palettes = Run({"palettes"}).out;
+    EXPECT_EQ(std::count(palettes.begin(), palettes.end(), '\n'), 1 + 9);
+    EXPECT_NE(palettes.find("\n     5  216-color safe                216     8\n"), std::string::npos)
+        << palettes;
     EXPECT_NE(settings.out.find("0xFF33CC  0x000000 to 0xFFFFFF"), std::string::npos);
 }
 

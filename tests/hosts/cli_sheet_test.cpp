@@ -1,8 +1,8 @@
-// The contact sheet: what lies where, and what it shows of frames that let others shine through.
+// The contact sheet: what lies where, what it shows of frames that let others shine through, and the sheet of
+// the transitions.
 #include "hosts/cli/contact_sheet.h"
-#include "tests/support/pictures.h"
-
-#include <gtest/gtest.h>
+#include "hosts/codecs/decode.h"
+#include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {
 namespace {
@@ -22,7 +22,7 @@ TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
     std::vector<SheetCell> cells;
     for (unsigned i = 0; i < 7; ++i)
         cells.push_back({PlainPicture(20, 10, 0x10 + i), "|"});
-    const OwnedDib sheet = LayOutSheet(cells);
+    const OwnedDib sheet = LayOutSheet(cells, kSheetColumns);
     std::int32_t width = 0, height = 0;
     ASSERT_TRUE(DibQuery(sheet.Get(), &width, &height, nullptr, nullptr));
     EXPECT_EQ(width, 6 * 30 + 10);
@@ -33,7 +33,7 @@ TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
     const PixelValue paper = PixelAt(sheet.Get(), 0, 0);
     EXPECT_NE(PixelAt(sheet.Get(), 12, 24), paper) << "the bar of the label";
     EXPECT_EQ(PixelAt(sheet.Get(), 13, 24), paper);
-    EXPECT_FALSE(LayOutSheet({}));
+    EXPECT_FALSE(LayOutSheet({}, 6));
 }
 
 TEST(ContactSheet, ShrinksLargePicturesAndKeepsAPixelOfTheLongest) {
@@ -71,6 +71,51 @@ TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
         << "the frame before, through the transparent half of the last";
     EXPECT_FALSE(Shows(sheet, MakeColour(200, 7, 9)));
     EXPECT_FALSE(Shows(sheet, MakeColour(1, 7, 9))) << "48 of 100 are shown, and 1 is not among them";
+}
+
+TEST_F(CommandLineTest, TheSheetHasARowForEachTransition) {
+    PutPicture("a.bmp", 7, 5, 1);
+    PutPicture("b.bmp", 9, 5, 77);
+    const Ran ran =
+        Run({"sheet", Path("a.bmp"), Path("b.bmp"), "-o", Path("all.PNG"), "--matte", "10,20,30"});
+    ASSERT_EQ(ran.status, 0) << ran.err;
+    EXPECT_NE(ran.out.find("33 transitions, 162x868"), std::string::npos) << ran.out;
+    const DecodedPicture sheet = DecodePictureFile(Path("all.PNG"), 0, 1 << 20);
+    const DecodedPicture first = DecodePictureFile(Path("a.bmp"), 0, 100);
+    const DecodedPicture last = DecodePictureFile(Path("b.bmp"), 0, 100);
+    ASSERT_TRUE(sheet.picture && first.picture && last.picture);
+    const PixelValue paper = PixelAt(sheet.picture.Get(), 0, 0);
+    for (int row = 0; row < 33; ++row) {
+        const auto shown = [&](int cell, int x) {
+            return PixelAt(sheet.picture.Get(), 10 + cell * 19 + x, 10 + 26 * row);
+        };
+        int cells = 8;
+        while (cells > 0 && shown(cells - 1, 0) == paper)
+            --cells;
+        EXPECT_EQ(cells, row == 14 ? 2 : row == 15 ? 3 : 8) << "frames to show of row " << row;
+        EXPECT_EQ(shown(0, 0), MakeColour(10, 20, 30)) << row;
+        EXPECT_EQ(shown(0, 1), PixelAt(first.picture.Get(), 0, 0)) << row;
+        EXPECT_EQ(shown(cells - 1, 8), PixelAt(last.picture.Get(), 8, 0)) << row;
+    }
+}
+
+TEST_F(CommandLineTest, TheSheetOfOneTransitionAndItsFailures) {
+    PutPicture("a.bmp", 170, 3, 1);
+    const std::string a = Path("a.bmp"), sheet = Path("one.png");
+    const Ran ran = Run({"sheet", a, a, "-o", sheet, "--transition", "Soft iris (diamond)"});
+    EXPECT_EQ(ran.out.find("wrote " + sheet + ": 22  Soft iris (diamond), 21 frames, 1024x102, "), 0u)
+        << ran.out;
+    EXPECT_NE(ran.out.find("(" + std::to_string(Get("one.png").size()) + " bytes)\n"), std::string::npos)
+        << ran.out;
+    const Ran failed = Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--set", "TransitionIrisStep=0"});
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_NE(failed.err.find("lumafold: the transition \"Soft iris (diamond)\" (row 22) cannot be built"),
+              std::string::npos)
+        << failed.err;
+    EXPECT_EQ(Run({"sheet", a, a, "-o", Path("x.gif")}).status, 2);
+    EXPECT_EQ(Run({"sheet", a, Path("none.png"), "-o", Path("x.png")}).status, 1);
+    const std::vector<std::string> expected{"a.bmp", "one.png"};
+    EXPECT_EQ(Names(), expected);
 }
 
 } // namespace
