@@ -1,8 +1,12 @@
 // Colour reduction of a photo-like 640x480 picture, per pixel, beside the copy of its bytes; and
-// what the tables of one palette cost.
+// what the tables of one palette cost. Then what concerns many such frames: a palette made for
+// them, and their differences marked and painted.
 #include "bench/bench_pictures.h"
 #include "colour/palettes.h"
+#include "colour/quantizer.h"
 #include "colour/remap.h"
+#include "colour/supercompression.h"
+#include "image/resample.h"
 #include "image/row_view.h"
 #include "settings/settings.h"
 
@@ -92,5 +96,87 @@ BENCHMARK(ColourCacheBuild)
     ->Arg(8)
     ->Arg(9)
     ->Unit(benchmark::kMicrosecond);
+
+/// Frames of many colours, or of the 216 a fixed palette has, which are kept as they are.
+void ColourQuantize(benchmark::State& state) {
+    const auto number = static_cast<std::int32_t>(state.range(0));
+    OwnedFrameList frames;
+    for (std::int32_t i = 0; i < number; ++i) {
+        OwnedDib picture = PhotoPicture(static_cast<std::uint32_t>(1 + i));
+        if (state.range(2) != 0) {
+            const OwnedDib reduced(DitherImage(picture.Get(), BenchPalette(5, 0), 8, 216));
+            picture = OwnedDib(DibToTrueColour(reduced.Get()));
+        }
+        FrameListAddImage(*frames, picture.Release(), 1);
+    }
+    for (auto _ : state) {
+        Palette palette;
+        int count = static_cast<int>(state.range(1));
+        benchmark::DoNotOptimize(ComputeOptimalPalette(*frames, count, palette));
+        benchmark::DoNotOptimize(palette);
+    }
+    CountPixels(state, bench::kPixels * number);
+}
+BENCHMARK(ColourQuantize)
+    ->ArgNames({"frames", "colours", "few"})
+    ->Args({1, 255, 0})
+    ->Args({1, 256, 0})
+    ->Args({24, 255, 0})
+    ->Args({24, 256, 0})
+    ->Args({24, 255, 1})
+    ->Unit(benchmark::kMillisecond);
+
+/// A frame's record with the picture; `changed` of 8 pixels differ from PhotoPicture(1), here and there.
+FrameRecord ChangedFrame(unsigned changed) {
+    const OwnedDib other = PhotoPicture(2);
+    FrameRecord frame{};
+    frame.image = PhotoPicture(1).Release();
+    const LockedDib from(other.Get()), to(frame.image);
+    Random random(3);
+    for (std::int32_t y = 0; y < bench::kHeight; ++y) {
+        for (std::int32_t x = 0; x < bench::kWidth; ++x) {
+            if ((random.Draw() >> 5) % 8 < changed)
+                DibSetPixel(to.Get(), x, y, DibGetPixel(from.Get(), x, y));
+        }
+    }
+    return frame;
+}
+
+/// Two frames in turn, so that there is always something to mark.
+void ColourMark(benchmark::State& state) {
+    FrameRecord frames[] = {ChangedFrame(0), ChangedFrame(static_cast<unsigned>(state.range(0)))};
+    OwnedDib reference;
+    MarkUnchanged(reference, frames[0], 0);
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(MarkUnchanged(reference, frames[i ^= 1], 0));
+    CountPixels(state);
+    for (FrameRecord& frame : frames)
+        FrameRecordRelease(frame);
+}
+BENCHMARK(ColourMark)->ArgName("changed")->Arg(0)->Arg(4)->Arg(8);
+
+void ColourPaint(benchmark::State& state) {
+    OwnedDib reference;
+    FrameRecord first = ChangedFrame(0), frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
+    MarkUnchanged(reference, first, 0);
+    MarkUnchanged(reference, frame, 0);
+    const auto bits = static_cast<int>(state.range(1));
+    if (bits <= 8) {
+        const DibHandle reduced = RemapImage(frame.image, BenchPalette(6, 0), bits, 256);
+        GlobalDestroy(std::exchange(frame.image, reduced));
+    }
+    for (auto _ : state)
+        benchmark::DoNotOptimize(PaintUnchanged(frame, bits <= 8 ? 1 : -1, 0));
+    CountPixels(state);
+    FrameRecordRelease(first);
+    FrameRecordRelease(frame);
+}
+BENCHMARK(ColourPaint)
+    ->ArgNames({"changed", "bits"})
+    ->Args({0, 8})
+    ->Args({4, 8})
+    ->Args({4, 4})
+    ->Args({4, 24});
 
 } // namespace
