@@ -1,7 +1,9 @@
 #include "build/build_driver.h"
 
 #include "colour/palettes.h"
+#include "colour/quantizer.h"
 #include "colour/remap.h"
+#include "colour/supercompression.h"
 #include "image/resample.h"
 #include "image/row_view.h"
 #include "resources/strings.h"
@@ -25,7 +27,7 @@ public:
         BuildFixedPalette(&palette_, &paletteBits_,
                           static_cast<std::int32_t>(pluginSettings.TransitionPalette));
         if (!CountEntries() || !MeasureCanvas() || !PlaceImages() || !RenderGaps() || !ChoosePalette() ||
-            !MarkUnchanged() || !ReduceColours()) {
+            !MarkUnchangedPixels() || !ReduceColours()) {
             ShowMessage(window_, LUMAFOLD_TEXT_MEMORY_ERROR);
             return false;
         }
@@ -40,9 +42,9 @@ private:
     OwnedDib Place(DibHandle image) const;
     bool RenderGaps();
     bool RenderGap(std::int32_t index);
-    bool ChoosePalette() const;
-    bool MarkUnchanged() const;
-    bool ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib image);
+    bool ChoosePalette();
+    bool MarkUnchangedPixels();
+    bool ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib& image);
     bool ReduceColours();
     bool HandOver();
     void PutBack();
@@ -58,7 +60,8 @@ private:
     Palette palette_{};
     int paletteBits_ = 8;
     // A fixed palette is searched over all 256 entries, the black ones beyond its own count included: wanted.
-    const int colourCount_ = 256;
+    int colourCount_ = 256;
+    int transparentSlot_ = -1;
     std::int32_t count_ = 0;
     bool hasTemporary_ = false;
     std::int32_t canvasWidth_ = 0, canvasHeight_ = 0;
@@ -171,19 +174,42 @@ bool AnimationBuild::RenderGap(std::int32_t index) {
     return done != 0;
 }
 
-bool AnimationBuild::ChoosePalette() const {
+/// A palette for these very frames, darkest colour first, and behind it the slot for what is transparent.
+bool AnimationBuild::ChoosePalette() {
     if (pluginSettings.TransitionTruecolour != 0 || pluginSettings.TransitionCustompalette == 0) return true;
-    // No palette can be computed yet; hosts turn the setting off until one can.
-    return false;
+    host_.Caption(LUMAFOLD_CAPTION_QUANTIZING);
+    colourCount_ = supercompress_ ? 255 : 256;
+    // Without even a tree the palette is black, and the build goes on with it: wanted.
+    if (ComputeOptimalPalette(*frames_, colourCount_, palette_) == PaletteResult::Failed) return false;
+    SortByLuminance(palette_, colourCount_);
+    paletteBits_ = PaletteBitsFor(supercompress_ ? colourCount_ + 1 : colourCount_);
+    if (supercompress_) {
+        const PixelValue matte = pluginSettings.TransitionMattcolour;
+        transparentSlot_ = colourCount_;
+        palette_[static_cast<std::size_t>(transparentSlot_)] = {static_cast<std::uint8_t>(RedOf(matte)),
+                                                                static_cast<std::uint8_t>(GreenOf(matte)),
+                                                                static_cast<std::uint8_t>(BlueOf(matte))};
+    }
+    return true;
 }
 
-bool AnimationBuild::MarkUnchanged() const {
-    // Nor can unchanged pixels be marked.
-    return !supercompress_;
+bool AnimationBuild::MarkUnchangedPixels() {
+    if (!supercompress_) return true;
+    host_.Caption(LUMAFOLD_CAPTION_SUPERCOMPRESSING);
+    OwnedDib reference;
+    for (std::int32_t i = 0; i < frames_->count; ++i) {
+        host_.Position(i, frames_->count);
+        FrameRecord frame;
+        if (!FrameListGet(*frames_, i, frame)) return false;
+        const bool marked = MarkUnchanged(reference, frame, pluginSettings.TransitionMattcolour);
+        // The record is written back either way: a mask it got is the list's to free.
+        if (!FrameListPut(*frames_, i, frame) || !marked) return false;
+    }
+    return true;
 }
 
 /// Puts a picture in the place of a frame's, which is freed; on failure the list keeps the one it had.
-bool AnimationBuild::ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib image) {
+bool AnimationBuild::ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib& image) {
     const DibHandle replaced = std::exchange(frame.image, image.Get());
     if (!FrameListPut(*frames_, index, frame)) return false;
     (void)image.Release();
@@ -202,7 +228,13 @@ bool AnimationBuild::ReduceColours() {
         if (pluginSettings.TransitionTruecolour == 0) {
             OwnedDib reduced(pluginSettings.TransitionDither != 0 ? remapper.Dither(frame.image)
                                                                   : remapper.Remap(frame.image));
-            if (!reduced || !ReplaceImage(i, frame, std::move(reduced))) return false;
+            if (!reduced || !ReplaceImage(i, frame, reduced)) return false;
+        }
+        if (supercompress_ && frame.mask != 0) {
+            if (!PaintUnchanged(frame, transparentSlot_, pluginSettings.TransitionMattcolour) ||
+                !FrameListPut(*frames_, i, frame)) {
+                return false;
+            }
         }
         std::int32_t width = 0, height = 0;
         if (!DibQuery(frame.image, &width, &height, nullptr, nullptr)) return false;
