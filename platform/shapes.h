@@ -24,7 +24,7 @@ public:
     ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* rows);
     ShapeCanvas(const ShapeCanvas&) = delete;
     ShapeCanvas& operator=(const ShapeCanvas&) = delete;
-    ~ShapeCanvas();
+    ~ShapeCanvas(); // NOLINT(performance-trivially-destructible): not where the system draws
 
     explicit operator bool() const { return usable_; }
 

@@ -25,7 +25,7 @@ public:
     ~WaitCursor();
 
 private:
-    void* previous_ = nullptr;
+    [[maybe_unused]] void* previous_ = nullptr; // the system's cursor
 };
 
 enum class Cursor { Wait, Previous };

@@ -223,7 +223,8 @@ std::int64_t PieceFrames(CanvasSize canvas, const Cut& cut) {
     if (count == 0 || fade == 0) return 0;
     std::int64_t above = 0; // frames that show the piece before it has come down
     float alpha = 255.0F;
-    for (; alpha > 0; alpha -= fade) {
+    while (alpha > 0) {
+        alpha -= fade;
         ++above;
     }
     const std::int64_t held = above + (alpha < 0 ? 1 : 2);

@@ -74,11 +74,12 @@ public:
         // A window of one value must give that value back before it may be copied.
         flatIsIdentity_ = kernel_.last > kernel_.first;
         for (int v = 0; v < 256 && flatIsIdentity_; ++v) {
-            double sum = 0;
+            double level = 0;
             for (std::int32_t k = kernel_.first; k < kernel_.last; ++k) {
-                sum += kernel_.weights[k] * v;
+                level += kernel_.weights[k] * v;
             }
-            flatIsIdentity_ = static_cast<int>(sum + 0.5) == v;
+            level += 0.5;
+            flatIsIdentity_ = static_cast<int>(level) == v;
         }
     }
 
