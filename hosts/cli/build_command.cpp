@@ -9,20 +9,9 @@
 #include "hosts/cli/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
-#include "transitions/table.h"
 
 namespace lumafold {
 namespace {
-
-// Computing a palette and supercompression are still to come; until then their settings are off and the
-// person who builds is told.
-bool TurnOffUnfinishedSteps(PluginSettings& settings) {
-    const bool palette = settings.TransitionTruecolour == 0 && settings.TransitionCustompalette != 0;
-    const bool any = palette || settings.Supercompress != 0;
-    settings.TransitionCustompalette = 0;
-    settings.Supercompress = 0;
-    return any;
-}
 
 class BuildRun {
 public:
@@ -73,10 +62,6 @@ private:
         // With both, changed pixels that are black would let the frame before shine through.
         if (pluginSettings.TransitionTruecolour != 0 && !options_.supercompressAsked) {
             pluginSettings.Supercompress = 0;
-        }
-        if (TurnOffUnfinishedSteps(pluginSettings)) {
-            Remark("built with the fixed palette and without supercompression; computing a palette and "
-                   "supercompression are not available yet");
         }
     }
 

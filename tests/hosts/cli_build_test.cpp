@@ -77,17 +77,12 @@ TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     EXPECT_EQ(screen.str(), "lumafold: Memory error\n");
 }
 
-constexpr char kNotYet[] =
-    "lumafold: built with the fixed palette and without supercompression; computing a palette "
-    "and supercompression are not available yet\n";
-
 TEST_F(CommandLineTest, TaskJsonIsExact) {
     PutPicture("a.bmp", 7, 5, 1);
     PutPicture("b.bmp", 3, 9, 200);
     const Ran ran = Run({"build", "--transition", "None", "--pause", "12", Path("a.bmp"), "--pause", "34",
-                         Path("b.bmp"), "--set", "TransitionPalette=0", "-o", Path("out/")});
+                         Path("b.bmp"), "--palette", "0", "--no-supercompress", "-o", Path("out/")});
     ASSERT_EQ(ran.status, 0) << ran.err;
-    EXPECT_EQ(ran.err.find(kNotYet), 0u);
     EXPECT_NE(ran.out.find(": 2 frames, 7x9, 2 colours, 0.46 s, "), std::string::npos) << ran.out;
 
     Palette palette;
@@ -120,9 +115,9 @@ TEST_F(CommandLineTest, TaskJsonIsExact) {
 TEST_F(CommandLineTest, FramesAreThePackedBitmapsByteForByte) {
     PutPicture("a.bmp", 7, 5, 1);
     PutPicture("b.bmp", 7, 5, 90);
-    const std::vector<std::string> build{
-        "build",       "-q",    "--transition",           "14", Path("a.bmp"),
-        Path("b.bmp"), "--set", "TransitionTruecolour=1", "-o", Path("out")};
+    const std::vector<std::string> build{"build",       "-q",          "--transition",  "14",
+                                         Path("a.bmp"), Path("b.bmp"), "--true-colour", "-o",
+                                         Path("out")};
     std::filesystem::create_directory(Path("out")); // an existing folder needs no slash
     for (const char* name :
          {"out/frame-0002.bmp", "out/frame-12345.bmp", "out/frame-0003.bmp.txt", "out/notes"}) {
@@ -145,7 +140,7 @@ TEST_F(CommandLineTest, FramesAreThePackedBitmapsByteForByte) {
     EXPECT_EQ(Names(), expected) << "frames of a longer run go, all else stays";
 
     auto eightBits = build;
-    eightBits[7] = "TransitionPalette=6";
+    eightBits[6] = "--palette=6";
     ASSERT_EQ(Run(eightBits).status, 0);
     const std::string file = Get("out/frame-0000.bmp");
     ASSERT_EQ(file.size(), 14u + 40 + 1024 + 8 * 5);
@@ -167,6 +162,24 @@ TEST_F(CommandLineTest, OnePictureFadesToTheMatteColourByTheLastValues) {
     EXPECT_EQ(Get("out/frame-0001.bmp"), Get("a.bmp"));
     EXPECT_NE(json.find("[5,0,\"\"],[2,0,\"\"],[2,0,\"\"],[4,1,\"\"]]"), std::string::npos);
     EXPECT_NE(json.find("\"comment\": \"\""), std::string::npos);
+}
+
+TEST_F(CommandLineTest, TrueColourIsSupercompressedOnlyWhenAsked) {
+    PutPicture("a.bmp", 5, 3, 1);
+    const auto sent = [&](const std::vector<std::string>& more, const std::string& output) {
+        std::vector<std::string> words{"build", Path("a.bmp"), "-o", Path(output)};
+        words.insert(words.end(), more.begin(), more.end());
+        const std::string err = Run(words).err;
+        return std::string(err.find("Quantizing\n") != std::string::npos ? "palette " : "") +
+               (err.find("Supercompressing\n") != std::string::npos ? "marks" : "");
+    };
+    for (const char* output : {"x/"}) {
+        EXPECT_EQ(sent({"--true-colour"}, output), "") << output;
+        EXPECT_EQ(sent({"--true-colour", "--supercompress"}, output), "marks") << output;
+        EXPECT_EQ(sent({}, output), "palette marks") << output;
+    }
+    EXPECT_EQ(sent({"--true-colour"}, "x.gif"), "palette marks") << "a GIF gets a palette after all";
+    EXPECT_EQ(sent({"--no-supercompress", "--palette", "2"}, "x.gif"), "");
 }
 
 TEST_F(CommandLineTest, GifAndContactSheetAreWrittenTogether) {
