@@ -2,6 +2,7 @@
 // the result goes.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
@@ -35,7 +36,7 @@ struct BuildOptions {
 bool ParseBuild(std::span<const std::string> words, BuildOptions& options, std::string& error);
 
 struct SheetOptions {
-    std::string images[2];
+    std::array<std::string, 2> images;
     std::optional<std::int32_t> transition; ///< none for a row of each
     PluginSettings settings;
     std::string output;

@@ -13,8 +13,8 @@ void ListTransitions(std::ostream& out) {
     out << "row  name                                settings it reads\n";
     for (int row = 0; row < kTransitionCount; ++row) {
         const std::string_view settings = TransitionSettings(row);
-        out << std::right << std::setw(3) << row << "  " << std::left << std::setw(36)
-            << TransitionTable[row].name << (settings.empty() ? "-" : settings) << '\n';
+        out << std::right << std::setw(3) << row << "  " << std::left << std::setw(36) << TransitionName(row)
+            << (settings.empty() ? "-" : settings) << '\n';
     }
 }
 

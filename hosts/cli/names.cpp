@@ -22,6 +22,7 @@ std::string LowerAll(std::string_view text) {
 
 std::vector<std::string_view> TransitionNames() {
     std::vector<std::string_view> names;
+    names.reserve(TransitionTable.size());
     for (const TransitionRow& row : TransitionTable)
         names.emplace_back(row.name);
     return names;
@@ -99,6 +100,8 @@ std::optional<std::int32_t> FindTransition(std::string_view text) {
     if (!row) return std::nullopt;
     return static_cast<std::int32_t>(*row);
 }
+
+const char* TransitionName(std::int32_t row) { return TransitionTable[static_cast<std::size_t>(row)].name; }
 
 std::optional<std::uint32_t> FindPalette(std::string_view text) { return FindName(text, PaletteNames()); }
 

@@ -26,6 +26,9 @@ std::optional<std::uint32_t> ParseNumber(std::string_view text);
 /// A row of the TransitionTable by its number or by its display name in any case.
 std::optional<std::int32_t> FindTransition(std::string_view text);
 
+/// The display name of row `row`, which the table must have.
+const char* TransitionName(std::int32_t row);
+
 /// A fixed palette by its number or by its name in any case.
 std::optional<std::uint32_t> FindPalette(std::string_view text);
 

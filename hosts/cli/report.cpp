@@ -45,7 +45,7 @@ std::string DurationText(const Animation& animation) {
 } // namespace
 
 std::string SizeText(std::uint64_t bytes) {
-    const std::string exact = std::to_string(bytes) + " bytes";
+    std::string exact = std::to_string(bytes) + " bytes";
     if (bytes < 1000) return exact;
     char text[32];
     const bool mega = bytes >= 1000000;

@@ -4,6 +4,7 @@
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/load_pictures.h"
+#include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
 #include "hosts/cli/report.h"
@@ -19,7 +20,7 @@ constexpr std::size_t kFramesOfRow = 8;
 // Every frame is there twice, once with the driver and once with the host.
 constexpr std::int64_t kMostFrameBytes = std::int64_t{128} << 20;
 
-std::string RowName(std::int32_t row) { return std::to_string(row) + "  " + TransitionTable[row].name; }
+std::string RowName(std::int32_t row) { return std::to_string(row) + "  " + TransitionName(row); }
 
 class SheetRun {
 public:
@@ -54,7 +55,7 @@ private:
         PictureLoader loader(pluginSettings.TransitionMattcolour);
         OwnedDib pictures[2];
         std::int32_t width = 1, height = 1;
-        for (int i = 0; i < 2; ++i) {
+        for (std::size_t i = 0; i < 2; ++i) {
             std::int32_t itsWidth = 0, itsHeight = 0;
             pictures[i] = loader.Load(options_.images[i], error);
             if (!pictures[i]) return false;
@@ -70,7 +71,7 @@ private:
         error = "not enough memory";
         const GapValues gap{0, static_cast<std::int32_t>(pluginSettings.TransitionPause),
                             static_cast<std::int32_t>(pluginSettings.TransitionDelay)};
-        for (int i = 0; i < 2; ++i) {
+        for (std::size_t i = 0; i < 2; ++i) {
             if (!pictures[i] || !list_.Add(std::move(pictures[i]), options_.images[i], gap)) return false;
         }
         return SetTransition(1, kRowNone);
@@ -118,8 +119,8 @@ private:
 
     /// The frames of one transition and the picture it leads to; none, with `error`, when it failed.
     std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress, std::string& error) {
-        error = "the transition \"" + std::string(TransitionTable[row].name) + "\" (row " +
-                std::to_string(row) + ") cannot be built with these settings";
+        error = "the transition \"" + std::string(TransitionName(row)) + "\" (row " + std::to_string(row) +
+                ") cannot be built with these settings";
         const RecordingHost host(kHostTakesTrueColour, progress, err_);
         if (!SetTransition(0, row) || BuildAnimation(list_, 0, host.Context(), TaskKind::Build) == 0)
             return {};
