@@ -3,22 +3,16 @@
 #include <algorithm>
 #include <bit>
 #include <new>
-#include <optional>
 #include <span>
 
+#include "hosts/codecs/frame_changes.h"
 #include "hosts/codecs/lzw_encoder.h"
-#include "image/row_view.h"
 
 namespace lumafold {
 namespace {
 
 constexpr std::int32_t kMostSide = 65535;
 constexpr std::int32_t kMostDelay = 65535;
-
-/// Why an animation cannot be written.
-struct GifError {
-    const char* text;
-};
 
 class GifBytes {
 public:
@@ -44,150 +38,99 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// A frame's pixels, one byte each, cut to the animation's size.
-struct FrameIndexes {
-    std::int32_t width, height;
-    int transparent; ///< -1 for none
-    std::vector<std::uint8_t> indexes;
-
-    std::uint8_t At(std::int32_t x, std::int32_t y) const {
-        return indexes[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                       static_cast<std::size_t>(x)];
-    }
-    bool Covers(std::int32_t x, std::int32_t y) const { return At(x, y) != transparent; }
-};
-
-FrameIndexes ReadFrame(const Animation& animation, const AnimationFrame& frame) {
-    const LockedDib dib(frame.image.Get());
-    if (!dib) throw GifError{"a frame of the animation has no picture"};
-    if (dib->biBitCount > 8) throw GifError{"GIF cannot hold true-colour frames"};
-    FrameIndexes read{std::min(dib->biWidth, animation.width),
-                      std::min(dib->biHeight, animation.height),
-                      frame.transparentIndex <= 255 ? std::max(frame.transparentIndex, -1) : -1,
-                      {}};
-    if (read.width < 1 || read.height < 1) throw GifError{"a frame of the animation has no pixels"};
-    const auto width = static_cast<std::size_t>(read.width);
-    read.indexes.resize(width * static_cast<std::size_t>(read.height));
-    const ConstRowView rows(dib.Get());
-    std::uint8_t* out = read.indexes.data();
-    for (std::int32_t y = 0; y < read.height; ++y, out += width) {
-        if (rows.Bits() == 8) {
-            std::memcpy(out, rows.Row(y), width);
-            continue;
-        }
-        for (std::int32_t x = 0; x < read.width; ++x) {
-            out[x] = static_cast<std::uint8_t>(DibGetPixel(dib.Get(), x, y));
-        }
-    }
-    return read;
-}
-
-/// What a viewer sees so far, as table indexes.
-class Screen {
-public:
-    explicit Screen(const Animation& animation)
-        : width_(static_cast<std::size_t>(animation.width)),
-          shown_(width_ * static_cast<std::size_t>(animation.height), kNothing) {
-        // Entries of one colour look the same, whichever of them a pixel names.
-        for (std::size_t i = 0; i < 256; ++i) {
-            const auto first =
-                std::find(animation.palette.begin(), animation.palette.end(), animation.palette[i]);
-            look_[i] = static_cast<std::uint8_t>(first - animation.palette.begin());
-        }
-    }
-
-    /// The index shown, or none where nothing has been drawn yet.
-    std::optional<std::uint8_t> At(std::int32_t x, std::int32_t y) const {
-        const std::int16_t shown = shown_[Place(x, y)];
-        if (shown == kNothing) return std::nullopt;
-        return static_cast<std::uint8_t>(shown);
-    }
-    bool Changes(const FrameIndexes& frame, std::int32_t x, std::int32_t y) const {
-        if (!frame.Covers(x, y)) return false;
-        const auto shown = At(x, y);
-        return !shown || look_[*shown] != look_[frame.At(x, y)];
-    }
-    void Show(const FrameIndexes& frame) {
-        for (std::int32_t y = 0; y < frame.height; ++y) {
-            for (std::int32_t x = 0; x < frame.width; ++x) {
-                if (Changes(frame, x, y)) shown_[Place(x, y)] = frame.At(x, y);
-            }
-        }
-    }
-
-private:
-    static constexpr std::int16_t kNothing = -1;
-    std::size_t Place(std::int32_t x, std::int32_t y) const {
-        return static_cast<std::size_t>(y) * width_ + static_cast<std::size_t>(x);
-    }
-
-    std::size_t width_;
-    std::vector<std::int16_t> shown_;
-    std::array<std::uint8_t, 256> look_{};
-};
-
-/// The smallest rectangle around what changes. A frame that changes nothing keeps one pixel, for its delay's
-/// sake.
-Rect ChangedRect(const Screen& screen, const FrameIndexes& frame) {
-    Rect changed{frame.width, frame.height, 0, 0};
-    for (std::int32_t y = 0; y < frame.height; ++y) {
-        for (std::int32_t x = 0; x < frame.width; ++x) {
-            if (!screen.Changes(frame, x, y)) continue;
-            changed = {std::min(changed.left, x), std::min(changed.top, y), std::max(changed.right, x + 1),
-                       std::max(changed.bottom, y + 1)};
-        }
-    }
-    return changed.right == 0 ? Rect{0, 0, 1, 1} : changed;
-}
-
-enum class Unchanged { Drawn, Transparent };
-
 /// One frame's picture data as it would go into the file.
 struct PackedFrame {
-    bool transparent = false; ///< whether the transparent index occurs
+    int transparent = -1; ///< -1 for none
     int codeBits = 2;
     std::vector<std::uint8_t> codes;
 };
 
-/// Pixels that do not change may be drawn over with what is there or left out; which packs better depends on
-/// both pictures.
-PackedFrame Pack(const Screen& screen, const FrameIndexes& frame, const Rect& rect, Unchanged unchanged) {
-    PackedFrame packed;
-    std::vector<std::uint8_t> indexes;
-    indexes.reserve(static_cast<std::size_t>(RectWidth(&rect)) * static_cast<std::size_t>(RectHeight(&rect)));
+/// Which indexes a rectangle needs: those of pixels that change, those shown where nothing changes, and
+/// holes.
+struct Census {
+    std::array<bool, 256> drawn{}, kept{};
+    bool anyKept = false, holes = false;
+};
+
+Census Count(const Screen& screen, const Rect& rect) {
+    Census census;
     for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+        const PixelValue* shown = screen.Row(y);
+        const std::uint8_t* changed = screen.Changed(y);
         for (std::int32_t x = rect.left; x < rect.right; ++x) {
-            std::uint8_t index = frame.At(x, y);
-            if (frame.transparent >= 0 && !screen.Changes(frame, x, y)) {
-                const auto shown = screen.At(x, y);
-                const bool draw = unchanged == Unchanged::Drawn && shown;
-                index = draw ? *shown : static_cast<std::uint8_t>(frame.transparent);
+            if (shown[x] == kNoPixel) {
+                census.holes = true;
+            } else {
+                (changed[x] != 0 ? census.drawn : census.kept)[shown[x]] = true;
+                census.anyKept |= changed[x] == 0;
             }
-            packed.transparent = packed.transparent || index == frame.transparent;
-            indexes.push_back(index);
+        }
+    }
+    return census;
+}
+
+/// An index no changing pixel needs, -1 when all are taken: the frame's own, else one that nothing on screen
+/// has either, else any.
+int ChooseTransparent(const Census& census, std::int32_t own, int tableSize) {
+    const auto free = [&](int index) { return !census.drawn[static_cast<std::size_t>(index)]; };
+    if (own >= 0 && own < tableSize && free(own)) return own;
+    int choice = -1;
+    for (int index = tableSize - 1; index >= 0; --index) {
+        if (!free(index)) continue;
+        const bool better = choice < 0 || !census.kept[static_cast<std::size_t>(index)] ||
+                            census.kept[static_cast<std::size_t>(choice)];
+        if (better) choice = index;
+    }
+    return choice;
+}
+
+enum class Kept { Drawn, Either };
+
+PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept kept) {
+    PackedFrame packed;
+    std::vector<LzwPixel> pixels;
+    pixels.reserve(static_cast<std::size_t>(RectWidth(&rect)) * static_cast<std::size_t>(RectHeight(&rect)));
+    unsigned all = 0;
+    const auto hole = static_cast<std::uint8_t>(transparent);
+    for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+        const PixelValue* shown = screen.Row(y);
+        const std::uint8_t* changed = screen.Changed(y);
+        for (std::int32_t x = rect.left; x < rect.right; ++x) {
+            LzwPixel pixel{static_cast<std::uint8_t>(shown[x]), static_cast<std::uint8_t>(shown[x])};
+            if (changed[x] == 0 && transparent >= 0) {
+                const bool open = shown[x] == kNoPixel || pixel.index == hole;
+                if (open) pixel.index = hole;
+                if (open || kept == Kept::Either) pixel.other = hole;
+                if (pixel.other == hole) packed.transparent = transparent;
+            }
+            all |= static_cast<unsigned>(pixel.index) | pixel.other;
+            pixels.push_back(pixel);
         }
     }
     // Fewer bits than the table has are enough when the higher entries do not occur.
-    const unsigned highest = *std::max_element(indexes.begin(), indexes.end());
-    packed.codeBits = std::max(2, static_cast<int>(std::bit_width(highest)));
-    packed.codes = EncodeLzw(indexes, packed.codeBits);
+    packed.codeBits = std::max(2, static_cast<int>(std::bit_width(all)));
+    packed.codes = EncodeLzw(pixels, packed.codeBits);
     return packed;
 }
 
-PackedFrame PackBest(const Screen& screen, const FrameIndexes& frame, const Rect& rect) {
-    PackedFrame drawn = Pack(screen, frame, rect, Unchanged::Drawn);
-    if (frame.transparent < 0) return drawn;
-    PackedFrame leftOut = Pack(screen, frame, rect, Unchanged::Transparent);
-    return leftOut.codes.size() < drawn.codes.size() ? std::move(leftOut) : std::move(drawn);
+/// Pixels that do not change may be drawn over with what is there or left out. Mostly the encoder knows best
+/// which; but an index for what is left out may cost more than it saves.
+PackedFrame PackBest(const Screen& screen, const Rect& rect, std::int32_t ownTransparent, int tableSize) {
+    const Census census = Count(screen, rect);
+    if (!census.anyKept && !census.holes) return Pack(screen, rect, -1, Kept::Drawn);
+    const int transparent = ChooseTransparent(census, ownTransparent, tableSize);
+    PackedFrame drawn = Pack(screen, rect, transparent, Kept::Drawn);
+    if (transparent < 0 || !census.anyKept) return drawn;
+    PackedFrame either = Pack(screen, rect, transparent, Kept::Either);
+    return either.codes.size() < drawn.codes.size() ? std::move(either) : std::move(drawn);
 }
 
-void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::int32_t delay,
-              int transparent) {
+void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::int32_t delay) {
     constexpr std::uint32_t kLeaveInPlace = 1 << 2;
     file.Text("\x21\xF9\x04");
-    file.U8(kLeaveInPlace | (packed.transparent ? 1 : 0));
+    file.U8(kLeaveInPlace | (packed.transparent >= 0 ? 1 : 0));
     file.U16(std::clamp(delay, 0, kMostDelay));
-    file.U8(packed.transparent ? static_cast<std::uint32_t>(transparent) : 0);
+    file.U8(static_cast<std::uint32_t>(std::max(packed.transparent, 0)));
     file.U8(0);
     file.U8(0x2C);
     file.U16(rect.left);
@@ -197,17 +140,6 @@ void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::
     file.U8(0);
     file.U8(static_cast<std::uint32_t>(packed.codeBits));
     file.SubBlocks(packed.codes);
-}
-
-/// As the task said, but never too few for the indexes that occur: fixed palettes are searched beyond their
-/// count.
-int TableBits(const Animation& animation) {
-    unsigned highest = 0;
-    for (const AnimationFrame& frame : animation.frames) {
-        const FrameIndexes read = ReadFrame(animation, frame);
-        highest = std::max<unsigned>(highest, *std::max_element(read.indexes.begin(), read.indexes.end()));
-    }
-    return std::max({std::clamp(animation.paletteBits, 1, 8), static_cast<int>(std::bit_width(highest)), 1});
 }
 
 void PutHead(GifBytes& file, const Animation& animation, int bits) {
@@ -232,28 +164,21 @@ void PutHead(GifBytes& file, const Animation& animation, int bits) {
     }
 }
 
-void CheckAnimation(const Animation& animation) {
-    if (animation.frames.empty()) throw GifError{"the animation has no frames"};
-    if (animation.width < 1 || animation.height < 1) throw GifError{"the animation has no pixels"};
-    if (animation.width > kMostSide || animation.height > kMostSide) {
-        throw GifError{"GIF cannot hold sides above 65535 pixels"};
-    }
-}
-
 std::vector<std::uint8_t> Encode(const Animation& animation) {
-    CheckAnimation(animation);
-    const int tableBits = TableBits(animation);
+    CheckAnimation(animation, kMostSide, "GIF cannot hold sides above 65535 pixels");
+    if (HasTrueColour(animation)) throw AnimationError{"GIF cannot hold true-colour frames"};
+    const FrameReader reader(animation, FrameReader::Values::Indexes);
+    const int tableBits = TableBits(animation, reader);
     GifBytes file;
     PutHead(file, animation, tableBits);
-    Screen screen(animation);
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        FrameIndexes frame = ReadFrame(animation, animation.frames[i]);
-        // An index the table has not got is no pixel's either, and must not be written for one.
-        if (frame.transparent >= 1 << tableBits) frame.transparent = -1;
+    Screen screen(animation.width, animation.height);
+    for (const AnimationFrame& frame : animation.frames) {
+        const FramePixels pixels = reader.Read(frame);
+        const Rect changed = screen.Show(pixels);
         // The first frame stays whole: viewers take it for the picture itself.
-        const Rect rect = i == 0 ? Rect{0, 0, frame.width, frame.height} : ChangedRect(screen, frame);
-        PutFrame(file, PackBest(screen, frame, rect), rect, animation.frames[i].delay, frame.transparent);
-        screen.Show(frame);
+        const Rect rect =
+            &frame == &animation.frames.front() ? Rect{0, 0, pixels.width, pixels.height} : changed;
+        PutFrame(file, PackBest(screen, rect, frame.transparentIndex, 1 << tableBits), rect, frame.delay);
     }
     file.U8(0x3B);
     return file.Take();
@@ -265,7 +190,7 @@ std::vector<std::uint8_t> EncodeGif(const Animation& animation, std::string& err
     error.clear();
     try {
         return Encode(animation);
-    } catch (const GifError& failure) {
+    } catch (const AnimationError& failure) {
         error = failure.text;
     } catch (const std::bad_alloc&) {
         error = "there is not enough memory for the GIF file";

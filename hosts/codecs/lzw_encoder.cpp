@@ -9,35 +9,34 @@ namespace {
 constexpr unsigned kMostCodes = 4096;
 constexpr int kMostCodeBits = 12;
 
-/// Which code stands for a known string followed by one more index. Open addressing at most half full.
+/// Which code stands for a known string followed by one more index. Open addressing at most half full; key
+/// and code share a word, so that the table stays near the processor.
 class StringTable {
 public:
-    void Clear() { slots_.fill({}); }
+    void Clear() { slots_.fill(0); }
 
     /// The code, or 0 where the string is new (0 is never the code of a longer string).
-    unsigned Find(unsigned prefix, unsigned index) const { return slots_[SlotOf(Key(prefix, index))].code; }
+    unsigned Find(unsigned prefix, unsigned index) const {
+        return slots_[SlotOf(Key(prefix, index))] & (kMostCodes - 1);
+    }
     void Add(unsigned prefix, unsigned index, unsigned code) {
         const std::uint32_t key = Key(prefix, index);
-        slots_[SlotOf(key)] = {key, static_cast<std::uint16_t>(code)};
+        slots_[SlotOf(key)] = key | code;
     }
 
 private:
-    struct Slot {
-        std::uint32_t key;
-        std::uint16_t code;
-    };
     static constexpr std::size_t kSlots = 2 * kMostCodes;
 
-    static std::uint32_t Key(unsigned prefix, unsigned index) { return prefix << 8 | index; }
+    static std::uint32_t Key(unsigned prefix, unsigned index) { return prefix << 20 | index << 12; }
     std::size_t SlotOf(std::uint32_t key) const {
         std::size_t slot = (key * 2654435761U) >> 19;
-        while (slots_[slot].code != 0 && slots_[slot].key != key) {
+        while (slots_[slot] != 0 && (slots_[slot] ^ key) >= kMostCodes) {
             slot = (slot + 1) % kSlots;
         }
         return slot;
     }
 
-    std::array<Slot, kSlots> slots_{};
+    std::array<std::uint32_t, kSlots> slots_{};
 };
 
 class CodeStream {
@@ -60,42 +59,111 @@ private:
     int held_ = 0;
 };
 
+/// The codes of all known strings that read like the pixels so far. Several only where pixels may be either
+/// of two indexes; more than a few of them gain nothing.
+class Matches {
+public:
+    explicit Matches(unsigned first) : codes_{first} {}
+
+    unsigned Any() const { return codes_[0]; }
+    /// Goes on by one pixel, or returns false where no known string does.
+    bool Extend(const StringTable& table, LzwPixel pixel) {
+        if (count_ == 1 && pixel.index == pixel.other) {
+            const unsigned code = table.Find(codes_[0], pixel.index);
+            if (code != 0) codes_[0] = code;
+            return code != 0;
+        }
+        Matches longer(0);
+        longer.count_ = 0;
+        for (std::size_t i = 0; i < count_; ++i) {
+            longer.Add(table.Find(codes_[i], pixel.other));
+            if (pixel.index != pixel.other) longer.Add(table.Find(codes_[i], pixel.index));
+        }
+        if (longer.count_ == 0) return false;
+        *this = longer;
+        return true;
+    }
+
+private:
+    void Add(unsigned code) {
+        if (code != 0 && count_ < codes_.size()) codes_[count_++] = code;
+    }
+
+    std::array<unsigned, 4> codes_;
+    std::size_t count_ = 1;
+};
+
+class Encoder {
+public:
+    Encoder(std::span<const LzwPixel> pixels, int codeBits) : pixels_(pixels), codeBits_(codeBits) {}
+
+    std::vector<std::uint8_t> Encode() {
+        StartAgain();
+        for (std::size_t at = 0; at < pixels_.size();) {
+            const unsigned first = BetterFirst(at);
+            if (at > 0) Learn(first);
+            const Match match = Longest(at, first);
+            stream_.Put(match.code, width_);
+            last_ = match.code;
+            at += match.length;
+        }
+        // The reader has caught up by now, and may expect the end in the wider code.
+        if (next_ == 1U << width_ && width_ < kMostCodeBits) ++width_;
+        stream_.Put(clear_ + 1, width_);
+        return stream_.Finish();
+    }
+
+private:
+    struct Match {
+        unsigned code;
+        std::size_t length;
+    };
+
+    Match Longest(std::size_t at, unsigned first) const {
+        Matches matches(first);
+        std::size_t length = 1;
+        while (at + length < pixels_.size() && matches.Extend(table_, pixels_[at + length]))
+            ++length;
+        return {matches.Any(), length};
+    }
+    unsigned BetterFirst(std::size_t at) const {
+        const LzwPixel pixel = pixels_[at];
+        if (pixel.index == pixel.other) return pixel.index;
+        return Longest(at, pixel.index).length > Longest(at, pixel.other).length ? pixel.index : pixel.other;
+    }
+    /// Adds the last string and what follows it, or empties the full table.
+    void Learn(unsigned following) {
+        if (next_ == kMostCodes) {
+            StartAgain();
+            return;
+        }
+        // A reader is one string behind, so the width grows with the first code that needs it, not before.
+        if (next_ == 1U << width_) ++width_;
+        // Where one string reads in two ways the longer may be known already; its number is used up all the
+        // same.
+        if (table_.Find(last_, following) == 0) table_.Add(last_, following, next_);
+        ++next_;
+    }
+    void StartAgain() {
+        stream_.Put(clear_, width_);
+        table_.Clear();
+        next_ = clear_ + 2;
+        width_ = codeBits_ + 1;
+    }
+
+    std::span<const LzwPixel> pixels_;
+    int codeBits_;
+    unsigned clear_ = 1U << codeBits_;
+    int width_ = codeBits_ + 1;
+    unsigned next_ = 0, last_ = 0;
+    StringTable table_;
+    CodeStream stream_;
+};
+
 } // namespace
 
-std::vector<std::uint8_t> EncodeLzw(std::span<const std::uint8_t> indexes, int codeBits) {
-    const unsigned clear = 1U << codeBits, end = clear + 1;
-    StringTable table;
-    CodeStream stream;
-    unsigned next = end + 1;
-    int width = codeBits + 1;
-    stream.Put(clear, width);
-    if (!indexes.empty()) {
-        unsigned prefix = indexes[0];
-        for (const std::uint8_t index : indexes.subspan(1)) {
-            if (const unsigned known = table.Find(prefix, index); known != 0) {
-                prefix = known;
-                continue;
-            }
-            stream.Put(prefix, width);
-            if (next < kMostCodes) {
-                // A reader is one string behind, so the width grows with the first code that needs it, not
-                // before.
-                if (next == 1U << width) ++width;
-                table.Add(prefix, index, next++);
-            } else {
-                stream.Put(clear, width);
-                table.Clear();
-                next = end + 1;
-                width = codeBits + 1;
-            }
-            prefix = index;
-        }
-        stream.Put(prefix, width);
-        // The reader has caught up by now, and may expect the end in the wider code.
-        if (next == 1U << width && width < kMostCodeBits) ++width;
-    }
-    stream.Put(end, width);
-    return stream.Finish();
+std::vector<std::uint8_t> EncodeLzw(std::span<const LzwPixel> pixels, int codeBits) {
+    return Encoder(pixels, codeBits).Encode();
 }
 
 } // namespace lumafold

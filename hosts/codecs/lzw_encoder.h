@@ -8,7 +8,12 @@
 
 namespace lumafold {
 
-/// The code stream of `indexes`, each below 2^codeBits; `codeBits` is 2 to 8.
-std::vector<std::uint8_t> EncodeLzw(std::span<const std::uint8_t> indexes, int codeBits);
+/// A pixel as either of two indexes: where both show the same, whichever packs better is written.
+struct LzwPixel {
+    std::uint8_t index, other;
+};
+
+/// The code stream of `pixels`, their indexes each below 2^codeBits; `codeBits` is 2 to 8.
+std::vector<std::uint8_t> EncodeLzw(std::span<const LzwPixel> pixels, int codeBits);
 
 } // namespace lumafold

@@ -22,16 +22,12 @@ public:
     PngMemoryWriter& operator=(const PngMemoryWriter&) = delete;
     ~PngMemoryWriter() { png_destroy_write_struct(&png_, &info_); }
 
-    /// False when libpng, or memory, gave up.
+    /// A whole file of a 24-bit picture. False when libpng, or memory, gave up.
     bool Write(const ConstRowView& rows) {
         if (info_ == nullptr) return false;
         row_.resize(static_cast<std::size_t>(rows.Width()) * 3);
         if (setjmp(jump_) != 0) return false;
-        png_set_write_fn(png_, this, OnWrite, OnFlush);
-        png_set_IHDR(png_, info_, static_cast<png_uint_32>(rows.Width()),
-                     static_cast<png_uint_32>(rows.Height()), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-                     PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-        png_write_info(png_, info_);
+        Begin(rows.Width(), rows.Height(), 24);
         png_set_bgr(png_);
         for (std::int32_t y = 0; y < rows.Height(); ++y) {
             std::memcpy(row_.data(), rows.Row(y), row_.size());
@@ -40,9 +36,30 @@ public:
         png_write_end(png_, info_);
         return true;
     }
+    bool Write(const PngRows& rows) {
+        if (info_ == nullptr) return false;
+        if (setjmp(jump_) != 0) return false;
+        if (rows.bits <= 8) png_set_compression_level(png_, 9); // palettes gain from it, and cost little
+        Begin(rows.width, rows.height, rows.bits);
+        png_set_packing(png_);
+        const auto stride = static_cast<std::size_t>(rows.width) * (rows.bits == 24 ? 3 : 1);
+        for (std::size_t y = 0; y < static_cast<std::size_t>(rows.height); ++y)
+            png_write_row(png_, rows.pixels + y * stride);
+        png_write_end(png_, info_);
+        return true;
+    }
     std::vector<std::uint8_t> Take() { return std::move(bytes_); }
 
 private:
+    void Begin(std::int32_t width, std::int32_t height, int bits) {
+        static constexpr png_color kColours[256] = {};
+        png_set_write_fn(png_, this, OnWrite, OnFlush);
+        png_set_IHDR(png_, info_, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
+                     bits == 24 ? 8 : bits, bits == 24 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_PALETTE,
+                     PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+        if (bits <= 8) png_set_PLTE(png_, info_, kColours, 1 << bits);
+        png_write_info(png_, info_);
+    }
     [[noreturn]] static void OnError(png_structp png, png_const_charp) {
         std::longjmp(static_cast<PngMemoryWriter*>(png_get_error_ptr(png))->jump_, 1);
     }
@@ -85,6 +102,20 @@ std::vector<std::uint8_t> EncodePng(DibHandle picture, std::string& error) {
     }
     error = "there is not enough memory for the PNG file";
     return {};
+}
+
+bool CompressPngRows(const PngRows& rows, std::vector<std::uint8_t>& data) {
+    PngMemoryWriter writer;
+    if (!writer.Write(rows)) return false;
+    const std::vector<std::uint8_t> file = writer.Take();
+    constexpr std::size_t kSignature = 8, kAround = 12; // length, type and checksum of a chunk
+    for (std::size_t at = kSignature; at + kAround <= file.size();) {
+        const std::size_t length = png_get_uint_32(file.data() + at);
+        const auto* first = file.data() + at + 8;
+        if (std::memcmp(first - 4, "IDAT", 4) == 0) data.insert(data.end(), first, first + length);
+        at += length + kAround;
+    }
+    return true;
 }
 
 } // namespace lumafold

@@ -1,0 +1,33 @@
+// Plays animated PNG and MNG files by the formats' own rules, sharing nothing with the writers under test:
+// the pictures inside are put together as PNG files of their own and read by libpng.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "image/dib.h"
+
+namespace lumafold::test {
+
+struct PlayedPicture {
+    int left = 0, top = 0, width = 0, height = 0;
+    long delay = 0;                 ///< hundredths of a second
+    bool transparency = false;      ///< whether the picture can have holes
+    std::vector<PixelValue> screen; ///< row by row; kNoPixel where nothing has been drawn
+};
+
+struct PlayedPng {
+    std::string problem; ///< the first offence against the format; "" for none
+    int width = 0, height = 0, depth = 0, colourType = -1;
+    long frames = 0; ///< as the head says
+    bool endless = false;
+    std::string comment;
+    std::vector<PlayedPicture> pictures;
+};
+
+PlayedPng PlayApng(std::span<const std::uint8_t> file);
+PlayedPng PlayMng(std::span<const std::uint8_t> file);
+
+} // namespace lumafold::test
