@@ -232,7 +232,7 @@ private:
             return Fail("--estimate writes nothing, so it does not go with --sheet");
         }
         if (options_.output.empty() && !options_.estimate) {
-            return Fail("no output is named, add -o FILE.gif or -o FOLDER/");
+            return Fail("no output is named, add -o FILE.gif, .png or .mng, or -o FOLDER/");
         }
         for (std::size_t i = 0; i < gaps_.size(); ++i)
             options_.images[i].gap = Filled(gaps_[i]);
@@ -308,7 +308,8 @@ const char kBuildHelp[] =
 Turns two or more PNG, JPEG, GIF or BMP pictures into a looping animation. One picture alone fades to the
 matte colour and back.
 
-  -o, --output OUTPUT     FILE.gif, or FOLDER/ for one bitmap a frame and task.json
+  -o, --output OUTPUT     FILE.gif, FILE.png (animated), FILE.mng, or FOLDER/ for one bitmap a frame and
+                          task.json
   --transition NAME|ROW   what leads from the pictures after it to the next ("lumafold transitions" lists them)
   --pause N               how long each picture after it stands still, in hundredths of a second
   --delay N               how long each frame of the transition stands, in hundredths of a second

@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include "hosts/cli/frames_folder.h"
+#include "hosts/codecs/apng_writer.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/gif_writer.h"
+#include "hosts/codecs/mng_writer.h"
 #include "settings/settings.h"
 
 namespace lumafold {
@@ -40,6 +42,10 @@ std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, st
     switch (kind) {
     case OutputKind::Gif:
         return EncodeGif(animation, error);
+    case OutputKind::Apng:
+        return EncodeApng(animation, error);
+    case OutputKind::Mng:
+        return EncodeMng(animation, error);
     case OutputKind::Folder:
         break;
     }
@@ -69,8 +75,10 @@ std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& e
     if (path.ends_with('/') || fs::is_directory(path, ignored)) return OutputKind::Folder;
     const std::string suffix = LowerSuffix(path);
     if (suffix == ".gif") return OutputKind::Gif;
+    if (suffix == ".png") return OutputKind::Apng;
+    if (suffix == ".mng") return OutputKind::Mng;
     error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
-            " means no known kind of file; known are .gif, and a folder's name with / at its end";
+            " means no known kind of file; known are .gif, .png, .mng, and a folder's name with / at its end";
     return std::nullopt;
 }
 

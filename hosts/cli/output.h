@@ -10,7 +10,7 @@
 
 namespace lumafold {
 
-enum class OutputKind { Gif, Folder };
+enum class OutputKind { Gif, Apng, Mng, Folder };
 
 /// The suffix of a file's name with its dot, in small letters.
 std::string LowerSuffix(const std::string& path);

@@ -173,13 +173,16 @@ TEST_F(CommandLineTest, TrueColourIsSupercompressedOnlyWhenAsked) {
         return std::string(err.find("Quantizing\n") != std::string::npos ? "palette " : "") +
                (err.find("Supercompressing\n") != std::string::npos ? "marks" : "");
     };
-    for (const char* output : {"x/"}) {
+    for (const char* output : {"x/", "x.png", "x.mng"}) {
         EXPECT_EQ(sent({"--true-colour"}, output), "") << output;
         EXPECT_EQ(sent({"--true-colour", "--supercompress"}, output), "marks") << output;
         EXPECT_EQ(sent({}, output), "palette marks") << output;
     }
     EXPECT_EQ(sent({"--true-colour"}, "x.gif"), "palette marks") << "a GIF gets a palette after all";
     EXPECT_EQ(sent({"--no-supercompress", "--palette", "2"}, "x.gif"), "");
+    EXPECT_EQ(Get("x.png").substr(0, 8), "\x89PNG\r\n\x1A\n");
+    EXPECT_EQ(Get("x.mng").substr(0, 8), "\x8AMNG\r\n\x1A\n");
+    EXPECT_NE(Get("x.png").find("acTL"), std::string::npos);
 }
 
 TEST_F(CommandLineTest, GifAndContactSheetAreWrittenTogether) {

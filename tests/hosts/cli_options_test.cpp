@@ -110,7 +110,7 @@ TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
         const char *line, *expected;
     } kCases[] = {
         {"-o x.gif", "no image is named"},
-        {"a b", "no output is named, add -o FILE.gif or -o FOLDER/"},
+        {"a b", "no output is named, add -o FILE.gif, .png or .mng, or -o FOLDER/"},
         {"a --transiton 3 -o x.gif", "unknown option --transiton, did you mean \"--transition\"?"},
         {"a -x -o x.gif", "unknown option -x"},
         {"a b -o", "option -o needs a value"},
