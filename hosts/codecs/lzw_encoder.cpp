@@ -65,7 +65,8 @@ class Matches {
 public:
     explicit Matches(unsigned first) : codes_{first} {}
 
-    unsigned Any() const { return codes_[0]; }
+    /// The last is the one that took the drawn index latest, which packed best in trials.
+    unsigned Any() const { return codes_[count_ - 1]; }
     /// Goes on by one pixel, or returns false where no known string does.
     bool Extend(const StringTable& table, LzwPixel pixel) {
         if (count_ == 1 && pixel.index == pixel.other) {
