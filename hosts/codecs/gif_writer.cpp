@@ -85,14 +85,18 @@ int ChooseTransparent(const Census& census, std::int32_t own, int tableSize) {
 }
 
 enum class Kept { Drawn, Either };
+/// A sample is four rows in thirty-two, and tells of the rest which way packs better.
+enum class Rows { All, Sample };
+constexpr std::int64_t kWorthSampling = 32 * 1024; // pixels
 
-PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept kept) {
+PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept kept, Rows rows = Rows::All) {
     PackedFrame packed;
     std::vector<LzwPixel> pixels;
     pixels.reserve(static_cast<std::size_t>(RectWidth(&rect)) * static_cast<std::size_t>(RectHeight(&rect)));
     unsigned all = 0;
     const auto hole = static_cast<std::uint8_t>(transparent);
     for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+        if (rows == Rows::Sample && (y - rect.top) / 4 % 8 != 0) continue;
         const PixelValue* shown = screen.Row(y);
         const std::uint8_t* changed = screen.Changed(y);
         for (std::int32_t x = rect.left; x < rect.right; ++x) {
@@ -114,15 +118,20 @@ PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept k
 }
 
 /// Pixels that do not change may be drawn over with what is there or left out. Mostly the encoder knows best
-/// which; but an index for what is left out may cost more than it saves.
+/// which; but an index for what is left out may cost more than it saves, so both ways are tried.
 PackedFrame PackBest(const Screen& screen, const Rect& rect, std::int32_t ownTransparent, int tableSize) {
     const Census census = Count(screen, rect);
     if (!census.anyKept && !census.holes) return Pack(screen, rect, -1, Kept::Drawn);
     const int transparent = ChooseTransparent(census, ownTransparent, tableSize);
-    PackedFrame drawn = Pack(screen, rect, transparent, Kept::Drawn);
-    if (transparent < 0 || !census.anyKept) return drawn;
-    PackedFrame either = Pack(screen, rect, transparent, Kept::Either);
-    return either.codes.size() < drawn.codes.size() ? std::move(either) : std::move(drawn);
+    if (transparent < 0 || !census.anyKept) return Pack(screen, rect, transparent, Kept::Drawn);
+    const auto packed = [&](Kept kept, Rows rows) { return Pack(screen, rect, transparent, kept, rows); };
+    const bool large = std::int64_t{RectWidth(&rect)} * RectHeight(&rect) >= kWorthSampling;
+    const Rows tried = large ? Rows::Sample : Rows::All;
+    PackedFrame either = packed(Kept::Either, tried);
+    PackedFrame drawn = packed(Kept::Drawn, tried);
+    const bool leaveOut = either.codes.size() < drawn.codes.size();
+    if (large) return packed(leaveOut ? Kept::Either : Kept::Drawn, Rows::All);
+    return leaveOut ? std::move(either) : std::move(drawn);
 }
 
 void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::int32_t delay) {

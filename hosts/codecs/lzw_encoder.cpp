@@ -42,20 +42,25 @@ private:
 class CodeStream {
 public:
     void Put(unsigned code, int bits) {
-        pending_ |= code << held_;
-        for (held_ += bits; held_ >= 8; held_ -= 8) {
-            bytes_.push_back(static_cast<std::uint8_t>(pending_));
-            pending_ >>= 8;
-        }
+        pending_ |= std::uint64_t{code} << held_;
+        held_ += bits;
+        if (held_ >= 32) Store(4);
     }
     std::vector<std::uint8_t> Finish() {
-        if (held_ > 0) bytes_.push_back(static_cast<std::uint8_t>(pending_));
+        Store((held_ + 7) / 8);
         return std::move(bytes_);
     }
 
 private:
+    void Store(int count) {
+        for (int i = 0; i < count; ++i, pending_ >>= 8) {
+            bytes_.push_back(static_cast<std::uint8_t>(pending_));
+        }
+        held_ -= 8 * count;
+    }
+
     std::vector<std::uint8_t> bytes_;
-    std::uint32_t pending_ = 0;
+    std::uint64_t pending_ = 0;
     int held_ = 0;
 };
 
@@ -101,9 +106,8 @@ public:
     std::vector<std::uint8_t> Encode() {
         StartAgain();
         for (std::size_t at = 0; at < pixels_.size();) {
-            const unsigned first = BetterFirst(at);
-            if (at > 0) Learn(first);
-            const Match match = Longest(at, first);
+            Match match = Best(at);
+            if (at > 0) match = Learn(at, match);
             stream_.Put(match.code, width_);
             last_ = match.code;
             at += match.length;
@@ -115,35 +119,56 @@ public:
     }
 
 private:
+    /// The longest known string that the pixels read like, and the index it begins with.
     struct Match {
-        unsigned code;
+        unsigned first, code;
         std::size_t length;
     };
 
-    Match Longest(std::size_t at, unsigned first) const {
-        Matches matches(first);
-        std::size_t length = 1;
-        while (at + length < pixels_.size() && matches.Extend(table_, pixels_[at + length]))
-            ++length;
-        return {matches.Any(), length};
-    }
-    unsigned BetterFirst(std::size_t at) const {
+    Match Best(std::size_t at) const {
         const LzwPixel pixel = pixels_[at];
-        if (pixel.index == pixel.other) return pixel.index;
-        return Longest(at, pixel.index).length > Longest(at, pixel.other).length ? pixel.index : pixel.other;
+        const Match other = Longest(at, pixel.other);
+        if (pixel.index == pixel.other) return other;
+        const Match drawn = Longest(at, pixel.index);
+        return drawn.length > other.length ? drawn : other;
     }
-    /// Adds the last string and what follows it, or empties the full table.
-    void Learn(unsigned following) {
+    Match Longest(std::size_t at, unsigned first) const {
+        unsigned code = first;
+        std::size_t length = 1;
+        for (; at + length < pixels_.size(); ++length) {
+            const LzwPixel pixel = pixels_[at + length];
+            if (pixel.index != pixel.other) return LongestOfSeveral(at, {first, code, length});
+            const unsigned longer = table_.Find(code, pixel.index);
+            if (longer == 0) break;
+            code = longer;
+        }
+        return {first, code, length};
+    }
+    Match LongestOfSeveral(std::size_t at, Match match) const {
+        Matches matches(match.code);
+        while (at + match.length < pixels_.size() && matches.Extend(table_, pixels_[at + match.length]))
+            ++match.length;
+        match.code = matches.Any();
+        return match;
+    }
+    /// Adds the last string and the index that follows it, or empties the full table; what then is the match.
+    Match Learn(std::size_t at, Match match) {
         if (next_ == kMostCodes) {
             StartAgain();
-            return;
+            return Longest(at, match.first);
         }
         // A reader is one string behind, so the width grows with the first code that needs it, not before.
         if (next_ == 1U << width_) ++width_;
+        const unsigned learnt = next_++;
         // Where one string reads in two ways the longer may be known already; its number is used up all the
         // same.
-        if (table_.Find(last_, following) == 0) table_.Add(last_, following, next_);
-        ++next_;
+        if (table_.Find(last_, match.first) != 0) return match;
+        table_.Add(last_, match.first, learnt);
+        // The new string itself may come next: the last one over again, and its first index once more.
+        const std::size_t end = at + match.length;
+        const bool again = match.code == last_ && end < pixels_.size() &&
+                           (pixels_[end].index == match.first || pixels_[end].other == match.first);
+        return again ? Match{match.first, learnt, match.length + 1} : match;
     }
     void StartAgain() {
         stream_.Put(clear_, width_);
