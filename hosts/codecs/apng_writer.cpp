@@ -24,7 +24,9 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngFrame& frame, st
 }
 
 std::vector<std::uint8_t> Encode(const Animation& animation) {
-    const PngFrames frames(animation);
+    // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is packed.
+    const bool still = animation.frames.size() == 1;
+    const PngFrames frames(animation, still ? PngFrames::Packing::Tight : PngFrames::Packing::WholeBytes);
     ChunkWriter file("\x89PNG\r\n\x1A\n");
     file.Put("IHDR", frames.Header({0, 0, animation.width, animation.height}));
     file.Put("acTL",
@@ -35,7 +37,7 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
     std::uint32_t sequence = 0;
     for (std::size_t i = 0; i < animation.frames.size(); ++i) {
         const PngFrame& picture = frames.Get()[i];
-        const Blend blend = picture.hasHoles && i > 0 ? Blend::Over : Blend::Source;
+        const Blend blend = i > 0 ? Blend::Over : Blend::Source;
         file.Put("fcTL", FrameControl(sequence++, picture, animation.frames[i].delay, blend));
         ChunkWriter::Data data;
         if (i > 0) data.U32(sequence++);

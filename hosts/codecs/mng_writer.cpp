@@ -62,7 +62,7 @@ void PutPicture(ChunkWriter& file, const PngFrames& frames, const PngFrame& pict
 }
 
 std::vector<std::uint8_t> Encode(const Animation& animation) {
-    const PngFrames frames(animation);
+    const PngFrames frames(animation, PngFrames::Packing::Tight);
     ChunkWriter file("\x8AMNG\r\n\x1A\n");
     file.Put("MHDR", Header(animation, frames));
     file.Put("TERM", EndlessLoop());

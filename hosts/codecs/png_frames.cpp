@@ -74,7 +74,7 @@ void ChunkWriter::PutComment(const std::string& text) {
     Put(utf8 ? "iTXt" : "tEXt", data);
 }
 
-PngFrames::PngFrames(const Animation& animation) {
+PngFrames::PngFrames(const Animation& animation, Packing packing) : packing_(packing) {
     CheckAnimation(animation, kMostSide, "PNG cannot hold sides above 1000000 pixels");
     auto values = HasTrueColour(animation) ? FrameReader::Values::Colours : FrameReader::Values::Indexes;
     if (!Survey(animation, values)) {
@@ -108,7 +108,8 @@ bool PngFrames::Survey(const Animation& animation, FrameReader::Values values) {
     colours_.clear();
     if (palette) {
         const int bits = TableBits(animation, reader);
-        depth_ = static_cast<int>(std::bit_ceil(static_cast<unsigned>(bits)));
+        depth_ =
+            packing_ == Packing::Tight ? static_cast<int>(std::bit_ceil(static_cast<unsigned>(bits))) : 8;
         colours_.assign(animation.palette.begin(), animation.palette.begin() + (std::ptrdiff_t{1} << bits));
     }
     return ChooseTransparent(animation, used) || !leavesPixels;

@@ -45,8 +45,11 @@ struct PngFrame {
 /// colours. One value that no frame draws stands for holes.
 class PngFrames {
 public:
+    /// Several pixels a byte where the palette is small enough, or always whole bytes.
+    enum class Packing { Tight, WholeBytes };
+
     /// Throws for an animation that cannot be written.
-    explicit PngFrames(const Animation& animation);
+    PngFrames(const Animation& animation, Packing packing);
 
     const std::vector<PngFrame>& Get() const { return frames_; }
     bool HaveHoles() const;
@@ -67,6 +70,7 @@ private:
     PngFrame Pack(const Screen& screen, const Rect& rect, Kept kept) const;
     PixelValue IndexInFile(PixelValue index) const;
 
+    Packing packing_;
     int depth_ = 8; ///< bits of a pixel: 1, 2, 4, 8, or 24
     PixelValue transparent_ = kNoPixel;
     std::vector<Rgb> colours_;
