@@ -10,7 +10,12 @@ namespace {
 
 RecordingHost* current = nullptr;
 
-const char* Text(std::intptr_t lparam) { return reinterpret_cast<const char*>(lparam); }
+/// What a command's last argument points to.
+template <typename T>
+T* At(std::intptr_t lparam) {
+    return reinterpret_cast<T*>(lparam); // NOLINT(performance-no-int-to-ptr): the protocol's own way
+}
+const char* Text(std::intptr_t lparam) { return At<const char>(lparam); }
 
 DibHandle LoadPicture(const char* path) {
     constexpr std::uint64_t kMostPixels = std::uint64_t{kLargestSide} * kLargestSide;
@@ -55,9 +60,9 @@ std::int32_t RecordingHost::Answer(TaskRecord* task, std::uint32_t command, std:
     switch (static_cast<HostCommand>(command)) {
     case HostCommand::CreateTask:
     case HostCommand::CreateTestTask:
-        return OpenTask(reinterpret_cast<TaskRecord*>(lparam)) ? 1 : 0;
+        return OpenTask(At<TaskRecord>(lparam)) ? 1 : 0;
     case HostCommand::AddFrame:
-        return ofTask && AddFrame(*reinterpret_cast<const ImageRecord*>(lparam)) ? 1 : 0;
+        return ofTask && AddFrame(*At<const ImageRecord>(lparam)) ? 1 : 0;
     case HostCommand::AddComment:
         if (ofTask) animation_.comment = Text(lparam);
         return ofTask ? 1 : 0;

@@ -1,7 +1,6 @@
 #include "hosts/codecs/apng_writer.h"
 
-#include <new>
-
+#include "hosts/codecs/frame_changes.h"
 #include "hosts/codecs/png_frames.h"
 
 namespace lumafold {
@@ -50,15 +49,7 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 } // namespace
 
 std::vector<std::uint8_t> EncodeApng(const Animation& animation, std::string& error) {
-    error.clear();
-    try {
-        return Encode(animation);
-    } catch (const AnimationError& failure) {
-        error = failure.text;
-    } catch (const std::bad_alloc&) {
-        error = "there is not enough memory for the PNG file";
-    }
-    return {};
+    return FileOrError([&] { return Encode(animation); }, error);
 }
 
 } // namespace lumafold

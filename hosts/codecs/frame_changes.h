@@ -2,6 +2,8 @@
 // the changes, and inside it freedom in what is shown already.
 #pragma once
 
+#include <new>
+#include <string>
 #include <vector>
 
 #include "hosts/codecs/animation.h"
@@ -12,6 +14,20 @@ namespace lumafold {
 struct AnimationError {
     const char* text;
 };
+
+/// What every writer gives its caller: the file, or none and why not. `encode` makes the file or throws.
+template <typename Encode>
+std::vector<std::uint8_t> FileOrError(Encode encode, std::string& error) {
+    error.clear();
+    try {
+        return encode();
+    } catch (const AnimationError& failure) {
+        error = failure.text;
+    } catch (const std::bad_alloc&) {
+        error = "there is not enough memory for the file";
+    }
+    return {};
+}
 
 /// Throws where there is nothing to write: no frames, no pixels, sides above `mostSide`.
 void CheckAnimation(const Animation& animation, std::int32_t mostSide, const char* sideError);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <new>
 #include <span>
 
 #include "hosts/codecs/frame_changes.h"
@@ -196,15 +195,7 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 } // namespace
 
 std::vector<std::uint8_t> EncodeGif(const Animation& animation, std::string& error) {
-    error.clear();
-    try {
-        return Encode(animation);
-    } catch (const AnimationError& failure) {
-        error = failure.text;
-    } catch (const std::bad_alloc&) {
-        error = "there is not enough memory for the GIF file";
-    }
-    return {};
+    return FileOrError([&] { return Encode(animation); }, error);
 }
 
 } // namespace lumafold

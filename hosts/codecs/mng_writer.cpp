@@ -1,7 +1,6 @@
 #include "hosts/codecs/mng_writer.h"
 
-#include <new>
-
+#include "hosts/codecs/frame_changes.h"
 #include "hosts/codecs/png_frames.h"
 
 namespace lumafold {
@@ -82,15 +81,7 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 } // namespace
 
 std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error) {
-    error.clear();
-    try {
-        return Encode(animation);
-    } catch (const AnimationError& failure) {
-        error = failure.text;
-    } catch (const std::bad_alloc&) {
-        error = "there is not enough memory for the MNG file";
-    }
-    return {};
+    return FileOrError([&] { return Encode(animation); }, error);
 }
 
 } // namespace lumafold
