@@ -28,6 +28,12 @@ bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay) {
     return FrameListAppend(list, record);
 }
 
+bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
+    if (!image || !FrameListAddImage(list, image.Get(), delay)) return false;
+    (void)image.Release();
+    return true;
+}
+
 bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record) {
     if (index < 0 || index >= list.count) return false;
     const GlobalLocked<const FrameRecord> records(list.handle);

@@ -25,6 +25,8 @@ static_assert(sizeof(FrameRecord) == 40 && sizeof(FrameList) == 8);
 bool FrameListAppend(FrameList& list, const FrameRecord& record);
 /// Appends a picture with nothing special about it; it passes to the list only on success.
 bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay);
+/// The same with an owner's picture, which is freed when the list does not take it; false for none.
+bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay);
 
 /// Copy one record out or in; false, touching nothing, when there is no such slot or it cannot be locked.
 bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record);

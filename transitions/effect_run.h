@@ -33,17 +33,12 @@ public:
     /// Appends a frame; false when there is none or the list cannot take it, and then the frame is freed.
     [[nodiscard]] bool Emit(OwnedDib frame) { return Emit(std::move(frame), context_.delay); }
     [[nodiscard]] bool Emit(OwnedDib frame, std::int32_t delay) {
-        if (!frame || !FrameListAddImage(*context_.frames, frame.Get(), delay)) return false;
-        (void)frame.Release();
-        return true;
+        return FrameListAddImage(*context_.frames, std::move(frame), delay);
     }
 
 private:
     static bool AppendStill(const TransitionContext& context) {
-        OwnedDib still(GlobalDuplicate(context.image));
-        if (!still || !FrameListAddImage(*context.frames, still.Get(), context.pause)) return false;
-        (void)still.Release();
-        return true;
+        return FrameListAddImage(*context.frames, OwnedDib(GlobalDuplicate(context.image)), context.pause);
     }
 
     const TransitionContext& context_;

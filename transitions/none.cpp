@@ -1,4 +1,5 @@
 // None: a hard cut. The still frame alone, copied pixel by pixel into a picture of its own.
+#include "transitions/effect_run.h"
 #include "transitions/effects.h"
 
 namespace lumafold {
@@ -7,18 +8,16 @@ std::int64_t NoneFrames(CanvasSize) { return 1; }
 
 int None(TransitionContext& context) {
     const LockedDib source(context.image);
-    if (!source) return 0;
+    if (!source) return kEffectFailed;
     Palette palette;
     DibGetPalette(source.Get(), palette);
     OwnedDib copy(DibCreate(source->biWidth, source->biHeight, &palette, source->biBitCount));
     {
         const LockedDib target(copy.Get());
-        if (!target) return 0;
+        if (!target) return kEffectFailed;
         DibCopyRect(target.Get(), 0, 0, source.Get(), 0, 0, source->biWidth, source->biHeight);
     }
-    if (!FrameListAddImage(*context.frames, copy.Get(), context.pause)) return 0;
-    (void)copy.Release();
-    return 1;
+    return FrameListAddImage(*context.frames, std::move(copy), context.pause) ? kEffectDone : kEffectFailed;
 }
 
 } // namespace lumafold
