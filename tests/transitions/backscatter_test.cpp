@@ -1,20 +1,15 @@
-#include <cstdlib>
-
-#include <gtest/gtest.h>
-
-#include "tests/support/checksum.h"
-#include "tests/support/pictures.h"
-#include "transitions/random.h"
-#include "transitions/table.h"
+#include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
 namespace {
 
-constexpr int kHorizontal = 6, kVertical = 7;
-
-void Settings(std::uint32_t size, std::uint32_t step) {
+/// The frames with seams of `step` percent and a scatter of `size`, over two busy pictures.
+void Scatter(const char* name, CanvasSize canvas, std::uint32_t size, std::uint32_t step,
+             EffectResult& result) {
     pluginSettings.TransitionSparkleSize = size;
     pluginSettings.TransitionSparkleStep = step;
+    RunEffect(RowNamed(name), BusyPicture(canvas.width, canvas.height, 1).Get(),
+              BusyPicture(canvas.width, canvas.height, 2).Get(), result);
 }
 
 /// The scatter over a picture without scatter, by bare numbers; `points` are counted along and across the
@@ -34,26 +29,22 @@ void PlainScatter(DibHeader* frame, bool vertical, int seam, int size, Random& r
 
 TEST(Backscatter, ScattersInOrderOverTheFramesWithoutScatter) {
     const SettingsGuard guard;
-    constexpr std::int32_t kSizes[][2] = {{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}};
-    for (const auto& [width, height] : kSizes) {
-        const OwnedDib source = BusyPicture(width, height, 5), target = BusyPicture(width, height, 6);
-        for (const bool vertical : {false, true}) {
+    for (const CanvasSize canvas : kOddSizes) {
+        for (const char* name : {"Backscatter (horizontal)", "Backscatter (vertical)"}) {
+            const bool vertical = name[13] == 'v';
             for (const int size : {1, 3, 10, 60}) {
+                SCOPED_TRACE(testing::Message() << name << ' ' << canvas.width << ' ' << size);
                 EffectResult bare, result;
-                Settings(0, 8);
-                RunEffect(vertical ? kVertical : kHorizontal, source.Get(), target.Get(), bare);
-                Settings(static_cast<std::uint32_t>(size), 8);
-                RunEffect(vertical ? kVertical : kHorizontal, source.Get(), target.Get(), result);
+                Scatter(name, canvas, 0, 8, bare);
+                Scatter(name, canvas, static_cast<std::uint32_t>(size), 8, result);
                 ASSERT_EQ(bare.Count(), 1 + 1 + 12 + 1);
                 ASSERT_EQ(result.Count(), bare.Count());
                 Random random(pluginSettings.RandomSeed);
                 for (std::int32_t i = 1; i < bare.Count(); ++i) {
-                    const int last = (vertical ? height : width) + 8;
-                    const int seam = i == 1 ? -8 : i == 14 ? last : height * 8 * (i - 1) / 100;
+                    const int last = (vertical ? canvas.height : canvas.width) + 8;
+                    const int seam = i == 1 ? -8 : i == 14 ? last : canvas.height * 8 * (i - 1) / 100;
                     PlainScatter(LockedDib(bare.Image(i)).Get(), vertical, seam, size, random);
-                    ASSERT_EQ(DibChecksum(result.Image(i)), DibChecksum(bare.Image(i)))
-                        << width << "x" << height << ", vertical " << vertical << ", size " << size << ", "
-                        << i;
+                    ASSERT_EQ(DibChecksum(result.Image(i)), DibChecksum(bare.Image(i))) << i;
                 }
             }
         }
@@ -62,44 +53,35 @@ TEST(Backscatter, ScattersInOrderOverTheFramesWithoutScatter) {
 
 TEST(Backscatter, PushesBehindAFiveLineSeam) {
     const SettingsGuard guard;
-    Settings(0, 30);
     pluginSettings.TransitionSparkleColor = 0xFF33CC;
     const OwnedDib source = BusyPicture(9, 20, 1), target = BusyPicture(9, 20, 2);
-    EffectResult down;
-    RunEffect(kVertical, source.Get(), target.Get(), down);
+    EffectResult down, right, wide;
+    Scatter("Backscatter (vertical)", {9, 20}, 0, 30, down);
     ASSERT_EQ(down.Count(), 1 + 1 + 3 + 1);
     const PixelValue kLine[] = {0x3F0C33, 0x7F1966, 0xFF33CC, 0x7F1966, 0x3F0C33};
     for (std::int32_t y = 0; y < 20; ++y) { // 30 %: six rows of the target
         const PixelValue pushed = y < 6 ? PixelAt(target.Get(), 4, 14 + y) : PixelAt(source.Get(), 4, y - 6);
         EXPECT_EQ(PixelAt(down.Image(2), 4, y), y >= 4 && y <= 8 ? kLine[y - 4] : pushed) << y;
     }
-    EXPECT_EQ(DibChecksum(down.Image(1)), DibChecksum(source.Get()));
-    EXPECT_EQ(DibChecksum(down.Image(5)), DibChecksum(target.Get()));
+    ExpectSamePicture(down.Image(1), source.Get());
+    ExpectSamePicture(down.Image(5), target.Get());
 
     // On a tall picture 60 % of the height is more than the width: the first columns are never written.
-    EffectResult right;
-    RunEffect(kHorizontal, source.Get(), target.Get(), right);
+    Scatter("Backscatter (horizontal)", {9, 20}, 0, 30, right);
     for (std::int32_t x = 0; x < 9; ++x) {
         EXPECT_EQ(PixelAt(right.Image(3), x, 7), x < 3 ? 0U : PixelAt(target.Get(), x - 3, 7)) << x;
     }
-}
-
-TEST(Backscatter, SeamsAtTheEnds) {
-    const SettingsGuard guard;
     // On a wide picture the push stops short of the edge; with a step of 2 the first seam's outer line shows.
-    const OwnedDib source = BusyPicture(20, 10, 1), target = BusyPicture(20, 10, 2);
-    EffectResult result;
-    Settings(0, 2);
-    RunEffect(kHorizontal, source.Get(), target.Get(), result);
-    ASSERT_EQ(result.Count(), 1 + 1 + 49 + 1);
-    EXPECT_EQ(PixelAt(result.Image(1), 0, 9), 0x3F0C33U);
-    EXPECT_EQ(PixelAt(result.Image(1), 1, 9), PixelAt(source.Get(), 1, 9));
+    const OwnedDib from = BusyPicture(20, 10, 1), to = BusyPicture(20, 10, 2);
+    Scatter("Backscatter (horizontal)", {20, 10}, 0, 2, wide);
+    ASSERT_EQ(wide.Count(), 1 + 1 + 49 + 1);
+    EXPECT_EQ(PixelAt(wide.Image(1), 0, 9), 0x3F0C33U);
+    EXPECT_EQ(PixelAt(wide.Image(1), 1, 9), PixelAt(from.Get(), 1, 9));
     for (std::int32_t x = 0; x < 20; ++x) {
-        EXPECT_EQ(PixelAt(result.Image(51), x, 9),
-                  x < 10 ? PixelAt(target.Get(), x + 10, 9) : PixelAt(source.Get(), x - 10, 9));
+        EXPECT_EQ(PixelAt(wide.Image(51), x, 9), PixelAt(x < 10 ? to.Get() : from.Get(), (x + 10) % 20, 9));
     }
-    Settings(10001, 2);
-    EXPECT_EQ(FrameCount(kVertical, 7, 5), 0);
+    pluginSettings.TransitionSparkleSize = 10001;
+    EXPECT_EQ(FrameCount(RowNamed("Backscatter (vertical)"), 7, 5), 0);
 }
 
 } // namespace

@@ -1,16 +1,24 @@
-// How effects are held to their definitions: frame by frame against a plain one, on sizes with odd edges.
+// How effects are held to their definitions: frame by frame against a plain one, pixel by pixel through the
+// accessors, on sizes with odd edges.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
+#include <vector>
 
+#include "platform/portable_math.h"
+#include "tests/support/checksum.h"
 #include "tests/support/pictures.h"
+#include "transitions/compositing.h"
 #include "transitions/effects.h"
+#include "transitions/random.h"
 
 namespace lumafold::test {
 
 inline constexpr CanvasSize kOddSizes[] = {{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}};
+inline constexpr double kPi = 3.14159265358979323846;
 
 inline int RowNamed(std::string_view name) {
     int row = 0;
@@ -20,35 +28,28 @@ inline int RowNamed(std::string_view name) {
     return row;
 }
 
-/// What a row makes of two pictures: busy ones, or a black and a white one, whose frames show the mask
-/// itself.
-struct Rendered {
-    OwnedDib source, target;
-    EffectResult result;
-
-    Rendered(const char* name, OwnedDib from, OwnedDib to) : source(std::move(from)), target(std::move(to)) {
-        RunEffect(RowNamed(name), source.Get(), target.Get(), result);
-    }
-};
-inline Rendered BusyRun(const char* name, CanvasSize size) {
-    return {name, BusyPicture(size.width, size.height, 1), BusyPicture(size.width, size.height, 2)};
-}
-inline Rendered BlackToWhite(const char* name, CanvasSize size) {
-    return {name, PlainPicture(size.width, size.height, 0), PlainPicture(size.width, size.height, 0xFFFFFF)};
-}
-
-/// A frame as text, a white pixel being '#', a black one '.', any other a '?'; rows end with '/'.
-inline std::string Drawing(DibHandle frame) {
-    const LockedDib dib(frame);
-    std::string text;
-    for (std::int32_t y = 0; dib && y < dib->biHeight; ++y) {
-        for (std::int32_t x = 0; x < dib->biWidth; ++x) {
-            const PixelValue pixel = DibGetPixel(dib.Get(), x, y);
-            text += pixel == 0xFFFFFF ? '#' : pixel == 0 ? '.' : '?';
+/// A 24-bit picture of `pixel(x, y)`.
+template <typename Pixel>
+OwnedDib Picture(std::int32_t width, std::int32_t height, Pixel pixel) {
+    OwnedDib result(DibCreate(width, height, nullptr, 24));
+    const LockedDib dib(result.Get());
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < width; ++x) {
+            DibSetPixel(dib.Get(), x, y, pixel(x, y));
         }
-        text += '/';
     }
-    return text;
+    return result;
+}
+inline OwnedDib CopyOf(const DibHeader* dib) {
+    return Picture(dib->biWidth, dib->biHeight, [=](int x, int y) { return DibGetPixel(dib, x, y); });
+}
+
+/// Two colours by the share of b in 255, both products truncated.
+inline PixelValue PlainMix(PixelValue a, PixelValue b, unsigned share) {
+    const auto mix = [share](unsigned from, unsigned to) {
+        return to * share / 255 + from * (255 - share) / 255;
+    };
+    return MakeColour(mix(RedOf(a), RedOf(b)), mix(GreenOf(a), GreenOf(b)), mix(BlueOf(a), BlueOf(b)));
 }
 
 inline void ExpectSamePicture(DibHandle picture, DibHandle expected) {
@@ -60,6 +61,77 @@ inline void ExpectSamePicture(DibHandle picture, DibHandle expected) {
             ASSERT_EQ(DibGetPixel(a.Get(), x, y), DibGetPixel(b.Get(), x, y)) << x << ", " << y;
         }
     }
+}
+
+/// Runs a row over two busy pictures; frame i of 1 .. must be `expected(i, source, target)`, an OwnedDib.
+template <typename Expected>
+void ExpectFrames(const char* name, CanvasSize size, Expected expected) {
+    const OwnedDib source = BusyPicture(size.width, size.height, 3),
+                   target = BusyPicture(size.width, size.height, 4);
+    EffectResult result;
+    RunEffect(RowNamed(name), source.Get(), target.Get(), result);
+    ASSERT_EQ(result.returned, 1);
+    ASSERT_EQ(result.Count(), FrameCount(RowNamed(name), size.width, size.height));
+    EXPECT_EQ(DibChecksum(result.Image(0)), DibChecksum(source.Get()));
+    EXPECT_EQ(result.Delay(0), kTestPause);
+    const LockedDib from(source.Get()), to(target.Get());
+    for (std::int32_t i = 1; i < result.Count(); ++i) {
+        SCOPED_TRACE(testing::Message()
+                     << name << ' ' << size.width << 'x' << size.height << ", frame " << i);
+        const OwnedDib plain = expected(i, from.Get(), to.Get());
+        ASSERT_NO_FATAL_FAILURE(ExpectSamePicture(result.Image(i), plain.Get()));
+    }
+}
+
+/// A frame of a black picture's way to a white one, which shows the mask itself: a white pixel is '#', a
+/// black one '.', any other a '?'; rows end with '/'.
+inline std::string DrawnFrame(const char* name, CanvasSize size, std::int32_t frame) {
+    const OwnedDib black = PlainPicture(size.width, size.height, 0),
+                   white = PlainPicture(size.width, size.height, 0xFFFFFF);
+    EffectResult result;
+    RunEffect(RowNamed(name), black.Get(), white.Get(), result);
+    std::string text;
+    for (std::int32_t y = 0; y < size.height; ++y) {
+        for (std::int32_t x = 0; x < size.width; ++x) {
+            const PixelValue pixel = PixelAt(result.Image(frame), x, y);
+            text += pixel == 0xFFFFFF ? '#' : pixel == 0 ? '.' : '?';
+        }
+        text += '/';
+    }
+    return text;
+}
+
+struct PlainPoint {
+    double u, v;
+};
+inline double Unit(double x) { return std::min(std::max(x, 0.0), 1.0); }
+
+/// The average colour of the points of one pixel of a bent picture.
+inline PixelValue PlainSample(const DibHeader* picture, const std::vector<PlainPoint>& points,
+                              PixelValue matte) {
+    const double width = picture->biWidth, height = picture->biHeight;
+    PixelValue result = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        double sum = 0;
+        for (const auto [u, v] : points) {
+            const double coverage = Unit(std::min(u, width - u) + 1) * Unit(std::min(v, height - v) + 1);
+            const double x = std::min(std::max(u - 0.5, 0.0), width - 1),
+                         y = std::min(std::max(v - 0.5, 0.0), height - 1);
+            const int left = static_cast<int>(x), top = static_cast<int>(y);
+            const auto across = [&](int row) {
+                const auto at = [&](int column) {
+                    return static_cast<double>((DibGetPixel(picture, column, row) >> shift) & 0xFF);
+                };
+                return at(left) + (at(std::min(left + 1, picture->biWidth - 1)) - at(left)) * (x - left);
+            };
+            const double upper = across(top), lower = across(std::min(top + 1, picture->biHeight - 1));
+            sum += coverage * (upper + (lower - upper) * (y - top)) +
+                   (1 - coverage) * static_cast<double>((matte >> shift) & 0xFF);
+        }
+        const double rounded = sum / static_cast<double>(points.size()) + 0.5;
+        result |= static_cast<PixelValue>(rounded) << shift;
+    }
+    return result;
 }
 
 } // namespace lumafold::test

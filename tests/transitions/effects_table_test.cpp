@@ -1,11 +1,7 @@
 // What holds for all 33 rows: frame counts, checksums, failing memory, seeds, and any value of any setting.
-#include <gtest/gtest.h>
-
 #include <sstream>
 
-#include "tests/support/checksum.h"
-#include "tests/support/pictures.h"
-#include "transitions/table.h"
+#include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
 namespace {
@@ -49,10 +45,8 @@ struct Known {
     std::int32_t frames;
     std::uint64_t checksum;
 };
-struct KnownRow {
-    Known large, small; // 61x47 and 33x21, default settings
-};
-constexpr KnownRow kKnown[kTransitionCount] = {
+constexpr Known kKnown[kTransitionCount][2] = {
+    // 61x47 and 33x21, default settings
     {{33, 0x6EC8E00FB68A7729}, {30, 0xF4C3EB477BCC570D}}, // Alpha horizontal bar (opaque)
     {{33, 0xB55EB5F9583FBE0A}, {30, 0x372E4AC6D9580B69}}, // Alpha horizontal bar (transparent)
     {{30, 0x83B4BCC4216A111F}, {42, 0xC32DC0B7CD7F5778}}, // Alpha vertical bar (opaque)
@@ -89,8 +83,8 @@ constexpr KnownRow kKnown[kTransitionCount] = {
 };
 
 TEST_P(EveryRow, RendersTheSameEverywhere) {
-    const KnownRow& known = kKnown[Row()];
-    for (const auto& [width, height, expected] : {std::tuple{61, 47, known.large}, {33, 21, known.small}}) {
+    for (const auto& [width, height, expected] :
+         {std::tuple{61, 47, kKnown[Row()][0]}, {33, 21, kKnown[Row()][1]}}) {
         const OwnedDib source = BusyPicture(width, height, 1), target = BusyPicture(width, height, 2);
         const std::uint64_t before = DibChecksum(source.Get()) ^ DibChecksum(target.Get());
         EffectResult result;
@@ -136,26 +130,11 @@ TEST_P(EveryRow, FailingMemoryLeavesNothing) {
 TEST_P(EveryRow, AnyValueOfAnySettingEnds) {
     for (const SettingDescriptor* setting : SettingsOf(Row())) {
         const std::uint32_t usual = pluginSettings.*setting->value;
-        for (const std::uint32_t value : {0U,
-                                          1U,
-                                          2U,
-                                          3U,
-                                          7U,
-                                          setting->minimum,
-                                          setting->maximum,
-                                          99U,
-                                          100U,
-                                          101U,
-                                          128U,
-                                          255U,
-                                          256U,
-                                          1000U,
-                                          32767U,
-                                          65535U,
-                                          0x7FFFFFFFU,
-                                          0x80000000U,
-                                          0xFFFFFF9CU,
-                                          0xFFFFFFFFU}) {
+        std::vector<std::uint32_t> values = {0,     1,     2,          3,          7,          99,
+                                             100,   101,   128,        255,        256,        1000,
+                                             32767, 65535, 0x7FFFFFFF, 0x80000000, 0xFFFFFF9C, 0xFFFFFFFF};
+        values.insert(values.end(), {setting->minimum, setting->maximum});
+        for (const std::uint32_t value : values) {
             pluginSettings.*setting->value = value;
             for (const auto& [width, height] : {std::pair{1, 1}, {9, 7}, {33, 1}, {1, 33}}) {
                 SCOPED_TRACE(testing::Message()
@@ -198,9 +177,7 @@ TEST(TransitionTable, KeepsItsOrder) {
     for (std::size_t row = 1; row < TransitionTable.size(); ++row) {
         const std::string_view before = TransitionTable[row - 1].name, name = TransitionTable[row].name;
         // Alphabetical but for the three shapes of alpha pieces, whose tiles come after their bars.
-        if (name != "Alpha tile (opaque)") {
-            EXPECT_LT(before, name);
-        }
+        EXPECT_TRUE(before < name || name == "Alpha tile (opaque)") << name;
         EXPECT_EQ(TransitionTable[row].reserved, 0U);
     }
     EXPECT_STREQ(TransitionTable[0].name, "Alpha horizontal bar (opaque)");

@@ -1,9 +1,7 @@
-#include "tests/transitions/plain_sample.h"
+#include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
 namespace {
-
-constexpr int kFramework = 11;
 
 OwnedDib PlainZoomBlur(const DibHeader* picture, int intensity) {
     const int w = picture->biWidth, h = picture->biHeight, cx = w / 2, cy = h / 2;
@@ -26,18 +24,16 @@ OwnedDib PlainZoomBlur(const DibHeader* picture, int intensity) {
 }
 
 TEST(Framework, IsItsPlainDefinition) {
-    SettingsGuard guard;
+    const SettingsGuard guard;
     // Not read, whatever the dialog shows.
     pluginSettings.TransitionFrameworkStep = 0;
     pluginSettings.TransitionFrameworkCycles = 1;
     pluginSettings.TransitionFrameworkIntensity = 7;
-    for (const auto& [w, h] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {60, 46}}) {
-        EXPECT_EQ(FrameCount(kFramework, w, h), 26);
-        ExpectFrames(kFramework, w, h, [](int i, const DibHeader* from, const DibHeader* to) {
+    for (const CanvasSize size : {CanvasSize{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {60, 46}}) {
+        ExpectFrames("Framework", size, [](int i, const DibHeader* from, const DibHeader* to) {
             const OwnedDib mix(DibCrossfade(from, to, 10 * i));
-            const LockedDib locked(mix.Get());
-            const int intensity = 100 + 31 * (i <= 13 ? i - 1 : 25 - i) + (i <= 13 ? i - 1 : 25 - i) / 4;
-            return PlainZoomBlur(locked.Get(), intensity);
+            const int step = i <= 13 ? i - 1 : 25 - i;
+            return PlainZoomBlur(LockedDib(mix.Get()).Get(), 100 + 31 * step + step / 4);
         });
     }
 }

@@ -1,10 +1,7 @@
-#include "platform/portable_math.h"
-#include "tests/transitions/plain_sample.h"
+#include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
 namespace {
-
-constexpr int kLiquidMetal = 13;
 
 std::uint32_t PlainBilinear(float fx, float fy, const PixelValue (&p)[4]) {
     std::uint32_t result = 0;
@@ -42,7 +39,7 @@ OwnedDib PlainRipple(const DibHeader* picture, float strength, int centreX, int 
 
 /// Centres inside, on the corner, and so far away that distances hardly repeat.
 TEST(LiquidMetal, IsItsPlainDefinition) {
-    SettingsGuard guard;
+    const SettingsGuard guard;
     struct Case {
         int step, viscosity, centreX, centreY;
     };
@@ -52,50 +49,40 @@ TEST(LiquidMetal, IsItsPlainDefinition) {
         pluginSettings.TransitionLiquidMetalViscosity = static_cast<unsigned>(c.viscosity);
         pluginSettings.TransitionLiquidMetalCenterX = static_cast<unsigned>(c.centreX);
         pluginSettings.TransitionLiquidMetalCenterY = static_cast<unsigned>(c.centreY);
-        std::vector<float> strengths;
         const int rising = 128 / c.step;
-        for (int i = 1; i <= 255 / c.step; ++i) {
-            const int mirrored = i <= rising ? i : std::max(2 * rising + 1 - i, 1);
-            strengths.push_back(static_cast<float>(mirrored * c.step) * 0.0078125F);
-        }
         const auto factor = static_cast<float>(0.01 * c.viscosity);
         for (const CanvasSize size : kOddSizes) {
-            ExpectFrames(kLiquidMetal, size.width, size.height,
-                         [&](int i, const DibHeader* from, const DibHeader* to) {
-                             const OwnedDib mix(DibCrossfade(from, to, i * c.step));
-                             const LockedDib locked(mix.Get());
-                             return PlainRipple(locked.Get(),
-                                                strengths[static_cast<std::size_t>(i - 1)] * factor,
-                                                c.centreX, c.centreY);
-                         });
+            EXPECT_EQ(FrameCount(RowNamed("Liquid metal"), size.width, size.height), 255 / c.step + 1);
+            ExpectFrames("Liquid metal", size, [&](int i, const DibHeader* from, const DibHeader* to) {
+                const int mirrored = i <= rising ? i : std::max(2 * rising + 1 - i, 1);
+                const float strength = static_cast<float>(mirrored * c.step) * 0.0078125F;
+                const OwnedDib mix(DibCrossfade(from, to, i * c.step));
+                return PlainRipple(LockedDib(mix.Get()).Get(), strength * factor, c.centreX, c.centreY);
+            });
         }
     }
 }
 
 TEST(LiquidMetal, HoldsLaterFramesLonger) {
-    SettingsGuard guard;
+    const SettingsGuard guard;
     const OwnedDib picture = BusyPicture(7, 5, 1);
-    // Default step: half is 12, so stores above 6 lengthen 9 by 9 * stored * 2 / 12.
-    const int expected[] = {9,  9,  9,  9,  9, 9, 19, 21, 22, 24, 25, 27, 25,
-                            24, 22, 21, 19, 9, 9, 9,  9,  9,  9,  9,  9};
-    EffectResult result;
-    RunEffect(kLiquidMetal, picture.Get(), picture.Get(), result);
-    ASSERT_EQ(result.Count(), 26);
-    for (int i = 1; i < 26; ++i) {
-        EXPECT_EQ(result.Delay(i), expected[i - 1]) << i;
-    }
-    // With one step or none before the middle there is no half to divide by; a delay of 0 stays 0.
-    for (const unsigned step : {128U, 200U}) {
+    const auto delays = [&](unsigned step, std::int32_t delay) {
         pluginSettings.TransitionLiquidMetalStep = step;
-        EffectResult one;
-        RunEffect(kLiquidMetal, picture.Get(), picture.Get(), one);
-        ASSERT_EQ(one.Count(), 2);
-        EXPECT_EQ(one.Delay(1), kTestDelay);
-    }
-    pluginSettings.TransitionLiquidMetalStep = 10;
-    EffectResult still;
-    RunEffect(kLiquidMetal, picture.Get(), picture.Get(), still, 0);
-    EXPECT_EQ(still.Delay(12), 0);
+        EffectResult result;
+        RunEffect(RowNamed("Liquid metal"), picture.Get(), picture.Get(), result, delay);
+        std::vector<std::int32_t> found;
+        for (std::int32_t i = 1; i < result.Count(); ++i) {
+            found.push_back(result.Delay(i));
+        }
+        return found;
+    };
+    // Half is 12, so stores above 6 lengthen 9 by 9 * stored * 2 / 12.
+    EXPECT_EQ(delays(10, 9), (std::vector<std::int32_t>{9,  9,  9,  9,  9, 9, 19, 21, 22, 24, 25, 27, 25,
+                                                        24, 22, 21, 19, 9, 9, 9,  9,  9,  9,  9,  9}));
+    // With one step or none before the middle there is no half to divide by; a delay of 0 stays 0.
+    EXPECT_EQ(delays(128, 9), std::vector<std::int32_t>{9});
+    EXPECT_EQ(delays(200, 9), std::vector<std::int32_t>{9});
+    EXPECT_EQ(delays(10, 0)[11], 0);
 }
 
 } // namespace
