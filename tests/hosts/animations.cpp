@@ -1,15 +1,11 @@
 #include "tests/hosts/animations.h"
 
-#include <functional>
 #include <random>
 
 namespace lumafold::test {
-namespace {
 
-using PixelAt = std::function<unsigned(int x, int y)>;
-
-void AddFrame(Animation& to, int bits, const PixelAt& pixelAt, std::int32_t delay,
-              std::int32_t transparent = -1, std::int32_t width = 0, std::int32_t height = 0) {
+void AddFrame(Animation& to, int bits, const std::function<unsigned(int x, int y)>& pixelAt,
+              std::int32_t delay, std::int32_t transparent, std::int32_t width, std::int32_t height) {
     width = width == 0 ? to.width : width;
     height = height == 0 ? to.height : height;
     OwnedDib dib(DibCreate(width, height, &to.palette, bits));
@@ -21,7 +17,7 @@ void AddFrame(Animation& to, int bits, const PixelAt& pixelAt, std::int32_t dela
     to.frames.push_back({std::move(dib), delay, transparent});
 }
 
-Animation Empty(std::int32_t width, std::int32_t height, int bits) {
+Animation EmptyAnimation(std::int32_t width, std::int32_t height, int bits) {
     std::mt19937 random(5);
     Animation made;
     made.width = width;
@@ -35,10 +31,12 @@ Animation Empty(std::int32_t width, std::int32_t height, int bits) {
     return made;
 }
 
+namespace {
+
 /// Noise, a pattern, changes here and there, one spot, nothing at all. `hole` is what marks unchanged pixels.
 Animation Busy(std::int32_t width, std::int32_t height, int bits, int depth, std::int32_t hole) {
     std::mt19937 random(9);
-    Animation made = Empty(width, height, std::min(bits, 8));
+    Animation made = EmptyAnimation(width, height, std::min(bits, 8));
     const unsigned values = bits == 24 ? 1U << 24 : hole > 0 ? static_cast<unsigned>(hole) : 1U << bits;
     const auto noise = [&](int, int) { return static_cast<unsigned>(random()) % values; };
     const auto left = static_cast<unsigned>(hole);
@@ -60,7 +58,7 @@ Animation Busy(std::int32_t width, std::int32_t height, int bits, int depth, std
 
 /// The second frame draws what is a hole in the first.
 Animation HolesWithNothingBehind(unsigned values, int depth) {
-    Animation made = Empty(20, 16, 8);
+    Animation made = EmptyAnimation(20, 16, 8);
     const auto pattern = [&](int x, int y) { return static_cast<unsigned>(x * 16 + y) % values; };
     AddFrame(made, depth, pattern, 5, 3, 19, 16);
     AddFrame(
@@ -69,7 +67,7 @@ Animation HolesWithNothingBehind(unsigned values, int depth) {
 }
 
 Animation TwinColours() {
-    Animation made = Empty(61, 47, 4);
+    Animation made = EmptyAnimation(61, 47, 4);
     made.palette[9] = made.palette[3];
     made.comment = "k\xC3\xB6nnen";
     AddFrame(
@@ -80,6 +78,8 @@ Animation TwinColours() {
         made, 4, [](int x, int y) { return x >= 5 && x < 9 && y == 46 ? 1U : 9U; }, 5, 3);
     AddFrame(
         made, 4, [](int x, int y) { return x == 60 && y == 0 ? 2U : 15U; }, 8, 15);
+    AddFrame(
+        made, 4, [](int, int) { return 15U; }, 9, 15);
     return made;
 }
 
@@ -98,10 +98,12 @@ std::vector<AnimationCase> AnimationCases() {
                 {name + " with holes", Busy(width, height, bits, depth, bits == 24 ? 0 : (1 << bits) - 1)});
         }
     }
+    for (const int hole : {-1, 255})
+        cases.push_back({"large with hole " + std::to_string(hole), Busy(300, 211, 8, 8, hole)});
     cases.push_back({"twin colours", TwinColours()});
     cases.push_back({"holes with nothing behind", HolesWithNothingBehind(100, 8)});
     cases.push_back({"the same with a full palette", HolesWithNothingBehind(256, 8)});
-    cases.back().animation.comment = "plain";
+    cases.back().animation.comment = std::string(600, 'c') + "\n";
     cases.push_back({"the same in true colour", HolesWithNothingBehind(100, 24)});
     cases.back().animation.comment = "f\xFCr";
     return cases;

@@ -35,25 +35,16 @@ std::string CommandLineTest::Get(const std::string& name) const {
 }
 
 void CommandLineTest::PutPicture(const std::string& name, int width, int height, unsigned seed) const {
-    const auto number = [](unsigned value, int bytes) {
-        std::string text;
-        for (int i = 0; i < bytes; ++i)
-            text += static_cast<char>(value >> 8 * i & 0xFF);
-        return text;
-    };
-    const unsigned stride = (static_cast<unsigned>(width) * 3 + 3) / 4 * 4;
-    const unsigned rows = stride * static_cast<unsigned>(height);
-    std::string file = "BM" + number(54 + rows, 4) + number(0, 4) + number(54, 4);
-    file += number(40, 4) + number(static_cast<unsigned>(width), 4) +
-            number(static_cast<unsigned>(height), 4) + number(1, 2) + number(24, 2) + number(0, 4) +
-            number(rows, 4) + std::string(16, '\0');
-    for (int y = 0; y < height; ++y) {
-        std::string row;
-        for (int x = 0; x < 3 * width; ++x) {
-            row += static_cast<char>(seed + 37u * static_cast<unsigned>(x) + 101u * static_cast<unsigned>(y));
-        }
-        row.resize(stride, '\0');
-        file += row;
+    const auto w = static_cast<unsigned>(width), h = static_cast<unsigned>(height);
+    const unsigned stride = (w * 3 + 3) / 4 * 4, rows = stride * h;
+    std::string file = "BM";
+    for (const unsigned field : {54 + rows, 0U, 54U, 40U, w, h, 24U << 16 | 1, 0U, rows, 0U, 0U, 0U, 0U}) {
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            file += static_cast<char>(field >> shift & 0xFF);
+    }
+    for (unsigned y = 0; y < h; ++y) {
+        for (unsigned x = 0; x < stride; ++x)
+            file += static_cast<char>(x < 3 * w ? seed + 37 * x + 101 * y : 0);
     }
     Put(name, file);
 }

@@ -2,18 +2,16 @@
 // the transitions.
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/codecs/decode.h"
+#include "tests/hosts/animations.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {
 namespace {
 
 bool Shows(const OwnedDib& sheet, PixelValue colour) {
-    std::int32_t width = 0, height = 0;
-    DibQuery(sheet.Get(), &width, &height, nullptr, nullptr);
-    for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            if (PixelAt(sheet.Get(), x, y) == colour) return true;
-        }
+    const LockedDib dib(sheet.Get());
+    for (int i = 0; i < dib->biWidth * dib->biHeight; ++i) {
+        if (DibGetPixel(dib.Get(), i % dib->biWidth, i / dib->biWidth) == colour) return true;
     }
     return false;
 }
@@ -23,10 +21,9 @@ TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
     for (unsigned i = 0; i < 7; ++i)
         cells.push_back({PlainPicture(20, 10, 0x10 + i), "|"});
     const OwnedDib sheet = LayOutSheet(cells, kSheetColumns);
-    std::int32_t width = 0, height = 0;
-    ASSERT_TRUE(DibQuery(sheet.Get(), &width, &height, nullptr, nullptr));
-    EXPECT_EQ(width, 6 * 30 + 10);
-    EXPECT_EQ(height, 2 * 31 + 10);
+    const LockedDib dib(sheet.Get());
+    EXPECT_EQ(dib->biWidth, 6 * 30 + 10);
+    EXPECT_EQ(dib->biHeight, 2 * 31 + 10);
     EXPECT_EQ(PixelAt(sheet.Get(), 10, 10), 0x10u);
     EXPECT_EQ(PixelAt(sheet.Get(), 5 * 30 + 29, 19), 0x15u);
     EXPECT_EQ(PixelAt(sheet.Get(), 10, 31 + 10), 0x16u);
@@ -39,38 +36,26 @@ TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
 TEST(ContactSheet, ShrinksLargePicturesAndKeepsAPixelOfTheLongest) {
     for (const auto& [w, h] : {std::pair{481, 47}, {16384, 1}, {1, 16384}, {160, 120}, {7, 5}}) {
         const OwnedDib small = SheetPicture(PlainPicture(w, h, 0x123456).Get());
-        std::int32_t width = 0, height = 0;
-        ASSERT_TRUE(DibQuery(small.Get(), &width, &height, nullptr, nullptr)) << w << 'x' << h;
-        EXPECT_TRUE(width >= 1 && width <= std::max(kSheetCellWidth, 164)) << width;
-        EXPECT_TRUE(height >= 1 && height <= 164) << height;
-        EXPECT_EQ(PixelAt(small.Get(), 0, 0), 0x123456u);
+        const LockedDib dib(small.Get());
+        EXPECT_TRUE(dib->biWidth >= 1 && dib->biWidth <= std::max(kSheetCellWidth, 164)) << dib->biWidth;
+        EXPECT_TRUE(dib->biHeight >= 1 && dib->biHeight <= 164) << dib->biHeight;
+        EXPECT_EQ(DibGetPixel(dib.Get(), 0, 0), 0x123456u);
     }
 }
 
 TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
-    Palette palette{};
+    Animation animation = EmptyAnimation(2, 2, 8);
     for (unsigned i = 0; i < 256; ++i)
-        palette[i] = {static_cast<std::uint8_t>(i), 7, 9};
-    Animation animation;
-    animation.width = animation.height = 2;
-    for (unsigned i = 0; i < 100; ++i) {
-        OwnedDib frame(DibCreate(2, 2, &palette, 8));
-        {
-            const LockedDib dib(frame.Get());
-            for (int x = 0; x < 2; ++x) {
-                for (int y = 0; y < 2; ++y)
-                    DibSetPixel(dib.Get(), x, y, i == 99 && x == 0 ? 200 : i);
-            }
-        }
-        animation.frames.push_back({std::move(frame), 5, i == 99 ? 200 : -1});
-    }
+        animation.palette[i] = {static_cast<std::uint8_t>(i), 7, 9};
+    for (unsigned i = 0; i < 99; ++i)
+        AddFrame(
+            animation, 8, [=](int, int) { return i; }, 5);
+    AddFrame(
+        animation, 8, [](int x, int) { return x == 0 ? 200U : 99U; }, 5, 200);
     const OwnedDib sheet = AnimationSheet(animation);
-    EXPECT_TRUE(Shows(sheet, MakeColour(0, 7, 9)));
-    EXPECT_TRUE(Shows(sheet, MakeColour(99, 7, 9)));
-    EXPECT_TRUE(Shows(sheet, MakeColour(98, 7, 9)))
-        << "the frame before, through the transparent half of the last";
-    EXPECT_FALSE(Shows(sheet, MakeColour(200, 7, 9)));
-    EXPECT_FALSE(Shows(sheet, MakeColour(1, 7, 9))) << "48 of 100 are shown, and 1 is not among them";
+    // 48 of 100 are shown, the second not among them; the one before shines through half of the last.
+    for (const auto& [colour, shown] : {std::pair{0, true}, {99, true}, {98, true}, {200, false}, {1, false}})
+        EXPECT_EQ(Shows(sheet, MakeColour(static_cast<unsigned>(colour), 7, 9)), shown) << colour;
 }
 
 TEST_F(CommandLineTest, TheSheetHasARowForEachTransition) {
@@ -103,10 +88,9 @@ TEST_F(CommandLineTest, TheSheetOfOneTransitionAndItsFailures) {
     PutPicture("a.bmp", 170, 3, 1);
     const std::string a = Path("a.bmp"), sheet = Path("one.png");
     const Ran ran = Run({"sheet", a, a, "-o", sheet, "--transition", "Soft iris (diamond)"});
-    EXPECT_EQ(ran.out.find("wrote " + sheet + ": 22  Soft iris (diamond), 21 frames, 1024x102, "), 0u)
-        << ran.out;
-    EXPECT_NE(ran.out.find("(" + std::to_string(Get("one.png").size()) + " bytes)\n"), std::string::npos)
-        << ran.out;
+    const std::string bytes = "(" + std::to_string(Get("one.png").size()) + " bytes)\n";
+    EXPECT_EQ(ran.out.find("wrote " + sheet + ": 22  Soft iris (diamond), 21 frames, 1024x102, "), 0u);
+    EXPECT_NE(ran.out.find(bytes), std::string::npos) << ran.out;
     const Ran failed = Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--set", "TransitionIrisStep=0"});
     EXPECT_EQ(failed.status, 1);
     EXPECT_NE(failed.err.find("lumafold: the transition \"Soft iris (diamond)\" (row 22) cannot be built"),
@@ -114,8 +98,7 @@ TEST_F(CommandLineTest, TheSheetOfOneTransitionAndItsFailures) {
         << failed.err;
     EXPECT_EQ(Run({"sheet", a, a, "-o", Path("x.gif")}).status, 2);
     EXPECT_EQ(Run({"sheet", a, Path("none.png"), "-o", Path("x.png")}).status, 1);
-    const std::vector<std::string> expected{"a.bmp", "one.png"};
-    EXPECT_EQ(Names(), expected);
+    EXPECT_EQ(Names(), (std::vector<std::string>{"a.bmp", "one.png"}));
 }
 
 } // namespace

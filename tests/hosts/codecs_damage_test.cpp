@@ -6,35 +6,25 @@
 #include "hosts/codecs/decode.h"
 #include "hosts/codecs/gif_writer.h"
 #include "hosts/codecs/png_writer.h"
+#include "tests/hosts/animations.h"
+#include "tests/support/pictures.h"
 
-namespace lumafold {
+namespace lumafold::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 constexpr std::uint64_t kMost = 5000;
 
 Bytes SmallPng() {
-    const OwnedDib picture(DibCreate(33, 17, nullptr, 24));
-    const LockedDib dib(picture.Get());
-    for (int i = 0; i < 33 * 17; ++i)
-        DibSetPixel(dib.Get(), i % 33, i / 33, static_cast<PixelValue>(i * 7919));
     std::string error;
-    return EncodePng(picture.Get(), error);
+    return EncodePng(NoisePicture(33, 17, 24, 1).Get(), error);
 }
 
 Bytes SmallGif() {
-    Animation animation;
-    animation.width = 33;
-    animation.height = 17;
+    Animation animation = EmptyAnimation(33, 17, 8);
     animation.comment = "comment";
-    OwnedDib picture(DibCreate(20, 17, nullptr, 8));
-    {
-        const LockedDib dib(picture.Get());
-        for (int i = 0; i < 20 * 17; ++i) {
-            DibSetPixel(dib.Get(), i % 20, i / 20, static_cast<PixelValue>(i * i % 251));
-        }
-    }
-    animation.frames.push_back({std::move(picture), 5, 250});
+    AddFrame(
+        animation, 8, [](int x, int y) { return static_cast<unsigned>((x + 20 * y) * x % 251); }, 5, 250, 20);
     std::string error;
     return EncodeGif(animation, error);
 }
@@ -45,25 +35,22 @@ Bytes With(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t> b
 }
 
 TEST(DamagedPictures, CutAnywhereAreTold) {
-    const Bytes png = SmallPng(), gif = SmallGif();
-    for (std::size_t length = 8; length < png.size(); ++length) {
-        EXPECT_EQ(DecodePicture(std::span(png).first(length), 0, kMost).error, "the file ends too early")
-            << length;
-    }
-    // The mark behind the last frame is no part of the first.
-    ASSERT_EQ(DecodePicture(std::span(gif).first(gif.size() - 1), 0, kMost).error, "");
-    for (std::size_t length = 6; length < gif.size() - 1; ++length) {
-        EXPECT_EQ(DecodePicture(std::span(gif).first(length), 0, kMost).error, "the file ends too early")
-            << length;
+    // The mark behind the last frame of a GIF is no part of the first.
+    for (const auto& [file, head, tail] : {std::tuple{SmallPng(), 8, 0}, {SmallGif(), 6, 1}}) {
+        const std::size_t enough = file.size() - static_cast<std::size_t>(tail);
+        EXPECT_EQ(DecodePicture(std::span(file).first(enough), 0, kMost).error, "");
+        for (auto length = static_cast<std::size_t>(head); length < enough; ++length) {
+            EXPECT_EQ(DecodePicture(std::span(file).first(length), 0, kMost).error, "the file ends too early")
+                << length;
+        }
     }
 }
 
 TEST(DamagedPictures, TooLargeOnesAreToldBeforeTheyAreUnpacked) {
     const Bytes png = SmallPng(), gif = SmallGif();
-    const Bytes large[] = {With(png, 16, {0, 0, 0x40, 1}), With(png, 20, {0x7F, 0xFF, 0xFF, 0xFF}),
-                           With(png, 16, {0, 0, 0x01, 0x80}), With(gif, 6, {0xFF, 0xFF}),
-                           With(gif, 8, {0x00, 0x02})};
-    for (const Bytes& file : large) {
+    for (const Bytes& file :
+         {With(png, 16, {0, 0, 0x40, 1}), With(png, 20, {0x7F, 0xFF, 0xFF, 0xFF}),
+          With(png, 16, {0, 0, 0x01, 0x80}), With(gif, 6, {0xFF, 0xFF}), With(gif, 8, {0x00, 0x02})}) {
         const auto before = allocation_hooks::Requests();
         const std::string error = DecodePicture(file, 0, kMost).error;
         EXPECT_NE(error.find("too many"), std::string::npos) << error;
@@ -102,4 +89,4 @@ TEST(DamagedPictures, DoNoHarm) {
 }
 
 } // namespace
-} // namespace lumafold
+} // namespace lumafold::test

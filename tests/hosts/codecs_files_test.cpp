@@ -1,45 +1,43 @@
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 
 #include "hosts/codecs/decode.h"
 #include "hosts/codecs/files.h"
+#include "tests/hosts/cli_fixture.h"
 
-namespace lumafold {
+namespace lumafold::test {
 namespace {
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<std::uint8_t>;
 
-class Files : public testing::Test {
+class Files : public CommandLineTest {
 protected:
-    void SetUp() override {
-        folder_ = fs::path(testing::TempDir()) / ("lumafold_files_" + std::to_string(getpid()));
-        fs::create_directory(folder_);
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
-    std::string Path(const std::string& name) const { return (folder_ / name).string(); }
-    std::size_t Entries() const {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
-    }
     Bytes Read(const std::string& name) {
         Bytes bytes;
-        std::string error;
-        EXPECT_TRUE(ReadWholeFile(Path(name), bytes, error)) << error;
+        EXPECT_TRUE(ReadWholeFile(Path(name), bytes, error_)) << error_;
         return bytes;
     }
     bool Write(const std::string& name, const Bytes& bytes) {
         return WriteFileSafely(Path(name), bytes, error_);
     }
+    /// The status of a program that writes more than fits and is told so by a signal.
+    int WriteTooMuch(const std::string& name, void (*onSignal)(int)) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit limit{4096, 4096};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            signal(SIGXFSZ, onSignal);
+            _exit(Write(name, Bytes(100000)) ? 1 : 2);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WEXITSTATUS(status);
+    }
 
-    fs::path folder_;
     std::string error_;
 };
 
@@ -48,7 +46,7 @@ TEST_F(Files, AreReplacedWhole) {
     for (const Bytes& bytes : {small, large, Bytes{}}) {
         ASSERT_TRUE(Write("a.gif", bytes)) << error_;
         EXPECT_EQ(Read("a.gif"), bytes);
-        EXPECT_EQ(Entries(), 1U);
+        EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
     }
     fs::permissions(Path("a.gif"), fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("a.gif", Path("link.gif"));
@@ -64,57 +62,29 @@ TEST_F(Files, LeaveNothingBehindOnFailure) {
     EXPECT_EQ(error_, "this is a folder");
     EXPECT_FALSE(Write("missing/a.gif", {1}));
     EXPECT_EQ(error_, "there is no such file or folder");
-    EXPECT_EQ(Entries(), 1U);
+    EXPECT_EQ(Names(), std::vector<std::string>{"folder"});
     EXPECT_TRUE(WriteFileSafely("/dev/null", Bytes(10), error_));
     EXPECT_TRUE(fs::is_character_file("/dev/null")) << "a device must not be replaced by a file";
     EXPECT_FALSE(WriteFileSafely("/dev/full", Bytes(10), error_));
     EXPECT_EQ(error_, "the disk is full");
 }
 
-// The disk is full at the fifth kilobyte: the old file stays, the temporary goes.
+// The old file stays and the temporary goes, whether writing fails or the handler ends the program amidst it.
 TEST_F(Files, KeepTheOldBytesWhenTheNewDoNotFit) {
     ASSERT_TRUE(Write("a.gif", {5}));
-    const testing::AssertionResult result = [&]() -> testing::AssertionResult {
-        const pid_t child = fork();
-        if (child == 0) {
-            const rlimit limit{4096, 4096};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            signal(SIGXFSZ, SIG_IGN);
-            _exit(Write("a.gif", Bytes(100000)) ? 1 : 0);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return status == 0 ? testing::AssertionSuccess() : testing::AssertionFailure() << status;
-    }();
-    EXPECT_TRUE(result);
+    const auto removeAndLeave = [](int) {
+        RemovePendingTemporary();
+        _exit(3);
+    };
+    EXPECT_EQ(WriteTooMuch("a.gif", SIG_IGN), 2);
+    EXPECT_EQ(WriteTooMuch("a.gif", removeAndLeave), 3);
     EXPECT_EQ(Read("a.gif"), Bytes{5});
-    EXPECT_EQ(Entries(), 1U);
-}
-
-// A signal in the middle of writing: the handler removes the temporary.
-TEST_F(Files, AreNotLeftHalfWrittenByASignal) {
-    ASSERT_TRUE(Write("a.gif", {5}));
-    const pid_t child = fork();
-    if (child == 0) {
-        const rlimit limit{4096, 4096};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        signal(SIGXFSZ, [](int) {
-            RemovePendingTemporary();
-            _exit(3);
-        });
-        Write("a.gif", Bytes(100000));
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 3);
-    EXPECT_EQ(Read("a.gif"), Bytes{5});
-    EXPECT_EQ(Entries(), 1U);
+    EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
 }
 
 TEST_F(Files, ThatAreNoPicturesSaySo) {
-    std::ofstream(Path("empty"));
-    std::ofstream(Path("text")) << "GIF is what this is about";
+    Put("empty", "");
+    Put("text", "GIF is what this is about");
     fs::create_directory(Path("folder"));
     const std::pair<const char*, const char*> cases[] = {
         {"missing", "there is no such file or folder"},
@@ -129,4 +99,4 @@ TEST_F(Files, ThatAreNoPicturesSaySo) {
 }
 
 } // namespace
-} // namespace lumafold
+} // namespace lumafold::test
