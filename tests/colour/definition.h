@@ -9,34 +9,46 @@
 
 namespace lumafold::test {
 
+inline Rgb ToRgb(PixelValue v) {
+    const auto byte = [](unsigned level) { return static_cast<std::uint8_t>(level); };
+    return {byte(RedOf(v)), byte(GreenOf(v)), byte(BlueOf(v))};
+}
+
+/// A 24-bit picture of the colours, row by row.
+inline OwnedDib PictureOf(const std::vector<Rgb>& colours, std::int32_t height = 1) {
+    const auto width = static_cast<std::int32_t>(colours.size()) / height;
+    OwnedDib picture(DibCreate(width, height, nullptr, 24));
+    const LockedDib dib(picture.Get());
+    for (std::int32_t i = 0; i < width * height; ++i) {
+        const Rgb c = colours[static_cast<std::size_t>(i)];
+        DibSetPixel(dib.Get(), i % width, i / width, MakeColour(c.red, c.green, c.blue));
+    }
+    return picture;
+}
+
 class Definition {
 public:
     Definition(const Palette& palette, int bits, int count) : palette_(palette), bits_(bits), count_(count) {}
 
-    int Nearest(int r, int g, int b, int count) const {
-        const int exact = Exact(r, g, b, count);
-        if (exact >= 0) return exact;
+    int Nearest(Rgb c, int count) const {
         int best = 0, bestDistance = 1000000;
         for (int i = 0; i < count; ++i) {
-            const Rgb e = Entry(i);
-            const int distance = 3 * (r - e.red) * (r - e.red) + 4 * (g - e.green) * (g - e.green) +
-                                 2 * (b - e.blue) * (b - e.blue);
+            const int r = c.red - Entry(i).red, g = c.green - Entry(i).green, b = c.blue - Entry(i).blue;
+            const int distance = 3 * r * r + 4 * g * g + 2 * b * b;
             if (distance < bestDistance) bestDistance = distance, best = i;
         }
         return best;
     }
-    int Exact(int r, int g, int b, int count) const {
-        for (int i = 0; i < count; ++i) {
-            if (Entry(i) == Rgb{Byte(r), Byte(g), Byte(b)}) return i;
-        }
-        return -1;
+    int Exact(Rgb c) const {
+        const auto end = palette_.begin() + count_, found = std::find(palette_.begin(), end, c);
+        return found == end ? -1 : static_cast<int>(found - palette_.begin());
     }
 
     OwnedDib Remap(DibHandle picture) const {
         return Paint(picture, [&](const DibHeader* source, DibHeader* target) {
             for (int y = 0; y < source->biHeight; ++y) {
                 for (int x = 0; x < source->biWidth; ++x)
-                    DibSetPixel(target, x, y, RemapPixel(source, x, y));
+                    DibSetPixel(target, x, y, static_cast<PixelValue>(RemapPixel(source, x, y)));
             }
         });
     }
@@ -47,7 +59,6 @@ public:
     }
 
 private:
-    static std::uint8_t Byte(int v) { return static_cast<std::uint8_t>(v); }
     Rgb Entry(int i) const { return palette_[static_cast<std::size_t>(i)]; }
 
     template <typename Work>
@@ -59,69 +70,54 @@ private:
     }
     static Rgb ColourAt(const DibHeader* dib, int x, int y) {
         const PixelValue v = DibGetPixel(dib, x, y);
-        if (dib->biBitCount == 24) return {Byte(v & 255), Byte(v >> 8 & 255), Byte(v >> 16)};
+        if (dib->biBitCount == 24) return ToRgb(v);
         Palette table;
         DibGetPalette(dib, table);
         return table[v];
     }
     static int Gray(Rgb c) { return (c.red * 30 / 100 + c.green * 59 / 100 + c.blue * 11 / 100) % 256; }
-    int FromCache(int r, int g, int b) const { return Nearest(r / 8 * 8, g / 8 * 8, b / 8 * 8, count_); }
-    int Fast(int r, int g, int b) const {
-        const int exact = Exact(r, g, b, count_);
-        return exact >= 0 ? exact : FromCache(r, g, b);
+    int FromCache(Rgb c) const {
+        return Nearest(ToRgb(MakeColour(c.red, c.green, c.blue) & 0xF8F8F8), count_);
+    }
+    int ForDither(Rgb c) const {
+        if (pluginSettings.FastRemap == 0) return Nearest(c, count_);
+        const int exact = Exact(c);
+        return exact >= 0 ? exact : FromCache(c);
     }
 
-    PixelValue RemapPixel(const DibHeader* source, int x, int y) const {
+    int RemapPixel(const DibHeader* source, int x, int y) const {
         const Rgb c = ColourAt(source, x, y);
-        int index;
-        if (bits_ == 1) {
-            index = Gray(c) < 129 ? 0 : 1;
-        } else if (source->biBitCount == 1) {
-            const int level = DibGetPixel(source, x, y) != 0 ? 255 : 0;
-            index =
-                pluginSettings.FastRemap ? Fast(level, level, level) : Nearest(level, level, level, count_);
-        } else if (source->biBitCount <= 8) {
-            index = Nearest(c.red, c.green, c.blue, 1 << bits_);
-        } else {
-            index = FromCache(c.red, c.green, c.blue);
-        }
-        return static_cast<PixelValue>(index);
+        if (bits_ == 1) return Gray(c) < 129 ? 0 : 1;
+        if (source->biBitCount == 1) return ForDither(ToRgb(DibGetPixel(source, x, y) != 0 ? 0xFFFFFF : 0));
+        return source->biBitCount <= 8 ? Nearest(c, 1 << bits_) : FromCache(c);
     }
 
     void DitherColours(const DibHeader* source, DibHeader* target) const {
         const int width = source->biWidth, height = source->biHeight;
-        using Row = std::vector<std::array<std::int16_t, 3>>;
-        Row current(static_cast<std::size_t>(width)), next = current;
+        std::vector<std::array<int, 3>> given(static_cast<std::size_t>(width * height));
         for (int y = 0; y < height; ++y) {
-            const auto give = [](Row& row, int x, std::size_t channel, int share) {
-                std::int16_t& word = row[static_cast<std::size_t>(x)][channel];
-                word = static_cast<std::int16_t>(word + share);
-            };
             for (int x = 0; x < width; ++x) {
                 const Rgb c = ColourAt(source, x, y);
-                give(current, x, 0, c.red), give(current, x, 1, c.green), give(current, x, 2, c.blue);
-            }
-            const bool hasNext = y + 1 < height;
-            for (int x = 0; x < width; ++x) {
-                int v[3];
-                for (std::size_t i = 0; i < 3; ++i) {
-                    const int sum = current[static_cast<std::size_t>(x)][i];
-                    v[i] = sum < 1 ? 0 : sum > 254 ? 255 : sum;
-                }
-                const int index =
-                    pluginSettings.FastRemap ? Fast(v[0], v[1], v[2]) : Nearest(v[0], v[1], v[2], count_);
+                const auto& more = given[static_cast<std::size_t>(y * width + x)];
+                const auto sum = [](int level, int share) {
+                    return static_cast<std::uint8_t>(std::clamp(level + share, 0, 255));
+                };
+                const Rgb wanted{sum(c.red, more[0]), sum(c.green, more[1]), sum(c.blue, more[2])};
+                const int index = ForDither(wanted);
                 DibSetPixel(target, x, y, static_cast<PixelValue>(index));
                 const Rgb chosen = Entry(index);
-                const int errors[3] = {v[0] - chosen.red, v[1] - chosen.green, v[2] - chosen.blue};
-                for (std::size_t i = 0; i < 3; ++i) {
-                    if (x + 1 < width) give(current, x + 1, i, 7 * errors[i] >> 4);
-                    if (x - 1 > 0 && hasNext) give(next, x - 1, i, 3 * errors[i] >> 4);
-                    if (x + 1 < width && hasNext) give(next, x + 1, i, 1 * errors[i] >> 4);
-                    if (hasNext) give(next, x, i, 5 * errors[i] >> 4);
-                }
+                const int errors[3] = {wanted.red - chosen.red, wanted.green - chosen.green,
+                                       wanted.blue - chosen.blue};
+                const auto give = [&](int toX, int toY, int sixteenths) {
+                    if (toX >= width || toY >= height) return;
+                    for (std::size_t i = 0; i < 3; ++i)
+                        given[static_cast<std::size_t>(toY * width + toX)][i] += sixteenths * errors[i] >> 4;
+                };
+                give(x + 1, y, 7);
+                if (x > 1) give(x - 1, y + 1, 3);
+                give(x + 1, y + 1, 1);
+                give(x, y + 1, 5);
             }
-            current = next;
-            next.assign(static_cast<std::size_t>(width), {});
         }
     }
 
@@ -138,23 +134,24 @@ private:
         }
         const int largest = *std::max_element(work.begin(), work.end());
         const int smallest = *std::min_element(work.begin(), work.end());
-        const auto give = [&](int at, int share) {
-            int& level = work[static_cast<std::size_t>(at)];
+        const auto give = [&](int x, int y, int share) {
+            if (x >= width || y >= height) return;
+            int& level = work[static_cast<std::size_t>(y * width + x)];
             level = std::clamp(level + share, 0, 255);
         };
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
-                const int at = y * width + x, nextStart = (y + 1) * width;
-                const int v = levels[static_cast<std::size_t>(work[static_cast<std::size_t>(at)])];
+                const int gray = work[static_cast<std::size_t>(y * width + x)];
+                const int v = levels[static_cast<std::size_t>(gray)];
                 const bool white = v > (largest + smallest) >> 1;
                 DibSetPixel(target, x, y, white ? 1 : 0);
                 const int e = (v - (white ? largest : smallest)) >> 4;
-                const bool hasNext = y + 1 < height;
-                if (x + 1 < width && hasNext) give(nextStart + x + 1, e);
-                if (x == 0 && hasNext) give(nextStart - 1, 3 * e);
-                if (x > 1 && hasNext) give(nextStart + x - 1, 3 * e);
-                if (hasNext) give(nextStart + x, 5 * e);
-                if (x + 1 < width) give(at + 1, 7 * e);
+                give(x + 1, y + 1, e);
+                // Left of the next row's first pixel lies the last one of this row.
+                if (x == 0 && y + 1 < height) give(width - 1, y, 3 * e);
+                if (x > 1) give(x - 1, y + 1, 3 * e);
+                give(x, y + 1, 5 * e);
+                give(x + 1, y, 7 * e);
             }
         }
     }

@@ -9,10 +9,8 @@ namespace lumafold {
 namespace {
 
 TEST(FindNearestColour, WeighsTiesAndPrefersTheFirst) {
-    Palette palette{};
-    palette[0] = {10, 10, 10}, palette[1] = {14, 10, 10}, palette[2] = {10, 14, 10},
-    palette[3] = {10, 10, 14};
-    palette[4] = {14, 10, 10}, palette[5] = {200, 0, 0}, palette[6] = {200, 0, 1};
+    const Palette palette{
+        {{10, 10, 10}, {14, 10, 10}, {10, 14, 10}, {10, 10, 14}, {14, 10, 10}, {200, 0, 0}, {200, 0, 1}}};
     const struct {
         int red, green, blue, count, nearest, exact;
     } cases[] = {
@@ -45,19 +43,19 @@ std::vector<Search> PalettesToSearch() {
         BuildFixedPalette(&palette, nullptr, number);
         all.push_back({palette, 256});
     }
-    const struct {
-        unsigned mask, base;
-        int count;
-    } kinds[] = {{0xFF, 0, 256}, {0x1F, 90, 256}, {0xC0, 0, 256}, {0xFF, 0, 17}, {0xFF, 0, 1}, {0xFF, 0, 0}};
     Random random(5);
-    for (const auto& kind : kinds) {
-        Palette palette;
-        const auto level = [&] {
-            return static_cast<std::uint8_t>((random.Draw() >> 9 & kind.mask) + kind.base);
-        };
-        for (Rgb& entry : palette)
-            entry.red = level(), entry.green = level(), entry.blue = level();
-        all.push_back({palette, kind.count});
+    for (const auto& [mask, base, count] : {std::array{0xFF, 0, 256},
+                                            {0x1F, 90, 256},
+                                            {0xC0, 0, 256},
+                                            {0xFF, 0, 17},
+                                            {0xFF, 0, 1},
+                                            {0xFF, 0, 0}}) {
+        Search search{{}, count};
+        for (Rgb& entry : search.palette) {
+            for (std::uint8_t* level : {&entry.red, &entry.green, &entry.blue})
+                *level = static_cast<std::uint8_t>((static_cast<int>(random.Draw() >> 9) & mask) + base);
+        }
+        all.push_back(search);
     }
     return all;
 }
@@ -73,24 +71,23 @@ TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
         const Array<std::uint8_t> cache = BuildLookupCache(search);
         const ExactColours exact(palette, count);
         int wrong = 0;
-        const auto check = [&](int r, int g, int b) {
-            const PixelValue colour =
-                MakeColour(static_cast<unsigned>(r), static_cast<unsigned>(g), static_cast<unsigned>(b));
-            const int nearest = definition.Nearest(r, g, b, count);
-            wrong += search.Find(colour) != nearest || FindNearestColour(r, g, b, palette, count) != nearest;
-            wrong += exact.Find(colour) != definition.Exact(r, g, b, count);
+        const auto check = [&](PixelValue v) {
+            const PixelValue colour = v & 0xFFFFFF;
+            const Rgb c = test::ToRgb(colour);
+            const int nearest = definition.Nearest(c, count);
+            wrong += search.Find(colour) != nearest;
+            wrong += FindNearestColour(c.red, c.green, c.blue, palette, count) != nearest;
+            wrong += exact.Find(colour) != definition.Exact(c);
             return nearest;
         };
-        for (int cell = 0; cell < 32768; ++cell) {
-            const int index = check((cell & 31) * 8, (cell >> 5 & 31) * 8, (cell >> 10) * 8);
-            wrong += cache[static_cast<std::size_t>(cell)] != index;
+        for (unsigned cell = 0; cell < 32768; ++cell) {
+            wrong +=
+                cache[cell] != check(MakeColour((cell & 31) * 8, (cell >> 5 & 31) * 8, (cell >> 10) * 8));
         }
-        for (int i = 0; i < 20000; ++i) {
-            const auto draw = static_cast<int>(random.Draw() >> 4);
-            check(draw & 255, draw >> 8 & 255, draw >> 16 & 255);
-        }
+        for (int i = 0; i < 20000; ++i)
+            check(random.Draw() >> 4);
         for (const Rgb entry : palette)
-            check(entry.red, entry.green, entry.blue);
+            check(MakeColour(entry.red, entry.green, entry.blue));
         EXPECT_EQ(wrong, 0) << "with " << count << " entries";
     }
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/colour/definition.h"
 #include "tests/support/checksum.h"
 
 namespace lumafold {
@@ -31,39 +32,18 @@ TEST(FixedPalettes, AreTheNineAgreedOn) {
     }
 }
 
-TEST(FixedPalettes, HoldTheirKnownEntries) {
-    const struct {
-        std::size_t entry;
-        int number;
-        Rgb colour;
-    } known[] = {
-        {8, 1, {192, 192, 192}},   {1, 2, {0, 0, 255}},       {31, 2, {255, 255, 255}},
-        {4, 4, {0, 36, 0}},        {6, 5, {51, 0, 0}},        {36, 5, {0, 51, 0}},
-        {216, 5, {0, 0, 0}},       {111, 7, {128, 109, 255}}, {112, 7, {1, 1, 1}},
-        {143, 7, {254, 254, 254}}, {144, 7, {128, 146, 0}},   {255, 6, {255, 255, 255}},
-    };
-    for (const auto& row : known) {
-        Palette palette;
-        BuildFixedPalette(&palette, nullptr, row.number);
-        EXPECT_EQ(palette[row.entry], row.colour) << row.number << ", entry " << row.entry;
-    }
-}
-
 TEST(Palettes, DepthAndLuminanceFollowTheColours) {
-    const int bounds[] = {2, 4, 8, 16, 32, 64, 128, 256};
     for (int bits = 1; bits <= 8; ++bits) {
-        EXPECT_EQ(PaletteBitsFor(bounds[bits - 1]), bits);
-        EXPECT_EQ(PaletteBitsFor(bounds[bits - 1] + 1), std::min(bits + 1, 8));
+        EXPECT_EQ(PaletteBitsFor(1 << bits), bits);
+        EXPECT_EQ(PaletteBitsFor((1 << bits) + 1), std::min(bits + 1, 8));
     }
     EXPECT_EQ(PaletteBitsFor(0), 1);
 
     Checksum sum;
-    for (int r = 0; r < 256; r += 5) {
-        for (int g = 0; g < 256; g += 3) {
-            for (int b = 0; b < 256; b += 5) {
-                const std::uint8_t level =
-                    Luminance({static_cast<std::uint8_t>(r), static_cast<std::uint8_t>(g),
-                               static_cast<std::uint8_t>(b)});
+    for (unsigned r = 0; r < 256; r += 5) {
+        for (unsigned g = 0; g < 256; g += 3) {
+            for (unsigned b = 0; b < 256; b += 5) {
+                const std::uint8_t level = Luminance(test::ToRgb(MakeColour(r, g, b)));
                 sum.Add(&level, 1);
             }
         }

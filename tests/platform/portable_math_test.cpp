@@ -99,19 +99,13 @@ bool SumsAreExtended() {
 }
 
 TEST(PortableMath, ExtendedPrecisionIsSetAndPutBack) {
-    bool atFirst = true, inside = false, afterwards = true;
+    const CoarsePrecision host;
+    EXPECT_FALSE(SumsAreExtended());
     {
-        const CoarsePrecision host;
-        atFirst = SumsAreExtended();
-        {
-            const ExtendedPrecision precision;
-            inside = SumsAreExtended();
-        }
-        afterwards = SumsAreExtended();
+        const ExtendedPrecision precision;
+        EXPECT_TRUE(SumsAreExtended());
     }
-    EXPECT_FALSE(atFirst);
-    EXPECT_TRUE(inside);
-    EXPECT_FALSE(afterwards);
+    EXPECT_FALSE(SumsAreExtended());
 }
 
 TEST(PortableMath, ExponentialKeepsItsArgumentWhateverTheThreadHasSet) {
