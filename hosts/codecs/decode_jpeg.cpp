@@ -1,4 +1,3 @@
-#include <csetjmp>
 #include <cstdio>
 #include <vector>
 
@@ -6,15 +5,14 @@
 
 #include <jerror.h>
 
-#include "hosts/codecs/decode_common.h"
+#include "hosts/codecs/jump_guard.h"
 #include "hosts/codecs/orientation.h"
 
 namespace lumafold {
 namespace {
 
-/// A file being read by libjpeg. Its errors jump to the latest Guarded call; the steps run there may
-/// therefore hold nothing that needs a destructor.
-class JpegReader {
+/// A file being read by libjpeg.
+class JpegReader : public JumpGuard {
 public:
     JpegReader() {
         info_.err = jpeg_std_error(&errors_);
@@ -31,40 +29,23 @@ public:
     JpegReader& operator=(const JpegReader&) = delete;
     ~JpegReader() { jpeg_destroy_decompress(&info_); }
 
-    template <typename Step>
-    void Guarded(Step step) {
-        if (!Ran(step)) throw DecodeError{message_};
-    }
-
     jpeg_decompress_struct& Info() { return info_; }
 
 private:
-    template <typename Step>
-    bool Ran(Step& step) {
-        if (setjmp(jump_) != 0) return false;
-        step();
-        return true;
-    }
-
     static JpegReader* Self(j_common_ptr info) { return static_cast<JpegReader*>(info->client_data); }
 
-    [[noreturn]] static void Fail(j_common_ptr info, const char* text) {
-        JpegReader* self = Self(info);
-        std::snprintf(self->message_, sizeof self->message_, "%s", text);
-        std::longjmp(self->jump_, 1);
-    }
     static void OnError(j_common_ptr info) {
         char text[JMSG_LENGTH_MAX], line[JMSG_LENGTH_MAX + 40];
         info->err->format_message(info, text);
         std::snprintf(line, sizeof line, "the JPEG data is damaged (%s)", text);
-        Fail(info, line);
+        Self(info)->Fail(line);
     }
     /// Warnings after which pixels are made up are failures; what is merely odd is not.
     static void OnMessage(j_common_ptr info, int level) {
         if (level >= 0) return;
         switch (info->err->msg_code) {
         case JWRN_JPEG_EOF:
-            Fail(info, kEndsTooEarly);
+            Self(info)->Fail(kEndsTooEarly);
         case JWRN_HIT_MARKER:
         case JWRN_HUFF_BAD_CODE:
         case JWRN_ARITH_BAD_CODE:
@@ -80,15 +61,13 @@ private:
     static void OnProgress(j_common_ptr info) {
         constexpr int kMostScans = 500;
         if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) {
-            Fail(info, "the JPEG data has too many scans");
+            Self(info)->Fail("the JPEG data has too many scans");
         }
     }
 
     jpeg_decompress_struct info_{};
     jpeg_error_mgr errors_{};
     jpeg_progress_mgr progress_{};
-    std::jmp_buf jump_{};
-    char message_[JMSG_LENGTH_MAX + 40] = {};
 };
 
 int ReadOrientation(const jpeg_decompress_struct& info) {

@@ -1,19 +1,17 @@
-#include <csetjmp>
 #include <cstdio>
 #include <memory>
 #include <vector>
 
 #include <png.h>
 
-#include "hosts/codecs/decode_common.h"
+#include "hosts/codecs/jump_guard.h"
 #include "hosts/codecs/orientation.h"
 
 namespace lumafold {
 namespace {
 
-/// A file being read by libpng. Its errors jump to the latest Guarded call; the steps run there may therefore
-/// hold nothing that needs a destructor.
-class PngReader {
+/// A file being read by libpng.
+class PngReader : public JumpGuard {
 public:
     explicit PngReader(std::span<const std::uint8_t> file) : file_(file) {
         png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
@@ -28,30 +26,16 @@ public:
     PngReader& operator=(const PngReader&) = delete;
     ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
 
-    template <typename Step>
-    void Guarded(Step step) {
-        if (!Ran(step)) throw DecodeError{message_};
-    }
-
     png_structp Png() const { return png_; }
     png_infop Info() const { return info_; }
 
 private:
-    template <typename Step>
-    bool Ran(Step& step) {
-        if (setjmp(jump_) != 0) return false;
-        step();
-        return true;
-    }
-
     [[noreturn]] static void OnError(png_structp png, png_const_charp text) {
         auto* self = static_cast<PngReader*>(png_get_error_ptr(png));
-        if (self->ended_) {
-            std::snprintf(self->message_, sizeof self->message_, "%s", kEndsTooEarly);
-        } else {
-            std::snprintf(self->message_, sizeof self->message_, "the PNG data is damaged (%s)", text);
-        }
-        std::longjmp(self->jump_, 1);
+        if (self->ended_) self->Fail(kEndsTooEarly);
+        char line[160];
+        std::snprintf(line, sizeof line, "the PNG data is damaged (%s)", text);
+        self->Fail(line);
     }
     static void OnWarning(png_structp, png_const_charp) {}
     static void OnRead(png_structp png, png_bytep to, std::size_t bytes) {
@@ -69,8 +53,6 @@ private:
     bool ended_ = false;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
-    std::jmp_buf jump_{};
-    char message_[160] = {};
 };
 
 /// What the header says, and which colour, if any, the file declares transparent.
