@@ -17,3 +17,10 @@
 #define LUMAFOLD_CAPTION_REMAPPING "Remapping"
 
 #define LUMAFOLD_LABEL_TEMPORARY "TEMP"
+
+#define LUMAFOLD_TEXT_INTERNAL_ERROR "Internal error"
+#define LUMAFOLD_TEXT_CLIPBOARD_ERROR "Clipboard error"
+#define LUMAFOLD_TEXT_HELP_ERROR "There has been an error displaying the Help document."
+
+#define LUMAFOLD_LABEL_CLIPBOARD "Clipboard image"
+#define LUMAFOLD_MANUAL "LUMAFOLD.HTML"

@@ -4,10 +4,21 @@ namespace lumafold {
 namespace {
 
 constexpr SettingDescriptor kDescriptors[] = {
-#define LUMAFOLD_SETTING(key, kind, value, minimum, maximum, start, label, choices, meaning)                 \
-    {#key, SettingKind::kind, &PluginSettings::key, value, minimum, maximum, start, label, choices, meaning},
+#define LUMAFOLD_SETTING(key, kind, value, minimum, maximum, start, label, dialog, id, column, line,         \
+                         choices, meaning)                                                                   \
+    {#key,                                                                                                   \
+     SettingKind::kind,                                                                                      \
+     &PluginSettings::key,                                                                                   \
+     value,                                                                                                  \
+     minimum,                                                                                                \
+     maximum,                                                                                                \
+     start,                                                                                                  \
+     label,                                                                                                  \
+     SettingDialog::dialog,                                                                                  \
+     id,                                                                                                     \
+     choices,                                                                                                \
+     meaning},
 #include "settings/descriptors.def"
-#undef LUMAFOLD_SETTING
 };
 
 } // namespace

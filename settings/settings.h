@@ -1,5 +1,5 @@
-// All options under their configuration keys, with their defaults, and the table that describes them. One set for
-// the whole process; effects, colour reduction and the driver read it directly.
+// All options under their configuration keys, with their defaults, and the table that describes them. One set
+// for the whole process; effects, colour reduction and the driver read it directly.
 #pragma once
 
 #include <cstdint>
@@ -8,12 +8,13 @@
 namespace lumafold {
 
 struct PluginSettings {
-#define LUMAFOLD_SETTING(key, kind, value, minimum, maximum, start, label, choices, meaning) std::uint32_t key = value;
+#define LUMAFOLD_SETTING(key, kind, value, ...) std::uint32_t key = value;
 #include "settings/descriptors.def"
-#undef LUMAFOLD_SETTING
 };
 
 enum class SettingKind { Switch, Number, Colour, Choice, Fixed };
+/// Whose control edits a setting.
+enum class SettingDialog { Main, Advanced, Nowhere };
 
 /// Ranges bind dialogs; a settings file or a command line may hold any 32-bit number.
 struct SettingDescriptor {
@@ -22,6 +23,8 @@ struct SettingDescriptor {
     std::uint32_t PluginSettings::*value;
     std::uint32_t defaultValue, minimum, maximum, start;
     const char* label;
+    SettingDialog dialog;
+    int controlId; ///< in the Advanced dialog, 0 where it has none
     const char* choices;
     const char* meaning;
 };

@@ -1,0 +1,43 @@
+// The image list between two runs: one path a line. The dialog's list is written from its last line to its
+// first, and each path read goes to the top of the list, so both reversals together keep the order.
+#pragma once
+
+#include "platform/allocation.h"
+
+namespace lumafold {
+
+inline constexpr char kListFileName[] = "LUMAFOLD_LIST.TXT";
+/// Longest line read in one piece, its end and the zero included.
+inline constexpr std::size_t kListLineBytes = 260;
+
+/// Gives the paths of existing files one by one, in the file's order.
+class ListFileReader {
+public:
+    explicit ListFileReader(const char* path);
+
+    /// False at the end, and at once when there is no such file.
+    bool Next(char (&path)[kListLineBytes]);
+
+private:
+    Array<char> text_;
+    std::size_t at_ = 0;
+};
+
+/// Collects paths and replaces the file with them.
+class ListFileWriter {
+public:
+    /// Takes a path when there is such a file, and passes over it in silence otherwise. False when memory
+    /// could not be had, after which nothing is written.
+    bool Add(const char* path);
+
+    /// Replaces the file, making its folder when that is missing; with nothing added the file is empty. False
+    /// when it cannot be written, which leaves the old one whole.
+    bool Write(const char* path);
+
+private:
+    Array<char> text_;
+    std::size_t used_ = 0;
+    bool failed_ = false;
+};
+
+} // namespace lumafold

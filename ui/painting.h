@@ -1,0 +1,28 @@
+// What all dialogs of the plug-in paint themselves: the textured background, labels that stand on it, colour
+// swatches.
+#pragma once
+
+#include <windows.h>
+
+namespace lumafold {
+
+/// Planes times bits of the screen; everything above 8 counts as 24.
+int ScreenDepth();
+
+/// Answers WM_ERASEBKGND: the tinted texture, or a plain fill on few colours or when the settings ask for it.
+void PaintBackground(HWND dialog, HDC context);
+
+/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent.
+INT_PTR PaintStaticLabel(HDC context);
+
+/// Sets a swatch button's colour (0x00BBGGRR), which its caption names and its window data keeps, and
+/// repaints it.
+void SetSwatch(HWND button, COLORREF colour);
+COLORREF SwatchColour(HWND button);
+/// Answers WM_DRAWITEM of a swatch button.
+void DrawSwatch(const DRAWITEMSTRUCT& item);
+
+/// Asks the host for a colour, `colour` being the one before and, when true is returned, the one chosen.
+bool ChooseColour(HWND owner, COLORREF& colour);
+
+} // namespace lumafold
