@@ -6,7 +6,7 @@
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/output.h"
-#include "hosts/cli/report.h"
+#include "hosts/common/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
 

@@ -25,7 +25,8 @@ DibHandle LoadPicture(const char* path) {
 } // namespace
 
 RecordingHost::RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors)
-    : progress_(progress), errors_(errors), messagesBefore_(SetMessageHook(&ShowLine)) {
+    : progress_(progress), errors_(errors), messagesBefore_(SetMessageHook(&ShowLine)),
+      task_(DelayUnitFor(capabilityFlags)) {
     context_.callback = &Callback;
     context_.capabilityFlags = capabilityFlags;
     current = this;
@@ -56,19 +57,16 @@ std::int32_t LUMAFOLD_CALL RecordingHost::Callback(TaskRecord* task, std::uint32
 std::int32_t RecordingHost::Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
                                    std::intptr_t lparam) {
     Record(command, wparam, lparam);
-    const bool ofTask = state_ == TaskState::Open && task == task_;
     switch (static_cast<HostCommand>(command)) {
     case HostCommand::CreateTask:
     case HostCommand::CreateTestTask:
-        return OpenTask(At<TaskRecord>(lparam)) ? 1 : 0;
+        return !complete_ && task_.Open(At<const TaskRecord>(lparam)) ? 1 : 0;
     case HostCommand::AddFrame:
-        return ofTask && AddFrame(*At<const ImageRecord>(lparam)) ? 1 : 0;
+        return task_.Add(task, At<const ImageRecord>(lparam)) ? 1 : 0;
     case HostCommand::AddComment:
-        if (ofTask) animation_.comment = Text(lparam);
-        return ofTask ? 1 : 0;
+        return task_.Comment(task, Text(lparam)) ? 1 : 0;
     case HostCommand::FinishTask:
-        if (ofTask) FinishTask(wparam == 1);
-        return ofTask ? 1 : 0;
+        return FinishTask(task, wparam == 1) ? 1 : 0;
     case HostCommand::Caption:
         progress_.Caption(Text(lparam));
         return 1;
@@ -95,31 +93,12 @@ void RecordingHost::Record(std::uint32_t command, std::uint32_t wparam, std::int
     commands_.push_back({command, wparam, std::move(text)});
 }
 
-bool RecordingHost::OpenTask(TaskRecord* task) {
-    if (state_ != TaskState::None || task == nullptr) return false;
-    task_ = task;
-    state_ = TaskState::Open;
-    animation_.width = task->width;
-    animation_.height = task->height;
-    animation_.paletteBits = task->paletteBits;
-    animation_.palette = task->palette;
-    if (task->frameCount > 0) animation_.frames.reserve(static_cast<std::size_t>(task->frameCount));
-    return true;
-}
-
-// The picture stays the plug-in's, which frees it as soon as the task is finished.
-bool RecordingHost::AddFrame(const ImageRecord& frame) {
-    if (frame.index != static_cast<std::int32_t>(animation_.frames.size())) return false;
-    OwnedDib copy(GlobalDuplicate(frame.image));
-    if (!copy) return false;
-    animation_.frames.push_back({std::move(copy), frame.delay, frame.transparentIndex});
-    return true;
-}
-
-void RecordingHost::FinishTask(bool complete) {
-    task_ = nullptr;
-    state_ = complete ? TaskState::Complete : TaskState::None;
-    if (!complete) animation_ = {};
+bool RecordingHost::FinishTask(const TaskRecord* task, bool complete) {
+    if (!task_.IsOpen()) return false;
+    std::optional<Animation> animation = task_.Finish(task, complete);
+    complete_ = animation.has_value();
+    if (complete_) animation_ = std::move(*animation);
+    return complete_ == complete;
 }
 
 } // namespace lumafold

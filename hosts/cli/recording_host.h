@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hosts/cli/progress.h"
-#include "hosts/codecs/animation.h"
+#include "hosts/common/task_collector.h"
 #include "plugin/host_protocol.h"
 
 namespace lumafold {
@@ -30,30 +30,26 @@ public:
     const HostContext& Context() const { return context_; }
     /// Whole once the task was finished as complete; empty when there was none or it was abandoned.
     const Animation& Result() const { return animation_; }
-    bool Complete() const { return state_ == TaskState::Complete; }
+    bool Complete() const { return complete_; }
     /// Everything from the first caption on.
     const std::vector<SentCommand>& Commands() const { return commands_; }
 
 private:
-    enum class TaskState { None, Open, Complete };
-
     static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
                                                std::intptr_t lparam);
     static void ShowLine(WindowHandle window, const char* text);
 
     std::int32_t Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
     void Record(std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
-    bool OpenTask(TaskRecord* task);
-    bool AddFrame(const ImageRecord& frame);
-    void FinishTask(bool complete);
+    bool FinishTask(const TaskRecord* task, bool complete);
 
     HostContext context_{};
     Progress& progress_;
     std::ostream& errors_;
     MessageHook messagesBefore_;
-    TaskRecord* task_ = nullptr; // whose frames are taken
-    TaskState state_ = TaskState::None;
+    TaskCollector task_;
     Animation animation_;
+    bool complete_ = false;
     std::vector<SentCommand> commands_;
 };
 

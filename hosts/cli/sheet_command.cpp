@@ -7,7 +7,7 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
-#include "hosts/cli/report.h"
+#include "hosts/common/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
 #include "image/resample.h"

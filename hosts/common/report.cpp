@@ -1,4 +1,4 @@
-#include "hosts/cli/report.h"
+#include "hosts/common/report.h"
 
 #include <bitset>
 #include <cstdio>
