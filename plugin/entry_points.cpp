@@ -2,6 +2,18 @@
 
 #include "plugin/host.h"
 #include "plugin/module.h"
+#include "ui/dialogs.h"
+#include "ui/gdi.h"
+#include "ui/session.h"
+
+namespace {
+
+constexpr int kFontHeight = 13;
+
+/// What a host that gave no context is taken to have given: no callback, which the dialog reports.
+constexpr lumafold::HostContext kNoContext{};
+
+} // namespace
 
 BOOL WINAPI DllEntryPoint(HINSTANCE instance, DWORD, LPVOID) {
     lumafold::SetModuleInstance(instance);
@@ -16,5 +28,23 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved
 
 BOOL WINAPI PLUGINGetPluginParams(lumafold::PluginParams* params) {
     lumafold::FillPluginParams(*params);
+    return 1;
+}
+
+int WINAPI PLUGINDoBuild(HWND parent, const lumafold::HostContext* context) {
+    lumafold::DialogSession& session = lumafold::Session();
+    if (session.open) return 1;
+    {
+        const lumafold::Raised open(session.open);
+        const lumafold::OwnedGdi<HFONT> font(
+            CreateFontA(kFontHeight, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial"));
+        session.listFont = font.Get();
+        lumafold::RunMainDialog(parent, context != nullptr ? *context : kNoContext);
+        session.host = nullptr;
+        session.listFont = nullptr;
+    }
+    if (IsWindow(parent) != 0) {
+        RedrawWindow(parent, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    }
     return 1;
 }

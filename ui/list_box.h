@@ -25,7 +25,7 @@ void EnableDragging(HWND list);
 /// The list as the build driver sees it, with the dialog's controls for its defaults.
 class ListBoxImages : public ImageList {
 public:
-    explicit ListBoxImages(HWND dialog) : dialog_(dialog) {}
+    explicit ListBoxImages(HWND dialog);
     std::int32_t Count() override;
     bool Read(std::int32_t index, ImageEntry& entry) override;
     bool Write(std::int32_t index, const ImageEntry& entry) override;
@@ -37,6 +37,7 @@ public:
 
 private:
     HWND dialog_;
+    HWND list_;
 };
 
 } // namespace lumafold

@@ -1,7 +1,9 @@
-// What the open dialog's parts share: the host that called, the font of the list, and whether a build runs.
+// What the open dialog's parts share: the host that called, the font of the list, and what is going on.
 #pragma once
 
 #include <windows.h>
+
+#include <utility>
 
 #include "plugin/host.h"
 
@@ -11,10 +13,25 @@ namespace lumafold {
 struct DialogSession {
     const HostContext* host = nullptr;
     HFONT listFont = nullptr;
-    bool building = false; ///< a host may pump messages meanwhile; nothing may start or close then
+    bool open = false;     ///< one dialog at a time, even when a host calls again from within a command
+    bool busy = false;     ///< an action waits for the host, which may pump messages: no other may begin
+    bool building = false; ///< nor may anything change the list or close the dialog
 };
 
 DialogSession& Session();
+
+/// Raises a flag of the session while it lives.
+class Raised {
+public:
+    explicit Raised(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    ~Raised() { flag_ = before_; }
+
+private:
+    bool& flag_;
+    const bool before_;
+};
 
 /// A window as records name it, and back.
 inline WindowHandle HandleOf(HWND window) {

@@ -1,0 +1,190 @@
+#include "ui/list_actions.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "image/import.h"
+#include "platform/folders.h"
+#include "plugin/chosen_names.h"
+#include "plugin/module.h"
+#include "resources/resource_ids.h"
+#include "resources/strings.h"
+#include "settings/list_file.h"
+#include "settings/settings.h"
+#include "ui/dialogs.h"
+#include "ui/list_box.h"
+#include "ui/session.h"
+
+namespace lumafold {
+namespace {
+
+HWND ListOf(HWND dialog) { return GetDlgItem(dialog, LUMAFOLD_MAIN_LIST); }
+
+int Ask(HWND list, UINT message, WPARAM wparam = 0) {
+    return static_cast<int>(SendMessageA(list, message, wparam, 0));
+}
+
+void Select(HWND list, int index) { Ask(list, LB_SETCURSEL, static_cast<WPARAM>(index)); }
+
+Host CallingHost() { return Host(*Session().host); }
+
+/// A zeroed entry with its label, and what the dialog's controls say.
+ImageEntry NewEntry(HWND dialog, const char* label) {
+    ListBoxImages controls(dialog);
+    ImageEntry entry{};
+    std::strncpy(entry.label, label, sizeof(entry.label) - 1);
+    entry.transition = controls.DefaultTransition();
+    entry.pause = controls.DefaultPause();
+    entry.delay = controls.DefaultDelay();
+    return entry;
+}
+
+/// Inserts a picture from the host below the selection, which stays. False after a message.
+bool InsertPicture(HWND dialog, const char* label, DibHandle foreign) {
+    OwnedDib picture = DibImport(foreign);
+    if (!picture) {
+        ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
+        return false;
+    }
+    HWND list = ListOf(dialog);
+    ImageEntry entry = NewEntry(dialog, label);
+    entry.image = picture.Get();
+    // With nothing selected, -1, this is the top.
+    if (!InsertEntry(list, Ask(list, LB_GETCURSEL) + 1, entry)) {
+        ShowString(dialog, LUMAFOLD_STRING_MEMORY_ERROR);
+        return false;
+    }
+    (void)picture.Release();
+    return true;
+}
+
+bool InsertFile(HWND dialog, const char* path) {
+    const DibHandle loaded = CallingHost().LoadPicture(path);
+    if (loaded != 0) return InsertPicture(dialog, path, loaded);
+    ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
+    return false;
+}
+
+/// False when the action ended early, after a message.
+bool InsertFiles(HWND dialog, const ChosenNames& names) {
+    for (std::size_t i = 0; i < names.Count(); ++i) {
+        char path[kMaxPath];
+        if (names.Path(i, path) && !InsertFile(dialog, path)) return false;
+    }
+    return true;
+}
+
+void SelectLast(HWND dialog) {
+    HWND list = ListOf(dialog);
+    Select(list, Ask(list, LB_GETCOUNT) - 1);
+}
+
+} // namespace
+
+void ShowString(HWND dialog, UINT number) {
+    char text[260] = "";
+    LoadStringA(ModuleInstance(), number, text, sizeof(text));
+    ShowMessage(HandleOf(dialog), text);
+}
+
+void AddImages(HWND dialog) {
+    Array<char> buffer(kChosenNamesBytes);
+    if (!buffer) {
+        ShowString(dialog, LUMAFOLD_STRING_MEMORY_ERROR);
+        return;
+    }
+    if (!CallingHost().ChooseFiles(HandleOf(dialog), buffer.data())) return;
+    if (InsertFiles(dialog, ChosenNames(buffer.data(), buffer.size()))) SelectLast(dialog);
+    EnableByCount(dialog);
+}
+
+void PasteImage(HWND dialog) {
+    const DibHandle pasted = CallingHost().ClipboardPicture(HandleOf(dialog));
+    if (pasted == 0) {
+        ShowMessage(HandleOf(dialog), LUMAFOLD_TEXT_CLIPBOARD_ERROR);
+        return;
+    }
+    if (InsertPicture(dialog, LUMAFOLD_LABEL_CLIPBOARD, pasted)) SelectLast(dialog);
+    EnableByCount(dialog);
+}
+
+void RemoveImage(HWND dialog) {
+    HWND list = ListOf(dialog);
+    const int index = Ask(list, LB_GETCARETINDEX);
+    if (index >= 0 && index < Ask(list, LB_GETCOUNT)) {
+        FreeEntry(list, index);
+        Ask(list, LB_DELETESTRING, static_cast<WPARAM>(index));
+        Select(list, std::min(index, Ask(list, LB_GETCOUNT) - 1));
+    }
+    EnableByCount(dialog);
+}
+
+void OverrideImage(HWND dialog) {
+    HWND list = ListOf(dialog);
+    const int index = Ask(list, LB_GETCARETINDEX);
+    if (index < 0 || index >= Ask(list, LB_GETCOUNT)) return;
+    ImageEntry entry;
+    const bool done = ReadEntry(list, index, entry) &&
+                      (!RunOverrideDialog(dialog, entry) || WriteEntry(list, index, entry));
+    if (!done) ShowString(dialog, LUMAFOLD_STRING_MEMORY_ERROR);
+}
+
+void StoreDefault(HWND dialog, std::int32_t ImageEntry::*field, std::int32_t value) {
+    HWND list = ListOf(dialog);
+    const int count = Ask(list, LB_GETCOUNT);
+    for (int i = 0; i < count; ++i) {
+        ImageEntry entry;
+        bool done = ReadEntry(list, i, entry);
+        if (done && (entry.flags & kEntryOverride) == 0) {
+            entry.*field = value;
+            done = WriteEntry(list, i, entry);
+        }
+        if (!done) {
+            ShowString(dialog, LUMAFOLD_STRING_MEMORY_ERROR);
+            return;
+        }
+    }
+}
+
+void EnableByCount(HWND dialog) {
+    const BOOL filled = Ask(ListOf(dialog), LB_GETCOUNT) > 0;
+    for (const int id : {IDOK, LUMAFOLD_MAIN_TEST, LUMAFOLD_MAIN_REMOVE}) {
+        HWND button = GetDlgItem(dialog, id);
+        // A disabled control that kept the focus would leave the keyboard with nothing to talk to.
+        if (filled == 0 && GetFocus() == button) {
+            SendMessageA(dialog, WM_NEXTDLGCTL,
+                         reinterpret_cast<WPARAM>(GetDlgItem(dialog, LUMAFOLD_MAIN_ADD)), TRUE);
+        }
+        EnableWindow(button, filled);
+    }
+}
+
+bool RestoreList(HWND dialog) {
+    ListFileReader file(ListFolderPath(kListFileName));
+    char path[kListLineBytes];
+    while (file.Next(path)) {
+        if (!InsertFile(dialog, path)) return false;
+    }
+    Select(ListOf(dialog), 0);
+    return true;
+}
+
+void SaveList(HWND dialog) {
+    HWND list = ListOf(dialog);
+    ListFileWriter file;
+    const int count = pluginSettings.PreserveListContents != 0 ? Ask(list, LB_GETCOUNT) : 0;
+    for (int i = count - 1; i >= 0; --i) {
+        ImageEntry entry;
+        if (ReadEntry(list, i, entry)) file.Add(entry.label);
+    }
+    file.Write(ListFolderPath(kListFileName));
+}
+
+void FreeList(HWND dialog) {
+    HWND list = ListOf(dialog);
+    for (int i = Ask(list, LB_GETCOUNT) - 1; i >= 0; --i)
+        FreeEntry(list, i);
+    Ask(list, LB_RESETCONTENT);
+}
+
+} // namespace lumafold

@@ -1,0 +1,302 @@
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "build/build_driver.h"
+#include "platform/folders.h"
+#include "plugin/module.h"
+#include "resources/resource_ids.h"
+#include "resources/strings.h"
+#include "settings/config_file.h"
+#include "settings/settings.h"
+#include "ui/controls.h"
+#include "ui/dialogs.h"
+#include "ui/list_actions.h"
+#include "ui/list_box.h"
+#include "ui/logo.h"
+#include "ui/painting.h"
+#include "ui/session.h"
+
+namespace lumafold {
+namespace {
+
+constexpr INT_PTR kCancelled = 0, kBuilt = 1, kNoCallback = 2;
+constexpr int kItemHeight = 100;
+
+/// A check box and the switch it stands for.
+struct CheckBox {
+    int id;
+    std::uint32_t PluginSettings::*value;
+};
+constexpr CheckBox kCheckBoxes[] = {
+    {LUMAFOLD_MAIN_SUPERCOMPRESS, &PluginSettings::Supercompress},
+    {LUMAFOLD_MAIN_DITHER, &PluginSettings::TransitionDither},
+    {LUMAFOLD_MAIN_CUSTOM_PALETTE, &PluginSettings::TransitionCustompalette},
+    {LUMAFOLD_MAIN_TRUE_COLOUR, &PluginSettings::TransitionTruecolour},
+};
+
+bool HasCallback() { return Session().host->callback != nullptr; }
+bool HostTakes(std::uint32_t capability) { return (Session().host->capabilityFlags & capability) != 0; }
+bool ShiftIsDown() { return GetKeyState(VK_SHIFT) < 0; }
+
+void Disable(HWND dialog, int id) { EnableWindow(GetDlgItem(dialog, id), FALSE); }
+std::uint32_t Choice(HWND dialog, int comboId) {
+    return static_cast<std::uint32_t>(ReadSelection(dialog, comboId, 0, -1));
+}
+void Choose(HWND dialog, int comboId, std::uint32_t row) {
+    SendDlgItemMessageA(dialog, comboId, CB_SETCURSEL, row, 0);
+}
+
+/// Amid the window that called, and whole within the screen's free area.
+void Centre(HWND dialog) {
+    HWND parent = GetWindow(dialog, GW_OWNER);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    RECT own;
+    if (GetWindowRect(dialog, &own) == 0 ||
+        GetMonitorInfoA(MonitorFromWindow(parent != nullptr ? parent : dialog, MONITOR_DEFAULTTONEAREST),
+                        &monitor) == 0) {
+        return;
+    }
+    const RECT& free = monitor.rcWork;
+    RECT around = free;
+    if (parent != nullptr && IsWindowVisible(parent) != 0 && IsIconic(parent) == 0) {
+        GetWindowRect(parent, &around);
+    }
+    const LONG width = own.right - own.left, height = own.bottom - own.top;
+    const LONG left = std::min((around.left + around.right - width) / 2, free.right - width);
+    const LONG top = std::min((around.top + around.bottom - height) / 2, free.bottom - height);
+    SetWindowPos(dialog, nullptr, std::max(left, free.left), std::max(top, free.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void SettingsToControls(HWND dialog) {
+    FillTransitions(GetDlgItem(dialog, LUMAFOLD_MAIN_TRANSITION));
+    Choose(dialog, LUMAFOLD_MAIN_TRANSITION, pluginSettings.TransitionType);
+    for (const SettingDescriptor& row : SettingDescriptors()) {
+        if (row.value == &PluginSettings::TransitionPalette) {
+            FillChoices(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE), row.choices);
+        }
+    }
+    Choose(dialog, LUMAFOLD_MAIN_PALETTE, pluginSettings.TransitionPalette);
+    // Starting an up-down control writes into its edit box, so the numbers follow.
+    StartSpin(dialog, LUMAFOLD_MAIN_DELAY);
+    StartSpin(dialog, LUMAFOLD_MAIN_PAUSE);
+    SetClamped(dialog, LUMAFOLD_MAIN_DELAY, pluginSettings.TransitionDelay);
+    SetClamped(dialog, LUMAFOLD_MAIN_PAUSE, pluginSettings.TransitionPause);
+    for (const CheckBox& box : kCheckBoxes) {
+        CheckDlgButton(dialog, box.id, pluginSettings.*box.value != 0 ? BST_CHECKED : BST_UNCHECKED);
+    }
+}
+
+void ControlsToSettings(HWND dialog) {
+    pluginSettings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
+    pluginSettings.TransitionType = Choice(dialog, LUMAFOLD_MAIN_TRANSITION);
+    pluginSettings.TransitionDelay = ReadClamped(dialog, LUMAFOLD_MAIN_DELAY);
+    pluginSettings.TransitionPause = ReadClamped(dialog, LUMAFOLD_MAIN_PAUSE);
+    for (const CheckBox& box : kCheckBoxes) {
+        pluginSettings.*box.value = IsDlgButtonChecked(dialog, box.id) == BST_CHECKED ? 1 : 0;
+    }
+}
+
+void FollowCapabilities(HWND dialog) {
+    // The pause's own range gives way too, so that it is at least 1 here: wanted.
+    const char* range = HostTakes(kHostTakesSupercompression) ? "1,1000,10" : "1,10000,100";
+    SetDlgItemTextA(dialog, LUMAFOLD_MAIN_DELAY + LUMAFOLD_UPDOWN, range);
+    SetDlgItemTextA(dialog, LUMAFOLD_MAIN_PAUSE + LUMAFOLD_UPDOWN, range);
+    ApplyCapabilities(pluginSettings, Session().host->capabilityFlags);
+    if (!HostTakes(kHostTakesSupercompression)) Disable(dialog, LUMAFOLD_MAIN_SUPERCOMPRESS);
+}
+
+/// A list that cannot be restored ends the opening where it is.
+void Open(HWND dialog) {
+    const Raised busy(Session().busy);
+    if (!ShiftIsDown()) LoadSettings(DataFolderPath(kConfigFileName), pluginSettings);
+    if (!HostTakes(kHostTakesTrueColour)) Disable(dialog, LUMAFOLD_MAIN_TRUE_COLOUR);
+    if (!HasCallback()) {
+        ShowMessage(HandleOf(dialog), LUMAFOLD_TEXT_INTERNAL_ERROR);
+        PostMessageA(dialog, WM_CLOSE, 0, 0);
+        return;
+    }
+    FollowCapabilities(dialog);
+    EnableDragging(GetDlgItem(dialog, LUMAFOLD_MAIN_LIST));
+    SettingsToControls(dialog);
+    SetFocus(GetDlgItem(dialog, IDOK));
+    SendDlgItemMessageA(dialog, LUMAFOLD_MAIN_LIST, LB_SETITEMHEIGHT, 0, kItemHeight);
+    EnableWindow(GetDlgItem(dialog, LUMAFOLD_MAIN_PASTE), IsClipboardFormatAvailable(CF_DIB));
+    SetSwatch(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), pluginSettings.TransitionMattcolour);
+    if (!ShiftIsDown() && !RestoreList(dialog)) return;
+    EnableByCount(dialog);
+    PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(LUMAFOLD_MAIN_CUSTOM_PALETTE, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE)));
+    StartLogo(dialog, LUMAFOLD_MAIN_LOGO);
+    SetWindowTextA(dialog, kPluginName);
+}
+
+void Close(HWND dialog) {
+    StopLogo(dialog, LUMAFOLD_MAIN_LOGO);
+    SaveSettings(DataFolderPath(kConfigFileName), pluginSettings);
+    SaveList(dialog);
+    // A host that destroys the dialog under a running build leaves it the pictures it is working on.
+    if (!Session().building) FreeList(dialog);
+}
+
+void RunBuild(HWND dialog, TaskKind kind) {
+    const Raised building(Session().building);
+    PauseLogo(dialog, LUMAFOLD_MAIN_LOGO);
+    ControlsToSettings(dialog);
+    ListBoxImages images(dialog);
+    // The line that stands in for a second picture comes and goes above the selection.
+    HWND list = GetDlgItem(dialog, LUMAFOLD_MAIN_LIST);
+    const LRESULT selected = SendMessageA(list, LB_GETCURSEL, 0, 0);
+    BuildAnimation(images, HandleOf(dialog), *Session().host, kind);
+    SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+    ResumeLogo(dialog, LUMAFOLD_MAIN_LOGO);
+}
+
+void ChooseMatte(HWND dialog) {
+    COLORREF colour = pluginSettings.TransitionMattcolour;
+    if (!ChooseColour(dialog, colour)) return;
+    pluginSettings.TransitionMattcolour = colour;
+    SetSwatch(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), colour);
+}
+
+/// What the buttons do.
+void Act(HWND dialog, int id) {
+    const Raised busy(Session().busy);
+    switch (id) {
+    case IDOK:
+        RunBuild(dialog, TaskKind::Build);
+        EndDialog(dialog, kBuilt);
+        break;
+    case LUMAFOLD_MAIN_TEST:
+        RunBuild(dialog, TaskKind::Test);
+        RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        break;
+    case IDCANCEL:
+        EndDialog(dialog, HasCallback() ? kCancelled : kNoCallback);
+        break;
+    case LUMAFOLD_MAIN_ADD:
+        AddImages(dialog);
+        break;
+    case LUMAFOLD_MAIN_PASTE:
+        PasteImage(dialog);
+        break;
+    case LUMAFOLD_MAIN_REMOVE:
+        RemoveImage(dialog);
+        break;
+    case LUMAFOLD_MAIN_MATTE:
+        ChooseMatte(dialog);
+        break;
+    case LUMAFOLD_MAIN_ADVANCED:
+        RunAdvancedDialog(dialog);
+        InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_LIST), nullptr, TRUE);
+        break;
+    case LUMAFOLD_ID_HELP:
+        ShowHelp(dialog, nullptr);
+        break;
+    case LUMAFOLD_MAIN_ABOUT:
+        RunAboutBox(dialog);
+        break;
+    case LUMAFOLD_MAIN_CUSTOM_PALETTE:
+        EnableWindow(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE),
+                     IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE) != BST_CHECKED);
+        break;
+    default:
+        break;
+    }
+}
+
+void NotifiedByList(HWND dialog, int code) {
+    if (code == LBN_SELCHANGE) EnableByCount(dialog);
+    if (code == LBN_DBLCLK && !Session().busy) {
+        const Raised busy(Session().busy);
+        OverrideImage(dialog);
+    }
+}
+
+void NotifiedByPaletteCombo(HWND dialog, int code) {
+    if (code != CBN_CLOSEUP) return;
+    pluginSettings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
+    // Swatches are drawn in the palette's colours.
+    InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), nullptr, TRUE);
+}
+
+void NotifiedByTransitionCombo(HWND dialog, int code) {
+    const int row = ReadSelection(dialog, LUMAFOLD_MAIN_TRANSITION, -1, -1);
+    if (code == CBN_CLOSEUP && row >= 0) StoreDefault(dialog, &ImageEntry::transition, row);
+}
+
+void Notified(HWND dialog, int id, int code) {
+    switch (id) {
+    case LUMAFOLD_MAIN_LIST:
+        NotifiedByList(dialog, code);
+        break;
+    // Whatever the edit boxes tell, coming and going of the focus included.
+    case LUMAFOLD_MAIN_DELAY:
+        StoreDefault(dialog, &ImageEntry::delay, ListBoxImages(dialog).DefaultDelay());
+        break;
+    case LUMAFOLD_MAIN_PAUSE:
+        StoreDefault(dialog, &ImageEntry::pause, ListBoxImages(dialog).DefaultPause());
+        break;
+    case LUMAFOLD_MAIN_TRANSITION:
+        NotifiedByTransitionCombo(dialog, code);
+        break;
+    case LUMAFOLD_MAIN_PALETTE:
+        NotifiedByPaletteCombo(dialog, code);
+        break;
+    default:
+        if (code == BN_CLICKED && !Session().busy) Act(dialog, id);
+        break;
+    }
+}
+
+void Command(HWND dialog, int id, int code) {
+    if (Session().building) return;
+    if (HasCallback() || id == IDCANCEL) Notified(dialog, id, code);
+}
+
+void DrawItem(const DRAWITEMSTRUCT& item) {
+    if (item.CtlID == LUMAFOLD_MAIN_LIST) DrawListItem(item);
+    if (item.CtlID == LUMAFOLD_MAIN_MATTE) DrawSwatch(item);
+}
+
+INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (OfferToLogo(dialog, LUMAFOLD_MAIN_LOGO, message, wparam, lparam)) return TRUE;
+    switch (message) {
+    case WM_CTLCOLORSTATIC:
+        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
+    case WM_INITDIALOG:
+        Session().host = reinterpret_cast<const HostContext*>(lparam);
+        Centre(dialog);
+        SetForegroundWindow(dialog);
+        Open(dialog);
+        return FALSE; // the focus is set
+    case WM_COMMAND:
+        Command(dialog, LOWORD(wparam), HIWORD(wparam));
+        return TRUE;
+    case WM_DRAWITEM:
+        DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+        return TRUE;
+    case WM_ERASEBKGND:
+        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
+        return TRUE;
+    case WM_DESTROY:
+        Close(dialog);
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace
+
+INT_PTR RunMainDialog(HWND parent, const HostContext& host) {
+    InitCommonControls(); // or the up-down controls have no class, and the dialog none of its windows
+    return DialogBoxParamA(ModuleInstance(), MAKEINTRESOURCEA(LUMAFOLD_DIALOG_MAIN), parent, MainProcedure,
+                           reinterpret_cast<LPARAM>(&host));
+}
+
+} // namespace lumafold

@@ -1,0 +1,55 @@
+#include "ui/thumbnail.h"
+
+#include <algorithm>
+
+#include "image/resample.h"
+
+namespace lumafold {
+namespace {
+
+constexpr int kMargin = 6;
+
+/// A picture's header is laid out as the system's, and its colour table follows as the system expects.
+const BITMAPINFO* InfoOf(const DibHeader* picture) { return reinterpret_cast<const BITMAPINFO*>(picture); }
+
+bool Blit(HDC context, const RECT& place, const DibHeader* picture) {
+    const auto* rows = reinterpret_cast<const std::uint8_t*>(picture) + DibRowsOffset(*picture);
+    return StretchDIBits(context, place.left, place.top, picture->biWidth, picture->biHeight, 0, 0,
+                         picture->biWidth, picture->biHeight, rows, InfoOf(picture), DIB_RGB_COLORS,
+                         SRCCOPY) > 0;
+}
+
+} // namespace
+
+RECT DrawThumbnail(const DRAWITEMSTRUCT& item, DibHandle picture) {
+    RECT room = item.rcItem;
+    InflateRect(&room, -kMargin, -kMargin);
+    const std::int32_t roomWidth = room.right - room.left, roomHeight = room.bottom - room.top;
+    std::int32_t width = 0, height = 0;
+    if (!DibQuery(picture, &width, &height, nullptr, nullptr)) return {};
+
+    const std::int32_t percent = FitPercent(width, height, roomWidth, roomHeight);
+    const OwnedDib scaled(percent < 100 ? DibScale(picture, percent, percent) : 0);
+    if (percent < 100 && !scaled) return {};
+    const LockedDib shown(scaled ? scaled.Get() : picture);
+    if (!shown) return {};
+
+    RECT place{room.left + FitOffset(roomWidth, shown->biWidth),
+               room.top + FitOffset(roomHeight, shown->biHeight), 0, 0};
+    place.right = place.left + shown->biWidth;
+    place.bottom = place.top + shown->biHeight;
+    if (!Blit(item.hDC, place, shown.Get())) return {};
+    InflateRect(&place, 1, 1);
+    FrameRect(item.hDC, &place, GetSysColorBrush(COLOR_BTNSHADOW));
+    return place;
+}
+
+const char* FileNameOf(const char* path) {
+    const char* name = path;
+    for (const char* at = path; *at != '\0'; at = CharNextA(at)) {
+        if (*at == '\\' || *at == '/' || *at == ':') name = at + 1;
+    }
+    return name;
+}
+
+} // namespace lumafold
