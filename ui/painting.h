@@ -12,8 +12,15 @@ int ScreenDepth();
 /// Answers WM_ERASEBKGND: the tinted texture, or a plain fill on few colours or when the settings ask for it.
 void PaintBackground(HWND dialog, HDC context);
 
-/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent.
+/// Paints the part of its dialog's background that lies behind a control.
+void PaintBehind(HWND control, HDC context);
+
+/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent. Check boxes find the background
+/// painted behind them; a disabled list keeps a face of its own.
 INT_PTR PaintStaticLabel(HDC context);
+
+/// Answers WM_DRAWITEM of an owner-drawn static: a frame with the caption in its upper edge.
+void DrawGroupFrame(const DRAWITEMSTRUCT& item);
 
 /// Sets a swatch button's colour (0x00BBGGRR), which its caption names and its window data keeps, and
 /// repaints it.

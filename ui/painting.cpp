@@ -1,0 +1,235 @@
+#include "ui/painting.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "colour/nearest.h"
+#include "colour/palettes.h"
+#include "plugin/module.h"
+#include "resources/resource_ids.h"
+#include "settings/settings.h"
+#include "ui/gdi.h"
+#include "ui/session.h"
+
+namespace lumafold {
+namespace {
+
+constexpr int kFewColours = 8; // bits
+constexpr int kManyColours = 24;
+constexpr std::uint8_t kLightFace = 200;
+
+HPALETTE CreateLogicalPalette(const Palette& colours, int count) {
+    struct {
+        WORD version = 0x300;
+        WORD count;
+        PALETTEENTRY entries[256];
+    } logical{};
+    static_assert(sizeof logical == sizeof(LOGPALETTE) + 255 * sizeof(PALETTEENTRY));
+    logical.count = static_cast<WORD>(count);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+        logical.entries[i] = {colours[i].red, colours[i].green, colours[i].blue, 0};
+    return CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logical));
+}
+
+/// The face of buttons, or its shadow where the face is so light that the texture would not show on it.
+COLORREF BaseColour() {
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    const Rgb channels = {GetRValue(face), GetGValue(face), GetBValue(face)};
+    return Luminance(channels) > kLightFace ? GetSysColor(COLOR_BTNSHADOW) : face;
+}
+
+/// From the base colour for black up to white, so that dark text stays legible on every base.
+std::uint8_t Tint(std::uint8_t base, std::uint8_t level) {
+    return static_cast<std::uint8_t>(base + (255 - base) * level / 255);
+}
+
+/// Tints the colour table of a texture that is selected in a context, and says what it is then.
+int TintTable(HDC texture, COLORREF base, Palette& colours) {
+    std::array<RGBQUAD, 256> table = {};
+    const UINT count = GetDIBColorTable(texture, 0, 256, table.data());
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t level = Luminance({table[i].rgbRed, table[i].rgbGreen, table[i].rgbBlue});
+        colours[i] = {Tint(GetRValue(base), level), Tint(GetGValue(base), level),
+                      Tint(GetBValue(base), level)};
+        table[i] = {colours[i].blue, colours[i].green, colours[i].red, 0};
+    }
+    SetDIBColorTable(texture, 0, count, table.data());
+    return static_cast<int>(count);
+}
+
+void Tile(HDC context, const RECT& area, HDC texture, int width, int height) {
+    for (LONG y = area.top; y < area.bottom; y += height)
+        for (LONG x = area.left; x < area.right; x += width)
+            if (const RECT tile = {x, y, x + width, y + height}; RectVisible(context, &tile))
+                BitBlt(context, x, y, width, height, texture, 0, 0, SRCCOPY);
+}
+
+/// False when there is no texture to be had.
+bool PaintTexture(HDC context, const RECT& area) {
+    const OwnedGdi<HBITMAP> copy(
+        static_cast<HBITMAP>(LoadImageA(ModuleInstance(), MAKEINTRESOURCEA(LUMAFOLD_BITMAP_TEXTURE),
+                                        IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
+    BITMAP bitmap = {};
+    if (!copy || GetObjectA(copy.Get(), sizeof bitmap, &bitmap) == 0) return false;
+    const OwnedContext texture(CreateCompatibleDC(context));
+    if (!texture) return false;
+    const SelectedGdi selected(texture.Get(), copy.Get());
+    Palette colours = {};
+    const OwnedGdi<HPALETTE> palette(
+        CreateLogicalPalette(colours, TintTable(texture.Get(), BaseColour(), colours)));
+    if (!palette) return false;
+    const SelectedPalette realised(context, palette.Get());
+    Tile(context, area, texture.Get(), bitmap.bmWidth, bitmap.bmHeight);
+    return true;
+}
+
+enum class ControlClass { Static, Button, Other };
+
+ControlClass ClassOf(HWND control) {
+    char name[16] = "";
+    if (control == nullptr || GetClassNameA(control, name, sizeof name) == 0) return ControlClass::Static;
+    if (_stricmp(name, "Static") == 0) return ControlClass::Static;
+    return _stricmp(name, "Button") == 0 ? ControlClass::Button : ControlClass::Other;
+}
+
+/// The colour that a swatch's caption names; false when it names none.
+bool CaptionColour(HWND button, COLORREF& colour) {
+    char caption[32] = "";
+    GetWindowTextA(button, caption, sizeof caption);
+    int red = 0, green = 0, blue = 0;
+    if (std::sscanf(caption, "%d,%d,%d", &red, &green, &blue) != 3) return false;
+    colour = RGB(red, green, blue);
+    return true;
+}
+
+void FillColour(HDC context, const RECT& area, COLORREF colour) {
+    const OwnedGdi<HBRUSH> brush(CreateSolidBrush(colour));
+    FillRect(context, &area, brush.Get());
+}
+
+/// The upper left corner of an area.
+void FillCorner(HDC context, const RECT& area, COLORREF colour) {
+    const LONG side = area.bottom - area.top;
+    const POINT corner[] = {
+        {area.left, area.top}, {area.left + side, area.top}, {area.left, area.top + side}};
+    const OwnedGdi<HRGN> region(CreatePolygonRgn(corner, 3, ALTERNATE));
+    const OwnedGdi<HBRUSH> brush(CreateSolidBrush(colour));
+    if (region) FillRgn(context, region.Get(), brush.Get());
+}
+
+/// The face is the colour as the selected fixed palette shows it; where that is another one, the colour
+/// itself fills the corner.
+void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
+    Palette colours;
+    const int count =
+        BuildFixedPalette(&colours, nullptr, static_cast<std::int32_t>(pluginSettings.TransitionPalette));
+    const OwnedGdi<HPALETTE> palette(CreateLogicalPalette(colours, count));
+    const SelectedPalette realised(context, palette.Get());
+    const Rgb nearest = colours[static_cast<std::size_t>(
+        FindNearestColour(GetRValue(colour), GetGValue(colour), GetBValue(colour), colours, count))];
+    const COLORREF shown = RGB(nearest.red, nearest.green, nearest.blue);
+    FillColour(context, area, shown | 0x02000000); // through the palette on a screen that has one
+    if (shown != colour) FillCorner(context, area, colour);
+}
+
+} // namespace
+
+int ScreenDepth() {
+    const HDC screen = GetDC(nullptr);
+    const int depth = GetDeviceCaps(screen, PLANES) * GetDeviceCaps(screen, BITSPIXEL);
+    ReleaseDC(nullptr, screen);
+    return depth > kFewColours ? kManyColours : depth;
+}
+
+void PaintBackground(HWND dialog, HDC context) {
+    RECT area;
+    GetClientRect(dialog, &area);
+    const bool plain = ScreenDepth() <= kFewColours || pluginSettings.SolidBackground != 0;
+    if (plain || !PaintTexture(context, area)) FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
+}
+
+void PaintBehind(HWND control, HDC context) {
+    const HWND dialog = GetParent(control);
+    POINT origin = {0, 0};
+    MapWindowPoints(control, dialog, &origin, 1);
+    const SavedContext saved(context);
+    OffsetViewportOrgEx(context, -origin.x, -origin.y, nullptr);
+    PaintBackground(dialog, context);
+}
+
+INT_PTR PaintStaticLabel(HDC context) {
+    const HWND control = WindowFromDC(context);
+    const ControlClass kind = ClassOf(control);
+    if (kind == ControlClass::Other) { // a disabled list or edit box, which must cover what it showed before
+        SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
+        SetBkColor(context, GetSysColor(COLOR_BTNFACE));
+        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
+    }
+    // Check boxes repaint their text and focus without a message that clears what they covered.
+    if (kind == ControlClass::Button) PaintBehind(control, context);
+    SetTextColor(context, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkMode(context, TRANSPARENT);
+    return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
+}
+
+void DrawGroupFrame(const DRAWITEMSTRUCT& item) {
+    char caption[64] = "";
+    const int length = GetWindowTextA(item.hwndItem, caption, sizeof caption);
+    const SavedContext saved(item.hDC);
+    SelectObject(item.hDC, reinterpret_cast<HFONT>(SendMessageA(item.hwndItem, WM_GETFONT, 0, 0)));
+    SetBkMode(item.hDC, TRANSPARENT);
+    SetTextColor(item.hDC, GetSysColor(COLOR_WINDOWTEXT));
+    SIZE text = {};
+    GetTextExtentPoint32A(item.hDC, caption, length, &text);
+    const int indent = 9, gap = 3; // pixels before the caption, and on its sides
+    TextOutA(item.hDC, item.rcItem.left + indent, item.rcItem.top, caption, length);
+    ExcludeClipRect(item.hDC, item.rcItem.left + indent - gap, item.rcItem.top,
+                    item.rcItem.left + indent + text.cx + gap, item.rcItem.top + text.cy);
+    RECT frame = item.rcItem;
+    frame.top += text.cy / 2;
+    DrawEdge(item.hDC, &frame, EDGE_ETCHED, BF_RECT);
+}
+
+void SetSwatch(HWND button, COLORREF colour) {
+    char caption[32];
+    std::snprintf(caption, sizeof caption, "%d,%d,%d", GetRValue(colour), GetGValue(colour),
+                  GetBValue(colour));
+    SetWindowLongA(button, GWL_USERDATA, static_cast<LONG>(colour));
+    SetWindowTextA(button, caption);
+    InvalidateRect(button, nullptr, TRUE);
+}
+
+COLORREF SwatchColour(HWND button) { return static_cast<COLORREF>(GetWindowLongA(button, GWL_USERDATA)); }
+
+void DrawSwatch(const DRAWITEMSTRUCT& item) {
+    const bool pressed = (item.itemState & ODS_SELECTED) != 0;
+    const bool disabled = (item.itemState & ODS_DISABLED) != 0;
+    RECT area = item.rcItem;
+    DrawEdge(item.hDC, &area, pressed ? EDGE_SUNKEN : EDGE_RAISED, BF_RECT | BF_ADJUST);
+    FrameRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));
+    InflateRect(&area, -1, -1);
+    FillRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));
+    RECT face = area;
+    InflateRect(&face, -2, -2);
+    if (pressed) OffsetRect(&face, 1, 1);
+    COLORREF colour;
+    if (!disabled && CaptionColour(item.hwndItem, colour)) FillSwatch(item.hDC, face, colour);
+    DrawEdge(item.hDC, &face, BDR_SUNKENOUTER, BF_RECT);
+    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0)
+        DrawFocusRect(item.hDC, &area);
+}
+
+bool ChooseColour(HWND owner, COLORREF& colour) {
+    static std::uint32_t customColours[16]; // the chooser's own colours, kept from one call to the next
+    const HostContext* host = Session().host;
+    if (host == nullptr || host->callback == nullptr) return false;
+    ColourRecord record = {sizeof(ColourRecord), kInterfaceVersion, customColours, 24, colour, colour,
+                           HandleOf(owner)};
+    if (!Host(*host).ChooseColour(record)) return false;
+    colour = record.colour;
+    return true;
+}
+
+} // namespace lumafold
