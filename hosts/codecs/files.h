@@ -1,5 +1,5 @@
-// Whole files in and out. Writing goes to a temporary beside the target that takes its name only when
-// complete, so an interrupted run leaves the old file or the new one, never half of one.
+// Whole files in and out for programs: the house's file calls with strings, vectors and words for what went
+// wrong.
 #pragma once
 
 #include <cstdint>
@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
+#include "platform/files.h"
+
 namespace lumafold {
+
+/// One line, without the path.
+std::string FileErrorText(FileError error);
 
 /// False leaves why in `error`: one line, without the path.
 bool ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::string& error);
 
-/// Replaces or creates the file; what is no ordinary file (a pipe, a device) is written straight to. False
-/// leaves why in `error`, and the target as it was.
+/// Replaces or creates the file as StoreFile does. False leaves why in `error`, and the target as it was.
 bool WriteFileSafely(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error);
-
-/// Removes the temporary of a write under way, if there is one. Safe in a signal handler, which must end the
-/// program afterwards.
-void RemovePendingTemporary() noexcept;
 
 } // namespace lumafold
