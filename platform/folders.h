@@ -4,11 +4,12 @@
 namespace lumafold {
 
 /// `fileName` in the application-data folder's "Brackenfield"; on Windows the shell's roaming one, elsewhere
-/// $XDG_CONFIG_HOME or ~/.config. Where the system knows none, the sub-folder alone. The text is in a static
-/// buffer, which the next call of the same function overwrites; "" when it would be too long.
+/// $XDG_CONFIG_HOME, when that is an absolute path, or ~/.config. Where the system knows none, the sub-folder
+/// alone, relative to the current folder. The text is in a static buffer, which the next call of the same
+/// function overwrites; "" when it would be too long. Makes no folder.
 const char* DataFolderPath(const char* fileName);
 
-/// `fileName` in the folder "Lumafold" inside that.
+/// `fileName` in the folder "Lumafold" inside that; where the system knows none, in "Lumafold" alone.
 const char* ListFolderPath(const char* fileName);
 
 } // namespace lumafold

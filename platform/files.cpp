@@ -1,0 +1,198 @@
+#include "platform/files.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+
+#include "platform/file_system.h"
+
+namespace lumafold {
+namespace {
+
+using file_system::File;
+using file_system::Kind;
+using file_system::kNoFile;
+
+/// A signal handler may read no string, only this address.
+std::atomic<const char*> pendingTemporary{nullptr};
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+/// Where the last name of a path begins.
+std::size_t NameStart(const char* path) {
+    std::size_t start = std::strlen(path);
+    while (start > 0 && !file_system::IsSeparator(path[start - 1]))
+        --start;
+    return start;
+}
+
+/// A temporary file beside its target, announced to the signal handler and removed unless it took the
+/// target's name.
+class Temporary {
+public:
+    explicit Temporary(const char* target) {
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            error_ = MakeName(target);
+            if (error_ != 0) return;
+            // Announced first: a signal in between then finds at worst a name that does not exist yet.
+            pendingTemporary = path_;
+            error_ = file_system::CreateNew(path_, file_);
+            if (error_ == 0) return;
+            pendingTemporary = nullptr;
+            if (error_ != EEXIST) return;
+        }
+    }
+    Temporary(const Temporary&) = delete;
+    Temporary& operator=(const Temporary&) = delete;
+    ~Temporary() {
+        if (file_ != kNoFile) file_system::Close(file_);
+        if (pendingTemporary == nullptr) return;
+        file_system::Remove(path_);
+        pendingTemporary = nullptr;
+    }
+
+    FileError Fill(std::span<const std::uint8_t> bytes) {
+        if (error_ != 0) return error_;
+        if (const FileError error = file_system::Write(file_, bytes)) return error;
+        if (const FileError error = file_system::Flush(file_)) return error;
+        return file_system::Close(std::exchange(file_, kNoFile));
+    }
+    void TakeMode(std::uint32_t mode) {
+        if (error_ == 0) file_system::TakeMode(path_, mode);
+    }
+    FileError TakeName(const char* target) {
+        const FileError error = file_system::Replace(path_, target);
+        if (error == 0) pendingTemporary = nullptr;
+        return error;
+    }
+
+private:
+    // Of eleven letters: where the target's folder can hold a file at all, the path is not too long.
+    FileError MakeName(const char* target) {
+        constexpr std::size_t kNameBytes = sizeof("~123456.tmp");
+        const std::size_t start = NameStart(target);
+        if (start + kNameBytes > kPathBytes) return ENAMETOOLONG;
+        std::memcpy(path_, target, start);
+        char* name = path_ + start;
+        *name++ = '~';
+        const std::uint32_t number = file_system::SomeNumber();
+        for (int shift = 20; shift >= 0; shift -= 4)
+            *name++ = "0123456789abcdef"[number >> shift & 15];
+        std::memcpy(name, ".tmp", sizeof(".tmp"));
+        return 0;
+    }
+
+    char path_[kPathBytes];
+    File file_ = kNoFile;
+    FileError error_ = EEXIST;
+};
+
+FileError StoreStraight(const char* target, std::span<const std::uint8_t> bytes) {
+    File file = kNoFile;
+    if (const FileError error = file_system::OpenToOverwrite(target, file)) return error;
+    const FileError written = file_system::Write(file, bytes);
+    const FileError flushed = written == 0 ? file_system::Flush(file) : written;
+    const FileError closed = file_system::Close(file);
+    return flushed != 0 ? flushed : closed;
+}
+
+FileError StoreBeside(const char* target, const file_system::Standing& before,
+                      std::span<const std::uint8_t> bytes) {
+    Temporary temporary(target);
+    // Before there is anything in it that others may not read.
+    if (before.kind != Kind::Missing) temporary.TakeMode(before.mode);
+    if (const FileError error = temporary.Fill(bytes)) return error;
+    return temporary.TakeName(target);
+}
+
+/// `bytes` at another length, with what both hold; false leaves it as it was.
+bool Resize(Array<std::uint8_t>& bytes, std::size_t length) {
+    Array<std::uint8_t> resized(length);
+    if (!resized) return false;
+    std::copy_n(bytes.begin(), std::min(length, bytes.size()), resized.begin());
+    bytes = std::move(resized);
+    return true;
+}
+
+} // namespace
+
+bool FileExists(const char* path) {
+    const Kind kind = file_system::Inspect(path).kind;
+    return kind != Kind::Missing && kind != Kind::Folder;
+}
+
+InputFile::InputFile(const char* path) : error_(file_system::OpenToRead(path, file_)) {}
+
+InputFile::~InputFile() {
+    if (file_ != kNoFile) file_system::Close(file_);
+}
+
+std::uint64_t InputFile::LikelyBytes() const {
+    return file_ == kNoFile ? 0 : file_system::LikelyBytes(file_);
+}
+
+std::size_t InputFile::Read(void* into, std::size_t bytes) {
+    std::size_t all = 0, got = 1;
+    while (error_ == 0 && all < bytes && got != 0) {
+        error_ = file_system::Read(file_, static_cast<std::uint8_t*>(into) + all, bytes - all, got);
+        if (error_ == 0) all += got;
+    }
+    return all;
+}
+
+FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t most) {
+    InputFile file(path);
+    if (file.Error() != 0) return file.Error();
+    if (file.LikelyBytes() > most) return EFBIG;
+    // One byte more than is likely there, to see the end at the first attempt.
+    Array<std::uint8_t> read(static_cast<std::size_t>(file.LikelyBytes()) + 1);
+    if (!read) return ENOMEM;
+    std::size_t length = file.Read(read.data(), read.size());
+    while (length == read.size() && length <= most) {
+        if (!Resize(read, std::max<std::size_t>(2 * length, 65536))) return ENOMEM;
+        length += file.Read(read.data() + length, read.size() - length);
+    }
+    if (file.Error() != 0) return file.Error();
+    if (length > most) return EFBIG;
+    if (!Resize(read, length)) return ENOMEM;
+    bytes = std::move(read);
+    return 0;
+}
+
+FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes) {
+    char target[kPathBytes];
+    if (const FileError error = file_system::FollowLinks(path, target)) return error;
+    const file_system::Standing before = file_system::Inspect(target);
+    switch (before.kind) {
+    case Kind::Folder:
+        return EISDIR;
+    case Kind::ReadOnly:
+        return EACCES;
+    case Kind::Special:
+        return StoreStraight(target, bytes);
+    case Kind::Missing:
+    case Kind::Ordinary:
+        break;
+    }
+    return StoreBeside(target, before, bytes);
+}
+
+void MakeFoldersAbove(const char* path) {
+    char folder[kPathBytes];
+    const std::size_t end = NameStart(path);
+    if (end >= kPathBytes) return;
+    for (std::size_t at = 0; at < end; ++at) {
+        folder[at] = path[at];
+        if (at == 0 || !file_system::IsSeparator(path[at])) continue;
+        folder[at] = 0;
+        if (file_system::Inspect(folder).kind == Kind::Missing) file_system::MakeFolder(folder);
+        folder[at] = path[at];
+    }
+}
+
+void RemovePendingTemporary() noexcept {
+    const char* path = pendingTemporary;
+    if (path != nullptr) file_system::Remove(path);
+}
+
+} // namespace lumafold

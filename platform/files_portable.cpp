@@ -1,0 +1,122 @@
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/file_system.h"
+
+namespace lumafold::file_system {
+namespace {
+
+FileError Opened(int descriptor, File& file) {
+    file = descriptor;
+    return descriptor < 0 ? errno : 0;
+}
+
+int Descriptor(File file) { return static_cast<int>(file); }
+
+/// What a call that returns -1 for failure came to.
+FileError Result(int returned) { return returned < 0 ? errno : 0; }
+
+} // namespace
+
+FileError OpenToRead(const char* path, File& file) { return Opened(open(path, O_RDONLY | O_CLOEXEC), file); }
+
+FileError CreateNew(const char* path, File& file) {
+    return Opened(open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666), file);
+}
+
+FileError OpenToOverwrite(const char* path, File& file) {
+    return Opened(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC), file);
+}
+
+FileError Read(File file, void* into, std::size_t most, std::size_t& got) {
+    got = 0;
+    ssize_t returned = 0;
+    do {
+        returned = read(Descriptor(file), into, most);
+    } while (returned < 0 && errno == EINTR);
+    if (returned < 0) return errno;
+    got = static_cast<std::size_t>(returned);
+    return 0;
+}
+
+FileError Write(File file, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(Descriptor(file), bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) return errno;
+        if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+FileError Flush(File file) {
+    // Pipes and devices, and some file systems, have nothing to flush.
+    if (fsync(Descriptor(file)) == 0 || errno == EINVAL || errno == EROFS) return 0;
+    return errno;
+}
+
+FileError Close(File file) { return Result(close(Descriptor(file))); }
+
+std::uint64_t LikelyBytes(File file) {
+    struct stat status {};
+    const bool known = fstat(Descriptor(file), &status) == 0 && S_ISREG(status.st_mode);
+    return known ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+Standing Inspect(const char* path) {
+    struct stat status {};
+    if (stat(path, &status) != 0) return {};
+    const auto mode = static_cast<std::uint32_t>(status.st_mode & 07777);
+    if (S_ISDIR(status.st_mode)) return {Kind::Folder, mode};
+    if (!S_ISREG(status.st_mode)) return {Kind::Special, mode};
+    const bool writable = (mode & 0222) != 0 && faccessat(AT_FDCWD, path, W_OK, AT_EACCESS) == 0;
+    return {writable ? Kind::Ordinary : Kind::ReadOnly, mode};
+}
+
+void TakeMode(const char* path, std::uint32_t mode) {
+    [[maybe_unused]] const int ignored = chmod(path, static_cast<mode_t>(mode));
+}
+
+FileError FollowLinks(const char* path, char (&target)[kPathBytes]) {
+    if (std::strlen(path) >= kPathBytes) return ENAMETOOLONG;
+    std::strcpy(target, path);
+    for (int links = 0; links < 40; ++links) {
+        char led[kPathBytes];
+        const ssize_t length = readlink(target, led, sizeof(led));
+        if (length < 0) return 0; // no link, or nothing yet
+        const char* slash = std::strrchr(target, '/');
+        const bool beside = led[0] != '/' && slash != nullptr;
+        const std::size_t start = beside ? static_cast<std::size_t>(slash - target) + 1 : 0;
+        const auto bytes = static_cast<std::size_t>(length);
+        if (start + bytes >= kPathBytes) return ENAMETOOLONG;
+        std::memcpy(target + start, led, bytes);
+        target[start + bytes] = 0;
+    }
+    return ELOOP;
+}
+
+FileError Replace(const char* from, const char* target) { return Result(std::rename(from, target)); }
+
+void Remove(const char* path) noexcept { unlink(path); }
+
+// For the person alone: what a missing folder of somebody's settings should be.
+void MakeFolder(const char* path) { [[maybe_unused]] const int ignored = mkdir(path, 0700); }
+
+bool IsSeparator(char letter) { return letter == '/'; }
+
+std::uint32_t SomeNumber() {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    const auto ticks =
+        static_cast<std::uint64_t>(now.tv_sec) * 1000000000 + static_cast<std::uint64_t>(now.tv_nsec);
+    // Neighbouring moments and programs fall far apart.
+    return static_cast<std::uint32_t>(
+        (ticks ^ static_cast<std::uint64_t>(getpid()) << 40) * 0x9E3779B97F4A7C15U >> 32);
+}
+
+} // namespace lumafold::file_system

@@ -1,0 +1,132 @@
+#include <cerrno>
+#include <cstring>
+
+#include <windows.h>
+
+#include "platform/file_system.h"
+
+namespace lumafold::file_system {
+namespace {
+
+constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+struct ErrorPair {
+    DWORD system;
+    FileError error;
+};
+constexpr ErrorPair kErrors[] = {
+    {ERROR_FILE_NOT_FOUND, ENOENT},    {ERROR_PATH_NOT_FOUND, ENOENT},
+    {ERROR_INVALID_DRIVE, ENOENT},     {ERROR_BAD_NETPATH, ENOENT},
+    {ERROR_INVALID_NAME, ENOENT},      {ERROR_ACCESS_DENIED, EACCES},
+    {ERROR_SHARING_VIOLATION, EACCES}, {ERROR_LOCK_VIOLATION, EACCES},
+    {ERROR_WRITE_PROTECT, EACCES},     {ERROR_FILE_EXISTS, EEXIST},
+    {ERROR_ALREADY_EXISTS, EEXIST},    {ERROR_DISK_FULL, ENOSPC},
+    {ERROR_HANDLE_DISK_FULL, ENOSPC},  {ERROR_NOT_ENOUGH_MEMORY, ENOMEM},
+    {ERROR_OUTOFMEMORY, ENOMEM},       {ERROR_FILENAME_EXCED_RANGE, ENAMETOOLONG},
+};
+
+FileError LastError() {
+    const DWORD last = GetLastError();
+    for (const ErrorPair& pair : kErrors) {
+        if (pair.system == last) return pair.error;
+    }
+    return EIO;
+}
+
+HANDLE Handle(File file) { return reinterpret_cast<HANDLE>(file); }
+
+FileError Result(BOOL returned) { return returned != FALSE ? 0 : LastError(); }
+
+FileError Open(const char* path, DWORD access, DWORD how, File& file) {
+    const HANDLE handle = CreateFileA(path, access, kShare, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
+    file = handle == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<File>(handle);
+    return handle == INVALID_HANDLE_VALUE ? LastError() : 0;
+}
+
+} // namespace
+
+FileError OpenToRead(const char* path, File& file) {
+    const FileError error = Open(path, GENERIC_READ, OPEN_EXISTING, file);
+    // The system calls a folder a matter of permission.
+    return error != 0 && Inspect(path).kind == Kind::Folder ? EISDIR : error;
+}
+
+FileError CreateNew(const char* path, File& file) { return Open(path, GENERIC_WRITE, CREATE_NEW, file); }
+
+FileError OpenToOverwrite(const char* path, File& file) {
+    return Open(path, GENERIC_WRITE, TRUNCATE_EXISTING, file);
+}
+
+FileError Read(File file, void* into, std::size_t most, std::size_t& got) {
+    DWORD read = 0;
+    const BOOL done = ReadFile(Handle(file), into, static_cast<DWORD>(most), &read, nullptr);
+    got = read;
+    // A pipe whose writer has gone is at its end.
+    return done != FALSE || GetLastError() == ERROR_BROKEN_PIPE ? 0 : LastError();
+}
+
+FileError Write(File file, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        if (WriteFile(Handle(file), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ==
+            FALSE) {
+            return LastError();
+        }
+        if (written == 0) return ENOSPC;
+        bytes = bytes.subspan(written);
+    }
+    return 0;
+}
+
+FileError Flush(File file) {
+    if (FlushFileBuffers(Handle(file)) != FALSE) return 0;
+    const DWORD last = GetLastError();
+    return last == ERROR_INVALID_HANDLE || last == ERROR_INVALID_FUNCTION ? 0 : LastError();
+}
+
+FileError Close(File file) { return Result(CloseHandle(Handle(file))); }
+
+std::uint64_t LikelyBytes(File file) {
+    LARGE_INTEGER size{};
+    if (GetFileSizeEx(Handle(file), &size) == FALSE || size.QuadPart < 0) return 0;
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+Standing Inspect(const char* path) {
+    const DWORD attributes = GetFileAttributesA(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return {};
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {Kind::Folder, attributes};
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return {Kind::ReadOnly, attributes};
+    // Writing through a link keeps it; putting another file in its place would not.
+    const bool ordinary = (attributes & (FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DEVICE)) == 0;
+    return {ordinary ? Kind::Ordinary : Kind::Special, attributes};
+}
+
+void TakeMode(const char* path, std::uint32_t mode) { SetFileAttributesA(path, mode); }
+
+// The system follows links by itself where it opens what stands there.
+FileError FollowLinks(const char* path, char (&target)[kPathBytes]) {
+    if (std::strlen(path) >= kPathBytes) return ENAMETOOLONG;
+    std::strcpy(target, path);
+    return 0;
+}
+
+FileError Replace(const char* from, const char* target) {
+    return Result(MoveFileExA(from, target, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+}
+
+void Remove(const char* path) noexcept { DeleteFileA(path); }
+
+void MakeFolder(const char* path) { CreateDirectoryA(path, nullptr); }
+
+bool IsSeparator(char letter) { return letter == '\\' || letter == '/' || letter == ':'; }
+
+std::uint32_t SomeNumber() {
+    LARGE_INTEGER ticks{};
+    QueryPerformanceCounter(&ticks);
+    const auto seed =
+        static_cast<std::uint64_t>(ticks.QuadPart) ^ static_cast<std::uint64_t>(GetCurrentProcessId()) << 40;
+    return static_cast<std::uint32_t>(seed * 0x9E3779B97F4A7C15U >> 32);
+}
+
+} // namespace lumafold::file_system
