@@ -2,25 +2,26 @@
 // first, and each path read goes to the top of the list, so both reversals together keep the order.
 #pragma once
 
-#include "platform/allocation.h"
+#include "settings/line_reader.h"
+#include "settings/line_writer.h"
 
 namespace lumafold {
 
 inline constexpr char kListFileName[] = "LUMAFOLD_LIST.TXT";
 /// Longest line read in one piece, its end and the zero included.
-inline constexpr std::size_t kListLineBytes = 260;
+inline constexpr std::size_t kListLineBytes = kLineBytes;
 
-/// Gives the paths of existing files one by one, in the file's order.
+/// Gives the paths of existing files one by one, in the file's order. The file is open while the reader
+/// lives.
 class ListFileReader {
 public:
-    explicit ListFileReader(const char* path);
+    explicit ListFileReader(const char* path) : lines_(path) {}
 
     /// False at the end, and at once when there is no such file.
     bool Next(char (&path)[kListLineBytes]);
 
 private:
-    Array<char> text_;
-    std::size_t at_ = 0;
+    LineReader lines_;
 };
 
 /// Collects paths and replaces the file with them.
@@ -32,12 +33,10 @@ public:
 
     /// Replaces the file, making its folder when that is missing; with nothing added the file is empty. False
     /// when it cannot be written, which leaves the old one whole.
-    bool Write(const char* path);
+    bool Write(const char* path) { return lines_.Store(path) == 0; }
 
 private:
-    Array<char> text_;
-    std::size_t used_ = 0;
-    bool failed_ = false;
+    LineWriter lines_;
 };
 
 } // namespace lumafold

@@ -1,0 +1,116 @@
+#include "settings/config_file.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+
+#include "settings/line_reader.h"
+#include "settings/line_writer.h"
+
+namespace lumafold {
+namespace {
+
+// Bytes of 128 and above are letters like any other, whatever the sign of a char is here.
+bool IsControl(char letter) { return static_cast<unsigned char>(letter) < ' '; }
+
+const char* SkipAll(char letter, const char* text) {
+    while (*text == letter)
+        ++text;
+    return text;
+}
+
+/// The row that a key stands for: the first whose name begins with it, and so the first of all for none.
+const SettingDescriptor* FindRow(const char* key, std::size_t length) {
+    for (const SettingDescriptor& row : SettingDescriptors()) {
+        if (row.kind != SettingKind::Fixed && std::strncmp(row.key, key, length) == 0) return &row;
+    }
+    return nullptr;
+}
+
+/// Digits up to the first that is none, modulo 2^32.
+std::uint32_t NumberAt(const char* text) {
+    const bool negative = *text == '-';
+    if (negative || *text == '+') ++text;
+    std::uint32_t number = 0;
+    for (; *text >= '0' && *text <= '9'; ++text)
+        number = number * 10 + static_cast<std::uint32_t>(*text - '0');
+    return negative ? 0 - number : number;
+}
+
+void TakeLine(char* line, PluginSettings& settings) {
+    if (*line == ';') return;
+    char* end = line;
+    while (!IsControl(*end))
+        ++end;
+    *end = 0;
+    const char* behind = line;
+    while (*behind != 0 && *behind != ' ' && *behind != '=')
+        ++behind;
+    const SettingDescriptor* row = FindRow(line, static_cast<std::size_t>(behind - line));
+    if (row == nullptr) return;
+    const char* value = SkipAll(' ', SkipAll('=', SkipAll(' ', behind)));
+    settings.*row->value = NumberAt(value);
+}
+
+/// "Sun Nov 15 09:53:13 2026": the same in every language.
+struct TimeText {
+    char text[32];
+
+    TimeText() {
+        const std::time_t now = std::time(nullptr);
+        const std::tm* known = std::localtime(&now);
+        const std::tm local = known != nullptr ? *known : std::tm{};
+        constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
+        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * local.tm_wday,
+                      kMonths + 3 * local.tm_mon, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
+                      1900 + local.tm_year);
+        text[24] = 0;
+    }
+};
+
+void AddHeader(LineWriter& lines) {
+    lines.Line(";Brackenfield animtion plugin configuration file");
+    lines.Line(";Edit this at your own risk");
+    const TimeText now;
+    const char* updated[] = {";Last updated ", now.text};
+    lines.Line(updated);
+    lines.Line(";"); // an empty line would be read as a setting
+    lines.Line("[PlugIn]");
+}
+
+void AddRow(LineWriter& lines, const SettingDescriptor& row, const PluginSettings& settings) {
+    const std::uint32_t value = row.kind == SettingKind::Fixed ? row.defaultValue : settings.*row.value;
+    char digits[16] = "";
+    std::to_chars(digits, digits + sizeof(digits) - 1, value);
+    const char* parts[] = {row.key, " = ", digits};
+    lines.Line(parts);
+}
+
+/// Tells `why` and whether that is nothing.
+bool Outcome(FileError error, FileError* why) {
+    if (why != nullptr) *why = error;
+    return error == 0;
+}
+
+} // namespace
+
+bool LoadSettings(const char* path, PluginSettings& settings, FileError* why) {
+    LineReader lines(path);
+    PluginSettings read = settings;
+    char line[kLineBytes];
+    while (lines.Next(line))
+        TakeLine(line, read);
+    if (lines.Error() == 0) settings = read;
+    return Outcome(lines.Error(), why);
+}
+
+bool SaveSettings(const char* path, const PluginSettings& settings, FileError* why) {
+    LineWriter lines;
+    AddHeader(lines);
+    for (const SettingDescriptor& row : SettingDescriptors())
+        AddRow(lines, row, settings);
+    return Outcome(lines.Store(path), why);
+}
+
+} // namespace lumafold
