@@ -60,7 +60,7 @@ void FillAround(const DRAWITEMSTRUCT& item, const RECT& thumbnail) {
 
 void DrawLabel(const DRAWITEMSTRUCT& item, const char* name) {
     constexpr LONG kInset = 4;
-    constexpr UINT kFormat = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX;
+    constexpr UINT kFormat = DT_SINGLELINE | DT_NOPREFIX;
     const SavedContext saved(item.hDC);
     if (Session().listFont != nullptr) SelectObject(item.hDC, Session().listFont);
     SetTextColor(item.hDC, RGB(0, 0, 0));
@@ -70,7 +70,7 @@ void DrawLabel(const DRAWITEMSTRUCT& item, const char* name) {
     const LONG bottom = item.rcItem.bottom - kInset;
     RECT line{item.rcItem.left + kInset, bottom - (measured.bottom - measured.top),
               item.rcItem.right - kInset, bottom};
-    DrawTextA(item.hDC, name, -1, &line, kFormat | DT_END_ELLIPSIS);
+    DrawTextA(item.hDC, name, -1, &line, kFormat | DT_VCENTER | DT_END_ELLIPSIS);
 }
 
 /// A drag from the press to the release. There is one list and one mouse.
