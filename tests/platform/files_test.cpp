@@ -1,0 +1,203 @@
+#include "platform/files.h"
+#include "platform/folders.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/scratch_folder.h"
+
+namespace lumafold::test {
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+
+class PlatformFiles : public testing::Test {
+protected:
+    FileError Store(const std::string& path, const std::string& text) {
+        return StoreFile(path.c_str(), {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    }
+    /// What LoadFile gives, or its error.
+    std::string Load(const std::string& path, std::size_t most = 1000000) {
+        Array<std::uint8_t> bytes;
+        if (const FileError error = LoadFile(path.c_str(), bytes, most)) return std::strerror(error);
+        return {bytes.begin(), bytes.end()};
+    }
+
+    ScratchFolder folder_;
+};
+
+TEST_F(PlatformFiles, AreReplacedAndReadWhole) {
+    const std::string path = folder_.Path("a.bin");
+    for (const std::size_t length : {0, 1, 65535, 65536, 65537, 200001, 3}) {
+        const std::string text(length, 'x');
+        ASSERT_EQ(Store(path, text), 0);
+        EXPECT_EQ(Load(path), text);
+        EXPECT_EQ(Load(path, length), text);
+        if (length > 0) {
+            EXPECT_EQ(Load(path, length - 1), std::strerror(EFBIG));
+        }
+    }
+    EXPECT_EQ(folder_.Names(), Names{"a.bin"});
+}
+
+TEST_F(PlatformFiles, ThatCannotBeWrittenStayAsTheyAre) {
+    folder_.Put("fixed.ini", "old");
+    fs::permissions(folder_.Path("fixed.ini"),
+                    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+    fs::create_directory(folder_.Path("folder"));
+    const std::pair<const char*, FileError> kCases[] = {
+        {"fixed.ini", EACCES}, {"folder", EISDIR}, {"missing/a.ini", ENOENT}};
+    for (const auto& [name, error] : kCases)
+        EXPECT_EQ(Store(folder_.Path(name), "new"), error) << name;
+    EXPECT_NE(Store(folder_.Path("fixed.ini/a.ini"), "new"), 0);
+    EXPECT_NE(Store("", "new"), 0);
+    EXPECT_NE(Store(folder_.Path(std::string(kPathBytes, 'a')), "new"), 0);
+    EXPECT_EQ(folder_.Get("fixed.ini"), "old");
+    EXPECT_EQ(folder_.Names(), (Names{"fixed.ini", "folder"})) << "a temporary was left";
+}
+
+TEST_F(PlatformFiles, AreThereOrNot) {
+    folder_.Put("a.ini", "");
+    fs::create_directory(folder_.Path("folder"));
+    const std::pair<const char*, bool> kCases[] = {
+        {"a.ini", true}, {"b.ini", false}, {"folder", false}, {"folder/a.ini", false}};
+    for (const auto& [name, there] : kCases)
+        EXPECT_EQ(FileExists(folder_.Path(name).c_str()), there) << name;
+    EXPECT_FALSE(FileExists(""));
+    EXPECT_EQ(Load(folder_.Path("b.ini")), std::strerror(ENOENT));
+    EXPECT_EQ(Load(folder_.Path("folder")), std::strerror(EISDIR));
+}
+
+// The temporary stands beside the target and must not have a longer path than the system takes.
+TEST_F(PlatformFiles, MayHaveTheLongestNamesAndOtherLetters) {
+    const std::size_t longest = kPathBytes - 1;
+    std::string path = folder_.Path("a");
+    while (path.size() + 60 < longest)
+        path += kFolderSeparator + std::string(40, 'f');
+    MakeFoldersAbove((path + kFolderSeparator).c_str());
+    path += kFolderSeparator;
+    path += std::string(longest - path.size(), 'n');
+    ASSERT_EQ(Store(path, "long"), 0) << path;
+    ASSERT_EQ(Store(path, "longer"), 0);
+    EXPECT_EQ(Load(path), "longer");
+    EXPECT_TRUE(FileExists(path.c_str()));
+    EXPECT_NE(Store(path + "n", "too long"), 0);
+
+    const std::string umlauts = folder_.Path("") + "\xE4\xF6\xFC.ini";
+    ASSERT_EQ(Store(umlauts, "letters"), 0);
+    EXPECT_EQ(Load(umlauts), "letters");
+    std::remove(umlauts.c_str());
+}
+
+TEST_F(PlatformFiles, GetTheirMissingFoldersOnRequest) {
+    const std::string path = folder_.Path("one/two/a.ini");
+    MakeFoldersAbove(path.c_str());
+    MakeFoldersAbove(path.c_str());
+    EXPECT_EQ(Store(path, "text"), 0);
+    EXPECT_EQ(folder_.Names(), (Names{"one", "one/two", "one/two/a.ini"}));
+    MakeFoldersAbove(folder_.Path("one/two/a.ini/three/b.ini").c_str());
+    MakeFoldersAbove("a.ini");
+    MakeFoldersAbove("");
+    EXPECT_EQ(folder_.Names().size(), 3U);
+}
+
+TEST_F(PlatformFiles, NeedNoMoreMemoryThanThereIs) {
+    const std::string path = folder_.Path("a.bin");
+    ASSERT_EQ(Store(path, std::string(1000, 'x')), 0);
+    const std::int64_t before = allocation_hooks::LiveBlocks();
+    std::int64_t failed = 0;
+    for (;; ++failed) {
+        Array<std::uint8_t> bytes;
+        allocation_hooks::FailNth(failed + 1);
+        const FileError error = LoadFile(path.c_str(), bytes, 1000);
+        const bool missed = allocation_hooks::HasFailed();
+        allocation_hooks::FailNth(0);
+        EXPECT_EQ(error, missed ? ENOMEM : 0);
+        EXPECT_EQ(bytes.size(), missed ? 0U : 1000U);
+        if (!missed) break;
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_EQ(allocation_hooks::LiveBlocks(), before);
+}
+
+#ifdef _WIN32
+
+TEST(Folders, AreTheShellsWithOursInside) {
+    const std::string data = DataFolderPath("A.INI"), list = ListFolderPath("B.TXT");
+    const std::string behind = "\\Brackenfield\\A.INI";
+    ASSERT_GT(data.size(), behind.size());
+    const std::string roaming = data.substr(0, data.size() - behind.size());
+    EXPECT_EQ(data, roaming + behind);
+    EXPECT_EQ(list, roaming + "\\Brackenfield\\Lumafold\\B.TXT");
+    EXPECT_TRUE(fs::is_directory(roaming)) << roaming;
+    EXPECT_STREQ(DataFolderPath(std::string(kPathBytes, 'a').c_str()), "");
+}
+
+#else
+
+TEST_F(PlatformFiles, BehindLinksAreReplacedAndKeepTheirMode) {
+    folder_.Put("a.ini", "old");
+    const auto mode = fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read;
+    fs::permissions(folder_.Path("a.ini"), mode);
+    fs::create_directory(folder_.Path("folder"));
+    fs::create_symlink("../a.ini", folder_.Path("folder/first"));
+    fs::create_symlink("folder/first", folder_.Path("second"));
+    fs::create_symlink(folder_.Path("new.ini"), folder_.Path("dangling"));
+    fs::create_symlink("loop", folder_.Path("loop"));
+    EXPECT_EQ(Store(folder_.Path("second"), "new"), 0);
+    EXPECT_EQ(Store(folder_.Path("dangling"), "newer"), 0);
+    EXPECT_EQ(Store(folder_.Path("loop"), "newest"), ELOOP);
+    EXPECT_EQ(folder_.Get("a.ini") + folder_.Get("new.ini"), "newnewer");
+    EXPECT_EQ(fs::status(folder_.Path("a.ini")).permissions(), mode);
+    for (const char* link : {"folder/first", "second", "dangling", "loop"})
+        EXPECT_TRUE(fs::is_symlink(folder_.Path(link))) << link;
+    EXPECT_EQ(folder_.Names().size(), 7U);
+}
+
+/// An environment variable, or none, while it lives.
+class Variable {
+public:
+    Variable(const char* name, const char* value) : name_(name) {
+        if (const char* before = std::getenv(name)) before_ = before;
+        Set(value);
+    }
+    ~Variable() { Set(before_ ? before_->c_str() : nullptr); }
+
+private:
+    void Set(const char* value) { value != nullptr ? setenv(name_, value, 1) : unsetenv(name_); }
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+TEST(Folders, ComeFromTheEnvironment) {
+    const struct {
+        const char *config, *home, *data, *list;
+    } kCases[] = {
+        {"/c", "/h", "/c/Brackenfield/X", "/c/Brackenfield/Lumafold/X"},
+        {"/c/", "/h", "/c/Brackenfield/X", "/c/Brackenfield/Lumafold/X"},
+        {nullptr, "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
+        {"", "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
+        {"c", "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
+        {nullptr, nullptr, "Brackenfield/X", "Lumafold/X"},
+        {nullptr, "h", "Brackenfield/X", "Lumafold/X"},
+    };
+    for (const auto& row : kCases) {
+        const Variable config("XDG_CONFIG_HOME", row.config), home("HOME", row.home);
+        EXPECT_STREQ(DataFolderPath("X"), row.data);
+        EXPECT_STREQ(ListFolderPath("X"), row.list);
+    }
+    const Variable config("XDG_CONFIG_HOME", ("/" + std::string(kPathBytes - 20, 'c')).c_str());
+    EXPECT_STREQ(DataFolderPath("X"), "");
+}
+
+#endif
+
+} // namespace
+} // namespace lumafold::test
