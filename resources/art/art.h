@@ -17,8 +17,8 @@ Surface LogoFrame(double turn);
 /// The sheet alone, for icons.
 Surface LogoIcon(int size);
 
-/// Greys that repeat without a seam in both directions, rows from the top. 255 is the colour it is tinted
-/// with; the paper is a little below.
+/// Greys that repeat without a seam in both directions, rows from the top. Tinting makes 0 the base colour
+/// and 255 white; the paper lies between, where a shadow's grey becomes about the grey of a button.
 std::vector<std::uint8_t> Texture();
 
 Surface DragCursor();

@@ -8,7 +8,7 @@ namespace {
 
 using namespace paint;
 
-constexpr double kMiddle = 240, kClouds = 2.6, kTooth = 10, kFibre = 9;
+constexpr double kMiddle = 168, kClouds = 5, kTooth = 19, kFibre = 17;
 constexpr int kFibres = 46;
 
 /// Noise with `columns` by `rows` bumps on the whole sheet.

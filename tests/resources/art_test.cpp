@@ -96,9 +96,9 @@ TEST(Art, TextureIsQuietAndHasNoSeam) {
     }
     EXPECT_LE(columns.back(), *std::max_element(columns.begin(), columns.end() - 1));
     EXPECT_LE(rows.back(), *std::max_element(rows.begin(), rows.end() - 1));
-    EXPECT_GT(darkest, 215) << "text must stand out";
-    EXPECT_LT(lightest - darkest, 40);
-    EXPECT_GT(lightest - darkest, 8) << "no paper to be seen";
+    EXPECT_GT(darkest, 128) << "text must stand out";
+    EXPECT_LT(lightest - darkest, 80);
+    EXPECT_GT(lightest - darkest, 16) << "no paper to be seen";
 }
 
 TEST(Art, CursorAndIconCarryTheirMasks) {
