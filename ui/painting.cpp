@@ -1,5 +1,6 @@
 #include "ui/painting.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -19,6 +20,7 @@ namespace {
 constexpr int kFewColours = 8; // bits
 constexpr int kManyColours = 24;
 constexpr std::uint8_t kLightFace = 200;
+constexpr int kTextureMiddle = 168; // the mean level of the texture
 
 HPALETTE CreateLogicalPalette(const Palette& colours, int count) {
     struct {
@@ -40,9 +42,11 @@ COLORREF BaseColour() {
     return Luminance(channels) > kLightFace ? GetSysColor(COLOR_BTNSHADOW) : face;
 }
 
-/// From the base colour for black up to white, so that dark text stays legible on every base.
-std::uint8_t Tint(std::uint8_t base, std::uint8_t level) {
-    return static_cast<std::uint8_t>(base + (255 - base) * level / 255);
+/// The texture's middle level becomes the base colour, lightened most where it is of middle brightness:
+/// etched lines and grey captions still show on a shadow colour, and light text still shows on a dark one.
+std::uint8_t Tint(int base, int level) {
+    const int ground = base + (255 - base) * base / 384;
+    return static_cast<std::uint8_t>(std::min(ground * level / kTextureMiddle, 255));
 }
 
 /// Tints the colour table of a texture that is selected in a context, and says what it is then.
@@ -208,15 +212,13 @@ void DrawSwatch(const DRAWITEMSTRUCT& item) {
     const bool disabled = (item.itemState & ODS_DISABLED) != 0;
     RECT area = item.rcItem;
     DrawEdge(item.hDC, &area, pressed ? EDGE_SUNKEN : EDGE_RAISED, BF_RECT | BF_ADJUST);
-    FrameRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));
-    InflateRect(&area, -1, -1);
     FillRect(item.hDC, &area, GetSysColorBrush(COLOR_BTNFACE));
     RECT face = area;
     InflateRect(&face, -2, -2);
     if (pressed) OffsetRect(&face, 1, 1);
     COLORREF colour;
     if (!disabled && CaptionColour(item.hwndItem, colour)) FillSwatch(item.hDC, face, colour);
-    DrawEdge(item.hDC, &face, BDR_SUNKENOUTER, BF_RECT);
+    FrameRect(item.hDC, &face, GetSysColorBrush(COLOR_BTNSHADOW));
     if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0)
         DrawFocusRect(item.hDC, &area);
 }
