@@ -193,8 +193,8 @@ TEST(Folders, ComeFromTheEnvironment) {
         EXPECT_STREQ(DataFolderPath("X"), row.data);
         EXPECT_STREQ(ListFolderPath("X"), row.list);
     }
-    const Variable config("XDG_CONFIG_HOME", ("/" + std::string(kPathBytes - 20, 'c')).c_str());
-    EXPECT_STREQ(DataFolderPath("X"), "");
+    const Variable config("XDG_CONFIG_HOME", ("/" + std::string(kPathBytes - 16, 'c')).c_str());
+    EXPECT_TRUE(*DataFolderPath("X") == 0) << "one letter too long";
 }
 
 #endif

@@ -1,0 +1,227 @@
+// The settings file: what each line of a forgiving format means, and the very text that is written.
+#include "settings/config_file.h"
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <random>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/scratch_folder.h"
+
+namespace lumafold::test {
+namespace {
+
+#ifdef _WIN32
+constexpr char kLineEnd[] = "\r\n";
+#else
+constexpr char kLineEnd[] = "\n";
+#endif
+
+const std::string kDefaults =
+    "AddDescriptiveCommentBlock = 1\nDitherBrightness = 20\nDitherContrast = 20\nFastRemap = 1\n"
+    "PatchLevel = 17\nPreserveListContents = 1\nRandomSeed = 16129\nShowListLabels = 1\n"
+    "SolidBackground = 0\nSupercompress = 1\nTransitionAlphaBarCount = 20\n"
+    "TransitionAlphaTileColor = 16777215\nTransitionAlphaTileCount = 20\nTransitionAlphaTileSize = 16\n"
+    "TransitionAlphaTileStep = 8\nTransitionCustompalette = 1\nTransitionDelay = 5\n"
+    "TransitionDiagonalRasterSize = 8\nTransitionDiagonalRasterStep = 10\nTransitionDither = 1\n"
+    "TransitionFrameworkCycles = 20\nTransitionFrameworkIntensity = 500\nTransitionFrameworkStep = 10\n"
+    "TransitionImplodeStep = 5\nTransitionImplodeMax = 150\nTransitionImplodeTrack = 1\n"
+    "TransitionImplodeXPos = 50\nTransitionImplodeYPos = 50\nTransitionIrisStep = 5\n"
+    "TransitionIrisRadius = 100\nTransitionLiquidMetalStep = 10\nTransitionLiquidMetalViscosity = 300\n"
+    "TransitionLiquidMetalCenterX = 100\nTransitionLiquidMetalCenterY = 100\n"
+    "TransitionMattcolour = 13421772\nTransitionMotionBlurAngle = 90\nTransitionMotionBlurRadius = 25\n"
+    "TransitionMotionBlurStep = 10\nTransitionPalette = 6\nTransitionPaintballPerturb = 90\n"
+    "TransitionPaintballSize = 16\nTransitionPause = 100\nTransitionQuadStepSize = 10\n"
+    "TransitionRollerblindShading = 1\nTransitionRollerblindStep = 10\nTransitionSilentMovieStep = 10\n"
+    "TransitionSilentMovieRadius = 35\nTransitionSilentMovieBackground = 8421504\n"
+    "TransitionSoftSlideRadius = 75\nTransitionSoftSlideStep = 5\nTransitionSolarizeIntensity = 50\n"
+    "TransitionSolarizeStep = 5\nTransitionSparkleColor = 16724940\nTransitionSparkleSize = 10\n"
+    "TransitionSparkleStep = 5\nTransitionSpikeCount = 6\nTransitionSpikeStep = 5\n"
+    "TransitionSpikeRadius = 25\nTransitionSpiralStep = 10\nTransitionSpiralShear = 1\n"
+    "TransitionSubmergeColor = 9726785\nTransitionSubmergeStep = 10\nTransitionTruecolour = 0\n"
+    "TransitionType = 0\nTransitionUnpluggedTVAfterglow = 1\nTransitionUnpluggedTVStep = 10\n"
+    "VersionNumber = 64\n";
+
+class ConfigFile : public testing::Test {
+protected:
+    std::string Path() const { return folder_.Path("a.ini"); }
+    /// What a file of these bytes changes: "Key=value", with a blank between.
+    std::string Read(const std::string& bytes) {
+        folder_.Put("a.ini", bytes);
+        PluginSettings settings;
+        EXPECT_TRUE(LoadSettings(Path().c_str(), settings));
+        return Changes(settings);
+    }
+    std::string Changes(const PluginSettings& settings) const {
+        std::string changes;
+        for (const SettingDescriptor& row : SettingDescriptors()) {
+            const std::uint32_t value = settings.*row.value;
+            if (value == row.defaultValue) continue;
+            changes += (changes.empty() ? "" : " ") + std::string(row.key) + "=" + std::to_string(value);
+        }
+        return changes;
+    }
+    /// The written file with its line ends as LF.
+    std::string Written(const PluginSettings& settings) {
+        EXPECT_TRUE(SaveSettings(Path().c_str(), settings));
+        return std::regex_replace(folder_.Get("a.ini"), std::regex(kLineEnd), "\n");
+    }
+
+    ScratchFolder folder_;
+};
+
+TEST_F(ConfigFile, LinesSetWhatTheyBeginToName) {
+    const std::pair<std::string, std::string> kCases[] = {
+        {"", ""},
+        {"TransitionDelay=12", "TransitionDelay=12"},
+        {"TransitionDelay   =  12\n", "TransitionDelay=12"},
+        {"TransitionDelay = 12 frames\n", "TransitionDelay=12"},
+        {"TransitionDelay 12\n", "TransitionDelay=12"},
+        {"TransitionDelay === 12\n", "TransitionDelay=12"},
+        {"TransitionDelay = = 12\n", "TransitionDelay=0"},
+        {"TransitionDelay\n", "TransitionDelay=0"},
+        {"TransitionDelayed = 3\ntransitiondelay = 12\nTransitionDelay: 4\n", ""},
+        // A beginning will do, of the first row that may be read.
+        {"TransitionAlpha = 3\n", "TransitionAlphaBarCount=3"},
+        {"TransitionSp=4\nTransitionImplode=7\n", "TransitionImplodeStep=7 TransitionSparkleColor=4"},
+        {"P = 3\nV = 3\n", "PreserveListContents=3"},
+        {"PatchLevel = 3\nVersionNumber = 1\n", ""},
+        // Nothing is the beginning of the first row.
+        {"  TransitionDelay = 12\n", "AddDescriptiveCommentBlock=0"},
+        {"=7\n", "AddDescriptiveCommentBlock=7"},
+        {"   =  7\n", "AddDescriptiveCommentBlock=7"},
+        {"\n", "AddDescriptiveCommentBlock=0"},
+        {"TransitionDelay=12\r\n\r\n", "AddDescriptiveCommentBlock=0 TransitionDelay=12"},
+        {"\tTransitionDelay=12\n", "AddDescriptiveCommentBlock=0"},
+        {" ;a comment starts a line\n", "AddDescriptiveCommentBlock=0"},
+        {";TransitionDelay = 12\n[PlugIn]\n;\n", ""},
+        // A control character ends a line's text, and no other byte does.
+        {"TransitionDelay = 12\tTransitionPause = 3\n", "TransitionDelay=12"},
+        {"TransitionDelay =\t12\n", "TransitionDelay=0"},
+        {"TransitionDelay = 12\rTransitionPause = 3\r\r\nFastRemap=0\r\n", "FastRemap=0 TransitionDelay=12"},
+        {std::string("TransitionDelay = 1\0002\nFastRemap=0\n", 32), "FastRemap=0 TransitionDelay=1"},
+        {"TransitionDelay = 12\x1A\nFastRemap=0\n", "FastRemap=0 TransitionDelay=12"},
+        {"TransitionDelay\xA0= 12\n\xE4=1\n\x7F=1\n", ""},
+        {"TransitionDelay = \xA0"
+         "12\n",
+         "TransitionDelay=0"},
+    };
+    for (const auto& [bytes, expected] : kCases)
+        EXPECT_EQ(Read(bytes), expected) << bytes;
+}
+
+TEST_F(ConfigFile, NumbersAreDecimalModuloTwoToTheThirtySecond) {
+    const std::pair<const char*, const char*> kCases[] = {{"-1", "4294967295"},
+                                                          {"+7", "7"},
+                                                          {"- 7", "0"},
+                                                          {"-+7", "0"},
+                                                          {"007", "7"},
+                                                          {"0x10", "0"},
+                                                          {"1e3", "1"},
+                                                          {"12,5", "12"},
+                                                          {"4294967295", "4294967295"},
+                                                          {"4294967297", "1"},
+                                                          {"18446744073709551622", "6"},
+                                                          {"-4294967299", "4294967293"},
+                                                          {"-2147483648", "2147483648"}};
+    for (const auto& [text, expected] : kCases)
+        EXPECT_EQ(Read("TransitionDelay = " + std::string(text)), "TransitionDelay=" + std::string(expected));
+}
+
+// 258 characters and the line's end are one piece; what is longer goes on as a line of its own.
+TEST_F(ConfigFile, LongLinesAreReadInPieces) {
+    const std::string comment = ";" + std::string(257, 'c');
+    EXPECT_EQ(Read(comment + "\n"), "");
+    EXPECT_EQ(Read(comment + "\r\n"), "");
+    EXPECT_EQ(Read(comment + "c"), "");
+    EXPECT_EQ(Read(comment + "c\n"), "AddDescriptiveCommentBlock=0") << "a line end alone is an empty line";
+    EXPECT_EQ(Read(comment + "cTransitionDelay=12\n"), "TransitionDelay=12");
+    EXPECT_EQ(Read(comment + "TransitionDelay=12\n"), "") << "its first letter belongs to the comment";
+    EXPECT_EQ(Read("TransitionDelay=" + std::string(242, '0') + "17\n"), "TransitionDelay=1")
+        << "the second piece names nothing";
+    EXPECT_EQ(Read(std::string(1000000, 'c') + "\nTransitionDelay=12\n"), "TransitionDelay=12");
+    // Wherever the reader's buffer ends, also between the two letters of a line's end.
+    for (std::size_t before = 4050; before < 4110; ++before) {
+        std::string text;
+        while (text.size() + 100 < before)
+            text += ";" + std::string(48, 'c') + "\n";
+        text += ";" + std::string(before - text.size() - 2, 'c') + "\n";
+        EXPECT_EQ(Read(text + "TransitionDelay=12\r\nTransitionPause=3\r\n"),
+                  "TransitionDelay=12 TransitionPause=3");
+    }
+}
+
+TEST_F(ConfigFile, IsWrittenInTheTablesOrder) {
+    const std::string written = Written(PluginSettings{});
+    std::smatch parts;
+    const std::regex form("(;Brackenfield animtion plugin configuration file\n;Edit this at your own risk\n"
+                          ";Last updated )([A-Z][a-z]{2} [A-Z][a-z]{2} [ 1-3][0-9] ..:..:.. 20[0-9]{2})"
+                          "(\n;\n\\[PlugIn\\]\n)([^]*)");
+    ASSERT_TRUE(std::regex_match(written, parts, form)) << written;
+    EXPECT_EQ(parts[4], kDefaults);
+    const auto lines = static_cast<std::size_t>(std::count(written.begin(), written.end(), '\n'));
+    EXPECT_EQ(folder_.Get("a.ini").size(), written.size() + lines * (sizeof(kLineEnd) - 2));
+    // The clock may have gone on since.
+    std::string now[2];
+    for (const int second : {0, 1}) {
+        const std::time_t time = std::time(nullptr) - second;
+        now[second] = std::asctime(std::localtime(&time));
+        if (now[second][8] == '0') now[second][8] = ' '; // where a C library writes a zero there
+    }
+    EXPECT_TRUE(now[0].starts_with(parts[2].str()) || now[1].starts_with(parts[2].str())) << parts[2];
+}
+
+TEST_F(ConfigFile, GivesBackWhatWasSavedExceptTheFixedRows) {
+    std::mt19937 random(7);
+    for (int i = 0; i < 50; ++i) {
+        PluginSettings saved;
+        for (const SettingDescriptor& row : SettingDescriptors())
+            saved.*row.value = static_cast<std::uint32_t>(random() >> random() % 32);
+        const std::string written = Written(saved);
+        EXPECT_NE(written.find("\nPatchLevel = 17\n"), std::string::npos);
+        EXPECT_TRUE(written.ends_with("\nVersionNumber = 64\n"));
+        PluginSettings read;
+        ASSERT_TRUE(LoadSettings(Path().c_str(), read));
+        EXPECT_EQ(read.PatchLevel, 17U);
+        EXPECT_EQ(read.VersionNumber, 64U);
+        saved.PatchLevel = 17;
+        saved.VersionNumber = 64;
+        EXPECT_EQ(Changes(read), Changes(saved));
+    }
+}
+
+TEST_F(ConfigFile, StaysWholeWhenItCannotBeWritten) {
+    PluginSettings settings;
+    settings.TransitionDelay = 12;
+    FileError why = 0;
+    EXPECT_FALSE(LoadSettings(Path().c_str(), settings, &why));
+    EXPECT_NE(why, 0);
+    EXPECT_FALSE(LoadSettings(folder_.Path().c_str(), settings));
+    EXPECT_EQ(Changes(settings), "TransitionDelay=12");
+    folder_.Put("a.ini", "old");
+    const std::int64_t blocks = allocation_hooks::LiveBlocks();
+    int failures = 0;
+    for (bool missed = true; missed; failures += missed ? 1 : 0) {
+        allocation_hooks::FailNth(failures + 1);
+        const bool saved = SaveSettings(Path().c_str(), settings);
+        missed = allocation_hooks::HasFailed();
+        allocation_hooks::FailNth(0);
+        EXPECT_EQ(saved, !missed);
+        EXPECT_EQ(folder_.Get("a.ini") == "old", missed);
+    }
+    EXPECT_GT(failures, 0);
+    EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
+    const std::string before = folder_.Get("a.ini");
+    std::filesystem::permissions(Path(), std::filesystem::perms{0444});
+    EXPECT_FALSE(SaveSettings(Path().c_str(), PluginSettings{}));
+    EXPECT_EQ(folder_.Get("a.ini"), before);
+    EXPECT_FALSE(SaveSettings(folder_.Path("a.ini/b/c.ini").c_str(), settings));
+    EXPECT_EQ(folder_.Names(), std::vector<std::string>{"a.ini"});
+    EXPECT_TRUE(SaveSettings(folder_.Path("new/folder/b.ini").c_str(), settings));
+}
+
+} // namespace
+} // namespace lumafold::test
