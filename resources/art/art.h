@@ -17,8 +17,9 @@ Surface LogoFrame(double turn);
 /// The sheet alone, for icons.
 Surface LogoIcon(int size);
 
-/// Greys that repeat without a seam in both directions, rows from the top. Tinting makes 0 the base colour
-/// and 255 white; the paper lies between, where a shadow's grey becomes about the grey of a button.
+/// Greys round `kTextureMiddle` that repeat without a seam in both directions, rows from the top. The dialogs
+/// make the middle the colour they tint with.
+inline constexpr int kTextureMiddle = 168;
 std::vector<std::uint8_t> Texture();
 
 Surface DragCursor();

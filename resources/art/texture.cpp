@@ -8,7 +8,7 @@ namespace {
 
 using namespace paint;
 
-constexpr double kMiddle = 168, kClouds = 5, kTooth = 19, kFibre = 17;
+constexpr double kClouds = 4, kTooth = 14.5, kFibre = 14;
 constexpr int kFibres = 46;
 
 /// Noise with `columns` by `rows` bumps on the whole sheet.
@@ -58,7 +58,7 @@ std::vector<std::uint8_t> Texture() {
     for (int y = 0; y < kTextureHeight; ++y) {
         for (int x = 0; x < kTextureWidth; ++x) {
             const double slope = Height(x, y) - Height(x - 1.0, y - 1.0);
-            sheet.push_back(kMiddle + kClouds * Pulp(x, y) + kTooth * slope);
+            sheet.push_back(kTextureMiddle + kClouds * Pulp(x, y) + kTooth * slope);
         }
     }
     for (int number = 0; number < kFibres; ++number)
