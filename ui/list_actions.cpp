@@ -39,18 +39,19 @@ ImageEntry NewEntry(HWND dialog, const char* label) {
     return entry;
 }
 
-/// Inserts a picture from the host below the selection, which stays. False after a message.
-bool InsertPicture(HWND dialog, const char* label, DibHandle foreign) {
+/// Where new pictures go, below the selection, which stays. With nothing selected, -1, that is the top.
+int InsertionIndex(HWND dialog) { return Ask(ListOf(dialog), LB_GETCURSEL) + 1; }
+
+/// Inserts a picture from the host. False after a message.
+bool InsertPicture(HWND dialog, int index, const char* label, DibHandle foreign) {
     OwnedDib picture = DibImport(foreign);
     if (!picture) {
         ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
         return false;
     }
-    HWND list = ListOf(dialog);
     ImageEntry entry = NewEntry(dialog, label);
     entry.image = picture.Get();
-    // With nothing selected, -1, this is the top.
-    if (!InsertEntry(list, Ask(list, LB_GETCURSEL) + 1, entry)) {
+    if (!InsertEntry(ListOf(dialog), index, entry)) {
         ShowString(dialog, LUMAFOLD_STRING_MEMORY_ERROR);
         return false;
     }
@@ -58,18 +59,20 @@ bool InsertPicture(HWND dialog, const char* label, DibHandle foreign) {
     return true;
 }
 
-bool InsertFile(HWND dialog, const char* path) {
+bool InsertFile(HWND dialog, int index, const char* path) {
     const DibHandle loaded = CallingHost().LoadPicture(path);
-    if (loaded != 0) return InsertPicture(dialog, path, loaded);
+    if (loaded != 0) return InsertPicture(dialog, index, path, loaded);
     ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
     return false;
 }
 
-/// False when the action ended early, after a message.
+/// All at the same place, so that the last name ends up first: wanted. False when the action ended early,
+/// after a message.
 bool InsertFiles(HWND dialog, const ChosenNames& names) {
+    const int index = InsertionIndex(dialog);
     for (std::size_t i = 0; i < names.Count(); ++i) {
         char path[kMaxPath];
-        if (names.Path(i, path) && !InsertFile(dialog, path)) return false;
+        if (names.Path(i, path) && !InsertFile(dialog, index, path)) return false;
     }
     return true;
 }
@@ -104,7 +107,7 @@ void PasteImage(HWND dialog) {
         ShowMessage(HandleOf(dialog), LUMAFOLD_TEXT_CLIPBOARD_ERROR);
         return;
     }
-    if (InsertPicture(dialog, LUMAFOLD_LABEL_CLIPBOARD, pasted)) SelectLast(dialog);
+    if (InsertPicture(dialog, InsertionIndex(dialog), LUMAFOLD_LABEL_CLIPBOARD, pasted)) SelectLast(dialog);
     EnableByCount(dialog);
 }
 
@@ -163,7 +166,10 @@ bool RestoreList(HWND dialog) {
     ListFileReader file(ListFolderPath(kListFileName));
     char path[kListLineBytes];
     while (file.Next(path)) {
-        if (!InsertFile(dialog, path)) return false;
+        if (!InsertFile(dialog, 0, path)) {
+            EnableByCount(dialog); // what was restored so far can be built
+            return false;
+        }
     }
     Select(ListOf(dialog), 0);
     return true;

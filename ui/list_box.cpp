@@ -150,14 +150,17 @@ void EndDrag(HWND list, LPARAM lparam) {
     ReleaseCapture();
 }
 
+/// The list takes the mouse for itself at other times: between a double click and its release, for one.
+bool IsDragging(HWND list) { return drag.source >= 0 && GetCapture() == list; }
+
 Passing FollowMouse(HWND list, UINT message, LPARAM lparam) {
     switch (message) {
     case WM_LBUTTONDOWN:
         return Session().busy ? Passing::On : BeginDrag(list, lparam);
     case WM_MOUSEMOVE:
-        return GetCapture() == list ? ContinueDrag(list, lparam) : Passing::On;
+        return IsDragging(list) ? ContinueDrag(list, lparam) : Passing::On;
     case WM_LBUTTONUP:
-        if (GetCapture() == list) EndDrag(list, lparam);
+        if (IsDragging(list)) EndDrag(list, lparam);
         return Passing::On;
     default:
         return Passing::On;
@@ -180,6 +183,12 @@ bool EndsDragging(HWND list, UINT message, LPARAM lparam) {
     }
 }
 
+void GiveUpDrag(HWND list) {
+    const bool held = IsDragging(list);
+    drag = {};
+    if (held) ReleaseCapture();
+}
+
 /// The list's delete key presses the dialog's button.
 void PressRemove(HWND list) {
     HWND dialog = GetParent(list);
@@ -190,7 +199,7 @@ void PressRemove(HWND list) {
 }
 
 LRESULT CALLBACK ListProcedure(HWND list, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (EndsDragging(list, message, lparam)) drag = {};
+    if (EndsDragging(list, message, lparam)) GiveUpDrag(list);
     if (message == WM_KEYDOWN && wparam == VK_DELETE) PressRemove(list);
     if (FollowMouse(list, message, lparam) == Passing::Swallowed) return 0;
     return CallWindowProcA(classProcedure, list, message, wparam, lparam);

@@ -37,7 +37,7 @@ constexpr CheckBox kCheckBoxes[] = {
     {LUMAFOLD_MAIN_TRUE_COLOUR, &PluginSettings::TransitionTruecolour},
 };
 
-bool HasCallback() { return Session().host->callback != nullptr; }
+bool HasCallback() { return Session().host != nullptr && Session().host->callback != nullptr; }
 bool HostTakes(std::uint32_t capability) { return (Session().host->capabilityFlags & capability) != 0; }
 bool ShiftIsDown() { return GetKeyState(VK_SHIFT) < 0; }
 
@@ -152,7 +152,9 @@ void RunBuild(HWND dialog, TaskKind kind) {
     HWND list = GetDlgItem(dialog, LUMAFOLD_MAIN_LIST);
     const LRESULT selected = SendMessageA(list, LB_GETCURSEL, 0, 0);
     BuildAnimation(images, HandleOf(dialog), *Session().host, kind);
-    SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+    if (SendMessageA(list, LB_GETCURSEL, 0, 0) != selected) {
+        SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+    }
     ResumeLogo(dialog, LUMAFOLD_MAIN_LOGO);
 }
 
@@ -284,7 +286,7 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
         PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
         return TRUE;
     case WM_DESTROY:
-        Close(dialog);
+        if (Session().host != nullptr) Close(dialog); // else it was never opened
         return TRUE;
     default:
         return FALSE;
