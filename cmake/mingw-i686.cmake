@@ -9,6 +9,8 @@ set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT} -DNOMINMAX")
 set(CMAKE_RC_FLAGS_INIT "-c 65001")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+# Programs need nothing beside them.
+set(ZLIB_USE_STATIC_LIBS ON)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run)
 # The picture libraries that tools/setup builds come before what the compiler's own packages bring.
 if(NOT LUMAFOLD_WINDOWS_LIBRARIES)

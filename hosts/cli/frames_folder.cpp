@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <random>
 
 #include "hosts/cli/interrupt.h"
+#include "hosts/cli/paths.h"
 
 namespace lumafold {
 namespace {
@@ -63,19 +63,30 @@ private:
     fs::path path_;
 };
 
+/// Empty where none could be made.
+fs::path NewFolderIn(const fs::path& folder) {
+    std::random_device random;
+    std::error_code failure;
+    while (!failure) {
+        fs::path made = folder / (".lumafold-" + std::to_string(random()));
+        if (fs::create_directory(made, failure)) return made;
+    }
+    return {};
+}
+
 /// Writes into a hidden folder inside the target first, and moves everything to its place when all of it
 /// stands.
 class FolderWriter {
 public:
-    FolderWriter(const std::string& path, std::string& error) : folder_(path), error_(error) {}
+    FolderWriter(const std::string& path, std::string& error) : folder_(PathOf(path)), error_(error) {}
 
     bool Write(const Animation& animation, std::span<const SentCommand> commands, std::uint64_t& bytes) {
         std::error_code failure;
         const bool made = fs::create_directory(folder_, failure);
         if (failure) return Fail(folder_, failure.message());
         FolderTakenBack target(made ? folder_ : fs::path());
-        std::string staging = (folder_ / ".lumafold-XXXXXX").string();
-        if (mkdtemp(staging.data()) == nullptr) return Fail(folder_, "cannot be written into");
+        const fs::path staging = NewFolderIn(folder_);
+        if (staging.empty()) return Fail(folder_, "cannot be written into");
         FolderTakenBack staged(staging);
         if (!Stage(staging, animation, commands, bytes) || !TargetsAreFree(animation.frames.size()))
             return false;
@@ -86,7 +97,7 @@ public:
 
 private:
     bool Fail(const fs::path& file, const std::string& what) {
-        error_ = file.string() + ": " + what;
+        error_ = NameOf(file) + ": " + what;
         return false;
     }
 
@@ -144,7 +155,7 @@ private:
         std::vector<fs::path> stale;
         std::error_code ignored;
         for (const auto& entry : fs::directory_iterator(folder_, ignored)) {
-            const std::string name = entry.path().filename().string();
+            const std::string name = NameOf(entry.path().filename());
             if (!entry.is_regular_file(ignored) || !IsFrameFile(name)) continue;
             if (!std::binary_search(keep.begin(), keep.end(), name)) stale.push_back(entry.path());
         }
@@ -208,7 +219,7 @@ bool WriteFramesFolder(const std::string& path, const Animation& animation,
                        std::span<const SentCommand> commands, std::uint64_t& bytes, std::string& error) {
     // A slash at the end would make the parent of "x/" be "x".
     std::string folder = path;
-    while (folder.size() > 1 && folder.ends_with('/'))
+    while (folder.size() > 1 && EndsInSeparator(folder))
         folder.pop_back();
     const HoldInterrupts tidy;
     return FolderWriter(folder, error).Write(animation, commands, bytes);

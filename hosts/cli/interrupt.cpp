@@ -1,6 +1,14 @@
 #include "hosts/cli/interrupt.h"
 
+#ifdef _WIN32
+#include <atomic>
+#include <mutex>
+
+#include <io.h>
+#include <windows.h>
+#else
 #include <csignal>
+#endif
 #include <unistd.h>
 
 #include "hosts/codecs/files.h"
@@ -8,23 +16,68 @@
 namespace lumafold {
 namespace {
 
-volatile std::sig_atomic_t held = 0;
-volatile std::sig_atomic_t raised = 0;
+#ifdef _WIN32
+constexpr char kLeaveBar[] = "\r\n";
+#else
+constexpr char kLeaveBar[] = "\r\033[K";
+#endif
 
 // An effect can run for seconds between two commands, so waiting for the next one would feel dead. All a
 // build has is memory and perhaps one temporary file; leaving from here is as tidy as it gets.
-extern "C" void HandleInterrupt(int) {
-    raised = 1;
-    if (held != 0) return;
+void TidyUp() {
     if (isatty(STDERR_FILENO) != 0) {
-        constexpr char kLeaveBar[] = "\r\033[K";
         [[maybe_unused]] const auto written = write(STDERR_FILENO, kLeaveBar, sizeof(kLeaveBar) - 1);
     }
     RemovePendingTemporary();
+}
+
+#ifdef _WIN32
+
+std::atomic<bool> raised = false;
+// The system tells on a thread of its own: who holds interrupts off must not start to while that one leaves.
+std::mutex heldMutex;
+bool held = false;
+
+BOOL WINAPI HandleInterrupt(DWORD) {
+    raised = true;
+    const std::lock_guard lock(heldMutex);
+    if (held) return TRUE;
+    TidyUp();
+    // Nothing may run on: not the other thread, not what would wait for it.
+    TerminateProcess(GetCurrentProcess(), kInterruptedStatus);
+    return TRUE;
+}
+
+#else
+
+volatile std::sig_atomic_t held = 0;
+volatile std::sig_atomic_t raised = 0;
+
+extern "C" void HandleInterrupt(int) {
+    raised = 1;
+    if (held != 0) return;
+    TidyUp();
     _exit(kInterruptedStatus);
 }
 
+#endif
+
 } // namespace
+
+#ifdef _WIN32
+
+void WatchForInterrupts() { SetConsoleCtrlHandler(&HandleInterrupt, TRUE); }
+
+HoldInterrupts::HoldInterrupts() {
+    const std::lock_guard lock(heldMutex);
+    held = true;
+}
+HoldInterrupts::~HoldInterrupts() {
+    const std::lock_guard lock(heldMutex);
+    held = false;
+}
+
+#else
 
 void WatchForInterrupts() {
     for (const int number : {SIGINT, SIGTERM}) {
@@ -35,6 +88,8 @@ void WatchForInterrupts() {
 
 HoldInterrupts::HoldInterrupts() { held = 1; }
 HoldInterrupts::~HoldInterrupts() { held = 0; }
+
+#endif
 
 bool Interrupted() { return raised != 0; }
 

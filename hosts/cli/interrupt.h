@@ -6,8 +6,8 @@ namespace lumafold {
 
 inline constexpr int kInterruptedStatus = 130;
 
-/// From now on SIGINT and SIGTERM end the program with kInterruptedStatus and without a half-written file,
-/// unless they were ignored so far.
+/// From now on SIGINT and SIGTERM, or what a console of Windows sends, end the program with
+/// kInterruptedStatus and without a half-written file, unless they were ignored so far.
 void WatchForInterrupts();
 
 /// While one lives, an interrupt only raises the flag that Interrupted reads: whoever writes files looks at

@@ -2,10 +2,10 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <unistd.h>
 
 #include "hosts/cli/frames_folder.h"
+#include "hosts/cli/paths.h"
 #include "hosts/codecs/apng_writer.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/gif_writer.h"
@@ -17,25 +17,31 @@ namespace {
 
 namespace fs = std::filesystem;
 
+#ifdef _WIN32
+constexpr int kMakeEntries = W_OK; // there is no search permission, and asking for it is an error
+#else
+constexpr int kMakeEntries = W_OK | X_OK;
+#endif
+
 std::string WhyNoEntryIn(const fs::path& folder) {
     std::error_code error;
-    const std::string name = folder.empty() ? "." : folder.string();
-    const fs::file_status status = fs::status(name, error);
+    const std::string name = folder.empty() ? "." : NameOf(folder);
+    const fs::file_status status = fs::status(folder.empty() ? "." : folder, error);
     if (status.type() == fs::file_type::not_found) return "the folder " + name + " does not exist";
     if (error) return error.message();
     if (status.type() != fs::file_type::directory) return name + " is not a folder";
-    if (access(name.c_str(), W_OK | X_OK) != 0)
+    if (access(name.c_str(), kMakeEntries) != 0)
         return std::string("cannot write into ") + name + ": " + std::strerror(errno);
     return {};
 }
 
 std::string WhyNoFolderAt(const std::string& path) {
     std::error_code error;
-    const fs::path folder = fs::path(path + "/").parent_path(); // without slashes at its end
+    const fs::path folder = PathOf(path + "/").parent_path(); // without slashes at its end
     const fs::file_status status = fs::status(folder, error);
     if (status.type() == fs::file_type::directory) return WhyNoEntryIn(folder);
     if (status.type() != fs::file_type::not_found) return "is not a folder";
-    return WhyNoEntryIn(fs::path(path).lexically_normal().parent_path().parent_path());
+    return WhyNoEntryIn(PathOf(path).lexically_normal().parent_path().parent_path());
 }
 
 std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, std::string& error) {
@@ -64,7 +70,7 @@ bool WriteFile(const std::string& path, OutputKind kind, const Animation& animat
 } // namespace
 
 std::string LowerSuffix(const std::string& path) {
-    std::string suffix = fs::path(path).extension().string();
+    std::string suffix = NameOf(PathOf(path).extension());
     for (char& letter : suffix)
         letter = static_cast<char>(letter | (letter >= 'A' && letter <= 'Z' ? 0x20 : 0));
     return suffix;
@@ -72,7 +78,7 @@ std::string LowerSuffix(const std::string& path) {
 
 std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
     std::error_code ignored;
-    if (path.ends_with('/') || fs::is_directory(path, ignored)) return OutputKind::Folder;
+    if (EndsInSeparator(path) || fs::is_directory(PathOf(path), ignored)) return OutputKind::Folder;
     const std::string suffix = LowerSuffix(path);
     if (suffix == ".gif") return OutputKind::Gif;
     if (suffix == ".png") return OutputKind::Apng;
@@ -89,8 +95,8 @@ std::uint32_t CapabilityFlags(OutputKind kind) {
 
 std::string WhyNoFileCanStandAt(const std::string& path) {
     std::error_code error;
-    if (fs::is_directory(path, error)) return "is a folder";
-    return WhyNoEntryIn(fs::path(path).parent_path());
+    if (fs::is_directory(PathOf(path), error)) return "is a folder";
+    return WhyNoEntryIn(PathOf(path).parent_path());
 }
 
 std::string WhyNotWritable(const std::string& path, OutputKind kind) {

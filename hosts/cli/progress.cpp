@@ -35,8 +35,10 @@ void Progress::DrawBar() {
     line += " [" + std::string(static_cast<std::size_t>(full), '#') +
             std::string(static_cast<std::size_t>(kCells - full), '.') + "]";
     if (total_ > 0) line += " " + std::to_string(position_) + "/" + std::to_string(total_);
-    stream_ << "\r\033[K" << line << std::flush;
-    drawn_ = true;
+    // Blanks over what is left of the last one: not every console knows a code for that.
+    const std::size_t rest = drawn_ - std::min(drawn_, line.size());
+    drawn_ = line.size();
+    stream_ << '\r' << line << std::string(rest, ' ') << std::flush;
 }
 
 // A log of hundreds of frames is told in tenths.
@@ -49,8 +51,8 @@ void Progress::WriteLine() {
 }
 
 void Progress::Clear() {
-    if (drawn_) stream_ << "\r\033[K" << std::flush;
-    drawn_ = false;
+    if (drawn_ > 0) stream_ << '\r' << std::string(drawn_, ' ') << '\r' << std::flush;
+    drawn_ = 0;
 }
 
 } // namespace lumafold

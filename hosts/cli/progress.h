@@ -35,7 +35,7 @@ private:
     ProgressStyle style_;
     std::string caption_;
     std::int64_t position_ = 0, total_ = 0, tenthShown_ = 0;
-    bool drawn_ = false;
+    std::size_t drawn_ = 0; ///< letters on the screen
 };
 
 } // namespace lumafold

@@ -267,7 +267,7 @@ public:
 private:
     void Put(unsigned index) {
         if (x_ < shape_.width)
-            indexes_[std::size_t{shape_.width} * y_ + x_] = static_cast<std::uint8_t>(index);
+            indexes_[static_cast<std::size_t>(shape_.width * y_ + x_)] = static_cast<std::uint8_t>(index);
         ++x_;
     }
     void Run(unsigned length, unsigned value) {

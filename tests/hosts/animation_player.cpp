@@ -158,7 +158,8 @@ private:
         const Chunk& c = control_;
         Require(c.Number(24, 1) == 0, "disposal");
         Require(c.Number(22, 2) == 100, "ticks of a delay");
-        const PlayedPicture picture{c.Int(12), c.Int(16), c.Int(4), c.Int(8), c.Number(20, 2)};
+        const PlayedPicture picture{c.Int(12), c.Int(16), c.Int(4), c.Int(8),
+                                    static_cast<long>(c.Number(20, 2))};
         if (played_.pictures.empty()) {
             Require(picture.width == played_.width && picture.height == played_.height, "first frame");
         }

@@ -1,23 +1,26 @@
 #include "tests/hosts/cli_fixture.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 
 #include "hosts/cli/command_line.h"
+#include "hosts/cli/paths.h"
+#include "platform/files.h"
 
 namespace lumafold::test {
 
 namespace fs = std::filesystem;
 
 CommandLineTest::CommandLineTest() {
-    std::string name = (fs::temp_directory_path() / "lumafold-test-XXXXXX").string();
-    EXPECT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
+    const std::string name = "lumafold-test-" + std::to_string(std::random_device()());
+    folder_ = NameOf(fs::temp_directory_path() / name);
+    EXPECT_TRUE(fs::create_directory(PathOf(folder_)));
 }
 
-CommandLineTest::~CommandLineTest() { fs::remove_all(folder_); }
+CommandLineTest::~CommandLineTest() { fs::remove_all(PathOf(folder_)); }
 
 Ran CommandLineTest::Run(const std::vector<std::string>& args) const {
     std::ostringstream out, err;
@@ -26,11 +29,11 @@ Ran CommandLineTest::Run(const std::vector<std::string>& args) const {
 }
 
 void CommandLineTest::Put(const std::string& name, const std::string& bytes) const {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
+    std::ofstream(PathOf(Path(name)), std::ios::binary) << bytes;
 }
 
 std::string CommandLineTest::Get(const std::string& name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
+    std::ifstream file(PathOf(Path(name)), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -51,8 +54,10 @@ void CommandLineTest::PutPicture(const std::string& name, int width, int height,
 
 std::vector<std::string> CommandLineTest::Names() const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(folder_)) {
-        names.push_back(fs::relative(entry.path(), folder_).string());
+    for (const auto& entry : fs::recursive_directory_iterator(PathOf(folder_))) {
+        std::string name = NameOf(fs::relative(entry.path(), PathOf(folder_)));
+        std::replace(name.begin(), name.end(), kFolderSeparator, '/');
+        names.push_back(std::move(name));
     }
     std::sort(names.begin(), names.end());
     return names;

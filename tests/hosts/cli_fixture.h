@@ -1,7 +1,6 @@
 // The command line run in this process, in a folder of its own that goes with the test.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -22,16 +21,16 @@ protected:
     ~CommandLineTest() override;
 
     Ran Run(const std::vector<std::string>& args) const;
-    std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
     void Put(const std::string& name, const std::string& bytes) const;
     std::string Get(const std::string& name) const;
     /// A 24-bit bitmap file whose pixels are all different, written byte by byte here.
     void PutPicture(const std::string& name, int width, int height, unsigned seed) const;
-    /// Every path below the folder, sorted.
+    /// Every path below the folder, sorted, with slashes.
     std::vector<std::string> Names() const;
 
 private:
-    std::filesystem::path folder_;
+    std::string folder_;
     SettingsGuard settings_;
 };
 

@@ -1,8 +1,10 @@
+#include <filesystem>
+#ifndef _WIN32
+#include <csignal>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <csignal>
+#endif
 
 #include "hosts/codecs/decode.h"
 #include "hosts/codecs/files.h"
@@ -24,19 +26,6 @@ protected:
     bool Write(const std::string& name, const Bytes& bytes) {
         return WriteFileSafely(Path(name), bytes, error_);
     }
-    /// The status of a program that writes more than fits and is told so by a signal.
-    int WriteTooMuch(const std::string& name, void (*onSignal)(int)) {
-        const pid_t child = fork();
-        if (child == 0) {
-            const rlimit limit{4096, 4096};
-            setrlimit(RLIMIT_FSIZE, &limit);
-            signal(SIGXFSZ, onSignal);
-            _exit(Write(name, Bytes(100000)) ? 1 : 2);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WEXITSTATUS(status);
-    }
 
     std::string error_;
 };
@@ -48,12 +37,6 @@ TEST_F(Files, AreReplacedWhole) {
         EXPECT_EQ(Read("a.gif"), bytes);
         EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
     }
-    fs::permissions(Path("a.gif"), fs::perms::owner_read | fs::perms::owner_write);
-    fs::create_symlink("a.gif", Path("link.gif"));
-    ASSERT_TRUE(Write("link.gif", small));
-    EXPECT_TRUE(fs::is_symlink(Path("link.gif")));
-    EXPECT_EQ(Read("a.gif"), small);
-    EXPECT_EQ(fs::status(Path("a.gif")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(Files, LeaveNothingBehindOnFailure) {
@@ -63,23 +46,6 @@ TEST_F(Files, LeaveNothingBehindOnFailure) {
     EXPECT_FALSE(Write("missing/a.gif", {1}));
     EXPECT_EQ(error_, "there is no such file or folder");
     EXPECT_EQ(Names(), std::vector<std::string>{"folder"});
-    EXPECT_TRUE(WriteFileSafely("/dev/null", Bytes(10), error_));
-    EXPECT_TRUE(fs::is_character_file("/dev/null")) << "a device must not be replaced by a file";
-    EXPECT_FALSE(WriteFileSafely("/dev/full", Bytes(10), error_));
-    EXPECT_EQ(error_, "the disk is full");
-}
-
-// The old file stays and the temporary goes, whether writing fails or the handler ends the program amidst it.
-TEST_F(Files, KeepTheOldBytesWhenTheNewDoNotFit) {
-    ASSERT_TRUE(Write("a.gif", {5}));
-    const auto removeAndLeave = [](int) {
-        RemovePendingTemporary();
-        _exit(3);
-    };
-    EXPECT_EQ(WriteTooMuch("a.gif", SIG_IGN), 2);
-    EXPECT_EQ(WriteTooMuch("a.gif", removeAndLeave), 3);
-    EXPECT_EQ(Read("a.gif"), Bytes{5});
-    EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
 }
 
 TEST_F(Files, ThatAreNoPicturesSaySo) {
@@ -97,6 +63,55 @@ TEST_F(Files, ThatAreNoPicturesSaySo) {
         EXPECT_EQ(got.error, text);
     }
 }
+
+#ifndef _WIN32
+
+TEST_F(Files, KeepTheirModeAndTheLinksToThem) {
+    ASSERT_TRUE(Write("a.gif", {5}));
+    fs::permissions(Path("a.gif"), fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("a.gif", Path("link.gif"));
+    ASSERT_TRUE(Write("link.gif", {7}));
+    EXPECT_TRUE(fs::is_symlink(Path("link.gif")));
+    EXPECT_EQ(Read("a.gif"), Bytes{7});
+    EXPECT_EQ(fs::status(Path("a.gif")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(Files, ThatAreDevicesAreWrittenTo) {
+    EXPECT_TRUE(WriteFileSafely("/dev/null", Bytes(10), error_));
+    EXPECT_TRUE(fs::is_character_file("/dev/null")) << "a device must not be replaced by a file";
+    EXPECT_FALSE(WriteFileSafely("/dev/full", Bytes(10), error_));
+    EXPECT_EQ(error_, "the disk is full");
+}
+
+/// The status of a program that writes more than fits and is told so by a signal.
+int WriteTooMuch(const std::string& path, void (*onSignal)(int)) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit limit{4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        signal(SIGXFSZ, onSignal);
+        std::string error;
+        _exit(WriteFileSafely(path, Bytes(100000), error) ? 1 : 2);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WEXITSTATUS(status);
+}
+
+// The old file stays and the temporary goes, whether writing fails or the handler ends the program amidst it.
+TEST_F(Files, KeepTheOldBytesWhenTheNewDoNotFit) {
+    ASSERT_TRUE(Write("a.gif", {5}));
+    const auto removeAndLeave = [](int) {
+        RemovePendingTemporary();
+        _exit(3);
+    };
+    EXPECT_EQ(WriteTooMuch(Path("a.gif"), SIG_IGN), 2);
+    EXPECT_EQ(WriteTooMuch(Path("a.gif"), removeAndLeave), 3);
+    EXPECT_EQ(Read("a.gif"), Bytes{5});
+    EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
+}
+
+#endif
 
 } // namespace
 } // namespace lumafold::test

@@ -1,0 +1,131 @@
+// Interrupts while building and while writing.
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <csignal>
+#include <cstdlib>
+#include <sstream>
+#endif
+
+#include "hosts/cli/command_line.h"
+#include "hosts/cli/frames_folder.h"
+#include "hosts/cli/interrupt.h"
+#include "tests/hosts/cli_fixture.h"
+
+namespace lumafold::test {
+namespace {
+
+#ifdef _WIN32
+
+BOOL WINAPI StayDeaf(DWORD) { return TRUE; }
+
+/// What the program says on its standard error comes through a pipe, and whoever is on its console hears of
+/// the interrupt.
+class StartedProgram {
+public:
+    explicit StartedProgram(std::string commandLine) {
+        SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+        HANDLE writing = nullptr;
+        EXPECT_TRUE(CreatePipe(&reading_, &writing, &inherited, 0));
+        STARTUPINFOA start{};
+        start.cb = sizeof(start);
+        start.dwFlags = STARTF_USESTDHANDLES;
+        start.hStdOutput = start.hStdError = writing;
+        EXPECT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                   &start, &program_));
+        CloseHandle(writing);
+    }
+    StartedProgram(const StartedProgram&) = delete;
+    StartedProgram& operator=(const StartedProgram&) = delete;
+    ~StartedProgram() {
+        TerminateProcess(program_.hProcess, 1);
+        for (const HANDLE handle : {reading_, program_.hThread, program_.hProcess})
+            CloseHandle(handle);
+    }
+
+    bool ReadUntil(const std::string& word) {
+        std::string said;
+        char piece[256];
+        DWORD got = 0;
+        while (said.find(word) == std::string::npos) {
+            if (!ReadFile(reading_, piece, sizeof(piece), &got, nullptr) || got == 0) return false;
+            said.append(piece, got);
+        }
+        return true;
+    }
+    void Interrupt() { EXPECT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)); }
+    DWORD Status() {
+        EXPECT_EQ(WaitForSingleObject(program_.hProcess, 20000), WAIT_OBJECT_0);
+        DWORD status = 0;
+        GetExitCodeProcess(program_.hProcess, &status);
+        return status;
+    }
+
+private:
+    HANDLE reading_ = nullptr;
+    PROCESS_INFORMATION program_{};
+};
+
+TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
+    FreeConsole(); // what a shell elsewhere lends its programs takes no interrupts
+    ASSERT_TRUE(AllocConsole());
+    ASSERT_TRUE(SetConsoleCtrlHandler(&StayDeaf, TRUE));
+    PutPicture("a.bmp", 320, 240, 1); // enough to be at it for a while
+    for (const char* output : {"x.gif", "x/"}) {
+        StartedProgram program(std::string("\"") + LUMAFOLD_PROGRAM + "\" build \"" + Path("a.bmp") +
+                               "\" -o \"" + Path(output) + "\"");
+        ASSERT_TRUE(program.ReadUntil("Building"));
+        program.Interrupt();
+        EXPECT_EQ(program.Status(), DWORD{kInterruptedStatus});
+    }
+    EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});
+}
+
+#else
+
+/// Takes text as a stream does, and interrupts the program as soon as it has read `word`.
+class InterruptAt : public std::stringbuf {
+public:
+    explicit InterruptAt(std::string word) : word_(std::move(word)) {}
+
+private:
+    int sync() override {
+        if (str().find(word_) != std::string::npos) std::raise(SIGINT);
+        return 0;
+    }
+    std::string word_;
+};
+
+TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
+    GTEST_FLAG_SET(death_test_style, "fast"); // the children share this folder
+    PutPicture("a.bmp", 7, 5, 1);
+    for (const char* output : {"x.gif", "x/"}) {
+        const auto build = [&] {
+            WatchForInterrupts();
+            InterruptAt buffer("Remapping");
+            std::ostream screen(&buffer);
+            const std::vector<std::string> words{"build", Path("a.bmp"), "-o", Path(output)};
+            RunCommandLine(words, screen, screen);
+        };
+        EXPECT_EXIT(build(), testing::ExitedWithCode(kInterruptedStatus), "");
+    }
+    // While files are written it waits until they are taken back.
+    const auto write = [&] {
+        WatchForInterrupts();
+        const HoldInterrupts hold;
+        std::raise(SIGINT);
+        Animation animation;
+        animation.frames.push_back({PlainPicture(2, 2, 0), 1, -1});
+        std::uint64_t bytes = 0;
+        std::string error;
+        const bool written = WriteFramesFolder(Path("x"), animation, {}, bytes, error);
+        std::_Exit(!written && Interrupted() ? 0 : 1);
+    };
+    EXPECT_EXIT(write(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});
+}
+
+#endif
+
+} // namespace
+} // namespace lumafold::test
