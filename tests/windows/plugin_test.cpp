@@ -97,7 +97,8 @@ TEST(Plugin, ExportsItsEntryPointsAndNeedsOnlyTheSystem) {
     const Library library;
     ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
     const Image image(library.Module());
-    EXPECT_EQ(image.Exports(), (std::set<std::string>{"DllEntryPoint", "PLUGINGetPluginParams"}));
+    EXPECT_EQ(image.Exports(),
+              (std::set<std::string>{"DllEntryPoint", "PLUGINDoBuild", "PLUGINGetPluginParams"}));
 
     char system[MAX_PATH];
     const UINT systemLength = GetSystemDirectoryA(system, MAX_PATH);

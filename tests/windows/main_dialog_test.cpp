@@ -1,0 +1,191 @@
+// The main dialog: opening for every kind of host, what its controls do, and what it writes when it closes.
+#include <algorithm>
+#include <sstream>
+
+#include "settings/settings.h"
+#include "tests/windows/dialog_fixture.h"
+#include "transitions/table.h"
+
+namespace lumafold::test {
+namespace {
+
+class MainDialog : public DialogTest {};
+
+TEST_F(MainDialog, OpensAsTheHostsCapabilitiesAllow) {
+    for (const std::uint32_t flags : {0U, 1U, 2U, 3U}) {
+        SCOPED_TRACE(testing::Message() << "capabilities " << flags);
+        const bool compresses = (flags & 1) != 0, trueColours = (flags & 2) != 0;
+        WriteFileBytes(files.Settings(), "TransitionTruecolour = 1\r\nTransitionDelay = 5000\r\n"
+                                         "TransitionPause = 0\r\nTransitionCustompalette = 0\r\n");
+        host.context.capabilityFlags = flags;
+        Open();
+        EXPECT_EQ(Caption(), "Lumafold");
+        EXPECT_EQ(Enabled(LUMAFOLD_MAIN_TRUE_COLOUR), trueColours);
+        EXPECT_EQ(Checked(LUMAFOLD_MAIN_TRUE_COLOUR), trueColours);
+        EXPECT_EQ(Enabled(LUMAFOLD_MAIN_SUPERCOMPRESS), compresses);
+        EXPECT_EQ(Checked(LUMAFOLD_MAIN_SUPERCOMPRESS), compresses);
+        for (const int edit : {LUMAFOLD_MAIN_DELAY, LUMAFOLD_MAIN_PAUSE}) {
+            EXPECT_EQ(Text(edit + LUMAFOLD_UPDOWN), compresses ? "1,1000,10" : "1,10000,100");
+        }
+        EXPECT_EQ(Text(LUMAFOLD_MAIN_DELAY), compresses ? "1000" : "5000");
+        EXPECT_EQ(Text(LUMAFOLD_MAIN_PAUSE), "1");
+        EXPECT_TRUE(Enabled(LUMAFOLD_MAIN_PALETTE));
+        Close();
+        EXPECT_EQ(files.Setting("TransitionTruecolour"), trueColours ? 1 : 0);
+        EXPECT_EQ(files.Setting("Supercompress"), compresses ? 1 : 0);
+        Reload();
+    }
+    EXPECT_TRUE(host.commands.empty());
+}
+
+TEST_F(MainDialog, StartsFromDefaultsAndWritesEverySetting) {
+    RemoveFolder(files.Settings());
+    Open();
+    for (const int button : {IDOK, LUMAFOLD_MAIN_TEST, LUMAFOLD_MAIN_REMOVE, LUMAFOLD_MAIN_PASTE}) {
+        EXPECT_FALSE(Enabled(button)) << button;
+    }
+    ASSERT_EQ(Ask(LUMAFOLD_MAIN_TRANSITION, CB_GETCOUNT), kTransitionCount);
+    for (int i = 0; i < kTransitionCount; ++i) {
+        char name[100] = "";
+        Ask(LUMAFOLD_MAIN_TRANSITION, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
+        EXPECT_STREQ(name, TransitionTable[static_cast<std::size_t>(i)].name);
+    }
+    EXPECT_EQ(Ask(LUMAFOLD_MAIN_PALETTE, CB_GETCOUNT), 9);
+    EXPECT_EQ(Chosen(LUMAFOLD_MAIN_TRANSITION), 0);
+    EXPECT_EQ(Chosen(LUMAFOLD_MAIN_PALETTE), 6);
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_DELAY), "5");
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_PAUSE), "100");
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "204,204,204");
+    EXPECT_TRUE(Checked(LUMAFOLD_MAIN_CUSTOM_PALETTE));
+    EXPECT_FALSE(Enabled(LUMAFOLD_MAIN_PALETTE));
+    Click(LUMAFOLD_MAIN_CUSTOM_PALETTE);
+    EXPECT_TRUE(Enabled(LUMAFOLD_MAIN_PALETTE));
+    Close();
+
+    std::istringstream text(ReadFileBytes(files.Settings()));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        ASSERT_EQ(line.back(), '\r');
+        lines.push_back(line.substr(0, line.size() - 1));
+    }
+    ASSERT_EQ(lines.size(), 5U + 67U);
+    EXPECT_EQ(lines[0], ";Brackenfield animtion plugin configuration file");
+    EXPECT_EQ(lines[1], ";Edit this at your own risk");
+    EXPECT_EQ(lines[2].rfind(";Last updated ", 0), 0U);
+    EXPECT_EQ(lines[2].size(), 14U + 24U);
+    EXPECT_EQ(lines[3], ";");
+    EXPECT_EQ(lines[4], "[PlugIn]");
+    for (std::size_t i = 0; i < 67; ++i) {
+        const SettingDescriptor& row = SettingDescriptors()[i];
+        EXPECT_EQ(lines[5 + i], std::string(row.key) + " = " + std::to_string(row.defaultValue));
+    }
+}
+
+TEST_F(MainDialog, KeepsSettingsOnEveryWayOut) {
+    Open();
+    Click(LUMAFOLD_MAIN_CUSTOM_PALETTE);
+    Click(LUMAFOLD_MAIN_DITHER);
+    Click(LUMAFOLD_MAIN_TRUE_COLOUR);
+    Click(LUMAFOLD_MAIN_SUPERCOMPRESS);
+    Choose(LUMAFOLD_MAIN_PALETTE, 2);
+    Choose(LUMAFOLD_MAIN_TRANSITION, 22);
+    Type(LUMAFOLD_MAIN_DELAY, "70000");
+    Type(LUMAFOLD_MAIN_PAUSE, "0");
+    host.chosen = 0x030201;
+    Click(LUMAFOLD_MAIN_MATTE);
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "1,2,3");
+    EXPECT_EQ(+host.colour.size, 28U);
+    EXPECT_EQ(+host.colour.version, 0x201U);
+    EXPECT_EQ(+host.colour.twentyFour, 24U);
+    EXPECT_EQ(+host.colour.before, 0xCCCCCCU);
+    EXPECT_EQ(+host.colour.colour, 0xCCCCCCU);
+    EXPECT_EQ(host.colour.owner, static_cast<WindowHandle>(reinterpret_cast<std::uintptr_t>(Dialog())));
+    EXPECT_TRUE(+host.colour.customColours != nullptr);
+    host.chosen.reset(); // cancelled
+    Click(LUMAFOLD_MAIN_MATTE);
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "1,2,3");
+    Close();
+    // Cancelled, only what took effect at once is kept.
+    const std::pair<const char*, int> saved[] = {{"TransitionMattcolour", 0x030201},
+                                                 {"TransitionPalette", 2},
+                                                 {"TransitionType", 0},
+                                                 {"TransitionDelay", 5},
+                                                 {"TransitionPause", 100},
+                                                 {"TransitionDither", 1},
+                                                 {"TransitionCustompalette", 1},
+                                                 {"Supercompress", 1}};
+    for (const auto& [key, value] : saved)
+        EXPECT_EQ(files.Setting(key), value) << key;
+
+    // The next opening shows what the file says, also after a change by hand.
+    std::string text = ReadFileBytes(files.Settings());
+    text += "TransitionDelay = 12\r\nTransitionType = 22\r\n";
+    WriteFileBytes(files.Settings(), text);
+    Open();
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_DELAY), "12");
+    EXPECT_EQ(Chosen(LUMAFOLD_MAIN_TRANSITION), 22);
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "1,2,3");
+    PostMessageA(Dialog(), WM_CLOSE, 0, 0);
+    ui.Finish();
+    EXPECT_EQ(files.Setting("TransitionDelay"), 12);
+}
+
+TEST_F(MainDialog, ShiftStartsFromWhatIsInForceAndForgetsTheList) {
+    const std::string picture = pictures.Add("a.bmp", PlainPicture(7, 5, 0xFF));
+    WriteFileBytes(files.Settings(), "TransitionDelay = 12\r\nTransitionMattcolour = 255\r\n");
+    WriteFileBytes(files.List(), picture + "\r\n");
+    Open(Shift::Down);
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_DELAY), "5");
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "204,204,204");
+    EXPECT_EQ(Count(), 0);
+    Close();
+    EXPECT_EQ(files.Setting("TransitionDelay"), 5);
+    EXPECT_TRUE(FileExists(files.List()));
+    EXPECT_EQ(ReadFileBytes(files.List()), "");
+    EXPECT_EQ(host.Count(8), 0);
+}
+
+TEST_F(MainDialog, WithoutACallbackSaysSoAndGoes) {
+    WriteFileBytes(files.List(), pictures.Add("a.bmp", PlainPicture(7, 5, 0xFF)) + "\r\n");
+    host.context.callback = nullptr;
+    Open();
+    EXPECT_EQ(AnswerMessage(), "Internal error");
+    ui.Finish();
+    EXPECT_EQ(Result(), 1);
+}
+
+TEST_F(MainDialog, ShowsHelpAndTheAboutBox) {
+    Open();
+    Click(LUMAFOLD_ID_HELP);
+    host.helps = false;
+    Click(LUMAFOLD_ID_HELP);
+    EXPECT_EQ(AnswerMessage(), "There has been an error displaying the Help document.");
+    EXPECT_EQ(Caption(), "Lumafold");
+    const HWND main = Dialog();
+    Click(LUMAFOLD_MAIN_ABOUT);
+    ASSERT_NE(Dialog(), main);
+    EXPECT_EQ(GetWindow(Dialog(), GW_OWNER), main);
+    std::string texts;
+    for (HWND child = GetWindow(Dialog(), GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        char text[300] = "";
+        GetWindowTextA(child, text, sizeof(text));
+        texts += std::string(text) + "\n";
+    }
+    EXPECT_NE(texts.find("Lumafold"), std::string::npos) << texts;
+    EXPECT_NE(texts.find("1.0"), std::string::npos) << texts;
+    if (Control(LUMAFOLD_ID_HELP) != nullptr) {
+        host.helps = true;
+        Click(LUMAFOLD_ID_HELP);
+    }
+    Click(IDOK);
+    Close();
+    std::vector<std::string> asked = host.Texts(9);
+    ASSERT_GE(asked.size(), 2U);
+    EXPECT_EQ(asked[0], "LUMAFOLD.HTML");
+    EXPECT_EQ(asked[1], "LUMAFOLD.HTML");
+    EXPECT_EQ(asked.back(), asked.size() > 2 ? "LUMAFOLD.HTML#ABOUT" : "LUMAFOLD.HTML");
+}
+
+} // namespace
+} // namespace lumafold::test
