@@ -89,13 +89,11 @@ bool PaintTexture(HDC context, const RECT& area) {
     return true;
 }
 
-enum class ControlClass { Static, Button, Other };
-
-ControlClass ClassOf(HWND control) {
+/// A combo box or an edit box. These ask for a label's colours while they are disabled.
+bool IsField(HWND control) {
     char name[16] = "";
-    if (control == nullptr || GetClassNameA(control, name, sizeof name) == 0) return ControlClass::Static;
-    if (_stricmp(name, "Static") == 0) return ControlClass::Static;
-    return _stricmp(name, "Button") == 0 ? ControlClass::Button : ControlClass::Other;
+    if (control == nullptr || GetClassNameA(control, name, sizeof name) == 0) return false;
+    return _stricmp(name, "ComboBox") == 0 || _stricmp(name, "Edit") == 0;
 }
 
 /// The colour that a swatch's caption names; false when it names none.
@@ -164,15 +162,11 @@ void PaintBehind(HWND control, HDC context) {
 }
 
 INT_PTR PaintStaticLabel(HDC context) {
-    const HWND control = WindowFromDC(context);
-    const ControlClass kind = ClassOf(control);
-    if (kind == ControlClass::Other) { // a disabled list or edit box, which must cover what it showed before
+    if (IsField(WindowFromDC(context))) { // it must cover what it showed before
         SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
         SetBkColor(context, GetSysColor(COLOR_BTNFACE));
         return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
     }
-    // Check boxes repaint their text and focus without a message that clears what they covered.
-    if (kind == ControlClass::Button) PaintBehind(control, context);
     SetTextColor(context, GetSysColor(COLOR_WINDOWTEXT));
     SetBkMode(context, TRANSPARENT);
     return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
