@@ -6,9 +6,9 @@
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/output.h"
-#include "hosts/common/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
+#include "hosts/common/report.h"
 
 namespace lumafold {
 namespace {
@@ -18,8 +18,9 @@ public:
     BuildRun(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
 
     int Run(std::span<const std::string> words) {
+        WordsError mistake;
+        if (!ParseBuild(words, options_, mistake)) return Fail(mistake.status, mistake.text);
         std::string error;
-        if (!ParseBuild(words, options_, error)) return Fail(2, error);
         if (!options_.output.empty()) {
             const auto kind = ClassifyOutput(options_.output, error);
             if (!kind) return Fail(2, error);

@@ -7,6 +7,8 @@
 
 #include "colour/palettes.h"
 #include "hosts/cli/names.h"
+#include "hosts/codecs/files.h"
+#include "settings/config_file.h"
 #include "transitions/table.h"
 
 namespace lumafold {
@@ -17,9 +19,10 @@ struct GapWords {
     std::optional<std::int32_t> transition, pause, delay;
 };
 
-enum class Command { Build, Sheet };
+enum class Command : unsigned { Build = 1, Sheet = 2, Settings = 4 };
 enum class Takes { Value, Nothing };
-enum class KnownTo { Build, Both };
+/// Sets of commands.
+enum class KnownTo : unsigned { Build = 1, Pictures = 1 | 2, Settings = 4, All = 1 | 2 | 4 };
 
 /// An option; those that stand for a setting put `value` into it.
 struct OptionRow {
@@ -31,13 +34,14 @@ struct OptionRow {
 };
 
 constexpr OptionRow kOptions[] = {
-    {"-o", Takes::Value, KnownTo::Both},
-    {"--output", Takes::Value, KnownTo::Both},
-    {"--transition", Takes::Value, KnownTo::Both},
+    {"-o", Takes::Value, KnownTo::Pictures},
+    {"--output", Takes::Value, KnownTo::Pictures},
+    {"--transition", Takes::Value, KnownTo::Pictures},
     {"--pause", Takes::Value, KnownTo::Build},
     {"--delay", Takes::Value, KnownTo::Build},
-    {"--set", Takes::Value, KnownTo::Both},
-    {"--matte", Takes::Value, KnownTo::Both},
+    {"--config", Takes::Value, KnownTo::All},
+    {"--set", Takes::Value, KnownTo::All},
+    {"--matte", Takes::Value, KnownTo::Pictures},
     {"--palette", Takes::Value, KnownTo::Build},
     {"--custom-palette", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionCustompalette, 1},
     {"--no-custom-palette", Takes::Nothing, KnownTo::Build, &PluginSettings::TransitionCustompalette, 0},
@@ -49,14 +53,16 @@ constexpr OptionRow kOptions[] = {
     {"--test-build", Takes::Nothing, KnownTo::Build},
     {"--estimate", Takes::Nothing, KnownTo::Build},
     {"--sheet", Takes::Value, KnownTo::Build},
-    {"-q", Takes::Nothing, KnownTo::Both},
-    {"--quiet", Takes::Nothing, KnownTo::Both},
-    {"--help", Takes::Nothing, KnownTo::Both},
-    {"--version", Takes::Nothing, KnownTo::Both},
+    {"--json", Takes::Nothing, KnownTo::Settings},
+    {"--write", Takes::Value, KnownTo::Settings},
+    {"-q", Takes::Nothing, KnownTo::Pictures},
+    {"--quiet", Takes::Nothing, KnownTo::Pictures},
+    {"--help", Takes::Nothing, KnownTo::All},
+    {"--version", Takes::Nothing, KnownTo::All},
 };
 
 bool Knows(Command command, const OptionRow& option) {
-    return command == Command::Build || option.knownTo == KnownTo::Both;
+    return (static_cast<unsigned>(option.knownTo) & static_cast<unsigned>(command)) != 0;
 }
 
 std::string DidYouMeanOption(Command command, const std::string& word) {
@@ -76,15 +82,18 @@ public:
         while (next_ < words_.size()) {
             if (!TakeWord()) return false;
         }
+        if (!SettleSettings()) return false;
+        if (command_ == Command::Settings) return true;
         return command_ == Command::Build ? FinishBuild() : FinishSheet();
     }
-    const std::string& Error() const { return error_; }
+    const WordsError& Error() const { return error_; }
     /// What --transition said last.
     std::optional<std::int32_t> Transition() const { return gap_.transition; }
+    bool Json() const { return json_; }
 
 private:
     bool Fail(std::string text) {
-        error_ = std::move(text);
+        error_.text = std::move(text);
         return false;
     }
 
@@ -116,6 +125,8 @@ private:
             options_.testBuild = true;
         } else if (option.name == "--estimate") {
             options_.estimate = true;
+        } else if (option.name == "--json") {
+            json_ = true;
         } else {
             options_.quiet = true;
         }
@@ -123,7 +134,10 @@ private:
     }
 
     bool TakeValue(const std::string& name, const std::string& value) {
-        if (name == "-o" || name == "--output") return TakePath(name, value, options_.output);
+        if (name == "-o" || name == "--output" || name == "--write") {
+            return TakePath(name, value, options_.output);
+        }
+        if (name == "--config") return TakePath(name, value, config_);
         if (name == "--sheet") return TakePath(name, value, options_.sheet);
         if (name == "--set") return TakeSetting(value);
         if (name == "--matte") return TakeMatte(value);
@@ -135,8 +149,19 @@ private:
     }
 
     void Set(std::uint32_t PluginSettings::*setting, std::uint32_t value) {
-        options_.settings.*setting = value;
+        assignments_.emplace_back(setting, value);
         if (setting == &PluginSettings::Supercompress) options_.supercompressAsked = value != 0;
+    }
+
+    bool SettleSettings() {
+        FileError why = 0;
+        if (!config_.empty() && !LoadSettings(config_.c_str(), options_.settings, &why)) {
+            error_.status = 1;
+            return Fail("--config " + config_ + ": " + FileErrorText(why));
+        }
+        for (const auto& [setting, value] : assignments_)
+            options_.settings.*setting = value;
+        return true;
     }
 
     bool TakePath(const std::string& name, const std::string& value, std::string& target) {
@@ -214,6 +239,7 @@ private:
     }
 
     bool TakeImage(const std::string& path) {
+        if (command_ == Command::Settings) return Fail("settings takes no words after it: " + path);
         if (path.empty()) return Fail("an image without a name");
         options_.images.push_back({path, {}});
         gaps_.push_back(gap_);
@@ -257,9 +283,12 @@ private:
     const Command command_;
     std::span<const std::string> words_;
     BuildOptions& options_;
-    std::string error_;
+    WordsError error_;
     std::size_t next_ = 0;
     bool onlyImages_ = false;
+    bool json_ = false;
+    std::string config_;
+    std::vector<std::pair<std::uint32_t PluginSettings::*, std::uint32_t>> assignments_;
     GapWords gap_;
     std::vector<GapWords> gaps_;
     std::string gapAfterImages_; // the last such option that no image follows
@@ -267,14 +296,14 @@ private:
 
 } // namespace
 
-bool ParseBuild(std::span<const std::string> words, BuildOptions& options, std::string& error) {
+bool ParseBuild(std::span<const std::string> words, BuildOptions& options, WordsError& error) {
     Parser parser(Command::Build, words, options);
     if (parser.Run()) return true;
     error = parser.Error();
     return false;
 }
 
-bool ParseSheet(std::span<const std::string> words, SheetOptions& options, std::string& error) {
+bool ParseSheet(std::span<const std::string> words, SheetOptions& options, WordsError& error) {
     BuildOptions read;
     Parser parser(Command::Sheet, words, read);
     if (!parser.Run()) {
@@ -287,6 +316,17 @@ bool ParseSheet(std::span<const std::string> words, SheetOptions& options, std::
                read.output,
                read.quiet,
                read.warnings};
+    return true;
+}
+
+bool ParseSettings(std::span<const std::string> words, SettingsOptions& options, WordsError& error) {
+    BuildOptions read;
+    Parser parser(Command::Settings, words, read);
+    if (!parser.Run()) {
+        error = parser.Error();
+        return false;
+    }
+    options = {read.settings, read.output, parser.Json(), read.warnings};
     return true;
 }
 
@@ -322,6 +362,7 @@ matte colour and back.
   --supercompress, --no-supercompress
                           mark pixels that did not change as transparent
   --matte R,G,B|'#RRGGBB' the colour round smaller pictures and behind clear ones
+  --config FILE           settings from a file, as the plug-in keeps them; other options come after it
   --set KEY=VALUE         any setting, decimal or 0x... ("lumafold settings" lists them); may be repeated
   --estimate              build all of it and say how large the file would be, but write nothing; -o is then
                           needed for its kind alone, which is .gif without it
@@ -345,9 +386,23 @@ they are (shrunk before, too, where the frames would be very many or large).
   -o, --output FILE.png   where the sheet goes
   --transition NAME|ROW   the one to show ("lumafold transitions" lists them)
   --matte R,G,B|'#RRGGBB' the colour round smaller pictures and behind clear ones
+  --config FILE           settings from a file, as the plug-in keeps them; other options come after it
   --set KEY=VALUE         any setting, decimal or 0x... ("lumafold settings" lists them); may be repeated
   -q, --quiet             no progress, no remarks
   --                      all words after it are pictures
+  --help, --version
+)";
+
+const char kSettingsHelp[] =
+    R"(usage: lumafold settings [options]
+
+Shows every setting: key, value, default, range, kind, label in the dialogs, meaning. The values are the
+defaults, unless the options say others.
+
+  --config FILE           values from a file, as the plug-in keeps them
+  --set KEY=VALUE         a value after those, decimal or 0x...; may be repeated
+  --json                  as a JSON array instead of a table
+  --write FILE            also write the values to a file for --config or the plug-in
   --help, --version
 )";
 

@@ -1,5 +1,5 @@
-// The words after "lumafold build" and "lumafold sheet": pictures, what fills the gaps, settings, and where
-// the result goes.
+// The words after "lumafold build", "lumafold sheet" and "lumafold settings": pictures, what fills the gaps,
+// settings, and where the result goes.
 #pragma once
 
 #include <array>
@@ -12,6 +12,12 @@
 #include "settings/settings.h"
 
 namespace lumafold {
+
+/// Why words were not taken.
+struct WordsError {
+    std::string text; ///< one line
+    int status = 2;   ///< 2 for a mistake in the words, 1 for a file they name that cannot be read
+};
 
 struct ImageArgument {
     std::string path;
@@ -31,9 +37,9 @@ struct BuildOptions {
     std::vector<std::string> warnings; ///< one line each
 };
 
-/// False with `error` in one line. --transition, --pause and --delay apply to the pictures after them; where
-/// none was given, the settings' defaults do, wherever a --set stands.
-bool ParseBuild(std::span<const std::string> words, BuildOptions& options, std::string& error);
+/// False with `error`. --transition, --pause and --delay apply to the pictures after them; where none was
+/// given, the settings do. What a --config file holds comes before all other words, wherever they stand.
+bool ParseBuild(std::span<const std::string> words, BuildOptions& options, WordsError& error);
 
 struct SheetOptions {
     std::array<std::string, 2> images;
@@ -44,8 +50,18 @@ struct SheetOptions {
     std::vector<std::string> warnings;
 };
 
-/// False with `error` in one line.
-bool ParseSheet(std::span<const std::string> words, SheetOptions& options, std::string& error);
+/// False with `error`.
+bool ParseSheet(std::span<const std::string> words, SheetOptions& options, WordsError& error);
+
+struct SettingsOptions {
+    PluginSettings settings;
+    std::string write; ///< the file to write them to, "" for none
+    bool json = false;
+    std::vector<std::string> warnings;
+};
+
+/// False with `error`.
+bool ParseSettings(std::span<const std::string> words, SettingsOptions& options, WordsError& error);
 
 /// "2 to 20" as a person reads a setting's range; colours in hexadecimal.
 std::string RangeText(const SettingDescriptor& setting);
@@ -54,5 +70,6 @@ std::string ValueText(const SettingDescriptor& setting, std::uint32_t value);
 
 extern const char kBuildHelp[];
 extern const char kSheetHelp[];
+extern const char kSettingsHelp[];
 
 } // namespace lumafold

@@ -16,13 +16,14 @@ namespace {
 constexpr char kHelp[] =
     R"(usage: lumafold build [options] IMAGE... -o OUTPUT
        lumafold sheet [options] IMAGE IMAGE -o FILE.png
-       lumafold transitions | palettes | settings
+       lumafold settings [options]
+       lumafold transitions | palettes
 
   build         turns pictures into a looping animation ("lumafold build --help" tells how)
   sheet         draws what the transitions look like ("lumafold sheet --help" tells how)
+  settings      shows the settings, and writes them to a file ("lumafold settings --help" tells how)
   transitions   lists the transitions: row, name, the settings each reads
   palettes      lists the fixed palettes: number, name, colours, bits a pixel
-  settings      lists the settings: key, default, range, meaning
 
   --help, --version
 )";
@@ -44,8 +45,7 @@ constexpr Command kCommands[] = {
     {"palettes",
      "usage: lumafold palettes\n\nLists the fixed palettes with their colours and bits a pixel.\n", nullptr,
      &ListPalettes},
-    {"settings", "usage: lumafold settings\n\nLists every key with its default, range and meaning.\n",
-     nullptr, &ListSettings},
+    {"settings", kSettingsHelp, &RunSettings, nullptr},
 };
 
 const Command* FindCommand(std::string_view name) {

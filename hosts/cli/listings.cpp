@@ -2,12 +2,80 @@
 
 #include <iomanip>
 
+#include <nlohmann/json.hpp>
+
 #include "colour/palettes.h"
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/names.h"
+#include "hosts/codecs/files.h"
+#include "settings/config_file.h"
 #include "transitions/table.h"
 
 namespace lumafold {
+namespace {
+
+std::string_view KindText(const SettingDescriptor& setting) {
+    switch (setting.kind) {
+    case SettingKind::Switch:
+        return "switch";
+    case SettingKind::Number:
+        return "number";
+    case SettingKind::Colour:
+        return "colour";
+    case SettingKind::Choice:
+        return "choice";
+    case SettingKind::Fixed:
+        break;
+    }
+    return "fixed";
+}
+
+/// Without the mark of the letter that chooses the control.
+std::string LabelText(const SettingDescriptor& setting) {
+    std::string label = setting.label;
+    std::erase(label, '&');
+    return label;
+}
+
+void TableOfSettings(const PluginSettings& settings, std::ostream& out) {
+    out << "key                              value       default   range                 kind    "
+           "label                      meaning\n";
+    for (const SettingDescriptor& setting : SettingDescriptors()) {
+        const std::string label = LabelText(setting);
+        out << std::left << std::setw(33) << setting.key << std::setw(12)
+            << ValueText(setting, settings.*setting.value) << std::setw(10)
+            << ValueText(setting, setting.defaultValue) << std::setw(22) << RangeText(setting) << std::setw(8)
+            << KindText(setting) << std::setw(27) << (label.empty() ? "-" : label) << setting.meaning << '\n';
+        const auto choices = ChoicesOf(setting);
+        for (std::size_t i = 0; i < choices.size(); ++i)
+            out << (i == 0 ? "    " : ", ") << i << " = " << choices[i];
+        if (!choices.empty()) out << '\n';
+    }
+}
+
+void JsonOfSettings(const PluginSettings& settings, std::ostream& out) {
+    auto all = nlohmann::ordered_json::array();
+    for (const SettingDescriptor& setting : SettingDescriptors()) {
+        nlohmann::ordered_json row = {{"key", setting.key},
+                                      {"value", settings.*setting.value},
+                                      {"default", setting.defaultValue},
+                                      {"minimum", setting.minimum},
+                                      {"maximum", setting.maximum},
+                                      {"kind", KindText(setting)},
+                                      {"label", LabelText(setting)},
+                                      {"meaning", setting.meaning}};
+        if (const auto choices = ChoicesOf(setting); !choices.empty()) row["choices"] = choices;
+        all.push_back(std::move(row));
+    }
+    out << all.dump(2) << '\n';
+}
+
+int Fail(std::ostream& err, int status, const std::string& text) {
+    err << "lumafold: " << text << '\n';
+    return status;
+}
+
+} // namespace
 
 void ListTransitions(std::ostream& out) {
     out << "row  name                                settings it reads\n";
@@ -15,19 +83,6 @@ void ListTransitions(std::ostream& out) {
         const std::string_view settings = TransitionSettings(row);
         out << std::right << std::setw(3) << row << "  " << std::left << std::setw(36) << TransitionName(row)
             << (settings.empty() ? "-" : settings) << '\n';
-    }
-}
-
-void ListSettings(std::ostream& out) {
-    out << "key                              default   range                 meaning\n";
-    for (const SettingDescriptor& setting : SettingDescriptors()) {
-        out << std::left << std::setw(33) << setting.key << std::setw(10)
-            << ValueText(setting, setting.defaultValue) << std::setw(22) << RangeText(setting)
-            << setting.meaning << '\n';
-        const auto choices = ChoicesOf(setting);
-        for (std::size_t i = 0; i < choices.size(); ++i)
-            out << (i == 0 ? "    " : ", ") << i << " = " << choices[i];
-        if (!choices.empty()) out << '\n';
     }
 }
 
@@ -40,6 +95,20 @@ void ListPalettes(std::ostream& out) {
         out << std::right << std::setw(6) << number++ << "  " << std::left << std::setw(26) << name
             << std::right << std::setw(7) << colours << std::setw(6) << bits << '\n';
     }
+}
+
+int RunSettings(std::span<const std::string> words, std::ostream& out, std::ostream& err) {
+    SettingsOptions options;
+    WordsError error;
+    if (!ParseSettings(words, options, error)) return Fail(err, error.status, error.text);
+    for (const std::string& warning : options.warnings)
+        err << "lumafold: warning: " << warning << '\n';
+    FileError why = 0;
+    if (!options.write.empty() && !SaveSettings(options.write.c_str(), options.settings, &why)) {
+        return Fail(err, 1, "--write " + options.write + ": " + FileErrorText(why));
+    }
+    (options.json ? JsonOfSettings : TableOfSettings)(options.settings, out);
+    return 0;
 }
 
 } // namespace lumafold

@@ -2,11 +2,15 @@
 #pragma once
 
 #include <ostream>
+#include <span>
+#include <string>
 
 namespace lumafold {
 
 void ListTransitions(std::ostream& out);
-void ListSettings(std::ostream& out);
 void ListPalettes(std::ostream& out);
+
+/// "lumafold settings" with these words behind; the exit status.
+int RunSettings(std::span<const std::string> words, std::ostream& out, std::ostream& err);
 
 } // namespace lumafold

@@ -7,9 +7,9 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
-#include "hosts/common/report.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
+#include "hosts/common/report.h"
 #include "image/resample.h"
 #include "transitions/table.h"
 
@@ -27,8 +27,8 @@ public:
     SheetRun(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
 
     int Run(std::span<const std::string> words) {
-        std::string error;
-        if (!ParseSheet(words, options_, error)) return Fail(2, error);
+        WordsError mistake;
+        if (!ParseSheet(words, options_, mistake)) return Fail(mistake.status, mistake.text);
         if (LowerSuffix(options_.output) != ".png") {
             return Fail(2, "-o " + options_.output + ": a contact sheet is a .png file");
         }
@@ -40,6 +40,7 @@ public:
         if (const std::string why = WhyNoFileCanStandAt(options_.output); !why.empty()) {
             return Fail(1, "-o " + options_.output + ": " + why);
         }
+        std::string error;
         if (!Load(error)) return Fail(1, error);
         const OwnedDib sheet = Draw(error);
         return sheet ? Write(sheet.Get()) : Fail(1, error);

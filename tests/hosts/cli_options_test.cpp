@@ -30,8 +30,8 @@ std::string GapText(const GapValues& gap) {
 /// Each picture with what follows it, then what stands for the dialog's; or the error.
 std::string Parsed(const std::string& line) {
     BuildOptions options;
-    std::string error;
-    if (!ParseBuild(Words(line), options, error)) return "error: " + error;
+    WordsError error;
+    if (!ParseBuild(Words(line), options, error)) return "error: " + error.text;
     std::string text;
     for (const ImageArgument& image : options.images)
         text += image.path + " " + GapText(image.gap) + ", ";
@@ -61,8 +61,8 @@ TEST(BuildOptions, GapOptionsApplyToThePicturesAfterThem) {
 /// The palette and what is switched on after these words.
 std::string Switches(const std::string& line) {
     BuildOptions options;
-    std::string error;
-    EXPECT_TRUE(ParseBuild(Words("a b -o x.gif " + line), options, error)) << error;
+    WordsError error;
+    EXPECT_TRUE(ParseBuild(Words("a b -o x.gif " + line), options, error)) << error.text;
     const PluginSettings& settings = options.settings;
     return std::to_string(settings.TransitionPalette) + (settings.TransitionCustompalette ? " custom" : "") +
            (settings.TransitionDither ? " dither" : "") + (settings.TransitionTruecolour ? " true" : "") +
@@ -88,7 +88,7 @@ TEST(BuildOptions, ShorthandsSayWhatTheDialogsSwitchesDo) {
 
 TEST(SheetOptions, TakeTwoPicturesAndOneTransition) {
     SheetOptions options;
-    std::string error;
+    WordsError error;
     ASSERT_TRUE(
         ParseSheet(Words("a --transition 3 b -o x.png --matte 1,2,3 --transition Burp"), options, error));
     EXPECT_EQ(options.images[0] + options.images[1] + options.output, "abx.png");
@@ -101,7 +101,7 @@ TEST(SheetOptions, TakeTwoPicturesAndOneTransition) {
           {"a b -o x.png --dither", "unknown option --dither"},
           {"a b -o x.png --transition 33", "--transition 33: there is no such row, the table has 0 to 32"}}) {
         EXPECT_FALSE(ParseSheet(Words(line), options, error)) << line;
-        EXPECT_EQ(error.substr(0, std::string(expected).size()), expected);
+        EXPECT_EQ(error.text.substr(0, std::string(expected).size()), expected);
     }
 }
 
@@ -148,11 +148,11 @@ TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
 
 TEST(BuildOptions, SettingsTakeAny32BitNumberAndWarnOutsideTheirRange) {
     BuildOptions options;
-    std::string error;
+    WordsError error;
     const auto words =
         Words("a b -o x.gif --set TransitionIrisStep=21 --set TransitionIrisRadius=-1 --set PatchLevel=3 "
               "--set TransitionMattcolour=0x1112233 --pause 1001");
-    ASSERT_TRUE(ParseBuild(words, options, error)) << error;
+    ASSERT_TRUE(ParseBuild(words, options, error)) << error.text;
     EXPECT_EQ(options.settings.TransitionIrisStep, 21u);
     EXPECT_EQ(options.settings.TransitionIrisRadius, 0xFFFFFFFFu);
     EXPECT_EQ(options.settings.PatchLevel, 17u) << "written to files, never taken";
