@@ -75,7 +75,7 @@ void ChangeSwatch(HWND dialog, HWND button) {
     EnableWindow(dialog, FALSE);
     const bool chosen = ChooseColour(GetWindow(dialog, GW_OWNER), colour);
     EnableWindow(dialog, TRUE);
-    SetActiveWindow(dialog);
+    SetFocus(button); // a disabled window has lost it
     if (chosen) SetSwatch(button, colour);
 }
 

@@ -13,11 +13,14 @@ public:
     explicit OwnedGdi(Handle handle) : handle_(handle) {}
     OwnedGdi(const OwnedGdi&) = delete;
     OwnedGdi& operator=(const OwnedGdi&) = delete;
-    ~OwnedGdi() {
-        if (handle_ != nullptr) DeleteObject(handle_);
-    }
+    ~OwnedGdi() { Reset(nullptr); }
     explicit operator bool() const { return handle_ != nullptr; }
     Handle Get() const { return handle_; }
+    /// Deletes what it has and owns this instead.
+    void Reset(Handle handle) {
+        if (handle_ != nullptr) DeleteObject(handle_);
+        handle_ = handle;
+    }
 
 private:
     Handle handle_ = nullptr;

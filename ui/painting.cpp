@@ -70,15 +70,20 @@ void Tile(HDC context, const RECT& area, HDC texture, int width, int height) {
                 BitBlt(context, x, y, width, height, texture, 0, 0, SRCCOPY);
 }
 
+/// A copy of the texture, to be tinted.
+HBITMAP LoadTexture(BITMAP& bitmap) {
+    const HANDLE copy = LoadImageA(ModuleInstance(), MAKEINTRESOURCEA(LUMAFOLD_BITMAP_TEXTURE), IMAGE_BITMAP,
+                                   0, 0, LR_CREATEDIBSECTION);
+    if (copy != nullptr) GetObjectA(copy, sizeof bitmap, &bitmap);
+    return static_cast<HBITMAP>(copy);
+}
+
 /// False when there is no texture to be had.
 bool PaintTexture(HDC context, const RECT& area) {
-    const OwnedGdi<HBITMAP> copy(
-        static_cast<HBITMAP>(LoadImageA(ModuleInstance(), MAKEINTRESOURCEA(LUMAFOLD_BITMAP_TEXTURE),
-                                        IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION)));
     BITMAP bitmap = {};
-    if (!copy || GetObjectA(copy.Get(), sizeof bitmap, &bitmap) == 0) return false;
+    const OwnedGdi<HBITMAP> copy(LoadTexture(bitmap));
     const OwnedContext texture(CreateCompatibleDC(context));
-    if (!texture) return false;
+    if (!copy || !texture) return false;
     const SelectedGdi selected(texture.Get(), copy.Get());
     Palette colours = {};
     const OwnedGdi<HPALETTE> palette(
@@ -89,11 +94,36 @@ bool PaintTexture(HDC context, const RECT& area) {
     return true;
 }
 
-/// A combo box or an edit box. These ask for a label's colours while they are disabled.
-bool IsField(HWND control) {
+bool IsPlain() { return ScreenDepth() <= kFewColours || pluginSettings.SolidBackground != 0; }
+
+/// One tile of the background as a brush, or null.
+HBRUSH CreateTextureBrush(HDC context) {
+    BITMAP bitmap = {};
+    const OwnedGdi<HBITMAP> texture(LoadTexture(bitmap));
+    const OwnedContext memory(CreateCompatibleDC(context));
+    const OwnedGdi<HBITMAP> tile(CreateCompatibleBitmap(context, bitmap.bmWidth, bitmap.bmHeight));
+    if (!texture || !memory || !tile) return nullptr;
+    {
+        const SelectedGdi selected(memory.Get(), tile.Get());
+        if (!PaintTexture(memory.Get(), {0, 0, bitmap.bmWidth, bitmap.bmHeight})) return nullptr;
+    }
+    return CreatePatternBrush(tile.Get());
+}
+
+/// What check boxes clear their text with. Windows deletes no brush it is answered, so the last one stays.
+HBRUSH BackgroundBrush(HDC context) {
+    static OwnedGdi<HBRUSH> brush;
+    static COLORREF base = CLR_INVALID;
+    if (IsPlain()) return GetSysColorBrush(COLOR_BTNFACE);
+    if (!brush || base != BaseColour()) brush.Reset(CreateTextureBrush(context));
+    base = BaseColour();
+    return brush ? brush.Get() : GetSysColorBrush(COLOR_BTNFACE);
+}
+
+bool IsOfClass(HWND control, const char* wanted) {
     char name[16] = "";
-    if (control == nullptr || GetClassNameA(control, name, sizeof name) == 0) return false;
-    return _stricmp(name, "ComboBox") == 0 || _stricmp(name, "Edit") == 0;
+    return control != nullptr && GetClassNameA(control, name, sizeof name) != 0 &&
+           _stricmp(name, wanted) == 0;
 }
 
 /// The colour that a swatch's caption names; false when it names none.
@@ -148,8 +178,7 @@ int ScreenDepth() {
 void PaintBackground(HWND dialog, HDC context) {
     RECT area;
     GetClientRect(dialog, &area);
-    const bool plain = ScreenDepth() <= kFewColours || pluginSettings.SolidBackground != 0;
-    if (plain || !PaintTexture(context, area)) FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
+    if (IsPlain() || !PaintTexture(context, area)) FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
 }
 
 void PaintBehind(HWND control, HDC context) {
@@ -162,14 +191,20 @@ void PaintBehind(HWND control, HDC context) {
 }
 
 INT_PTR PaintStaticLabel(HDC context) {
-    if (IsField(WindowFromDC(context))) { // it must cover what it showed before
+    const HWND control = WindowFromDC(context);
+    if (IsOfClass(control, "ComboBox") || IsOfClass(control, "Edit")) { // disabled, else they would not ask
         SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
         SetBkColor(context, GetSysColor(COLOR_BTNFACE));
         return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
     }
     SetTextColor(context, GetSysColor(COLOR_WINDOWTEXT));
     SetBkMode(context, TRANSPARENT);
-    return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
+    if (!IsOfClass(control, "Button")) return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
+    // Check boxes draw themselves again without their dialog, and must clear what they covered.
+    POINT origin = {0, 0};
+    MapWindowPoints(control, GetParent(control), &origin, 1);
+    SetBrushOrgEx(context, -origin.x, -origin.y, nullptr);
+    return reinterpret_cast<INT_PTR>(BackgroundBrush(context));
 }
 
 void DrawGroupFrame(const DRAWITEMSTRUCT& item) {

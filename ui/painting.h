@@ -15,8 +15,8 @@ void PaintBackground(HWND dialog, HDC context);
 /// Paints the part of its dialog's background that lies behind a control.
 void PaintBehind(HWND control, HDC context);
 
-/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent. A disabled list keeps a face of
-/// its own.
+/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent. Check boxes, which ask too, get
+/// the background for a brush, and disabled lists a face of their own.
 INT_PTR PaintStaticLabel(HDC context);
 
 /// Answers WM_DRAWITEM of an owner-drawn static: a frame with the caption in its upper edge.
