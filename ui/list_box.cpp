@@ -2,14 +2,11 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
-
 #include "platform/allocation.h"
 #include "plugin/module.h"
 #include "resources/resource_ids.h"
 #include "settings/settings.h"
 #include "ui/controls.h"
-#include "ui/gdi.h"
 #include "ui/session.h"
 #include "ui/thumbnail.h"
 
