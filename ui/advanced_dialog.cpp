@@ -93,7 +93,7 @@ INT_PTR CALLBACK AdvancedProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
         SetFocus(GetDlgItem(dialog, IDOK));
         return FALSE; // the focus is set
     case WM_COMMAND:
-        Command(dialog, LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam)); // NOLINT
+        Command(dialog, LOWORD(wparam), HIWORD(wparam), reinterpret_cast<HWND>(lparam));
         return TRUE;
     case WM_DRAWITEM:
         if (const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam); item.CtlType == ODT_STATIC)
@@ -102,9 +102,9 @@ INT_PTR CALLBACK AdvancedProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
             DrawSwatch(item);
         return TRUE;
     case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam)); // NOLINT(performance-no-int-to-ptr)
+        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
     case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam)); // NOLINT(performance-no-int-to-ptr)
+        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
         SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1);
         return TRUE;
     default:

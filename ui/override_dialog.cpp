@@ -12,8 +12,7 @@ namespace lumafold {
 namespace {
 
 ImageEntry& EntryOf(HWND dialog) {
-    return *reinterpret_cast<ImageEntry*>(
-        GetWindowLongPtrA(dialog, DWLP_USER)); // NOLINT(performance-no-int-to-ptr)
+    return *reinterpret_cast<ImageEntry*>(GetWindowLongPtrA(dialog, DWLP_USER));
 }
 
 /// The template's caption has the place for the file's name.
@@ -70,9 +69,9 @@ INT_PTR CALLBACK OverrideProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
         Draw(dialog, *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
         return TRUE;
     case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam)); // NOLINT(performance-no-int-to-ptr)
+        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
     case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam)); // NOLINT(performance-no-int-to-ptr)
+        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
         SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1);
         return TRUE;
     default:
