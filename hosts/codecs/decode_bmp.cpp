@@ -1,7 +1,7 @@
-#include <bit>
 #include <vector>
 
 #include "hosts/codecs/decode_common.h"
+#include "image/masked_channel.h"
 
 namespace lumafold {
 namespace {
@@ -138,24 +138,6 @@ Palette ReadPalette(const BmpBytes& file, const BmpShape& shape) {
     }
     return palette;
 }
-
-/// One channel of a 16- or 32-bit pixel, brought to 0 to 255.
-class MaskedChannel {
-public:
-    explicit MaskedChannel(std::uint32_t mask)
-        : mask_(mask), shift_(mask == 0 ? 0 : std::countr_zero(mask)), most_(mask >> shift_) {}
-
-    std::uint8_t Of(std::uint32_t pixel) const {
-        if (most_ == 0) return 0;
-        const std::uint64_t value = (pixel & mask_) >> shift_;
-        return static_cast<std::uint8_t>((value * 255 + most_ / 2) / most_);
-    }
-
-private:
-    std::uint32_t mask_;
-    int shift_;
-    std::uint32_t most_;
-};
 
 std::uint32_t MaskedPixel(const std::uint8_t* row, std::size_t x, int bits) {
     if (bits == 16) return static_cast<std::uint32_t>(row[2 * x] | row[2 * x + 1] << 8);

@@ -1,0 +1,216 @@
+#include "image/import.h"
+
+#include <span>
+
+#include "image/masked_channel.h"
+#include "image/row_view.h"
+
+namespace lumafold {
+namespace {
+
+constexpr std::uint32_t kCoreHeaderBytes = 12;
+constexpr std::uint32_t kMasksOffset = 40; // inside the larger headers, right behind the smaller one
+enum Compression : std::uint32_t { kRgb = 0, kBitFields = 3, kAlphaBitFields = 6 };
+
+/// A host's block, of which nothing is believed. Offsets are checked by whoever reads.
+class ForeignBytes {
+public:
+    explicit ForeignBytes(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+
+    bool Holds(std::uint64_t bytes) const { return bytes <= bytes_.size(); }
+    const std::uint8_t* At(std::uint64_t offset) const {
+        return bytes_.data() + static_cast<std::size_t>(offset);
+    }
+    template <typename T>
+    T Read(std::uint64_t offset) const {
+        T value;
+        std::memcpy(&value, At(offset), sizeof(value));
+        return value;
+    }
+
+private:
+    std::span<const std::uint8_t> bytes_;
+};
+
+/// Where everything lies in a foreign picture.
+struct ForeignShape {
+    std::uint32_t headerBytes = 0;
+    std::int64_t width = 0, height = 0;
+    bool topDown = false;
+    std::uint32_t bits = 0;
+    std::uint32_t compression = kRgb;
+    std::uint64_t tableOffset = 0, tableEntries = 0, tableEntryBytes = 4;
+    std::uint64_t rowsOffset = 0, stride = 0;
+
+    bool IsIndexed() const { return bits <= 8; }
+    bool HasMasks() const { return compression != kRgb; }
+};
+
+bool IsKnownHeader(std::uint32_t bytes) {
+    switch (bytes) {
+    case kCoreHeaderBytes:
+    case 40:
+    case 52:
+    case 56:
+    case 64:
+    case 108:
+    case 124:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsKnownKind(const ForeignShape& shape) {
+    switch (shape.bits) {
+    case 1:
+    case 4:
+    case 8:
+    case 24:
+        return shape.compression == kRgb;
+    case 16:
+    case 32:
+        // A 64-byte header numbers its compressions differently.
+        return shape.compression == kRgb ||
+               (shape.headerBytes != 64 &&
+                (shape.compression == kBitFields || shape.compression == kAlphaBitFields));
+    default:
+        return false;
+    }
+}
+
+void ReadCoreHeader(const ForeignBytes& block, ForeignShape& shape) {
+    shape.width = block.Read<std::uint16_t>(4);
+    shape.height = block.Read<std::uint16_t>(6);
+    shape.bits = block.Read<std::uint16_t>(10);
+    shape.tableEntryBytes = 3;
+    if (shape.IsIndexed()) shape.tableEntries = std::uint64_t{1} << shape.bits;
+}
+
+void ReadInfoHeader(const ForeignBytes& block, ForeignShape& shape) {
+    const auto header = block.Read<DibHeader>(0);
+    shape.width = header.biWidth;
+    shape.topDown = header.biHeight < 0;
+    shape.height = shape.topDown ? -std::int64_t{header.biHeight} : header.biHeight;
+    shape.bits = header.biBitCount;
+    shape.compression = header.biCompression;
+    shape.tableEntries = header.biClrUsed;
+    if (shape.IsIndexed() && header.biClrUsed == 0) shape.tableEntries = std::uint64_t{1} << shape.bits;
+    // What this engine makes of 32 bits tells of one entry that has no place of its own.
+    if (shape.bits == 32 && header.biClrUsed == 1) shape.tableEntries = 0;
+    if (shape.headerBytes == kMasksOffset && shape.HasMasks()) {
+        shape.tableOffset += shape.compression == kAlphaBitFields ? 16 : 12;
+    }
+}
+
+/// What the block says of itself; none when it is no picture of a known kind or lacks bytes of it.
+std::optional<ForeignShape> ReadShape(const ForeignBytes& block) {
+    ForeignShape shape;
+    if (!block.Holds(kCoreHeaderBytes)) return {};
+    shape.headerBytes = block.Read<std::uint32_t>(0);
+    if (!IsKnownHeader(shape.headerBytes) || !block.Holds(shape.headerBytes)) return {};
+    shape.tableOffset = shape.headerBytes;
+    if (shape.headerBytes == kCoreHeaderBytes) {
+        ReadCoreHeader(block, shape);
+    } else {
+        ReadInfoHeader(block, shape);
+    }
+    if (!IsKnownKind(shape) || shape.width <= 0 || shape.height <= 0) return {};
+    // No size here is beyond 35 bits, so the products stay below 64.
+    shape.rowsOffset = shape.tableOffset + shape.tableEntries * shape.tableEntryBytes;
+    shape.stride = (shape.bits * static_cast<std::uint64_t>(shape.width) + 31) / 32 * 4;
+    const auto height = static_cast<std::uint64_t>(shape.height);
+    if (!block.Holds(shape.stride) || !block.Holds(shape.rowsOffset) ||
+        !block.Holds(shape.rowsOffset + shape.stride * height)) {
+        return {};
+    }
+    return shape;
+}
+
+/// Every build makes 24 bits of every picture, so one that is too large for that is of no use.
+bool FitsTrueColour(const ForeignShape& shape) {
+    constexpr std::uint64_t kMostBytes = 0x7FFFFFFF;
+    const std::uint64_t stride = (24 * static_cast<std::uint64_t>(shape.width) + 31) / 32 * 4;
+    return stride <= (kMostBytes - 1024) / static_cast<std::uint64_t>(shape.height);
+}
+
+bool IsOurForm(const ForeignShape& shape) {
+    const std::uint64_t wholeTable = shape.IsIndexed() ? std::uint64_t{1} << shape.bits : 0;
+    return shape.headerBytes == sizeof(DibHeader) && !shape.topDown && shape.bits != 16 && shape.bits != 32 &&
+           shape.tableEntries == wholeTable;
+}
+
+/// Entries that are missing are black; those beyond the depth name no pixel.
+Palette ReadPalette(const ForeignBytes& block, const ForeignShape& shape) {
+    Palette palette{};
+    const std::uint64_t entries = std::min(shape.tableEntries, std::uint64_t{1} << shape.bits);
+    for (std::uint64_t i = 0; i < entries; ++i) {
+        const std::uint8_t* entry = block.At(shape.tableOffset + i * shape.tableEntryBytes);
+        palette[static_cast<std::size_t>(i)] = {entry[2], entry[1], entry[0]};
+    }
+    return palette;
+}
+
+/// Turns rows of 16 or 32 bits into 24; what is left of a pixel beside its colours says nothing.
+class DeepRows {
+public:
+    DeepRows(const ForeignBytes& block, const ForeignShape& shape)
+        : bytes_(shape.bits / 8), red_(Mask(block, shape, 0)), green_(Mask(block, shape, 1)),
+          blue_(Mask(block, shape, 2)) {}
+
+    void Convert(const std::uint8_t* from, std::uint8_t* to, std::int32_t width) const {
+        for (std::int32_t x = 0; x < width; ++x, from += bytes_, to += 3) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, from, bytes_);
+            to[0] = blue_.Of(pixel);
+            to[1] = green_.Of(pixel);
+            to[2] = red_.Of(pixel);
+        }
+    }
+
+private:
+    static std::uint32_t Mask(const ForeignBytes& block, const ForeignShape& shape, std::uint32_t channel) {
+        if (shape.HasMasks()) return block.Read<std::uint32_t>(kMasksOffset + 4 * channel);
+        return shape.bits == 16 ? 0x7C00U >> (5 * channel) : 0xFF0000U >> (8 * channel);
+    }
+
+    std::size_t bytes_;
+    MaskedChannel red_, green_, blue_;
+};
+
+OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
+    const Palette palette = shape.IsIndexed() ? ReadPalette(block, shape) : Palette{};
+    const auto width = static_cast<std::int32_t>(shape.width);
+    const auto height = static_cast<std::int32_t>(shape.height);
+    OwnedDib made(DibCreate(width, height, &palette, shape.IsIndexed() ? static_cast<int>(shape.bits) : 24));
+    const LockedDib dib(made.Get());
+    if (!dib) return {};
+    const RowView rows(dib.Get());
+    const DeepRows deep(block, shape);
+    for (std::int32_t y = 0; y < height; ++y) {
+        const std::int32_t stored = shape.topDown ? y : height - 1 - y;
+        const std::uint8_t* from =
+            block.At(shape.rowsOffset + shape.stride * static_cast<std::uint64_t>(stored));
+        if (shape.bits == 16 || shape.bits == 32) {
+            deep.Convert(from, rows.Row(y), width);
+        } else {
+            std::memcpy(rows.Row(y), from, static_cast<std::size_t>(shape.stride));
+        }
+    }
+    return made;
+}
+
+} // namespace
+
+OwnedDib DibImport(DibHandle foreign) {
+    OwnedDib picture(foreign);
+    const GlobalLocked<const std::uint8_t> lock(picture.Get());
+    if (!lock) return {};
+    const ForeignBytes block({lock.Get(), GlobalBytes(picture.Get())});
+    const std::optional<ForeignShape> shape = ReadShape(block);
+    if (!shape || !FitsTrueColour(*shape)) return {};
+    if (IsOurForm(*shape)) return picture;
+    return Convert(block, *shape);
+}
+
+} // namespace lumafold
