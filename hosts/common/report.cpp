@@ -23,6 +23,8 @@ void MarkUsed(const AnimationFrame& frame, std::bitset<256>& used) {
     used |= here;
 }
 
+} // namespace
+
 std::string ColoursText(const Animation& animation) {
     std::bitset<256> used;
     int bits = 0;
@@ -41,8 +43,6 @@ std::string DurationText(const Animation& animation) {
     std::snprintf(text, sizeof(text), "%.2f s", static_cast<double>(hundredths) / 100);
     return text;
 }
-
-} // namespace
 
 std::string SizeText(std::uint64_t bytes) {
     std::string exact = std::to_string(bytes) + " bytes";

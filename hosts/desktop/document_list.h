@@ -1,0 +1,34 @@
+// The open animations, one card each, at the left of the window.
+#pragma once
+
+#include "hosts/desktop/document.h"
+#include "hosts/desktop/painting.h"
+#include "hosts/desktop/window.h"
+
+namespace lumafold {
+
+class DocumentList : public Window<DocumentList> {
+public:
+    static constexpr char kClassName[] = "LumafoldHostDocuments";
+    static constexpr int kWidth = 196;
+    /// The owner is sent these with the document's index: a card was clicked, or its cross.
+    static constexpr UINT kChosen = WM_APP + 2, kClosed = WM_APP + 3;
+
+    bool Make(HWND parent);
+    void Show(std::vector<const Document*> documents, std::size_t current);
+
+    LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+
+private:
+    void Paint();
+    void PaintCard(HDC context, const Document& document, const RECT& card, bool current) const;
+    void Click(LPARAM lparam);
+    void ScrollTo(int y);
+    RECT CardAt(std::size_t index) const;
+
+    std::vector<const Document*> documents_;
+    std::size_t current_ = 0;
+    int scroll_ = 0;
+};
+
+} // namespace lumafold

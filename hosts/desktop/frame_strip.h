@@ -1,0 +1,38 @@
+// The frames of an animation side by side, the current one marked; a click goes there.
+#pragma once
+
+#include "hosts/desktop/document.h"
+#include "hosts/desktop/painting.h"
+#include "hosts/desktop/window.h"
+
+namespace lumafold {
+
+class FrameStrip : public Window<FrameStrip> {
+public:
+    static constexpr char kClassName[] = "LumafoldHostFrames";
+    /// The owner is sent this with the frame's index when the person chose one.
+    static constexpr UINT kChosen = WM_APP + 1;
+
+    bool Make(HWND parent);
+    static int Height();
+    void Show(const Document* document);
+    /// After the current frame changed, or pictures were drawn.
+    void Follow();
+
+    LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+
+private:
+    void Paint();
+    void PaintCell(HDC context, std::size_t index, const RECT& cell) const;
+    int CellWidth() const;
+    int ContentWidth() const;
+    void ScrollTo(int x);
+    void Scroll(WPARAM wparam);
+    void Choose(LPARAM lparam);
+
+    const Document* document_ = nullptr;
+    std::size_t followed_ = 0;
+    int scroll_ = 0;
+};
+
+} // namespace lumafold

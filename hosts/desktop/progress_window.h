@@ -1,0 +1,39 @@
+// How far a build has come. The window keeps the program alive while the plug-in works: paint and timer
+// messages are answered, and the window that started the build takes no input until it is done.
+#pragma once
+
+#include <cstdint>
+
+#include "hosts/desktop/painting.h"
+#include "hosts/desktop/window.h"
+
+namespace lumafold {
+
+class ProgressWindow : public Window<ProgressWindow> {
+public:
+    static constexpr char kClassName[] = "LumafoldHostProgress";
+
+    /// Both show the window over `owner` when it is not there yet, and answer what waits in the queue.
+    void Caption(HWND owner, const char* text);
+    /// A total of 0 forgets the position.
+    void Position(HWND owner, std::int64_t position, std::int64_t total);
+    /// Gives the owner its input back. Nothing happens when there is no window.
+    void Close();
+    bool IsShown() const { return window_ != nullptr; }
+
+    LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+
+private:
+    void Open(HWND owner);
+    void Pump();
+    void Paint();
+    void CloseWhenAbandoned();
+
+    HWND owner_ = nullptr;
+    bool ownerWasEnabled_ = false, pumping_ = false;
+    std::string caption_;
+    std::int64_t position_ = 0, total_ = 0;
+    DWORD painted_ = 0;
+};
+
+} // namespace lumafold

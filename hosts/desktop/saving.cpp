@@ -1,0 +1,68 @@
+#include "hosts/desktop/saving.h"
+
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+
+#include "hosts/codecs/apng_writer.h"
+#include "hosts/codecs/files.h"
+#include "hosts/codecs/gif_writer.h"
+#include "hosts/codecs/mng_writer.h"
+#include "hosts/codecs/png_writer.h"
+#include "hosts/desktop/frame_screens.h"
+#include "hosts/desktop/screen_picture.h"
+
+namespace lumafold {
+namespace {
+
+std::string LowerSuffix(const std::string& path) {
+    const std::string name = FileNamePart(path);
+    const std::size_t dot = name.find_last_of('.');
+    std::string suffix = dot == std::string::npos ? "" : name.substr(dot);
+    for (char& letter : suffix)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    return suffix;
+}
+
+} // namespace
+
+std::string FileNamePart(const std::string& path) { return path.substr(path.find_last_of("\\/") + 1); }
+
+std::string Stem(const std::string& path) {
+    const std::string name = FileNamePart(path);
+    return name.substr(0, name.find_last_of('.'));
+}
+
+bool SaveAnimation(const std::string& path, const Animation& animation, std::string& error) {
+    const std::string suffix = LowerSuffix(path);
+    std::vector<std::uint8_t> file;
+    if (suffix == ".gif") {
+        file = EncodeGif(animation, error);
+    } else if (suffix == ".png" || suffix == ".apng") {
+        file = EncodeApng(animation, error);
+    } else if (suffix == ".mng") {
+        file = EncodeMng(animation, error);
+    } else {
+        error = "the name must end in .gif, .png or .mng";
+    }
+    return !file.empty() && WriteFileSafely(path, file, error);
+}
+
+bool SaveFrames(const std::string& folder, const Animation& animation, std::string& error) {
+    FrameScreens screens(animation);
+    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
+        char name[32];
+        std::snprintf(name, sizeof(name), "frame-%04u.png", static_cast<unsigned>(i));
+        const OwnedDib picture = ScreenPicture(screens.At(i), animation.width, animation.height);
+        error = "there is not enough memory";
+        const std::vector<std::uint8_t> file =
+            picture ? EncodePng(picture.Get(), error) : std::vector<std::uint8_t>();
+        if (file.empty() || !WriteFileSafely((std::filesystem::path(folder) / name).string(), file, error)) {
+            error = std::string(name) + ": " + error;
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace lumafold
