@@ -5,7 +5,6 @@
 #include <ctime>
 #include <filesystem>
 #include <random>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -67,7 +66,9 @@ protected:
     /// The written file with its line ends as LF.
     std::string Written(const PluginSettings& settings) {
         EXPECT_TRUE(SaveSettings(Path().c_str(), settings));
-        return std::regex_replace(folder_.Get("a.ini"), std::regex(kLineEnd), "\n");
+        std::string text = folder_.Get("a.ini");
+        std::erase(text, '\r');
+        return text;
     }
 
     ScratchFolder folder_;
@@ -156,12 +157,10 @@ TEST_F(ConfigFile, LongLinesAreReadInPieces) {
 
 TEST_F(ConfigFile, IsWrittenInTheTablesOrder) {
     const std::string written = Written(PluginSettings{});
-    std::smatch parts;
-    const std::regex form("(;Brackenfield animtion plugin configuration file\n;Edit this at your own risk\n"
-                          ";Last updated )([A-Z][a-z]{2} [A-Z][a-z]{2} [ 1-3][0-9] ..:..:.. 20[0-9]{2})"
-                          "(\n;\n\\[PlugIn\\]\n)([^]*)");
-    ASSERT_TRUE(std::regex_match(written, parts, form)) << written;
-    EXPECT_EQ(parts[4], kDefaults);
+    const std::string before = ";Brackenfield animtion plugin configuration file\n"
+                               ";Edit this at your own risk\n;Last updated ";
+    const std::string stamp = written.substr(before.size(), 24);
+    EXPECT_EQ(written, before + stamp + "\n;\n[PlugIn]\n" + kDefaults);
     const auto lines = static_cast<std::size_t>(std::count(written.begin(), written.end(), '\n'));
     EXPECT_EQ(folder_.Get("a.ini").size(), written.size() + lines * (sizeof(kLineEnd) - 2));
     // The clock may have gone on since.
@@ -171,7 +170,7 @@ TEST_F(ConfigFile, IsWrittenInTheTablesOrder) {
         now[second] = std::asctime(std::localtime(&time));
         if (now[second][8] == '0') now[second][8] = ' '; // where a C library writes a zero there
     }
-    EXPECT_TRUE(now[0].starts_with(parts[2].str()) || now[1].starts_with(parts[2].str())) << parts[2];
+    EXPECT_TRUE(now[0] == stamp + "\n" || now[1] == stamp + "\n") << stamp;
 }
 
 TEST_F(ConfigFile, GivesBackWhatWasSavedExceptTheFixedRows) {
