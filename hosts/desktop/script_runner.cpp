@@ -33,6 +33,7 @@ ScriptRunner::Run ScriptRunner::ActionFor(const std::string& verb) {
         {"open-dialog", &ScriptRunner::OpenDialog},
         {"add", &ScriptRunner::Add},
         {"paste", &ScriptRunner::Press},
+        {"remove-all", &ScriptRunner::RemoveAll},
         {"select-item", &ScriptRunner::SelectItem},
         {"set", &ScriptRunner::Set},
         {"press", &ScriptRunner::Press},
@@ -190,6 +191,18 @@ ScriptRunner::State ScriptRunner::Add(const ScriptStep& step) {
     if (ChosenNamesBuffer(answers_.pictures).empty()) return Fail("these files cannot be chosen together");
     Click(button);
     return answers_.pictures.empty() ? State::Done : Fail("the plug-in did not ask for files");
+}
+
+ScriptRunner::State ScriptRunner::RemoveAll(const ScriptStep&) {
+    const HWND list = Control(std::to_string(LUMAFOLD_MAIN_LIST));
+    const auto count = [&] { return SendMessageA(list, LB_GETCOUNT, 0, 0); };
+    for (LRESULT left = list != nullptr ? count() : 0; left > 0; --left) {
+        const HWND button = SelectListItem(list, 0) ? Button(LUMAFOLD_MAIN_REMOVE) : nullptr;
+        if (button == nullptr) return State::Failed;
+        Click(button);
+    }
+    if (list == nullptr) return State::Failed;
+    return Check(count() == 0, std::to_string(count()) + " left");
 }
 
 ScriptRunner::State ScriptRunner::SelectItem(const ScriptStep& step) {

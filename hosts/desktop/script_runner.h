@@ -31,6 +31,7 @@ private:
 
     State OpenDialog(const ScriptStep& step);
     State Add(const ScriptStep& step);
+    State RemoveAll(const ScriptStep& step);
     State SelectItem(const ScriptStep& step);
     State Set(const ScriptStep& step);
     State Press(const ScriptStep& step);
