@@ -352,7 +352,7 @@ matte colour and back.
                           task.json
   --transition NAME|ROW   what leads from the pictures after it to the next ("lumafold transitions" lists them)
   --pause N               how long each picture after it stands still, in hundredths of a second
-  --delay N               how long each frame of the transition stands, in hundredths of a second
+  --delay N               how long each frame of the transition stands, in hundredths of a second;
                           these three may be given again and again; each applies to the pictures after it
   --custom-palette        compute the best palette; --no-custom-palette takes the fixed one
   --palette NAME|0..8     a fixed palette instead of a computed one ("lumafold palettes" lists them)
