@@ -1,0 +1,135 @@
+// The manual as shipped: the page agrees with the tables, and nothing it names is missing.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "resources/strings.h"
+#include "settings/settings.h"
+#include "transitions/table.h"
+
+namespace lumafold {
+namespace {
+
+const std::string kFolder = std::string(LUMAFOLD_RESOURCES_DIR) + "/manual/";
+
+std::string FileText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+const std::string& Page() {
+    static const std::string page = FileText(kFolder + LUMAFOLD_MANUAL);
+    return page;
+}
+
+/// All texts that a pattern's first group finds.
+std::vector<std::string> Found(const std::string& text, const char* pattern) {
+    std::vector<std::string> found;
+    const std::regex regex(pattern);
+    for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match)
+        found.push_back((*match)[1]);
+    return found;
+}
+
+/// A page's text from a heading to what begins the next part.
+std::string Between(const std::string& begin, const std::string& end) {
+    const std::size_t from = Page().find(begin);
+    if (from == std::string::npos) return {};
+    return Page().substr(from, Page().find(end, from + begin.size()) - from);
+}
+
+/// The cells that the setting's row must have: its range, and its default.
+std::string ExpectedCells(const SettingDescriptor& setting) {
+    switch (setting.kind) {
+    case SettingKind::Number:
+        return "<td>" + std::to_string(setting.minimum) + " to " + std::to_string(setting.maximum) +
+               "</td><td>" + std::to_string(setting.defaultValue) + "</td>";
+    case SettingKind::Switch:
+        return std::string("<td>on or off</td><td>") + (setting.defaultValue == 1 ? "on" : "off") + "</td>";
+    case SettingKind::Colour:
+        return "&nbsp;</span>" + std::to_string(setting.defaultValue % 256) + ", " +
+               std::to_string(setting.defaultValue / 256 % 256) + ", " +
+               std::to_string(setting.defaultValue / 65536) + "</td>";
+    case SettingKind::Fixed:
+        return "<td>always " + std::to_string(setting.defaultValue) + "</td>";
+    case SettingKind::Choice:
+        break;
+    }
+    std::string choices = setting.choices;
+    if (choices.empty()) return std::string("<td>") + TransitionTable[setting.defaultValue].name + "</td>";
+    for (std::uint32_t skipped = 0; skipped < setting.defaultValue; ++skipped)
+        choices.erase(0, choices.find(';') + 1);
+    return "<td>" + choices.substr(0, choices.find(';')) + "</td>";
+}
+
+TEST(Manual, EverySettingIsThereWithItsRangeAndDefault) {
+    const std::vector<std::string> rows = Found(Page(), "<tr>(<td>.*</td>)</tr>");
+    for (const SettingDescriptor& setting : SettingDescriptors()) {
+        const std::string code = "<code>" + std::string(setting.key) + "</code>",
+                          anchor = "id=\"S_" + std::string(setting.key) + "\"";
+        int explained = 0;
+        for (const std::string& row : rows) {
+            if (row.find(code) == std::string::npos) continue;
+            explained += row.find(anchor) != std::string::npos ? 1 : 0;
+            EXPECT_NE(row.find(ExpectedCells(setting)), std::string::npos) << row;
+        }
+        EXPECT_EQ(explained, 1) << setting.key;
+    }
+}
+
+TEST(Manual, EveryTransitionHasItsAnimationItsTextAndItsSettings) {
+    const std::vector<std::string> names = Found(Page(), "<div class=\"card\">\n<h3>.*</a>(.*)</h3>");
+    ASSERT_EQ(names.size(), static_cast<std::size_t>(kTransitionCount));
+    for (int row = 0; row < kTransitionCount; ++row) {
+        const std::string name = TransitionTable[static_cast<std::size_t>(row)].name;
+        EXPECT_EQ(names[static_cast<std::size_t>(row)], name);
+        const std::string card = Between("</a>" + name + "</h3>\n<table class=\"plain\">", "</div>");
+        EXPECT_NE(card.find("src=\"LUMAFOLD/" + std::to_string(row) + ".gif\""), std::string::npos) << name;
+        const auto texts = Found(card, "<p>([^<]+)</p>");
+        ASSERT_EQ(texts.size(), 1u) << name;
+        EXPECT_GT(texts[0].size(), 40u) << name;
+        std::string keys;
+        for (const std::string& key : Found(card, "<code>(\\w+)</code>"))
+            keys += keys.empty() ? key : " " + key;
+        EXPECT_EQ(keys, TransitionSettings(row)) << name;
+    }
+}
+
+TEST(Manual, EveryLinkAndPictureLeadsSomewhere) {
+    std::set<std::string> anchors;
+    for (const std::string& id : Found(Page(), " id=\"([^\"]+)\""))
+        EXPECT_TRUE(anchors.insert(id).second) << id;
+    for (const char* wanted : {"OVERRIDE", "ADVANCED", "ABOUT"}) {
+        EXPECT_TRUE(anchors.contains(wanted)) << wanted;
+        EXPECT_EQ(Found(Page(), (std::string("name=\"(") + wanted + ")\"").c_str()).size(), 1u) << wanted;
+    }
+    for (const std::string& target : Found(Page(), "href=\"([^\"]*)\"")) {
+        ASSERT_EQ(target.substr(0, 1), "#") << target << " is outside the page";
+        EXPECT_TRUE(anchors.contains(target.substr(1))) << target;
+    }
+    std::size_t bytes = 0;
+    for (const std::string& source : Found(Page(), "src=\"([^\"]*)\"")) {
+        const std::string file = FileText(kFolder + source);
+        EXPECT_EQ(file.substr(0, 6), "GIF89a") << source;
+        EXPECT_NE(file.find("NETSCAPE2.0"), std::string::npos) << source << " does not loop";
+        bytes += file.size();
+    }
+    EXPECT_LT(bytes, 3'000'000u) << "too much to ship";
+    EXPECT_EQ(Page().find("://", Page().find("<head>")), std::string::npos) << "the page needs no network";
+    EXPECT_EQ(Page().find("{{"), std::string::npos);
+}
+
+TEST(Manual, EveryMessageIsExplained) {
+    for (const char* text : {LUMAFOLD_TEXT_READ_ERROR, LUMAFOLD_TEXT_MEMORY_ERROR, LUMAFOLD_TEXT_TASK_ERROR,
+                             LUMAFOLD_TEXT_FRAME_ERROR, LUMAFOLD_TEXT_INTERNAL_ERROR,
+                             LUMAFOLD_TEXT_CLIPBOARD_ERROR, LUMAFOLD_TEXT_HELP_ERROR})
+        EXPECT_NE(Page().find("<dt>" + std::string(text) + "</dt>\n<dd>"), std::string::npos) << text;
+}
+
+} // namespace
+} // namespace lumafold
