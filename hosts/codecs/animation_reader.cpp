@@ -112,6 +112,7 @@ Animation Collect(std::span<const std::uint8_t> file, ShowFile show, const Decod
         animation.frames.push_back(table.Full() ? ColourFrame(screen, delay)
                                                 : IndexedFrame(screen, table, animation.palette, delay));
     });
+    if (animation.frames.empty()) throw DecodeError{"the file holds no picture"};
     return animation;
 }
 
@@ -130,6 +131,9 @@ ReadAnimation Still(std::span<const std::uint8_t> file, std::uint64_t mostPixels
 ReadAnimation Decode(std::span<const std::uint8_t> file, std::uint64_t mostPixels) {
     const DecodeLimits limits{0xFFFFFF, mostPixels};
     if (StartsWith(file, "GIF8")) return {Collect(file, ShowGif, limits), ""};
+    if (StartsWith(file, std::string_view("\x8AMNG\r\n\x1A\n", 8)))
+        return {Collect(file, ShowMng, limits), ""};
+    if (StartsWith(file, "\x89PNG") && IsAnimatedPng(file)) return {Collect(file, ShowApng, limits), ""};
     return Still(file, mostPixels);
 }
 

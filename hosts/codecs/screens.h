@@ -30,5 +30,11 @@ using OnScreen = std::function<void(const ShownScreen& screen, std::int32_t dela
 
 /// One format each: the comment, "" for none. They throw DecodeError, and std::bad_alloc.
 std::string ShowGif(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen);
+std::string ShowApng(std::span<const std::uint8_t> file, const DecodeLimits& limits,
+                     const OnScreen& onScreen);
+std::string ShowMng(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen);
+
+/// Whether a PNG file holds more than a still picture. Throws DecodeError where it is damaged before that.
+bool IsAnimatedPng(std::span<const std::uint8_t> file);
 
 } // namespace lumafold

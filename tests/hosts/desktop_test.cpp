@@ -1,0 +1,245 @@
+// The desktop program's parts that know no window.
+#include <gtest/gtest.h>
+
+#include "hosts/codecs/decode.h"
+#include "hosts/common/task_collector.h"
+#include "hosts/desktop/document.h"
+#include "hosts/desktop/icon_painter.h"
+#include "hosts/desktop/playback.h"
+#include "hosts/desktop/saving.h"
+#include "hosts/desktop/script_steps.h"
+#include "hosts/desktop/view_picture.h"
+#include "resources/resource_ids.h"
+#include "tests/hosts/animations.h"
+#include "tests/hosts/cli_fixture.h"
+
+namespace lumafold::test {
+namespace {
+
+TEST(TaskCollector, RefusesPicturesThatAreNotWhole) {
+    constexpr struct {
+        const char* what;
+        std::size_t at;
+        std::uint8_t value;
+    } kBroken[] = {{"header size", 0, 41}, {"width", 7, 0x7F},          {"negative width", 7, 0x80},
+                   {"no width", 4, 0},     {"height", 8, 200},          {"depth", 14, 5},
+                   {"no depth", 14, 0},    {"deeper than it is", 14, 8}};
+    TaskRecord task{};
+    task.width = task.height = 3;
+    for (const auto& broken : kBroken) {
+        TaskCollector collector(DelayUnit::Hundredths);
+        ASSERT_TRUE(collector.Open(&task));
+        const OwnedDib picture = NoisePicture(3, 3, 1, 1);
+        ImageRecord frame{};
+        frame.image = picture.Get();
+        EXPECT_TRUE(collector.Add(&task, &frame));
+        reinterpret_cast<std::uint8_t*>(LockedDib(picture.Get()).Get())[broken.at] = broken.value;
+        frame.index = 1;
+        EXPECT_FALSE(collector.Add(&task, &frame)) << broken.what;
+        EXPECT_EQ(collector.Finish(&task, true)->frames.size(), 1U);
+    }
+}
+
+TEST(TaskCollector, CountsDelaysInHundredths) {
+    constexpr struct {
+        std::uint32_t flags;
+        std::int32_t delay, wanted;
+    } kCases[] = {{1, 7, 7},  {3, -1, 0},       {2, 95, 10},
+                  {2, 94, 9}, {0, 10000, 1000}, {2, 0x7FFFFFFF, 214748365}};
+    for (const auto& each : kCases) {
+        TaskCollector collector(DelayUnitFor(each.flags));
+        TaskRecord task{};
+        task.width = task.height = 1;
+        const OwnedDib picture = PlainPicture(1, 1, 0);
+        ImageRecord frame{};
+        frame.image = picture.Get();
+        frame.delay = each.delay;
+        ASSERT_TRUE(collector.Open(&task) && collector.Add(&task, &frame));
+        EXPECT_EQ(collector.Finish(&task, true)->frames[0].delay, each.wanted) << each.delay;
+    }
+}
+
+TEST(Playback, ShowsEveryFrameForItsDelay) {
+    Playback playback({5, 0, 20, -1});
+    EXPECT_EQ(playback.TotalMilliseconds(), 50 + 100 + 200 + 100);
+    EXPECT_EQ(playback.StartOf(2), 150);
+    const std::uint32_t start = 0xFFFFFFC0; // the clock wraps round on the way
+    playback.Play(start);
+    constexpr struct {
+        std::uint32_t after;
+        std::size_t frame;
+        std::uint32_t left;
+    } kTimes[] = {{0, 0, 50},    {49, 0, 1},   {50, 1, 100}, {149, 1, 1},
+                  {151, 2, 199}, {360, 3, 90}, {460, 0, 40}, {615, 2, 185}};
+    for (const auto& time : kTimes) {
+        playback.Advance(start + time.after);
+        EXPECT_EQ(playback.Current(), time.frame) << time.after;
+        EXPECT_EQ(playback.MillisecondsLeft(start + time.after), time.left) << time.after;
+    }
+    EXPECT_TRUE(playback.Advance(start + 60000)) << "after a long sleep";
+    EXPECT_EQ(playback.Current(), 3U) << "only the next one";
+    playback.Step(1);
+    EXPECT_EQ(playback.Current(), 0U);
+    EXPECT_FALSE(playback.IsPlaying());
+    playback.Step(-1);
+    EXPECT_EQ(playback.Current(), 3U);
+    playback.Go(99);
+    EXPECT_EQ(playback.Current(), 3U);
+    EXPECT_FALSE(playback.Advance(start + 999));
+    Playback one({7}), none;
+    one.Play(0);
+    none.Go(3);
+    none.Step(1);
+    EXPECT_FALSE(one.IsPlaying() || none.IsPlaying());
+    EXPECT_EQ(none.Current(), 0U);
+}
+
+TEST(FrameScreens, ShowsFramesInAnyOrder) {
+    Animation animation = EmptyAnimation(7, 5, 8);
+    for (unsigned i = 0; i < 70; ++i)
+        AddFrame(
+            animation, 8,
+            [&](int x, int y) { return static_cast<unsigned>(x + 7 * y) % 35 == i % 35 ? i : 255U; }, 5, 255);
+    const auto wanted = WantedScreens(animation);
+    FrameScreens screens(animation);
+    for (const std::size_t index : {69U, 0U, 33U, 32U, 68U, 16U, 15U, 17U, 69U, 69U, 1U})
+        EXPECT_EQ(screens.At(index), wanted[index]) << index;
+}
+
+TEST(ViewPicture, ZoomsInStepsAndFits) {
+    constexpr struct {
+        std::int32_t width, height, roomWidth, roomHeight;
+        int zoom;
+    } kFits[] = {{480, 320, 740, 440, 100}, {480, 320, 960, 640, 200},   {1000, 10, 500, 400, 50},
+                 {1, 1, 4000, 4000, 800},   {30000, 30000, 100, 100, 1}, {0, 5, 10, 10, 100},
+                 {10, 10, -5, -5, 1}};
+    for (const auto& fit : kFits)
+        EXPECT_EQ(FittingZoom(fit.width, fit.height, fit.roomWidth, fit.roomHeight), fit.zoom) << fit.width;
+    constexpr struct {
+        int zoom, larger, smaller;
+    } kSteps[] = {{100, 150, 67}, {73, 100, 67}, {25, 33, 25}, {3, 25, 25}, {800, 800, 600}};
+    for (const auto& step : kSteps) {
+        EXPECT_EQ(NextZoom(step.zoom, 1), step.larger) << step.zoom;
+        EXPECT_EQ(NextZoom(step.zoom, -1), step.smaller) << step.zoom;
+    }
+}
+
+TEST(ViewPicture, ShowsNearestPixelsOrAverages) {
+    const ScreenPixels screen{0x0000FF, 0x00FF00, kNoPixel, 0x0000FF, 0x040000, 0x020000};
+    std::vector<std::uint32_t> out;
+    RenderView(screen, 3, 2, 200, {1, 0, 4, 3}, Backdrop::Plain, out);
+    EXPECT_EQ(out, (std::vector<std::uint32_t>{0xFF0000, 0x00FF00, 0x00FF00, 0xFFFFFF, 0xFF0000, 0x00FF00,
+                                               0x00FF00, 0xFFFFFF, 0xFF0000, 4, 4, 2}));
+    RenderThumbnail(screen, 3, 2, 1, 2, out);
+    EXPECT_EQ(out, (std::vector<std::uint32_t>{0xAAAA55, 0x550002}));
+    RenderView(ScreenPixels(16 * 9, kNoPixel), 16, 9, 100, {0, 7, 16, 2}, Backdrop::Checkerboard, out);
+    EXPECT_EQ(out[0], out[7]);
+    EXPECT_NE(out[7], out[8]);
+    EXPECT_EQ(out[8], out[16]);
+}
+
+TEST(Document, TellsWhatItIsAndSavesIt) {
+    Animation animation = EmptyAnimation(61, 47, 8);
+    AddFrame(
+        animation, 8, [](int x, int) { return x > 3 ? 1U : 0U; }, 5);
+    AddFrame(
+        animation, 8, [](int, int) { return 1U; }, 50);
+    Document document(std::move(animation), "Animation 1", Origin::Build);
+    EXPECT_EQ(TitleOf(document), "* Animation 1 - 2 frames, 61x47, 2 colours, 0.55 s");
+    while (document.DrawThumbnails(1)) {
+    }
+    EXPECT_EQ(document.ThumbnailOf(1).height, kThumbnailHeight);
+    document.MeasureFile();
+    document.MarkSaved("b.gif");
+    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colours, 0.55 s, " +
+                                     std::to_string(document.FileBytes()) + " bytes");
+}
+
+TEST(Document, LetsNothingInThatCannotBeShown) {
+    const auto make = [](std::int32_t width, bool picture) {
+        Animation animation = EmptyAnimation(width, 2, 8);
+        if (picture)
+            AddFrame(
+                animation, 8, [](int, int) { return 0U; }, 5, -1, 2, 2);
+        if (!picture) animation.frames.push_back({OwnedDib(), 5, -1});
+        Document(std::move(animation), "", Origin::Build);
+    };
+    EXPECT_THROW(make(0, true), AnimationError);
+    EXPECT_THROW(make(40000, true), AnimationError);
+    EXPECT_THROW(make(2, false), AnimationError);
+    EXPECT_NO_THROW(make(5, true));
+}
+
+class SavingTest : public CommandLineTest {};
+
+TEST_F(SavingTest, TakesTheKindFromTheName) {
+    Animation animation = EmptyAnimation(3, 2, 8);
+    AddFrame(
+        animation, 8, [](int x, int) { return x == 1 ? 9U : 4U; }, 5, 9);
+    std::string error;
+    constexpr struct {
+        const char* name;
+        const char* start;
+    } kKinds[] = {{"a.gif", "GIF89a"}, {"a.b.PNG", "\x89PNG"}, {"a.apng", "\x89PNG"}, {"a.mng", "\x8AMNG"}};
+    for (const auto& kind : kKinds) {
+        EXPECT_TRUE(SaveAnimation(Path(kind.name), animation, error)) << error;
+        EXPECT_EQ(Get(kind.name).substr(0, std::string(kind.start).size()), kind.start);
+    }
+    EXPECT_FALSE(SaveAnimation(Path("a.jpg"), animation, error));
+    EXPECT_NE(error.find(".gif"), std::string::npos);
+    ASSERT_TRUE(SaveFrames(Path(""), animation, error)) << error;
+    const DecodedPicture frame = DecodePictureFile(Path("frame-0000.png"), 0, 100);
+    ASSERT_TRUE(frame.picture) << frame.error;
+    EXPECT_EQ(PixelAt(frame.picture.Get(), 1, 1), 0xFFFFFFU);
+    EXPECT_EQ(Stem("C:\\pics\\a.b.gif") + FileNamePart("x/y"), "a.by");
+}
+
+TEST(Script, TakesLinesApart) {
+    std::vector<ScriptStep> steps;
+    std::string error;
+    ASSERT_TRUE(ParseScript("# remark\r\n\n  add \"C:\\my pics\\a.png\" b.png # both\r\nset 107 #FF8040\n"
+                            "transition 2 \"Soft iris (ellipse)\" 4\nexpect-message \"\"\nquit",
+                            steps, error))
+        << error;
+    std::string all;
+    for (const ScriptStep& step : steps)
+        all += std::to_string(step.line) + " " + StepText(step) + "\n";
+    EXPECT_EQ(all, "3 add \"C:\\my pics\\a.png\" b.png\n4 set 107 \"#FF8040\"\n5 override 2\n"
+                   "5 set 102 \"Soft iris (ellipse)\"\n5 set 103 4\n5 ok\n6 expect-message \"\"\n7 quit\n");
+    constexpr struct {
+        const char* text;
+        const char* error;
+    } kWrong[] = {{"quit\nadd", "line 2: \"add\" says too little"},
+                  {"quit now", "line 1: \"quit\" says too much"},
+                  {"\n\ndance", "line 3: \"dance\" is no step"},
+                  {"add \"a", "line 1: a quote is not closed"}};
+    for (const auto& wrong : kWrong) {
+        EXPECT_FALSE(ParseScript(wrong.text, steps, error));
+        EXPECT_EQ(error, wrong.error);
+    }
+}
+
+TEST(Script, KnowsControlsAndColours) {
+    EXPECT_EQ(ControlNumber("117"), 117);
+    EXPECT_EQ(ControlNumber("TransitionDelay"), LUMAFOLD_MAIN_DELAY);
+    EXPECT_EQ(ControlNumber("RandomSeed"), 105);
+    EXPECT_EQ(ControlNumber("PatchLevel"), std::nullopt);
+    EXPECT_EQ(ControlNumber("12x"), std::nullopt);
+    EXPECT_EQ(ColourNumber("#FF8040"), 0x4080FFU);
+    EXPECT_EQ(ColourNumber("FF8040"), std::nullopt);
+    EXPECT_EQ(ColourNumber("#FF80G0"), std::nullopt);
+}
+
+TEST(IconPainter, CoversByArea) {
+    IconPainter icon(4, 0xFFFFFF);
+    icon.Box(1, 1, 2.5, 3, 0x000000);
+    EXPECT_EQ(icon.Pixels()[5], 0U);
+    EXPECT_EQ(icon.Pixels()[6], 0x808080U);
+    EXPECT_EQ(icon.Pixels()[4], 0xFFFFFFU);
+    icon.Polygon({{0, 0}, {4, 0}, {0, 4}}, 0x0000FF);
+    EXPECT_EQ(icon.Pixels()[0], 0x0000FFU);
+    EXPECT_EQ(icon.Pixels()[15], 0xFFFFFFU);
+}
+
+} // namespace
+} // namespace lumafold::test
