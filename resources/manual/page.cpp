@@ -95,8 +95,12 @@ std::string RangeText(const SettingDescriptor& setting) {
         break;
     }
     const std::vector<std::string> choices = ChoicesOf(setting);
-    return "one of " + std::to_string(choices.size()) + ": " + Escaped(choices.front()) + " to " +
-           Escaped(choices.back());
+    constexpr std::size_t kFew = 3;
+    if (choices.size() > kFew) return Escaped(choices.front()) + " to " + Escaped(choices.back());
+    std::string text = choices.front();
+    for (std::size_t i = 1; i < choices.size(); ++i)
+        text += (i + 1 < choices.size() ? ", " : " or ") + choices[i];
+    return Escaped(text);
 }
 
 std::string DefaultText(const SettingDescriptor& setting) {
