@@ -1,5 +1,6 @@
 #include "build/build_driver.h"
 
+#include "build/estimate.h"
 #include "colour/palettes.h"
 #include "colour/quantizer.h"
 #include "colour/remap.h"
@@ -16,8 +17,9 @@ namespace {
 /// One build, from the list to the host. Its steps return false to stop; its end puts everything back.
 class AnimationBuild {
 public:
-    AnimationBuild(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind)
-        : list_(list), window_(window), host_(host), kind_(kind),
+    AnimationBuild(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind,
+                   std::uint64_t budget)
+        : list_(list), window_(window), host_(host), kind_(kind), budget_(budget),
           supercompress_(kind == TaskKind::Build && pluginSettings.Supercompress != 0) {}
     AnimationBuild(const AnimationBuild&) = delete;
     AnimationBuild& operator=(const AnimationBuild&) = delete;
@@ -26,8 +28,8 @@ public:
     bool Run() {
         BuildFixedPalette(&palette_, &paletteBits_,
                           static_cast<std::int32_t>(pluginSettings.TransitionPalette));
-        if (!CountEntries() || !MeasureCanvas() || !PlaceImages() || !RenderGaps() || !ChoosePalette() ||
-            !MarkUnchangedPixels() || !ReduceColours()) {
+        if (!CountEntries() || !MeasureCanvas() || !FitsBudget() || !PlaceImages() || !RenderGaps() ||
+            !ChoosePalette() || !MarkUnchangedPixels() || !ReduceColours()) {
             ShowMessage(window_, LUMAFOLD_TEXT_MEMORY_ERROR);
             return false;
         }
@@ -38,6 +40,7 @@ private:
     bool CountEntries();
     bool AddTemporaryEntry();
     bool MeasureCanvas();
+    bool FitsBudget();
     bool PlaceImages();
     OwnedDib Place(DibHandle image) const;
     bool RenderGaps();
@@ -53,6 +56,7 @@ private:
     const WindowHandle window_;
     const Host host_;
     const TaskKind kind_;
+    const std::uint64_t budget_;
     const bool supercompress_;
 
     const WaitCursor cursor_; // declared before the frames, so that they are freed before it goes
@@ -111,6 +115,12 @@ bool AnimationBuild::MeasureCanvas() {
         canvasHeight_ = std::max(canvasHeight_, height);
     }
     return true;
+}
+
+/// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
+bool AnimationBuild::FitsBudget() {
+    BuildEstimate estimate;
+    return EstimateBuild(list_, kind_, estimate) && estimate.bytes <= budget_;
 }
 
 bool AnimationBuild::PlaceImages() {
@@ -300,8 +310,9 @@ void AnimationBuild::PutBack() {
 
 } // namespace
 
-int BuildAnimation(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind) {
-    AnimationBuild build(list, window, host, kind);
+int BuildAnimation(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind,
+                   std::uint64_t budget) {
+    AnimationBuild build(list, window, host, kind, budget);
     return build.Run() ? 1 : 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "build/estimate.h"
 #include "settings/settings.h"
 #include "tests/support/build_fixture.h"
 #include "tests/support/checksum.h"
@@ -237,6 +238,42 @@ TEST_F(BuildDriver, MakesAPaletteAndMarksWhatStays) {
     EXPECT_EQ(PixelAt(host.frames[1].image.Get(), 3, 0), 0xFF0000U);
 }
 
+TEST_F(BuildDriver, GivesUpBeforeRenderingWhatCannotFit) {
+    pluginSettings.Supercompress = 1;
+    list.Add(BusyPicture(61, 5, 1), kEllipse, 5, 5);
+    list.Add(BusyPicture(6, 47, 2), kNone, 5, 5);
+    BuildEstimate estimate;
+    ASSERT_TRUE(EstimateBuild(list, TaskKind::Build, estimate));
+    EXPECT_EQ(std::tuple(estimate.width, estimate.height, estimate.frames), std::tuple(61, 47, 6 + 1));
+    const std::uint64_t picture = 40 + 184 * 47, mask = 40 + 8 + 8 * 47;
+    EXPECT_EQ(estimate.bytes, 7 * (picture + 40 + mask) + 2 * picture);
+    EXPECT_EQ(BuildAnimation(list, 0, host.context, TaskKind::Build, estimate.bytes), 1);
+    host.commands.clear();
+    EXPECT_EQ(BuildAnimation(list, 0, host.context, TaskKind::Build, estimate.bytes - 1), 0);
+    EXPECT_EQ(host.messages, std::vector<std::string>{"Memory error"});
+    EXPECT_EQ(host.commands.back(), (RecordedCommand{13, 2, "2"})); // measured, nothing more
+    ExpectListAsItWas(2);
+
+    // A test build has no masks; one picture alone has its background beside it.
+    ASSERT_TRUE(EstimateBuild(list, TaskKind::Test, estimate));
+    EXPECT_EQ(estimate.bytes, 7 * (picture + 40) + 2 * picture);
+    TestList one;
+    one.Add(BusyPicture(6, 47, 2), kNone, 5, 5);
+    one.defaultTransition = kDiamond;
+    ASSERT_TRUE(EstimateBuild(one, TaskKind::Test, estimate));
+    EXPECT_EQ(estimate.frames, 1 + 5);
+
+    // Sums beyond 64 bits are the largest number: tiles of one pixel, each with thousands of frames.
+    pluginSettings.TransitionAlphaTileSize = pluginSettings.TransitionAlphaTileCount = 1;
+    pluginSettings.TransitionAlphaTileStep = 5'000'000;
+    TestList large;
+    for (int i = 0; i < 2; ++i)
+        large.Add(OwnedDib(DibCreate(20000, 20000, nullptr, 1)), 4, 5, 5);
+    ASSERT_TRUE(EstimateBuild(large, TaskKind::Test, estimate));
+    EXPECT_EQ(estimate.bytes, UINT64_MAX);
+    EXPECT_EQ(BuildAnimation(large, 0, host.context, TaskKind::Test, UINT64_MAX - 1), 0);
+}
+
 /// Every allocation of a build fails in turn, for each way a build can go.
 TEST_F(BuildDriver, EveryFailingAllocationEndsCleanly) {
     struct Case {
@@ -296,18 +333,12 @@ TEST_F(BuildDriver, ChecksumsOfWholeBuilds) {
         std::uint64_t checksum;
     };
     const Case cases[] = {
-        {kEllipse, 6, 1, 0, 0, 0x4A7CA20411AD429F},
-        {kEllipse, 6, 0, 0, 0, 0xA2D398A1BCDB334C},
-        {kDiamond, 0, 1, 0, 0, 0x7B768D753BD8021B},
-        {kDiamond, 0, 0, 0, 0, 0x3C17E629C9700C5},
-        {kSilentMovie, 1, 1, 0, 0, 0x626AA51AA06CBD38},
-        {kSilentMovie, 2, 0, 0, 0, 0x63D9D235C2763F2B},
-        {kNone, 5, 1, 0, 0, 0x96BA79CE7069C75D},
-        {kEllipse, 8, 0, 0, 0, 0x2D6BC31A332B4713},
-        {kDiamond, 0, 0, 1, 0, 0xAC21CC46C1FFA7EA},
-        {kEllipse, 0, 1, 0, 1, 0x0E5FB0F78A50213A},
-        {kDiamond, 0, 0, 0, 1, 0xD2862E50511015DD},
-        {kDiamond, 0, 0, 1, 1, 0x6380A736B4FE5BBD},
+        {kEllipse, 6, 1, 0, 0, 0x4A7CA20411AD429F},     {kEllipse, 6, 0, 0, 0, 0xA2D398A1BCDB334C},
+        {kDiamond, 0, 1, 0, 0, 0x7B768D753BD8021B},     {kDiamond, 0, 0, 0, 0, 0x3C17E629C9700C5},
+        {kSilentMovie, 1, 1, 0, 0, 0x626AA51AA06CBD38}, {kSilentMovie, 2, 0, 0, 0, 0x63D9D235C2763F2B},
+        {kNone, 5, 1, 0, 0, 0x96BA79CE7069C75D},        {kEllipse, 8, 0, 0, 0, 0x2D6BC31A332B4713},
+        {kDiamond, 0, 0, 1, 0, 0xAC21CC46C1FFA7EA},     {kEllipse, 0, 1, 0, 1, 0x0E5FB0F78A50213A},
+        {kDiamond, 0, 0, 0, 1, 0xD2862E50511015DD},     {kDiamond, 0, 0, 1, 1, 0x6380A736B4FE5BBD},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "row " << c.transition << ", palette " << c.palette);

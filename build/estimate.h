@@ -1,0 +1,20 @@
+// What a build is going to need, told from sizes and settings before a single frame is rendered: settings
+// files can ask for more frames than any memory holds, and nobody should wait for that to be found out.
+#pragma once
+
+#include "build/image_list.h"
+#include "plugin/host.h"
+
+namespace lumafold {
+
+/// Numbers too large for their fields are the largest they hold.
+struct BuildEstimate {
+    std::int32_t width = 0, height = 0; ///< of the canvas
+    std::int64_t frames = 0;
+    std::uint64_t bytes = 0; ///< held at once at the most, the list's own pictures apart
+};
+
+/// Reads the list and the settings in force. False when an entry cannot be read.
+bool EstimateBuild(ImageList& list, TaskKind kind, BuildEstimate& estimate);
+
+} // namespace lumafold
