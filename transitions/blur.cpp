@@ -17,7 +17,7 @@ namespace lumafold {
 namespace {
 
 /// More taps than this count as a kernel that cannot be had; no dialog allows a thousandth of it.
-constexpr std::int32_t kMostTaps = 1 << 24;
+constexpr std::int32_t kMostTaps = 1 << 20;
 
 /// The weights with the taps whose weight is not zero: what lies beyond them adds nothing.
 struct Kernel {
