@@ -6,6 +6,12 @@
 namespace lumafold {
 namespace {
 
+/// The control that loaded the logo does not free it on every system.
+void FreeLogo(HWND dialog) {
+    const LRESULT logo = SendDlgItemMessageA(dialog, LUMAFOLD_ABOUT_LOGO, STM_SETIMAGE, IMAGE_BITMAP, 0);
+    DeleteObject(reinterpret_cast<HGDIOBJ>(logo)); // NOLINT(performance-no-int-to-ptr)
+}
+
 INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     switch (message) {
     case WM_CTLCOLORSTATIC:
@@ -18,6 +24,9 @@ INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM
     case WM_COMMAND:
         if (LOWORD(wparam) == LUMAFOLD_ID_HELP) ShowHelp(dialog, "ABOUT");
         if (LOWORD(wparam) == IDOK || LOWORD(wparam) == IDCANCEL) EndDialog(dialog, 0);
+        return TRUE;
+    case WM_DESTROY:
+        FreeLogo(dialog);
         return TRUE;
     default:
         return FALSE;
