@@ -45,11 +45,11 @@ DialogTest::~DialogTest() {
 void DialogTest::Reload() {
     if (library_ != nullptr) FreeLibrary(library_);
     library_ = LoadLibraryA("lumafold.dll");
+    SetModuleInstance(library_); // its resources are this program's too
     if (code_ == Code::Library) {
         doBuild_ = reinterpret_cast<decltype(PLUGINDoBuild)*>(
             reinterpret_cast<void*>(GetProcAddress(library_, "PLUGINDoBuild")));
     } else {
-        SetModuleInstance(library_); // for its resources
         SetMessageHook(nullptr);
         doBuild_ = PLUGINDoBuild;
     }
@@ -59,7 +59,7 @@ void DialogTest::Open(Shift shift) {
     if (shift == Shift::Down) PressKey(VK_SHIFT, KeyState::Down);
     ui.Settle();
     result_ = -1;
-    ui.Start([this] { result_ = doBuild_(ui.Window(), &host.context); });
+    ui.Start([this] { result_ = CallPlugin(); });
     if (shift == Shift::Down) PressKey(VK_SHIFT, KeyState::Up);
     ui.Settle();
 }

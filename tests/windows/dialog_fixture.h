@@ -44,6 +44,8 @@ protected:
     void Close(int button = IDCANCEL);
     void Reload();
     int Result() const { return result_; }
+    /// From the host's thread alone.
+    int CallPlugin() { return doBuild_(ui.Window(), &host.context); }
 
     // What a person sees in the dialog that takes input.
     HWND Dialog() const { return ui.ActiveDialog(); }

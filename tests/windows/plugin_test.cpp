@@ -11,6 +11,7 @@
 #include "lumafold_version.h"
 #include "plugin/entry_points.h"
 #include "plugin/module.h"
+#include "tests/windows/live_objects.h"
 
 namespace lumafold {
 namespace {
@@ -70,28 +71,6 @@ private:
 
     const std::uint8_t* base_;
 };
-
-/// This process's open handles, from the system's list of all: Wine answers GetProcessHandleCount with 0.
-std::size_t OpenHandles() {
-    constexpr ULONG kHandleInformation = 16;
-    struct Entry {
-        ULONG process;
-        ULONG typeAndValue;
-        PVOID object;
-        ULONG access;
-    };
-    using Query = LONG WINAPI(ULONG, PVOID, ULONG, PULONG);
-    const auto query = reinterpret_cast<Query*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
-    std::vector<ULONG> list(1 << 20);
-    if (query(kHandleInformation, list.data(), static_cast<ULONG>(list.size() * sizeof(ULONG)), nullptr) != 0)
-        return 0;
-    const auto* entries = reinterpret_cast<const Entry*>(&list[1]);
-    // The upper half of the process field is another number on some versions.
-    return static_cast<std::size_t>(std::count_if(entries, entries + list[0], [](const Entry& entry) {
-        return static_cast<WORD>(entry.process) == static_cast<WORD>(GetCurrentProcessId());
-    }));
-}
 
 TEST(Plugin, ExportsItsEntryPointsAndNeedsOnlyTheSystem) {
     const Library library;
@@ -160,11 +139,11 @@ TEST(Plugin, LoadingAndUnloadingLeavesNothingBehind) {
         ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
     };
     loadOnce();
-    const std::size_t before = OpenHandles();
+    const std::size_t before = test::OpenHandles();
     EXPECT_GT(before, 0U);
     for (int i = 0; i < 50; ++i)
         loadOnce();
-    EXPECT_EQ(OpenHandles(), before);
+    EXPECT_EQ(test::OpenHandles(), before);
     EXPECT_EQ(GetModuleHandleA("lumafold.dll"), nullptr);
 }
 

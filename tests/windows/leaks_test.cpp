@@ -1,0 +1,94 @@
+// Nothing stays behind: not after many openings, and not after any allocation that failed on the way.
+#include "tests/windows/dialog_fixture.h"
+#include "tests/windows/live_objects.h"
+
+namespace lumafold::test {
+namespace {
+
+class Leaks : public DialogTest {
+protected:
+    explicit Leaks(Code code = Code::Library) : DialogTest(code) {
+        WriteFileBytes(files.List(), pictures.Add("a", BusyPicture(300, 200, 3)) + "\r\n");
+        WriteFileBytes(files.Settings(), "TransitionType = 23\r\n");
+        host.helps = false;
+    }
+};
+
+TEST_F(Leaks, FiftyOpeningsLeaveNothingOfTheSystem) {
+    const auto open = [&](bool everything) {
+        Open();
+        if (everything) {
+            Click(LUMAFOLD_ID_HELP);
+            AnswerMessage();
+            for (const int button : {LUMAFOLD_MAIN_ADVANCED, LUMAFOLD_MAIN_ABOUT}) {
+                Click(button);
+                Click(IDOK);
+            }
+            DoubleClickItem(0);
+            Click(IDOK);
+            Drag(0, {900, 700});
+            Click(LUMAFOLD_MAIN_TEST);
+            host.frames.clear();
+        }
+        Close();
+    };
+    for (int i = 0; i < 2; ++i)
+        open(true); // what is made once and kept
+    const int objects = GdiObjects(), windows = WindowsBeside(ui.Window());
+    const std::size_t handles = OpenHandles();
+    for (int i = 0; i < 50; ++i)
+        open(i % 10 == 0);
+    EXPECT_EQ(GdiObjects(), objects);
+    EXPECT_EQ(WindowsBeside(ui.Window()), windows);
+    EXPECT_EQ(OpenHandles(), handles);
+}
+
+class FailingAllocations : public Leaks {
+protected:
+    FailingAllocations() : Leaks(Code::Linked) {}
+    /// Every message is one that tells of the failure.
+    void AnswerAll() {
+        for (std::string text = AnswerMessage(); !text.empty(); text = AnswerMessage())
+            EXPECT_TRUE(text == "Memory error" || text == "Error reading file") << text;
+    }
+};
+
+TEST_F(FailingAllocations, LeaveTheDialogsUsableAndNothingBehind) {
+    const std::string second = pictures.Add("b", BusyPicture(200, 300, 4));
+    const auto run = [&] {
+        Open();
+        AnswerAll();
+        AddFiles({second});
+        AnswerAll();
+        if (Count() > 0) {
+            DoubleClickItem(0);
+            Click(IDOK);
+        }
+        Click(LUMAFOLD_MAIN_ADVANCED);
+        Click(IDOK);
+        AnswerAll();
+        Close();
+    };
+    const SettingsGuard guard;
+    const std::string list = ReadFileBytes(files.List());
+    run();
+    const int objects = GdiObjects();
+    const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
+    int points = 0;
+    for (std::int64_t n = 1;; ++n, ++points) {
+        SCOPED_TRACE(testing::Message() << "allocation " << n);
+        WriteFileBytes(files.List(), list);
+        allocation_hooks::FailNth(n);
+        run();
+        const bool failed = allocation_hooks::HasFailed();
+        allocation_hooks::FailNth(0);
+        EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
+        EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
+        EXPECT_EQ(GdiObjects(), objects);
+        if (!failed || HasFailure()) break;
+    }
+    EXPECT_GT(points, 20);
+}
+
+} // namespace
+} // namespace lumafold::test
