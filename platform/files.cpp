@@ -183,7 +183,8 @@ void MakeFoldersAbove(const char* path) {
     if (end >= kPathBytes) return;
     for (std::size_t at = 0; at < end; ++at) {
         folder[at] = path[at];
-        if (at == 0 || !file_system::IsSeparator(path[at])) continue;
+        // What stands before a colon is a drive, and none of a folder's names.
+        if (at == 0 || !file_system::IsSeparator(path[at]) || path[at] == ':') continue;
         folder[at] = 0;
         if (file_system::Inspect(folder).kind == Kind::Missing) file_system::MakeFolder(folder);
         folder[at] = path[at];
