@@ -1,7 +1,6 @@
 #include "hosts/desktop/document.h"
 
-#include <bitset>
-#include <cstdio>
+#include <span>
 
 #include "hosts/codecs/apng_writer.h"
 #include "hosts/codecs/gif_writer.h"
@@ -30,6 +29,26 @@ std::vector<std::int32_t> Delays(const Animation& animation) {
     return delays;
 }
 
+/// What is written within moments, in pixels.
+constexpr std::uint64_t kQuickIndexes = 24'000'000, kQuickColours = 4'000'000;
+
+std::uint64_t EncodedBytes(const Animation& animation, bool trueColour) {
+    std::string error;
+    return (trueColour ? EncodeApng(animation, error) : EncodeGif(animation, error)).size();
+}
+
+Animation Beginning(const Animation& animation, std::size_t frames) {
+    Animation beginning;
+    beginning.width = animation.width;
+    beginning.height = animation.height;
+    beginning.paletteBits = animation.paletteBits;
+    beginning.palette = animation.palette;
+    for (const AnimationFrame& frame : std::span(animation.frames).first(frames))
+        beginning.frames.push_back(
+            {OwnedDib(GlobalDuplicate(frame.image.Get())), frame.delay, frame.transparentIndex});
+    return beginning;
+}
+
 Thumbnail EmptyThumbnail(std::int32_t width, std::int32_t height) {
     const std::int32_t fitted = static_cast<std::int32_t>(std::int64_t{kThumbnailHeight} * width / height);
     if (fitted <= kMostThumbnailWidth) return {std::max(fitted, 1), kThumbnailHeight, {}};
@@ -46,8 +65,11 @@ Document::Document(Animation animation, std::string name, Origin origin)
       thumbnailScreens_(animation_),
       thumbnails_(animation_.frames.size(), EmptyThumbnail(animation_.width, animation_.height)) {}
 
-void Document::MarkSaved(std::string name) {
+void Document::MarkSaved(std::string name, std::uint64_t bytes) {
     name_ = std::move(name);
+    fileBytes_ = bytes;
+    measured_ = true;
+    estimated_ = false;
     unsaved_ = false;
 }
 
@@ -68,18 +90,27 @@ std::string Document::FramesText() const {
 
 std::string Document::DurationText() const { return lumafold::DurationText(animation_); }
 
+std::string Document::FileSizeText() const {
+    if (fileBytes_ == 0) return "";
+    const std::string text = SizeText(fileBytes_);
+    return (estimated_ ? "about " : "") + text.substr(0, text.find(" ("));
+}
+
 void Document::MeasureFile() {
     if (measured_) return;
     measured_ = true;
-    std::string error;
-    fileBytes_ = (trueColour_ ? EncodeApng(animation_, error) : EncodeGif(animation_, error)).size();
-}
-
-bool Document::IsQuicklyMeasured() const {
-    constexpr std::uint64_t kQuickPixels = 48'000'000, kQuickColours = 6'000'000;
-    const std::uint64_t pixels = static_cast<std::uint64_t>(animation_.width) *
-                                 static_cast<std::uint64_t>(animation_.height) * animation_.frames.size();
-    return pixels <= (trueColour_ ? kQuickColours : kQuickPixels);
+    const std::uint64_t framePixels =
+        static_cast<std::uint64_t>(animation_.width) * static_cast<std::uint64_t>(animation_.height);
+    const std::uint64_t affordable = (trueColour_ ? kQuickColours : kQuickIndexes) / framePixels;
+    const std::uint64_t count = animation_.frames.size();
+    estimated_ = affordable < count;
+    if (!estimated_) {
+        fileBytes_ = EncodedBytes(animation_, trueColour_);
+        return;
+    }
+    const std::uint64_t sample = std::max<std::uint64_t>(affordable, 1);
+    fileBytes_ =
+        EncodedBytes(Beginning(animation_, static_cast<std::size_t>(sample)), trueColour_) * count / sample;
 }
 
 std::string TitleOf(const Document& document) {
@@ -87,14 +118,8 @@ std::string TitleOf(const Document& document) {
     title += document.Name();
     if (document.GetOrigin() == Origin::Test) title += " [test]";
     title += " - " + document.FramesText() + ", " + document.ColoursText() + ", " + document.DurationText();
-    if (document.FileBytes() > 0) title += ", " + ShortSize(document.FileBytes());
-    return title;
-}
-
-std::string ShortSize(std::uint64_t bytes) {
-    if (bytes == 0) return "?";
-    const std::string text = SizeText(bytes);
-    return text.substr(0, text.find(" ("));
+    const std::string size = document.FileSizeText();
+    return size.empty() ? title : title + ", " + size;
 }
 
 } // namespace lumafold

@@ -31,7 +31,8 @@ public:
     Origin GetOrigin() const { return origin_; }
     /// Whether closing it would lose work. Tests are made to be looked at.
     bool IsUnsaved() const { return unsaved_; }
-    void MarkSaved(std::string name);
+    /// `bytes` is the file's size, 0 when it is not one file.
+    void MarkSaved(std::string name, std::uint64_t bytes);
 
     Playback& Player() { return playback_; }
     const Playback& Player() const { return playback_; }
@@ -48,12 +49,11 @@ public:
     std::string DurationText() const;
     bool HasTrueColour() const { return trueColour_; }
 
-    /// The size of the file that saving would write, 0 while nobody has measured it.
-    std::uint64_t FileBytes() const { return fileBytes_; }
-    /// Encodes it as GIF, or as PNG in true colour.
+    /// "1.2 MB", "about 1.2 MB", or "" while nobody has measured: the file that saving as GIF, or in true
+    /// colour as PNG, would write, or the one that was saved last.
+    std::string FileSizeText() const;
+    /// Writes it in memory; of a long animation only the beginning, and takes the rest to be like it.
     void MeasureFile();
-    /// Whether that is a matter of moments.
-    bool IsQuicklyMeasured() const;
 
 private:
     Animation animation_;
@@ -67,12 +67,9 @@ private:
     std::vector<Thumbnail> thumbnails_;
     std::size_t thumbnailsDrawn_ = 0;
     std::uint64_t fileBytes_ = 0;
-    bool measured_ = false;
+    bool measured_ = false, estimated_ = false;
 };
 
 /// What the window's title says: "* NAME [test] - 51 frames, 640x480, 216 colors, 5.50 s, 1.2 MB".
 std::string TitleOf(const Document& document);
-/// "1.2 MB", or "?" for 0.
-std::string ShortSize(std::uint64_t bytes);
-
 } // namespace lumafold

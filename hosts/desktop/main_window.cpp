@@ -166,8 +166,9 @@ void MainWindow::Layout() {
     MoveWindow(canvas_.Get(), left, top, area.right - left, strip - top, TRUE);
     MoveWindow(strip_.Get(), left, strip, area.right - left, bottom - strip, TRUE);
     const int right = area.right - 20;
-    const int parts[] = {right - 552, right - 392, right - 312, right - 212, right - 142, right - 62, -1};
+    const int parts[] = {right - 562, right - 402, right - 322, right - 222, right - 152, right - 62, -1};
     SendMessageA(status_, SB_SETPARTS, std::size(parts), reinterpret_cast<LPARAM>(parts));
+    statusShown_.fill("?");
     ShowStatus();
 }
 
@@ -283,6 +284,7 @@ void MainWindow::TakeAnimation(Animation animation, TaskKind kind) {
 bool MainWindow::Add(Animation animation, const std::string& name, Origin origin) {
     try {
         documents_.push_back(std::make_unique<Document>(std::move(animation), name, origin));
+        documents_.back()->DrawThumbnails(1); // its card's
     } catch (const AnimationError& failure) {
         Tell(name + ": " + failure.text + ".", MB_ICONERROR);
         return false;
@@ -352,13 +354,14 @@ bool MainWindow::SaveCurrent(const std::string& path) {
     if (document == nullptr) return false;
     std::string error;
     SetCursor(LoadCursorA(nullptr, IDC_WAIT));
-    const bool saved = SaveAnimation(path, document->GetAnimation(), error);
+    std::uint64_t bytes = 0;
+    const bool saved = SaveAnimation(path, document->GetAnimation(), bytes, error);
     SetCursor(LoadCursorA(nullptr, IDC_ARROW));
     if (!saved) {
         Tell(FileNamePart(path) + " has not been saved: " + error + ".", MB_ICONERROR);
         return false;
     }
-    document->MarkSaved(FileNamePart(path));
+    document->MarkSaved(FileNamePart(path), bytes);
     ShowState();
     return true;
 }
@@ -521,6 +524,8 @@ void MainWindow::ShowState() {
 void MainWindow::ShowStatus() {
     Document* document = Current();
     const auto show = [&](StatusPart part, const std::string& text) {
+        // The bar paints itself anew for every text, also for the one that it shows.
+        if (std::exchange(statusShown_[part], text) == text) return;
         SendMessageA(status_, SB_SETTEXTA, part, reinterpret_cast<LPARAM>((" " + text).c_str()));
     };
     const bool open = document != nullptr;
@@ -539,7 +544,7 @@ void MainWindow::ShowStatus() {
                            : "");
     show(kStatusColours, open ? document->ColoursText() : "");
     show(kStatusDuration, open ? document->DurationText() : "");
-    show(kStatusBytes, open && document->FileBytes() > 0 ? ShortSize(document->FileBytes()) : "");
+    show(kStatusBytes, open ? document->FileSizeText() : "");
 }
 
 void MainWindow::ShowFrame() {
@@ -584,7 +589,7 @@ void MainWindow::Idle() {
         return;
     }
     KillTimer(window_, kIdleTimer);
-    if (document == nullptr || document->FileBytes() > 0 || !document->IsQuicklyMeasured()) return;
+    if (document == nullptr || !document->FileSizeText().empty()) return;
     document->MeasureFile();
     ShowState();
 }

@@ -2,6 +2,7 @@
 // that the plug-in talks to.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 
@@ -97,6 +98,7 @@ private:
     FrameStrip strip_;
     DocumentList list_;
     HWND status_ = nullptr;
+    std::array<std::string, 7> statusShown_; ///< by its parts
     HACCEL keys_ = nullptr;
     std::vector<std::unique_ptr<Document>> documents_;
     std::size_t current_ = 0, made_ = 0;

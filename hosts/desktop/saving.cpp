@@ -33,7 +33,8 @@ std::string Stem(const std::string& path) {
     return name.substr(0, name.find_last_of('.'));
 }
 
-bool SaveAnimation(const std::string& path, const Animation& animation, std::string& error) {
+bool SaveAnimation(const std::string& path, const Animation& animation, std::uint64_t& bytes,
+                   std::string& error) {
     const std::string suffix = LowerSuffix(path);
     std::vector<std::uint8_t> file;
     if (suffix == ".gif") {
@@ -45,7 +46,8 @@ bool SaveAnimation(const std::string& path, const Animation& animation, std::str
     } else {
         error = "the name must end in .gif, .png or .mng";
     }
-    return !file.empty() && WriteFileSafely(path, file, error);
+    bytes = file.size();
+    return bytes > 0 && WriteFileSafely(path, file, error);
 }
 
 bool SaveFrames(const std::string& folder, const Animation& animation, std::string& error) {

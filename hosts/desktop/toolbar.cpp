@@ -1,6 +1,6 @@
 #include "hosts/desktop/toolbar.h"
 
-#include <array>
+#include <algorithm>
 
 #include "hosts/desktop/icon_painter.h"
 #include "hosts/desktop/ids.h"
@@ -158,15 +158,25 @@ std::uint32_t FaceColour() {
     return static_cast<std::uint32_t>(GetRValue(face) << 16 | GetGValue(face) << 8 | GetBValue(face));
 }
 
-int AddIcon(HIMAGELIST list, void (*draw)(IconPainter&)) {
-    IconPainter icon(kIconSize, FaceColour());
-    draw(icon);
+/// Between the grey of its brightness and the button's face.
+std::uint32_t Faded(std::uint32_t colour, std::uint32_t face) {
+    const std::uint32_t grey = ((colour >> 16) * 3 + (colour >> 8 & 0xFF) * 6 + (colour & 0xFF)) / 10;
+    std::uint32_t faded = 0;
+    for (const int shift : {0, 8, 16})
+        faded |= ((face >> shift & 0xFF) * 2 + std::max<std::uint32_t>(grey, 0x70)) / 3 << shift;
+    return faded;
+}
+
+int AddIcon(HIMAGELIST list, std::vector<std::uint32_t> pixels, bool faded) {
+    const std::uint32_t face = FaceColour();
+    for (std::uint32_t& pixel : pixels)
+        pixel = faded && pixel != face ? Faded(pixel, face) : pixel;
     const HDC screen = GetDC(nullptr);
     const OwnedGdi<HBITMAP> bitmap(CreateCompatibleBitmap(screen, kIconSize, kIconSize));
     const HDC memory = CreateCompatibleDC(screen);
     {
         const SelectedGdi selected(memory, bitmap.Get());
-        Pixels(memory, 0, 0, kIconSize, kIconSize, icon.Pixels());
+        Pixels(memory, 0, 0, kIconSize, kIconSize, pixels);
     }
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
@@ -176,7 +186,16 @@ int AddIcon(HIMAGELIST list, void (*draw)(IconPainter&)) {
 } // namespace
 
 Toolbar::~Toolbar() {
-    if (icons_ != nullptr) ImageList_Destroy(icons_);
+    for (const HIMAGELIST icons : {icons_, fadedIcons_}) {
+        if (icons != nullptr) ImageList_Destroy(icons);
+    }
+}
+
+int Toolbar::AddIcons(void (*draw)(IconPainter&)) const {
+    IconPainter icon(kIconSize, FaceColour());
+    draw(icon);
+    AddIcon(fadedIcons_, icon.Pixels(), true);
+    return AddIcon(icons_, icon.Pixels(), false);
 }
 
 bool Toolbar::Make(HWND parent) {
@@ -189,17 +208,19 @@ bool Toolbar::Make(HWND parent) {
     SendMessageA(toolbar_, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS);
     SendMessageA(toolbar_, WM_SETFONT, reinterpret_cast<WPARAM>(Font(Face::Bold)), FALSE);
     icons_ = ImageList_Create(kIconSize, kIconSize, ILC_COLOR24 | ILC_MASK, 20, 4);
+    fadedIcons_ = ImageList_Create(kIconSize, kIconSize, ILC_COLOR24 | ILC_MASK, 20, 4);
     SendMessageA(toolbar_, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(icons_));
+    SendMessageA(toolbar_, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(fadedIcons_));
     SendMessageA(toolbar_, TB_SETBUTTONSIZE, 0, MAKELPARAM(32, 34));
     for (const Button& button : kButtons) {
         TBBUTTON made{};
         made.fsStyle = button.command == 0 ? BTNS_SEP : static_cast<BYTE>(BTNS_AUTOSIZE | button.style);
         made.fsState = TBSTATE_ENABLED;
         made.idCommand = button.command;
-        made.iBitmap = button.command == 0 ? 8 : AddIcon(icons_, button.draw);
+        made.iBitmap = button.command == 0 ? 8 : AddIcons(button.draw);
         made.iString = button.command == HOST_RUN_PLUGIN ? reinterpret_cast<INT_PTR>("Lumafold") : 0;
         SendMessageA(toolbar_, TB_ADDBUTTONSA, 1, reinterpret_cast<LPARAM>(&made));
-        if (button.command == HOST_PLAY) AddIcon(icons_, DrawPause);
+        if (button.command == HOST_PLAY) AddIcons(DrawPause);
     }
     SendMessageA(toolbar_, TB_AUTOSIZE, 0, 0);
     return true;

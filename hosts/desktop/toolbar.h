@@ -7,6 +7,8 @@
 
 namespace lumafold {
 
+class IconPainter;
+
 class Toolbar {
 public:
     Toolbar() = default;
@@ -24,8 +26,11 @@ public:
     void ShowPlaying(bool playing) const;
 
 private:
+    /// Its number in both lists.
+    int AddIcons(void (*draw)(IconPainter&)) const;
+
     HWND toolbar_ = nullptr;
-    HIMAGELIST icons_ = nullptr;
+    HIMAGELIST icons_ = nullptr, fadedIcons_ = nullptr;
 };
 
 /// The tip of a toolbar button.

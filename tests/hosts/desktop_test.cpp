@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "hosts/codecs/decode.h"
+#include "hosts/codecs/gif_writer.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/icon_painter.h"
@@ -150,9 +151,24 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     }
     EXPECT_EQ(document.ThumbnailOf(1).height, kThumbnailHeight);
     document.MeasureFile();
-    document.MarkSaved("b.gif");
-    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colours, 0.55 s, " +
-                                     std::to_string(document.FileBytes()) + " bytes");
+    const std::string size = document.FileSizeText();
+    EXPECT_EQ(size.substr(size.find(' ')), " bytes");
+    document.MarkSaved("b.gif", 1234);
+    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colours, 0.55 s, 1.2 kB");
+}
+
+TEST(Document, EstimatesWhatTakesLongToWrite) {
+    Animation animation = EmptyAnimation(2000, 2000, 8);
+    for (int i = 0; i < 8; ++i)
+        AddFrame(
+            animation, 8, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; }, 5);
+    std::string error;
+    const double exact = static_cast<double>(EncodeGif(animation, error).size());
+    Document document(std::move(animation), "", Origin::Build);
+    EXPECT_EQ(document.FileSizeText(), "");
+    document.MeasureFile();
+    ASSERT_EQ(document.FileSizeText().substr(0, 6), "about ");
+    EXPECT_NEAR(std::stod(document.FileSizeText().substr(6)), exact / 1000, exact / 1000 / 2);
 }
 
 TEST(Document, LetsNothingInThatCannotBeShown) {
@@ -177,15 +193,17 @@ TEST_F(SavingTest, TakesTheKindFromTheName) {
     AddFrame(
         animation, 8, [](int x, int) { return x == 1 ? 9U : 4U; }, 5, 9);
     std::string error;
+    std::uint64_t bytes = 0;
     constexpr struct {
         const char* name;
         const char* start;
     } kKinds[] = {{"a.gif", "GIF89a"}, {"a.b.PNG", "\x89PNG"}, {"a.apng", "\x89PNG"}, {"a.mng", "\x8AMNG"}};
     for (const auto& kind : kKinds) {
-        EXPECT_TRUE(SaveAnimation(Path(kind.name), animation, error)) << error;
+        EXPECT_TRUE(SaveAnimation(Path(kind.name), animation, bytes, error)) << error;
+        EXPECT_EQ(Get(kind.name).size(), bytes);
         EXPECT_EQ(Get(kind.name).substr(0, std::string(kind.start).size()), kind.start);
     }
-    EXPECT_FALSE(SaveAnimation(Path("a.jpg"), animation, error));
+    EXPECT_FALSE(SaveAnimation(Path("a.jpg"), animation, bytes, error));
     EXPECT_NE(error.find(".gif"), std::string::npos);
     ASSERT_TRUE(SaveFrames(Path(""), animation, error)) << error;
     const DecodedPicture frame = DecodePictureFile(Path("frame-0000.png"), 0, 100);
