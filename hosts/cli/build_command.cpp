@@ -5,6 +5,7 @@
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
+#include "hosts/cli/memory_limit.h"
 #include "hosts/cli/output.h"
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
@@ -91,10 +92,16 @@ private:
     }
 
     int Build(MemoryList& list) {
+        const TaskKind kind = options_.testBuild ? TaskKind::Test : TaskKind::Build;
+        const std::uint64_t limit = options_.memoryLimit.value_or(UsualMemoryLimit());
+        BuildEstimate estimate;
+        if (EstimateBuild(list, kind, estimate)) {
+            const std::string why = WhyTooLarge(estimate, limit);
+            if (!why.empty()) return Fail(1, "the animation " + why + " (--memory-limit)");
+        }
         Progress progress(err_, StyleFor(err_, options_.quiet));
         const RecordingHost host(CapabilityFlags(kind_), progress, err_);
-        const TaskKind kind = options_.testBuild ? TaskKind::Test : TaskKind::Build;
-        const bool built = BuildAnimation(list, 0, host.Context(), kind) != 0 && host.Complete();
+        const bool built = BuildAnimation(list, 0, host.Context(), kind, limit) != 0 && host.Complete();
         progress.Clear();
         if (!built) return 1; // the engine has said why
         return options_.estimate ? Estimate(host) : Write(host);

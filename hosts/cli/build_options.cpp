@@ -52,6 +52,7 @@ constexpr OptionRow kOptions[] = {
     {"--no-supercompress", Takes::Nothing, KnownTo::Build, &PluginSettings::Supercompress, 0},
     {"--test-build", Takes::Nothing, KnownTo::Build},
     {"--estimate", Takes::Nothing, KnownTo::Build},
+    {"--memory-limit", Takes::Value, KnownTo::Build},
     {"--sheet", Takes::Value, KnownTo::Build},
     {"--json", Takes::Nothing, KnownTo::Settings},
     {"--write", Takes::Value, KnownTo::Settings},
@@ -139,6 +140,7 @@ private:
         }
         if (name == "--config") return TakePath(name, value, config_);
         if (name == "--sheet") return TakePath(name, value, options_.sheet);
+        if (name == "--memory-limit") return TakeMemoryLimit(value);
         if (name == "--set") return TakeSetting(value);
         if (name == "--matte") return TakeMatte(value);
         if (name == "--palette") return TakePalette(value);
@@ -211,6 +213,15 @@ private:
         }
         target = static_cast<std::int32_t>(*number);
         WarnWhenOutside(name, *number, DescriptorOf(setting));
+        return true;
+    }
+
+    bool TakeMemoryLimit(const std::string& value) {
+        const auto number = ParseNumber(value);
+        if (!number || value.starts_with('-') || *number == 0) {
+            return Fail("--memory-limit " + value + ": not a number of megabytes");
+        }
+        options_.memoryLimit = std::uint64_t{*number} * 1'000'000;
         return true;
     }
 
@@ -366,6 +377,7 @@ matte colour and back.
   --set KEY=VALUE         any setting, decimal or 0x... ("lumafold settings" lists them); may be repeated
   --estimate              build all of it and say how large the file would be, but write nothing; -o is then
                           needed for its kind alone, which is .gif without it
+  --memory-limit MB       build nothing that needs more memory than this; without it, half of the machine's
   --test-build            as the dialog's Test button does
   --sheet FILE.png        also a contact sheet of the finished frames
   -q, --quiet             no progress, no remarks

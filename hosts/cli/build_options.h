@@ -33,6 +33,7 @@ struct BuildOptions {
     std::string sheet;               ///< "" for none
     bool testBuild = false;
     bool estimate = false; ///< measure the file and write none
+    std::optional<std::uint64_t> memoryLimit; ///< in bytes
     bool quiet = false;
     std::vector<std::string> warnings; ///< one line each
 };

@@ -250,6 +250,28 @@ TEST_F(CommandLineTest, EstimatesAreTheTrueSizeAndWriteNothing) {
     EXPECT_EQ(Names(), before);
 }
 
+TEST_F(CommandLineTest, WhatDoesNotFitIsToldBeforeItIsBuilt) {
+    PutPicture("a.bmp", 61, 47, 1);
+    PutPicture("b.bmp", 33, 21, 2);
+    const auto told = [&](const std::string& limit, const std::string& step) {
+        return Run({"build", Path("a.bmp"), Path("b.bmp"), "-q", "-o", Path("x.gif"), "--set",
+                    "TransitionAlphaTileStep=" + step, "--memory-limit", limit})
+            .err;
+    };
+    // Every level that a bar fades through is a frame, which makes millions of them for twenty bars.
+    const auto ends = [](const std::string& text, const std::string& end) {
+        EXPECT_TRUE(text.ends_with(end)) << text;
+    };
+    ends(told("1", "256"),
+         "lumafold: the animation would need 9.5 MB: 1040 frames of 61x47; the limit is 1.0 MB "
+         "(--memory-limit)\n");
+    ends(told("100000", "5000000"),
+         "lumafold: the animation would need 192.0 GB: 20975110 frames of 61x47; the limit is "
+         "100.0 GB (--memory-limit)\n");
+    const std::vector<std::string> names = Names();
+    EXPECT_EQ(std::count(names.begin(), names.end(), "x.gif"), 0);
+}
+
 TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
     PutPicture("a.bmp", 7, 5, 1);
     Put("empty.png", "");

@@ -137,6 +137,7 @@ TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
         {"a --matte red -o x.gif", "--matte red: write a colour as R,G,B or '#RRGGBB'"},
         {"a --no-dither=1 -o x.gif", "option --no-dither takes no value"},
         {"a --help=build -o x.gif", "option --help takes no value"},
+        {"a --memory-limit 0 -o x.gif", "--memory-limit 0: not a number of megabytes"},
         {"a --estimate --sheet s.png", "--estimate writes nothing, so it does not go with --sheet"},
         {"a --set FastRemap= -o x.gif", "--set FastRemap=:  is no 32-bit number"},
         {"a --set FastRemap=0xFF00112233 -o x.gif",
