@@ -137,7 +137,8 @@ Bytes GreyBitmap(int width, int height, std::span<const std::uint8_t> levels) {
     for (unsigned level = 0; level < 256; ++level)
         Put32(table, level * 0x010101);
     for (int y = height; y-- > 0;) {
-        const auto row = levels.subspan(static_cast<std::size_t>(y * width), static_cast<std::size_t>(width));
+        const auto across = static_cast<std::size_t>(width);
+        const auto row = levels.subspan(static_cast<std::size_t>(y) * across, across);
         rows.insert(rows.end(), row.begin(), row.end());
         PadRow(rows);
     }

@@ -39,10 +39,9 @@ void PressFibre(std::vector<double>& sheet, int number) {
         for (int j = 0; j < 2; ++j) {
             for (int i = 0; i < 2; ++i) {
                 const double share = std::abs(1 - i - (x - left)) * std::abs(1 - j - (y - top));
-                const int column = static_cast<int>(Wrap(left + i, kTextureWidth));
-                const int row = static_cast<int>(Wrap(top + j, kTextureHeight));
-                sheet[static_cast<std::size_t>(row * kTextureWidth + column)] +=
-                    strength * fade * share / kStepsPerPixel;
+                const auto column = static_cast<std::size_t>(Wrap(left + i, kTextureWidth));
+                const auto row = static_cast<std::size_t>(Wrap(top + j, kTextureHeight));
+                sheet[row * kTextureWidth + column] += strength * fade * share / kStepsPerPixel;
             }
         }
         x += std::cos(angle) / kStepsPerPixel;

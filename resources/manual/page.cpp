@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdio>
 #include <iterator>
+#include <map>
 #include <utility>
 
 #include "lumafold_version.h"
@@ -54,7 +55,7 @@ std::string AnchorOfRow(int row) {
 }
 
 std::string Link(const std::string& anchor, std::string_view text) {
-    return "<a href=\"#" + anchor + "\">" + Escaped(text) + "</a>";
+    return Fill(R"(<a href="#{{anchor}}">{{text}}</a>)", {{"anchor", anchor}, {"text", Escaped(text)}});
 }
 
 std::string LabelOf(const SettingDescriptor& setting) {
@@ -75,9 +76,9 @@ std::string ColourText(std::uint32_t colour) {
 /// The names to choose from, a setting's own or those of the table of transitions.
 std::vector<std::string> ChoicesOf(const SettingDescriptor& setting) {
     if (setting.value != &PluginSettings::TransitionType) return Split(setting.choices, ';');
-    std::vector<std::string> names;
-    for (const TransitionRow& row : TransitionTable)
-        names.emplace_back(row.name);
+    std::vector<std::string> names(TransitionTable.size());
+    std::transform(TransitionTable.begin(), TransitionTable.end(), names.begin(),
+                   [](const TransitionRow& row) { return row.name; });
     return names;
 }
 
@@ -121,6 +122,20 @@ std::string DefaultText(const SettingDescriptor& setting) {
 std::string Sentence(std::string text) {
     if (!text.empty()) text[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[0])));
     return text;
+}
+
+std::vector<const SettingDescriptor*> SettingsIn(const Group& group) {
+    std::map<int, const SettingDescriptor*> byLine;
+    for (const Place& place : kPlaces) {
+        const bool inside =
+            place.column == group.column && place.line > group.line && place.line <= group.line + group.lines;
+        const SettingDescriptor& setting = DescriptorOf(place.key);
+        if (inside && setting.controlId != 0) byLine[place.line] = &setting;
+    }
+    std::vector<const SettingDescriptor*> settings(byLine.size());
+    std::transform(byLine.begin(), byLine.end(), settings.begin(),
+                   [](const auto& line) { return line.second; });
+    return settings;
 }
 
 /// Whether a table of settings is what links elsewhere lead to.
@@ -176,10 +191,11 @@ private:
         if (settings.empty()) return "";
         std::string rows;
         for (const SettingDescriptor* setting : settings) {
-            const std::string name = LabelOf(*setting), anchor = AnchorOf(*setting);
+            const std::string anchor = AnchorOf(*setting);
             const std::string label = anchored == Anchored::No
                                           ? Link(anchor, Caption(setting->label))
-                                          : "<a name=\"" + anchor + "\" id=\"" + anchor + "\"></a>" + name;
+                                          : Fill(R"(<a name="{{anchor}}" id="{{anchor}}"></a>{{name}})",
+                                                 {{"anchor", anchor}, {"name", LabelOf(*setting)}});
             rows += Fill(Text("setting.html"), {{"label", label},
                                                 {"key", setting->key},
                                                 {"range", RangeText(*setting)},
@@ -205,20 +221,9 @@ private:
         });
         std::string groups;
         for (const Group& group : inOrder) {
-            std::vector<Place> places;
-            for (const Place& place : kPlaces) {
-                if (place.column == group.column && place.line > group.line &&
-                    place.line <= group.line + group.lines && DescriptorOf(place.key).controlId != 0)
-                    places.push_back(place);
-            }
-            std::sort(places.begin(), places.end(),
-                      [](const Place& a, const Place& b) { return a.line < b.line; });
-            std::vector<const SettingDescriptor*> settings;
-            for (const Place& place : places)
-                settings.push_back(&DescriptorOf(place.key));
             groups += Fill(Text("group.html"), {{"anchor", AnchorOf(group)},
                                                 {"caption", Escaped(group.caption)},
-                                                {"settings", Settings(settings, Anchored::Yes)}});
+                                                {"settings", Settings(SettingsIn(group), Anchored::Yes)}});
         }
         return groups;
     }
@@ -284,7 +289,7 @@ private:
         if (lines.size() != names.size()) throw Fault("palettes.txt: not one line a palette");
         std::string rows;
         for (std::size_t i = 0; i < names.size(); ++i)
-            rows += "<tr><td><b>" + Escaped(names[i]) + "</b></td><td>" + Escaped(lines[i]) + "</td></tr>\n";
+            rows += Fill(Text("palette.html"), {{"name", Escaped(names[i])}, {"text", Escaped(lines[i])}});
         return rows;
     }
 

@@ -25,10 +25,9 @@ struct File {
             value = value << 8 | bytes.at(at + static_cast<std::size_t>(i));
         return value;
     }
-    int Level(int x, int y, int width, int height, int channels, int channel) const {
-        const int stride = (width * channels + 3) / 4 * 4;
-        return bytes.at(
-            static_cast<std::size_t>(Number(10, 4) + (height - 1 - y) * stride + x * channels + channel));
+    int Level(int x, int y, int width, int height) const {
+        const int stride = (width + 3) / 4 * 4, at = Number(10, 4) + (height - 1 - y) * stride + x;
+        return bytes.at(static_cast<std::size_t>(at));
     }
 };
 
@@ -83,7 +82,7 @@ TEST(Art, TextureIsQuietAndHasNoSeam) {
         ASSERT_EQ(file.Number(54 + level * 4, 4), static_cast<int>(level * 0x010101));
 
     // Mean difference between neighbouring columns and rows; the last ones reach across the seam.
-    const auto at = [&](int x, int y) { return file.Level(x % kWidth, y % kHeight, kWidth, kHeight, 1, 0); };
+    const auto at = [&](int x, int y) { return file.Level(x % kWidth, y % kHeight, kWidth, kHeight); };
     std::vector<double> columns(kWidth), rows(kHeight);
     int darkest = 255, lightest = 0;
     double mean = 0;
@@ -130,7 +129,8 @@ TEST(Art, CursorAndIconCarryTheirMasks) {
     expectImage(cursor, 6, 32);
     const auto hotX = cursor.Number(10, 2), hotY = cursor.Number(12, 2);
     const auto alpha = [&](int x, int y) {
-        return cursor.Number(static_cast<std::size_t>(62 + ((31 - y) * 32 + x) * 4 + 3), 1);
+        const int at = 62 + ((31 - y) * 32 + x) * 4 + 3;
+        return cursor.Number(static_cast<std::size_t>(at), 1);
     };
     EXPECT_GE(alpha(hotX, hotY), 128) << "the hot spot is on the tip";
     for (int x = hotX + 2; x < 32; ++x)
