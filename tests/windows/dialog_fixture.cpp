@@ -56,12 +56,16 @@ void DialogTest::Reload() {
 }
 
 void DialogTest::Open(Shift shift) {
-    if (shift == Shift::Down) PressKey(VK_SHIFT, KeyState::Down);
-    ui.Settle();
+    if (shift == Shift::Down) {
+        PressKey(VK_SHIFT, KeyState::Down);
+        ui.Settle();
+    }
     result_ = -1;
     ui.Start([this] { result_ = CallPlugin(); });
-    if (shift == Shift::Down) PressKey(VK_SHIFT, KeyState::Up);
-    ui.Settle();
+    if (shift == Shift::Down) {
+        PressKey(VK_SHIFT, KeyState::Up);
+        ui.Settle();
+    }
 }
 
 void DialogTest::Close(int button) {

@@ -106,10 +106,7 @@ void UiThread::Start(std::function<void()> work) {
     Settle();
 }
 
-void UiThread::Finish() {
-    WaitOrGiveUp(finished_, "the plug-in did not come back");
-    Settle();
-}
+void UiThread::Finish() { WaitOrGiveUp(finished_, "the plug-in did not come back"); }
 
 void UiThread::Settle() {
     PostMessageA(window_, kSettle, 0, 0);
