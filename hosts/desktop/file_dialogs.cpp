@@ -43,7 +43,7 @@ std::vector<std::string> ChoosePictureFiles(HWND owner) {
     if (GetOpenFileNameA(&dialog) == 0) {
         if (CommDlgExtendedError() == FNERR_BUFFERTOOSMALL)
             MessageBoxA(owner, "So many files at once are too many. Please add them in several steps.",
-                        "Lumafold", MB_OK | MB_ICONINFORMATION);
+                        "Lumafold Host", MB_OK | MB_ICONINFORMATION);
         return {};
     }
     const ChosenNames chosen(names.data(), names.size());
@@ -113,7 +113,7 @@ bool ChooseColourDialog(HWND owner, std::uint32_t& colour, std::uint32_t* custom
 
 UnsavedAnswer AskAboutUnsaved(HWND owner, const std::string& name) {
     const std::string question = "\"" + name + "\" has not been saved.\n\nSave it before closing?";
-    switch (MessageBoxA(owner, question.c_str(), "Lumafold", MB_YESNOCANCEL | MB_ICONQUESTION)) {
+    switch (MessageBoxA(owner, question.c_str(), "Lumafold Host", MB_YESNOCANCEL | MB_ICONQUESTION)) {
     case IDYES:
         return UnsavedAnswer::Save;
     case IDNO:

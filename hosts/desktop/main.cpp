@@ -85,7 +85,10 @@ int RunForScript(const PluginLibrary& plugin, std::vector<ScriptStep> steps, int
     HostSettings settings;
     Unattended answers;
     MainWindow window(plugin, settings, &answers);
-    if (!window.Make(show)) return 1;
+    if (!window.Make(show)) {
+        ReportFault("the window cannot be opened; is there a screen?");
+        return 1;
+    }
     const ScriptRunner runner(std::move(steps), window, answers);
     RunMessageLoop(window);
     return runner.Status();

@@ -1,5 +1,9 @@
 #include "hosts/desktop/script_runner.h"
 
+#include <shlobj.h>
+
+#include <cstring>
+
 #include "hosts/codecs/files.h"
 #include "hosts/codecs/png_writer.h"
 #include "hosts/desktop/dialog_driver.h"
@@ -45,6 +49,7 @@ ScriptRunner::Run ScriptRunner::ActionFor(const std::string& verb) {
         {"test", &ScriptRunner::Build},
         {"capabilities", &ScriptRunner::Documents},
         {"open", &ScriptRunner::Documents},
+        {"drop", &ScriptRunner::Drop},
         {"save-as", &ScriptRunner::Documents},
         {"save-frames", &ScriptRunner::Documents},
         {"close", &ScriptRunner::Documents},
@@ -288,6 +293,20 @@ ScriptRunner::State ScriptRunner::Documents(const ScriptStep& step) {
     }
     if (window_.Current() == nullptr) return Fail("nothing is open");
     SendMessageA(window_.Get(), WM_COMMAND, HOST_CLOSE, 0);
+    return State::Done;
+}
+
+ScriptRunner::State ScriptRunner::Drop(const ScriptStep& step) {
+    std::string names;
+    for (const std::string& word : step.words)
+        (names += FullPath(word)) += '\0';
+    OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(DROPFILES) + names.size() + 1));
+    const GlobalLocked<DROPFILES> files(block.Get());
+    if (!files) return Fail("there is not enough memory");
+    files->pFiles = sizeof(DROPFILES);
+    std::memcpy(files.Get() + 1, names.data(), names.size());
+    // Who takes the files frees the block.
+    SendMessageA(window_.Get(), WM_DROPFILES, block.Release(), 0);
     return State::Done;
 }
 

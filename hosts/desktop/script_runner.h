@@ -39,6 +39,7 @@ private:
     State CloseDialog(const ScriptStep& step);
     State Build(const ScriptStep& step);
     State Documents(const ScriptStep& step);
+    State Drop(const ScriptStep& step);
     State View(const ScriptStep& step);
     State Wait(const ScriptStep& step);
     State Screenshot(const ScriptStep& step);
