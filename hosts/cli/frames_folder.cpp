@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <random>
 
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/paths.h"
+#include "hosts/codecs/files.h"
 
 namespace lumafold {
 namespace {
@@ -38,14 +38,25 @@ std::string LineForEachKey(const Json& object) {
     return text + "\n}\n";
 }
 
-bool IsFrameFile(const std::string& name) {
-    constexpr std::string_view kStart = "frame-", kEnd = ".bmp";
-    if (name.size() < kStart.size() + 4 + kEnd.size() || !name.starts_with(kStart) || !name.ends_with(kEnd)) {
-        return false;
-    }
-    return std::all_of(name.begin() + kStart.size(), name.end() - kEnd.size(),
-                       [](char letter) { return letter >= '0' && letter <= '9'; });
+bool IsNumber(std::string_view text) {
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](char letter) { return letter >= '0' && letter <= '9'; });
 }
+
+/// What stands between the start and the end of a name; "" for a name of another form.
+std::string_view Between(std::string_view name, std::string_view start, std::string_view end) {
+    if (name.size() < start.size() + end.size() || !name.starts_with(start) || !name.ends_with(end))
+        return {};
+    return name.substr(start.size(), name.size() - start.size() - end.size());
+}
+
+bool IsFrameFile(const std::string& name) {
+    const std::string_view number = Between(name, "frame-", ".bmp");
+    return number.size() >= 4 && IsNumber(number);
+}
+
+constexpr char kStagingStart[] = ".lumafold-";
+bool IsStagingFolder(const std::string& name) { return IsNumber(Between(name, kStagingStart, "")); }
 
 /// Removes a folder and all in it, unless told that it may stay.
 class FolderTakenBack {
@@ -68,14 +79,40 @@ fs::path NewFolderIn(const fs::path& folder) {
     std::random_device random;
     std::error_code failure;
     while (!failure) {
-        fs::path made = folder / (".lumafold-" + std::to_string(random()));
+        fs::path made = folder / (kStagingStart + std::to_string(random()));
         if (fs::create_directory(made, failure)) return made;
     }
     return {};
 }
 
+/// Files on their way from one folder to another, which go back unless told that they may stay.
+class FilesMoved {
+public:
+    FilesMoved(fs::path from, fs::path to) : from_(std::move(from)), to_(std::move(to)) {}
+    FilesMoved(const FilesMoved&) = delete;
+    FilesMoved& operator=(const FilesMoved&) = delete;
+    ~FilesMoved() {
+        std::error_code ignored;
+        for (; !names_.empty(); names_.pop_back())
+            fs::rename(to_ / names_.back(), from_ / names_.back(), ignored);
+    }
+
+    bool Move(const std::string& name, std::error_code& failure) {
+        names_.push_back(name); // first, so that nothing can be moved and forgotten
+        fs::rename(from_ / name, to_ / name, failure);
+        if (failure) names_.pop_back();
+        return !failure;
+    }
+    void Keep() { names_.clear(); }
+
+private:
+    fs::path from_, to_;
+    std::vector<std::string> names_;
+};
+
 /// Writes into a hidden folder inside the target first, and moves everything to its place when all of it
-/// stands.
+/// stands. What stood there waits in the hidden folder until then: whatever ends the program, it is in the
+/// one place or in the other.
 class FolderWriter {
 public:
     FolderWriter(const std::string& path, std::string& error) : folder_(PathOf(path)), error_(error) {}
@@ -92,6 +129,7 @@ public:
             return false;
         if (!MoveIn(staging, animation.frames.size())) return false;
         target.Keep();
+        RemoveOldStaging();
         return true;
     }
 
@@ -108,20 +146,17 @@ private:
             if (Interrupted()) return Fail(folder_, "interrupted");
             const std::vector<std::uint8_t> file = BitmapFile(animation.frames[i].image.Get());
             if (file.empty()) return Fail(folder_ / FrameFileName(i), "no memory for this frame");
-            if (!Put(staging / FrameFileName(i), reinterpret_cast<const char*>(file.data()), file.size()))
-                return false;
+            if (!Put(staging / FrameFileName(i), file)) return false;
             bytes += file.size();
         }
         const std::string json = TaskJson(animation, commands);
         bytes += json.size();
-        return Put(staging / kTaskFile, json.data(), json.size());
+        return Put(staging / kTaskFile, {reinterpret_cast<const std::uint8_t*>(json.data()), json.size()});
     }
 
-    bool Put(const fs::path& file, const char* data, std::size_t size) {
-        std::ofstream stream(file, std::ios::binary);
-        stream.write(data, static_cast<std::streamsize>(size));
-        stream.close();
-        return stream ? true : Fail(folder_ / file.filename(), "cannot be written");
+    bool Put(const fs::path& file, std::span<const std::uint8_t> bytes) {
+        std::string why;
+        return WriteFileSafely(NameOf(file), bytes, why) || Fail(folder_ / file.filename(), why);
     }
 
     // A folder in the place of a frame would stop the move half-way.
@@ -137,30 +172,49 @@ private:
     // task.json goes first and comes last, so that whoever finds one finds its frames.
     bool MoveIn(const fs::path& staging, std::size_t frames) {
         std::error_code failure;
-        fs::remove(folder_ / kTaskFile, failure);
-        RemoveStaleFrames(frames);
+        const fs::path aside = staging / "former";
+        fs::create_directory(aside, failure);
+        if (failure) return Fail(folder_, failure.message());
+        FilesMoved former(folder_, aside), moved(staging, folder_);
+        const std::vector<std::string> names = FormerFiles(failure);
+        if (failure) return Fail(folder_, failure.message());
+        for (const std::string& name : names) {
+            if (!former.Move(name, failure)) return Fail(folder_ / name, failure.message());
+        }
         for (std::size_t i = 0; i <= frames; ++i) {
             const std::string name = i < frames ? FrameFileName(i) : kTaskFile;
-            fs::rename(staging / name, folder_ / name, failure);
-            if (failure) return Fail(folder_ / name, failure.message());
+            if (!moved.Move(name, failure)) return Fail(folder_ / name, failure.message());
         }
+        moved.Keep();
+        former.Keep();
         return true;
     }
 
-    void RemoveStaleFrames(std::size_t frames) {
-        std::vector<std::string> keep;
-        for (std::size_t i = 0; i < frames; ++i)
-            keep.push_back(FrameFileName(i));
-        std::sort(keep.begin(), keep.end());
-        std::vector<fs::path> stale;
+    std::vector<std::string> FormerFiles(std::error_code& failure) const {
+        std::vector<std::string> names;
         std::error_code ignored;
-        for (const auto& entry : fs::directory_iterator(folder_, ignored)) {
-            const std::string name = NameOf(entry.path().filename());
-            if (!entry.is_regular_file(ignored) || !IsFrameFile(name)) continue;
-            if (!std::binary_search(keep.begin(), keep.end(), name)) stale.push_back(entry.path());
+        fs::directory_iterator entry(folder_, failure);
+        for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+            std::string name = NameOf(entry->path().filename());
+            if (IsFrameFile(name) && !entry->is_directory(ignored)) names.push_back(std::move(name));
         }
-        for (const fs::path& file : stale)
-            fs::remove(file, ignored);
+        if (fs::exists(fs::symlink_status(folder_ / kTaskFile, ignored))) {
+            names.insert(names.begin(), kTaskFile);
+        }
+        return names;
+    }
+
+    /// Of runs that were killed.
+    void RemoveOldStaging() const {
+        std::vector<fs::path> old;
+        std::error_code ignored;
+        fs::directory_iterator entry(folder_, ignored);
+        for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
+            if (!IsStagingFolder(NameOf(entry->path().filename()))) continue;
+            if (fs::is_directory(entry->symlink_status(ignored))) old.push_back(entry->path());
+        }
+        for (const fs::path& path : old)
+            fs::remove_all(path, ignored);
     }
 
     fs::path folder_;

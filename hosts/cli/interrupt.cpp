@@ -80,10 +80,12 @@ HoldInterrupts::~HoldInterrupts() {
 #else
 
 void WatchForInterrupts() {
-    for (const int number : {SIGINT, SIGTERM}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         // A program started in the background with interrupts ignored stays deaf to them.
         if (std::signal(number, &HandleInterrupt) == SIG_IGN) std::signal(number, SIG_IGN);
     }
+    // A file that may not grow further is an error to report, and no reason to die with half of it on disk.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 HoldInterrupts::HoldInterrupts() { held = 1; }

@@ -6,7 +6,7 @@ namespace lumafold {
 
 inline constexpr int kInterruptedStatus = 130;
 
-/// From now on SIGINT and SIGTERM, or what a console of Windows sends, end the program with
+/// From now on SIGINT, SIGTERM and SIGHUP, or what a console of Windows sends, end the program with
 /// kInterruptedStatus and without a half-written file, unless they were ignored so far.
 void WatchForInterrupts();
 
