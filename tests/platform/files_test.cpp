@@ -34,7 +34,7 @@ protected:
 
 TEST_F(PlatformFiles, AreReplacedAndReadWhole) {
     const std::string path = folder_.Path("a.bin");
-    for (const std::size_t length : {0, 1, 65535, 65536, 65537, 200001, 3}) {
+    for (const std::size_t length : {0U, 1U, 65535U, 65536U, 65537U, 200001U, 3U}) {
         const std::string text(length, 'x');
         ASSERT_EQ(Store(path, text), 0);
         EXPECT_EQ(Load(path), text);

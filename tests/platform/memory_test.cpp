@@ -43,7 +43,7 @@ bool Fill(GlobalHandle handle, std::size_t length, std::uint8_t value) {
 }
 
 TEST_F(Memory, BlocksAreZeroedAndGrowByZeroes) {
-    for (const std::size_t length : {0, 1, 40, 100003}) {
+    for (const std::size_t length : {0U, 1U, 40U, 100003U}) {
         const OwnedGlobal block(GlobalCreate(GlobalKind::MovableShared, length));
         ASSERT_TRUE(block);
         EXPECT_GE(GlobalBytes(block.Get()), length);

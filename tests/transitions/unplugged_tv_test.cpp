@@ -14,12 +14,15 @@ TEST(UnpluggedTV, CollapsesIntoALineAndADot) {
     RunEffect(RowNamed("Unplugged TV"), source.Get(), target.Get(), result);
     ASSERT_EQ(result.Count(), 5);
     // Red in a box, blue around it.
-    constexpr int kBoxes[][4] = {
-        {0, 0, 101, 52}, {0, 13, 101, 26}, {0, 25, 101, 1}, {25, 25, 50, 1}, {49, 25, 2, 1}};
+    constexpr struct {
+        int left, top, width, height;
+    } kBoxes[] = {{0, 0, 101, 52}, {0, 13, 101, 26}, {0, 25, 101, 1}, {25, 25, 50, 1}, {49, 25, 2, 1}};
     for (std::int32_t i = 0; i < 5; ++i) {
-        const auto& [left, top, width, height] = kBoxes[i];
+        const auto& box = kBoxes[i];
         const OwnedDib expected = Picture(101, 52, [&](int x, int y) {
-            return x >= left && x < left + width && y >= top && y < top + height ? kRed : kBlue;
+            const bool inside =
+                x >= box.left && x < box.left + box.width && y >= box.top && y < box.top + box.height;
+            return inside ? kRed : kBlue;
         });
         ExpectSamePicture(result.Image(i), expected.Get());
         EXPECT_EQ(result.Delay(i), i == 0 ? kTestPause : i < 3 ? kTestDelay : kTestDelay / 2);
