@@ -94,7 +94,7 @@ void RecordingHost::Record(std::uint32_t command, std::uint32_t wparam, std::int
 }
 
 bool RecordingHost::FinishTask(const TaskRecord* task, bool complete) {
-    if (!task_.IsOpen()) return false;
+    if (!task_.IsOpen(task)) return false;
     std::optional<Animation> animation = task_.Finish(task, complete);
     complete_ = animation.has_value();
     if (complete_) animation_ = std::move(*animation);

@@ -43,7 +43,7 @@ bool TaskCollector::Open(const TaskRecord* task) {
 
 // The picture stays the plug-in's, which frees it as soon as the task is finished.
 bool TaskCollector::Add(const TaskRecord* task, const ImageRecord* frame) {
-    if (!IsOpen() || task != task_ || frame == nullptr) return false;
+    if (!IsOpen(task) || frame == nullptr) return false;
     if (frame->index != static_cast<std::int32_t>(animation_.frames.size())) return false;
     OwnedDib copy(GlobalDuplicate(frame->image));
     if (!copy || !IsWholePicture(copy.Get())) return false;
@@ -52,13 +52,13 @@ bool TaskCollector::Add(const TaskRecord* task, const ImageRecord* frame) {
 }
 
 bool TaskCollector::Comment(const TaskRecord* task, const char* text) {
-    if (!IsOpen() || task != task_ || text == nullptr) return false;
+    if (!IsOpen(task) || text == nullptr) return false;
     animation_.comment = text;
     return true;
 }
 
 std::optional<Animation> TaskCollector::Finish(const TaskRecord* task, bool complete) {
-    if (!IsOpen() || task != task_) return std::nullopt;
+    if (!IsOpen(task)) return std::nullopt;
     Animation animation = std::move(animation_);
     Abandon();
     if (!complete || animation.frames.empty()) return std::nullopt;

@@ -22,6 +22,7 @@ public:
     /// False for null, a canvas without pixels, and while a task is open.
     bool Open(const TaskRecord* task);
     bool IsOpen() const { return task_ != nullptr; }
+    bool IsOpen(const TaskRecord* task) const { return IsOpen() && task == task_; }
     /// These are false for a task that is not the open one.
     bool Add(const TaskRecord* task, const ImageRecord* frame);
     bool Comment(const TaskRecord* task, const char* text);

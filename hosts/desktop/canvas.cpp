@@ -24,7 +24,8 @@ void Canvas::Show(Document* document) {
     Repaint();
 }
 
-void Canvas::SetWelcome(std::string headline, std::string notice) {
+void Canvas::SetWelcome(std::string headline, std::string notice, bool canMake) {
+    canMake_ = canMake;
     headline_ = std::move(headline);
     notice_ = std::move(notice);
     Repaint();
@@ -104,14 +105,17 @@ void Canvas::PaintWelcome(HDC context, const RECT& area) const {
         DrawIconEx(context, area.right / 2 - 24, middle - 96, icon, 48, 48, 0, nullptr, DI_NORMAL);
     RECT line{area.left + 8, middle - 38, area.right - 8, middle - 8};
     Text(context, headline_, line, Face::Title, kBright, DT_CENTER | DT_SINGLELINE);
-    line = {area.left + 8, middle - 4, area.right - 8, middle + 14};
-    Text(context, notice_, line, Face::Plain, kDim, DT_CENTER | DT_SINGLELINE);
-    line = {area.left + 8, middle + 32, area.right - 8, middle + 50};
-    Text(context, "Press F5 to make an animation from your pictures", line, Face::Bold, kAccent,
-         DT_CENTER | DT_SINGLELINE);
-    line = {area.left + 8, middle + 54, area.right - 8, middle + 72};
-    Text(context, "or drop an animation file here to play it", line, Face::Plain, kDim,
-         DT_CENTER | DT_SINGLELINE);
+    line = {area.left + 40, middle - 4, area.right - 40, middle + 40};
+    Text(context, notice_, line, Face::Plain, kDim, DT_CENTER | DT_WORDBREAK);
+    line = {area.left + 8, middle + 48, area.right - 8, middle + 66};
+    if (canMake_) {
+        Text(context, "Press F5 to make an animation from your pictures", line, Face::Bold, kAccent,
+             DT_CENTER | DT_SINGLELINE);
+    }
+    line = {area.left + 8, middle + 70, area.right - 8, middle + 88};
+    Text(context,
+         canMake_ ? "or drop an animation file here to play it" : "Drop an animation file here to play it",
+         line, canMake_ ? Face::Plain : Face::Bold, canMake_ ? kDim : kAccent, DT_CENTER | DT_SINGLELINE);
 }
 
 POINT Canvas::Origin(const RECT& area) const {

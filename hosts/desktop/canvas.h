@@ -15,8 +15,8 @@ public:
     bool Make(HWND parent);
     /// Null shows what to do first. The document is the owner's.
     void Show(Document* document);
-    /// What the empty view says, a headline and lines below.
-    void SetWelcome(std::string headline, std::string notice);
+    /// What the empty view says under the icon, and whether an animation can be made.
+    void SetWelcome(std::string headline, std::string notice, bool canMake);
 
     int Zoom() const;
     bool Fits() const { return fit_; }
@@ -42,6 +42,7 @@ private:
 
     Document* document_ = nullptr;
     std::string headline_, notice_;
+    bool canMake_ = false;
     bool fit_ = true;
     int zoom_ = 100;
     Backdrop backdrop_ = Backdrop::Checkerboard;

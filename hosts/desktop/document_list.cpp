@@ -99,8 +99,8 @@ void DocumentList::Paint() {
     Fill(context, {0, kHead - 1, area.right, kHead}, kPanelLine);
     Fill(context, {area.right - 1, 0, area.right, area.bottom}, kPanelLine);
     if (documents_.empty()) {
-        Text(context, "Nothing is open.\nPress F5 to make one.",
-             {10, kHead + 12, area.right - 10, kHead + 60}, Face::Plain, kPanelDim, DT_WORDBREAK);
+        Text(context, "Nothing is open.", {10, kHead + 12, area.right - 10, kHead + 60}, Face::Plain,
+             kPanelDim, DT_WORDBREAK);
     }
 }
 

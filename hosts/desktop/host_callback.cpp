@@ -109,7 +109,7 @@ bool HostCallbackObject::Open(const TaskRecord* task, TaskKind kind) {
 }
 
 bool HostCallbackObject::Finish(const TaskRecord* task, bool complete) {
-    if (!task_.IsOpen()) return false;
+    if (!task_.IsOpen(task)) return false;
     std::optional<Animation> animation = task_.Finish(task, complete);
     progress_.Close();
     if (animation) services_.TakeAnimation(std::move(*animation), kind_);

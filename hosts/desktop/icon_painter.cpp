@@ -33,10 +33,12 @@ IconPainter::IconPainter(int size, std::uint32_t background)
 template <typename Inside>
 void IconPainter::Fill(Inside inside, std::uint32_t colour) {
     for (int at = 0; at < size_ * size_; ++at) {
+        const int left = at % size_, top = at / size_;
         std::uint32_t covered = 0;
         for (int sample = 0; sample < kSamples * kSamples; ++sample) {
-            const double x = at % size_ + (sample % kSamples + 0.5) / kSamples;
-            const double y = at / size_ + (sample / kSamples + 0.5) / kSamples;
+            const int column = sample % kSamples, row = sample / kSamples;
+            const double x = left + (column + 0.5) / kSamples;
+            const double y = top + (row + 0.5) / kSamples;
             covered += inside(x, y) ? 1 : 0;
         }
         std::uint32_t& pixel = pixels_[static_cast<std::size_t>(at)];

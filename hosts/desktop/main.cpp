@@ -5,17 +5,11 @@
 #include <objbase.h>
 
 #include <cstdio>
-#include <cstdlib>
 
 #include "hosts/codecs/files.h"
 #include "hosts/desktop/script_runner.h"
 
 namespace lumafold {
-
-void ReportFault(const char* text) {
-    std::fprintf(stderr, "lumafold-host: %s\n", text);
-    std::fflush(stderr);
-}
 
 namespace {
 

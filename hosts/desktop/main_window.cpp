@@ -92,7 +92,8 @@ LRESULT MainWindow::Create() {
     const bool made = status_ != nullptr && toolbar_.Make(window_) && list_.Make(window_) &&
                       canvas_.Make(window_) && strip_.Make(window_);
     if (!made) return -1;
-    canvas_.SetWelcome(plugin_.Name(), plugin_.IsLoaded() ? plugin_.Notice() : plugin_.Problem());
+    canvas_.SetWelcome(plugin_.Name(), plugin_.IsLoaded() ? plugin_.Notice() : plugin_.Problem(),
+                       plugin_.IsLoaded());
     canvas_.SetBackdrop(settings_.checkerboard ? Backdrop::Checkerboard : Backdrop::Plain);
     DragAcceptFiles(window_, TRUE);
     return 0;

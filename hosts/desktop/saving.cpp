@@ -60,7 +60,7 @@ bool SaveFrames(const std::string& folder, const Animation& animation, std::stri
         const std::vector<std::uint8_t> file =
             picture ? EncodePng(picture.Get(), error) : std::vector<std::uint8_t>();
         if (file.empty() || !WriteFileSafely((std::filesystem::path(folder) / name).string(), file, error)) {
-            error = std::string(name) + ": " + error;
+            error.insert(0, std::string(name) + ": ");
             return false;
         }
     }

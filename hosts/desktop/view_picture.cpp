@@ -27,6 +27,7 @@ Covered CoveredBy(std::int32_t at, std::int32_t from, std::int32_t to) {
 }
 std::vector<Covered> Axis(std::int32_t start, std::int32_t count, std::int32_t from, std::int32_t to) {
     std::vector<Covered> axis;
+    axis.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (std::int32_t i = 0; i < count; ++i)
         axis.push_back(CoveredBy(start + i, from, to));
     return axis;
