@@ -149,7 +149,9 @@ FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t mos
     if (!read) return ENOMEM;
     std::size_t length = file.Read(read.data(), read.size());
     while (length == read.size() && length <= most) {
-        if (!Resize(read, std::max<std::size_t>(2 * length, 65536))) return ENOMEM;
+        // Never beyond the byte that tells that there is too much.
+        const std::size_t larger = std::min(std::max<std::size_t>(2 * length, 65536), most) + 1;
+        if (!Resize(read, larger)) return ENOMEM;
         length += file.Read(read.data() + length, read.size() - length);
     }
     if (file.Error() != 0) return file.Error();

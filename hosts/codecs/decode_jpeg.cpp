@@ -59,7 +59,7 @@ private:
     /// A few kilobytes can ask for thousands of scans over a large picture; no encoder makes more than a few
     /// dozen.
     static void OnProgress(j_common_ptr info) {
-        constexpr int kMostScans = 500;
+        constexpr int kMostScans = 100;
         if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > kMostScans) {
             Self(info)->Fail("the JPEG data has too many scans");
         }

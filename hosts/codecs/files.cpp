@@ -25,6 +25,8 @@ std::string FileErrorText(FileError error) {
         return "this is a folder";
     case ENOSPC:
         return "the disk is full";
+    case ENOMEM:
+        return "there is not enough memory";
     case EFBIG:
         return "the file is too large";
     default:
