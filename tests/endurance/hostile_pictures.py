@@ -1,0 +1,191 @@
+#!/usr/bin/env python3
+"""Pictures made to break or to stop a program: it ends with one line that names the file, soon, and within bounded
+memory. Run by ctest."""
+import os
+import re
+import resource
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import zlib
+
+LUMAFOLD = os.environ["LUMAFOLD"]
+SECONDS = 10  # of processor time, on slow machines too
+MEMORY = 2 << 30  # of address space
+
+
+def png(*chunks):
+    data = b"\x89PNG\r\n\x1a\n"
+    for kind, body in chunks:
+        data += struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+    return data
+
+
+def header(width, height, depth=8, colours=2, interlaced=0):
+    return b"IHDR", struct.pack(">IIBBBBB", width, height, depth, colours, 0, 0, interlaced)
+
+
+def zeros(count):
+    """So many zero bytes, compressed without ever being there."""
+    packer = zlib.compressobj(1)
+    block = bytes(1 << 20)
+    parts = [packer.compress(block) for _ in range(count >> 20)]
+    return b"".join(parts) + packer.compress(bytes(count & (1 << 20) - 1)) + packer.flush()
+
+
+def png_pictures():
+    end = b"IEND", b""
+    pixel = b"IDAT", zlib.compress(bytes(4))
+    yield "huge.png", png(header(0x7FFFFFFF, 0x7FFFFFFF), pixel, end)
+    yield "negative.png", png(header(0xFFFFFFFF, 0xFFFFFFFF), pixel, end)
+    yield "wide.png", png(header(0x7FFFFFFF, 1), pixel, end)
+    yield "empty.png", png(header(0, 0), pixel, end)
+    yield "promises.png", png(header(16384, 16384), pixel, end)
+    yield "interlaced.png", png(header(16384, 16384, 16, 6, 1), pixel, end)
+    yield "bomb.png", png(header(6000, 6000), (b"IDAT", zeros((3 * 6000 + 1) * 6000)), end)
+    for kind in (b"iCCP", b"zTXt"):
+        yield f"{kind.decode()}.png", png(header(1, 1), (kind, b"x\0\0" + zeros(100 << 20)), (b"IDAT", b""), end)
+    yield "chunks.png", png(header(1, 1), *[(b"tEXt", b"a\0b")] * 50000, (b"IDAT", b"?"), end)
+    yield "trickle.png", png(header(9000, 9000), *[(b"IDAT", b"")] * 50000, end)
+    yield "long.png", png(header(1, 1)) + struct.pack(">I", 0x7FFFFFFF) + b"IDAT" + bytes(100)
+
+
+def gif_head(width, height, colours=0x80):
+    return b"GIF89a" + struct.pack("<HHBBB", width, height, colours, 0, 0) + bytes(6 if colours else 0)
+
+
+def gif_frame(left, top, width, height, data, interlaced=0):
+    blocks = b"".join(bytes([len(data[at:at + 255])]) + data[at:at + 255] for at in range(0, len(data), 255))
+    return b"," + struct.pack("<HHHHB", left, top, width, height, interlaced) + b"\x02" + blocks + b"\0"
+
+
+def lzw_of_one_colour(codes):
+    """So many codes after the first, each a pixel longer than the one before up to 4091: a few kilobytes that unpack to
+    millions of pixels."""
+    clear, first = 4, 0
+    out, held, bits, width, following = bytearray(), clear | first << 3, 6, 3, 6
+    for _ in range(codes):
+        held |= min(following, 4095) << bits
+        bits += width
+        if following < 4096:
+            following += 1
+            if following == 1 << width and width < 12:
+                width += 1
+        out += (held & (1 << bits // 8 * 8) - 1).to_bytes(bits // 8, "little")
+        held, bits = held >> bits // 8 * 8, bits % 8
+    return bytes(out) + bytes([held])
+
+
+def gif_pictures():
+    pixel = gif_frame(0, 0, 1, 1, b"\x44\x01")
+    yield "screen.gif", gif_head(65535, 65535) + pixel + b";"
+    yield "far.gif", gif_head(1, 1) + gif_frame(65535, 65535, 65535, 65535, b"\x44\x01") + b";"
+    yield "promises.gif", gif_head(16384, 16384) + gif_frame(0, 0, 16384, 16384, b"\x44\x01", 0x40) + b";"
+    yield "bomb.gif", gif_head(16384, 16384) + gif_frame(0, 0, 16384, 16384, lzw_of_one_colour(60000)) + b";"
+    yield "remarks.gif", gif_head(1, 1) + b"!\xfe\x01a\0" * 1000000 + b";"
+    yield "endless.gif", gif_head(1, 1) + b"!\xfe" + (b"\xff" + bytes(255)) * 40000
+    yield "colourless.gif", gif_head(1, 1, 0) + pixel + b";"
+    yield "nothing.gif", gif_head(0, 0) + b";"
+
+
+def segment(marker, body):
+    return b"\xff" + bytes([marker]) + struct.pack(">H", len(body) + 2) + body
+
+
+def jpeg_head(width, height, frame=0xC2, components=1):
+    """Progressive. The only code of each table is one bit long: an end of blocks where it is for such runs."""
+    tables = b"".join(segment(0xC4, bytes([kind]) + b"\x01" + bytes(15) + symbol)
+                      for kind, symbol in ((0x00, b"\0"), (0x10, b"\xe0")))
+    parts = b"".join(bytes([number + 1, 0x11, 0]) for number in range(components))
+    return (b"\xff\xd8" + segment(0xDB, b"\0" + b"\x01" * 64) + tables +
+            segment(frame, struct.pack(">BHHB", 8, height, width, components) + parts))
+
+
+def scan(first, last, data, high=0, low=0):
+    return segment(0xDA, b"\x01\x01\x00" + bytes([first, last, high << 4 | low])) + data
+
+
+def jpeg_pictures():
+    end = b"\xff\xd9"
+    yield "huge.jpg", jpeg_head(65500, 65500) + scan(0, 0, bytes(10)) + end
+    yield "empty.jpg", jpeg_head(0, 0) + end
+    yield "promises.jpg", jpeg_head(16384, 16384) + scan(0, 0, bytes(10)) + end
+    # A run of 16384 to 32767 blocks to each 15 bits: ever the same coefficients again.
+    for name, side, scans in (("scans", 4000, 5000), ("scans_large", 16000, 400), ("scans_small", 8, 200000)):
+        blocks = ((side + 7) // 8) ** 2
+        run = bytes(2 + blocks // 16384 * 2)
+        yield f"{name}.jpg", jpeg_head(side, side) + scan(0, 0, bytes(blocks // 8 + 1)) + scan(1, 63, run) * scans + end
+    yield "segments.jpg", b"\xff\xd8" + segment(0xE1, b"Exif\0\0" + bytes(65000)) * 1000
+    yield "comments.jpg", b"\xff\xd8" + segment(0xFE, b"") * 1000000
+
+
+def bmp(width, height, bits, packing, data=b"", header_bytes=40, offset=54, used=0):
+    return (struct.pack("<2sIIIIiiHHIIIIII", b"BM", 0, 0, offset, header_bytes, width, height, 1, bits, packing, 0, 0, 0,
+                        used, 0) + data)
+
+
+def bmp_pictures():
+    yield "huge.bmp", bmp(0x7FFFFFFF, 0x7FFFFFFF, 24, 0)
+    yield "negative.bmp", bmp(-0x80000000, -0x80000000, 24, 0)
+    yield "promises.bmp", bmp(16384, -16384, 32, 0)
+    yield "offset.bmp", bmp(1, 1, 24, 0, bytes(4), offset=0xFFFFFFFF)
+    yield "header.bmp", bmp(1, 1, 24, 0, bytes(4), header_bytes=0xFFFFFFFF)
+    yield "colours.bmp", bmp(1, 1, 8, 0, bytes(4), used=0xFFFFFFFF)
+    yield "packed.bmp", bmp(16384, 16384, 8, 1, bytes(1024) + b"\0\2\xff\xff" * 1000)
+
+
+def other_files():
+    yield "nothing", b""
+    yield "text", b"picture\n" * 1000000
+    yield "signatures", b"\x89PNG\r\n\x1a\n" * 100000
+
+
+class HostilePictures(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="lumafold-")
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def build(self, name):
+        """The program that ran, and the seconds it took."""
+        def limit():
+            resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+            resource.setrlimit(resource.RLIMIT_CPU, (6 * SECONDS, 6 * SECONDS))
+
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        done = subprocess.run([LUMAFOLD, "build", "--quiet", "--memory-limit", "300", "-o", "x.gif", name], cwd=self.folder, capture_output=True,
+                              text=True, preexec_fn=limit)
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        return done, after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+    def check(self, name):
+        done, seconds = self.build(name)
+        print(f"{name:20} {seconds:6.2f} s  {done.stderr.strip()[:120]}", file=sys.stderr)
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertEqual(len(done.stderr.splitlines()), 1, done.stderr)
+        self.assertRegex(done.stderr, f"^lumafold: ({re.escape(name)}: |the animation would need .*; the limit is )")
+        self.assertLess(seconds, SECONDS)
+        self.assertEqual(os.path.exists(os.path.join(self.folder, "x.gif")), False)
+
+    def test_files(self):
+        for pictures in (png_pictures, gif_pictures, jpeg_pictures, bmp_pictures, other_files):
+            for name, data in pictures():
+                with self.subTest(name=name):
+                    path = os.path.join(self.folder, name)
+                    with open(path, "wb") as file:
+                        file.write(data)
+                    self.check(name)
+                    os.remove(path)
+
+    def test_what_is_no_file(self):
+        os.mkdir(os.path.join(self.folder, "folder.png"))
+        for name in ("folder.png", "missing.png", "/dev/zero", "/proc/self/mem"):
+            with self.subTest(name=name):
+                self.check(name)
+
+
+if __name__ == "__main__":
+    unittest.main()

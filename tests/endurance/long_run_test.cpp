@@ -1,0 +1,92 @@
+// A host keeps the library for days. Hundreds of builds in one process, of every effect and every way with
+// colours, leave nothing behind and take no more memory than the first of them did.
+#include <array>
+#include <cstdio>
+
+#include <gtest/gtest.h>
+
+#include "hosts/codecs/gif_writer.h"
+#include "settings/settings.h"
+#include "tests/endurance/system_counts.h"
+#include "tests/support/build_fixture.h"
+#include "tests/support/pictures.h"
+#include "transitions/table.h"
+
+namespace lumafold::test {
+namespace {
+
+constexpr int kRows = static_cast<int>(std::size(TransitionTable));
+constexpr int kBuildsOfTurn = 2 * kRows, kTurns = 4;
+
+struct Size {
+    std::int32_t width, height;
+};
+constexpr Size kSizes[] = {{33, 17}, {1, 1}, {7, 5}, {33, 1}, {41, 29}, {1, 19}, {8, 8}};
+
+/// Settings by the bits of a number: true colour, palettes, dithering, supercompression, and how they remap.
+void SetColours(unsigned bits) {
+    pluginSettings.TransitionTruecolour = bits % 5 == 0 ? 1 : 0;
+    pluginSettings.Supercompress = bits & 1;
+    pluginSettings.TransitionDither = bits >> 1 & 1;
+    pluginSettings.FastRemap = bits >> 2 & 1;
+    pluginSettings.TransitionCustompalette = bits % 3 == 0 ? 1 : 0;
+    pluginSettings.TransitionPalette = bits % 9;
+    pluginSettings.TransitionSpiralShear = bits & 1;
+}
+
+/// The file of what the host got, as the command line and the desktop host would write it.
+std::size_t WrittenBytes(RecordingHost& host) {
+    Animation animation;
+    animation.width = host.task.width;
+    animation.height = host.task.height;
+    animation.paletteBits = host.task.paletteBits;
+    animation.palette = host.task.palette;
+    for (RecordedFrame& frame : host.frames)
+        animation.frames.push_back({std::move(frame.image), frame.delay, frame.transparentIndex});
+    std::string error;
+    return EncodeGif(animation, error).size();
+}
+
+void BuildOnce(int number) {
+    const auto bits = static_cast<unsigned>(number);
+    SetColours(bits);
+    RecordingHost host;
+    TestList list;
+    for (unsigned i = 0; i <= bits % 3; ++i) {
+        const Size size = kSizes[(bits + 3 * i) % std::size(kSizes)];
+        list.Add(BusyPicture(size.width, size.height, bits + i), number % kRows, 20, 3);
+    }
+    const TaskKind kind = number % 7 == 0 ? TaskKind::Test : TaskKind::Build;
+    ASSERT_EQ(BuildAnimation(list, 0, host.context, kind), 1) << number;
+    ASSERT_FALSE(host.frames.empty()) << number;
+    if (pluginSettings.TransitionTruecolour == 0) {
+        ASSERT_GT(WrittenBytes(host), 0U) << number;
+    }
+}
+
+TEST(LongRun, OfBuildsTakesNoMoreAndLeavesNothing) {
+    const SettingsGuard settings;
+    std::array<SystemCounts, kTurns> after;
+    for (SystemCounts& counts : after) {
+        const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
+        for (int number = 0; number < kBuildsOfTurn; ++number) {
+            BuildOnce(number);
+            if (HasFatalFailure()) return;
+        }
+        ASSERT_EQ(allocation_hooks::LiveBlocks(), blocks);
+        ASSERT_EQ(allocation_hooks::LiveLocks(), locks);
+        counts = CountOfSystem();
+        std::printf("objects %zu, memory %zu kB, files %zu, drawing objects %zu\n", counts.objects,
+                    counts.memory / 1024, counts.files, counts.drawing);
+    }
+    // What is made once and kept has been by now.
+    const SystemCounts &early = after[1], &late = after[kTurns - 1];
+    EXPECT_EQ(late.objects, early.objects);
+    EXPECT_EQ(late.files, early.files);
+    EXPECT_EQ(late.drawing, early.drawing);
+    if (LUMAFOLD_SANITIZED) return; // they keep for a while what was freed
+    EXPECT_LE(late.memory, early.memory + 256 * 1024);
+}
+
+} // namespace
+} // namespace lumafold::test
