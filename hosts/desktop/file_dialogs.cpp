@@ -3,6 +3,8 @@
 #include <commdlg.h>
 #include <shlobj.h>
 
+#include <algorithm>
+
 #include "plugin/chosen_names.h"
 
 namespace lumafold {
@@ -93,10 +95,8 @@ std::string ChooseFolder(HWND owner, const char* title) {
 }
 
 bool ChooseColourDialog(HWND owner, std::uint32_t& colour, std::uint32_t* custom) {
-    COLORREF none[16] = {};
     COLORREF kept[16] = {};
-    for (int i = 0; i < 16; ++i)
-        kept[i] = custom != nullptr ? custom[i] : none[i];
+    if (custom != nullptr) std::copy(custom, custom + 16, kept);
     CHOOSECOLORA dialog{};
     dialog.lStructSize = sizeof(dialog);
     dialog.hwndOwner = owner;
@@ -105,8 +105,7 @@ bool ChooseColourDialog(HWND owner, std::uint32_t& colour, std::uint32_t* custom
     dialog.Flags = CC_RGBINIT | CC_FULLOPEN;
     const bool chosen = ChooseColorA(&dialog) != 0;
     // The custom colours are kept even when none was chosen, as everywhere in the system.
-    for (int i = 0; custom != nullptr && i < 16; ++i)
-        custom[i] = kept[i];
+    if (custom != nullptr) std::copy(kept, kept + 16, custom);
     if (chosen) colour = dialog.rgbResult;
     return chosen;
 }

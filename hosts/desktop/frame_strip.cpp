@@ -15,22 +15,18 @@ int FrameStrip::Height() { return kThumbnailHeight + 4 * kGap + kLabel + GetSyst
 
 void FrameStrip::Show(const Document* document) {
     document_ = document;
-    followed_ = document != nullptr ? document->Player().Current() : 0;
     ScrollTo(0);
     Follow();
 }
 
 void FrameStrip::Follow() {
-    if (document_ != nullptr && followed_ != document_->Player().Current()) {
-        followed_ = document_->Player().Current();
-    }
     if (document_ != nullptr) {
         // The current frame is kept in sight, with a neighbour on each side.
         RECT area{};
         GetClientRect(window_, &area);
-        const int left = static_cast<int>(followed_) * CellWidth();
-        if (left - CellWidth() < scroll_) ScrollTo(left - CellWidth());
-        if (left + 2 * CellWidth() > scroll_ + area.right) ScrollTo(left + 2 * CellWidth() - area.right);
+        const int width = CellWidth(), left = static_cast<int>(document_->Player().Current()) * width;
+        if (left - width < scroll_) ScrollTo(left - width);
+        if (left + 2 * width > scroll_ + area.right) ScrollTo(left + 2 * width - area.right);
     }
     Repaint();
 }

@@ -31,7 +31,6 @@ private:
     void Choose(LPARAM lparam);
 
     const Document* document_ = nullptr;
-    std::size_t followed_ = 0;
     int scroll_ = 0;
 };
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <exception>
 
+#include "hosts/desktop/ids.h"
+
 namespace lumafold {
 
 /// Writes a line where a person or a log sees it: what went wrong inside a window.
@@ -36,7 +38,7 @@ protected:
         type.lpfnWndProc = &Procedure;
         type.hInstance = GetModuleHandleA(nullptr);
         type.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-        type.hIcon = LoadIconA(type.hInstance, MAKEINTRESOURCEA(1));
+        type.hIcon = LoadIconA(type.hInstance, MAKEINTRESOURCEA(HOST_ICON));
         type.lpszClassName = Self::kClassName;
         RegisterClassExA(&type); // again is no harm
         return CreateWindowExA(extended, Self::kClassName, title, style, place.left, place.top,
