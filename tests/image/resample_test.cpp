@@ -87,10 +87,17 @@ TEST(Resample, PassesAreTheDefinition) {
     for (const Pass& pass : passes) {
         for (const int percent : {1, 13, 49, 50, 51, 99, 101, 150, 200, 333}) {
             if (pass.stretch != (percent > 100)) continue;
-            for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}}) {
-                SCOPED_TRACE(testing::Message()
-                             << width << "x" << height << (pass.wide ? " width " : " height ") << percent);
-                const OwnedDib source = BusyPicture(width, height, 3);
+            for (const auto& [width, height, bits] : {std::array{1, 1, 24},
+                                                      {7, 5, 24},
+                                                      {33, 1, 24},
+                                                      {1, 33, 24},
+                                                      {61, 47, 24},
+                                                      {7, 5, 32},
+                                                      {33, 21, 32}}) {
+                SCOPED_TRACE(testing::Message() << bits << " bits " << width << "x" << height
+                                                << (pass.wide ? " width " : " height ") << percent);
+                const OwnedDib source =
+                    bits == 24 ? BusyPicture(width, height, 3) : NoisePicture(width, height, bits, 3);
                 const OwnedDib result(pass.run(source.Get(), percent));
                 std::int32_t newWidth = 0, newHeight = 0;
                 ASSERT_TRUE(DibQuery(result.Get(), &newWidth, &newHeight, nullptr, nullptr));

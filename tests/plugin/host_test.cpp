@@ -1,0 +1,96 @@
+#include "plugin/host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "tests/support/pictures.h"
+
+namespace lumafold::test {
+namespace {
+
+struct Sent {
+    TaskRecord* task;
+    std::uint32_t command, wparam;
+    std::intptr_t lparam;
+    friend bool operator==(const Sent&, const Sent&) = default;
+};
+std::vector<Sent> sent;
+std::int32_t answer = 0;
+
+std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
+                                    std::intptr_t lparam) {
+    sent.push_back({task, command, wparam, lparam});
+    return answer;
+}
+
+TEST(Host, SendsEachCommandWithItsArguments) {
+    HostContext context{};
+    context.callback = Callback;
+    const Host host(context);
+    TaskRecord task{};
+    ImageRecord frame{};
+    ColourRecord colour{};
+    char names[8] = {};
+    const auto at = [](const void* address) { return reinterpret_cast<std::intptr_t>(address); };
+    const std::vector<Sent> expected = {
+        {nullptr, 1, 0, at(&task)},
+        {nullptr, 5, 0, at(&task)},
+        {&task, 2, 0, at(&frame)},
+        {&task, 3, 0, at(names)},
+        {&task, 4, 0, 0},
+        {&task, 4, 1, 0},
+        {nullptr, 7, 42, at(names)},
+        {nullptr, 8, 0, at(names)},
+        {nullptr, 9, 0, at(names)},
+        {nullptr, 10, 0, at(names)},
+        {nullptr, 11, 0, at(&colour)},
+        {nullptr, 13, 3, 9},
+        {nullptr, 13, 0, 0},
+        {nullptr, 14, 42, 0},
+    };
+    // Handles use all 32 bits, so what looks negative is none the less a picture.
+    for (const std::int32_t given : {0, 1, -4}) {
+        sent.clear();
+        answer = given;
+        EXPECT_EQ(host.CreateTask(TaskKind::Build, task), given != 0);
+        EXPECT_EQ(host.CreateTask(TaskKind::Test, task), given != 0);
+        EXPECT_EQ(host.AddFrame(task, frame), given != 0);
+        host.AddComment(task, names);
+        host.FinishTask(task, TaskEnd::Abandoned);
+        host.FinishTask(task, TaskEnd::Complete);
+        EXPECT_EQ(host.ChooseFiles(42, names), given != 0);
+        EXPECT_EQ(host.LoadPicture(names), static_cast<DibHandle>(given));
+        EXPECT_EQ(host.ShowHelp(names), given != 0);
+        host.Caption(names);
+        EXPECT_EQ(host.ChooseColour(colour), given != 0);
+        host.Position(3, 9);
+        host.ResetPosition();
+        EXPECT_EQ(host.ClipboardPicture(42), static_cast<DibHandle>(given));
+        EXPECT_EQ(sent, expected);
+    }
+}
+
+TEST(Host, IsToldWhatThePluginIs) {
+    std::vector<std::uint8_t> room(sizeof(PluginParams) + 200, 0xEE);
+    auto& params = *reinterpret_cast<PluginParams*>(room.data());
+    params.size = static_cast<std::uint32_t>(room.size() - 10);
+    FillPluginParams(params);
+    EXPECT_EQ(+params.size, room.size() - 10);
+    EXPECT_EQ(+params.version, 0x201U);
+    EXPECT_STREQ(params.name, "Lumafold");
+    EXPECT_GT(std::strlen(params.notice), 10U);
+    EXPECT_EQ(room[room.size() - 11], 0);
+    EXPECT_EQ(room[room.size() - 10], 0xEE);
+    // A size that is too small is not believed, and what lies behind the texts is left alone.
+    std::fill(room.begin(), room.end(), std::uint8_t{0xEE});
+    params.size = 8;
+    FillPluginParams(params);
+    EXPECT_STREQ(params.name, "Lumafold");
+    EXPECT_GT(std::strlen(params.notice), 10U);
+    EXPECT_EQ(room.back(), 0xEE);
+}
+
+} // namespace
+} // namespace lumafold::test
