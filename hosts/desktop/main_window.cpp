@@ -142,7 +142,11 @@ LRESULT MainWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Close(wparam);
         return 0;
     case WM_QUERYENDSESSION:
-        return !IsRunningPlugin() && CloseAll() ? TRUE : FALSE;
+        return !IsRunningPlugin() && IsWindowEnabled(window_) != 0 && CloseAll() ? TRUE : FALSE;
+    case WM_ENDSESSION:
+        if (wparam != FALSE) RememberPlace();
+        if (wparam != FALSE && unattended_ == nullptr) settings_.Save();
+        return 0;
     case WM_CLOSE:
         Leave();
         return 0;
@@ -483,7 +487,8 @@ bool MainWindow::CloseAll() {
 }
 
 void MainWindow::Leave() {
-    if (IsRunningPlugin() || !CloseAll()) return;
+    // A disabled window has a dialog open, which must be answered first.
+    if (IsRunningPlugin() || IsWindowEnabled(window_) == 0 || !CloseAll()) return;
     RememberPlace();
     DestroyWindow(window_);
 }
