@@ -87,11 +87,14 @@ TEST_F(Building, MakesWhatTheEngineMakes) {
          {"TransitionType = 23\r\n", "TransitionType = 21\r\nTransitionCustompalette = 0\r\n",
           "TransitionType = 2\r\nTransitionTruecolour = 1\r\nAddDescriptiveCommentBlock = 0\r\n"}) {
         SCOPED_TRACE(settings);
-        OpenForBuilding(settings);
+        OpenForBuilding(std::string(settings) + "TransitionDither = 1\r\n");
         DoubleClickItem(1);
         Choose(LUMAFOLD_OVERRIDE_TRANSITION, kNone);
         Type(LUMAFOLD_OVERRIDE_PAUSE, "77");
         Click(IDOK);
+        // What the controls say is taken into the settings.
+        Click(LUMAFOLD_MAIN_DITHER);
+        Type(LUMAFOLD_MAIN_DELAY, "3000");
         const std::vector<ImageEntry> entries = Entries();
         const HWND dialog = Dialog();
         Click(LUMAFOLD_MAIN_TEST);
@@ -106,6 +109,8 @@ TEST_F(Building, MakesWhatTheEngineMakes) {
         const auto testFrames = std::exchange(host.frames, {});
         const TaskRecord testTask = host.task;
         Close(IDOK);
+        EXPECT_EQ(files.Setting("TransitionDither"), 0);
+        EXPECT_EQ(files.Setting("TransitionDelay"), 1000);
         ExpectWhatTheEngineMakes(TaskKind::Test, entries, testCommands, testFrames, testTask);
         ExpectWhatTheEngineMakes(TaskKind::Build, entries, host.commands, host.frames, host.task);
         host.frames.clear();
@@ -182,6 +187,7 @@ TEST_F(Building, TakesNoOrdersWhileTheHostIsAtWork) {
                              LUMAFOLD_MAIN_ADVANCED, LUMAFOLD_MAIN_ABOUT}) {
             PostMessageA(GetDlgItem(dialog, id), BM_CLICK, 0, 0);
         }
+        if (host.Count(5) == 0) SetDlgItemTextA(dialog, LUMAFOLD_MAIN_PAUSE, "99");
         PostMessageA(dialog, WM_CLOSE, 0, 0);
         PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(LUMAFOLD_MAIN_LIST, LBN_DBLCLK), 0);
         EXPECT_EQ(CallPlugin(), 1); // a second dialog does not open
@@ -193,7 +199,9 @@ TEST_F(Building, TakesNoOrdersWhileTheHostIsAtWork) {
     ASSERT_EQ(Dialog(), dialog);
     EXPECT_EQ(Names(), "a b c");
     EXPECT_EQ(host.Count(5), 1);
-    EXPECT_EQ(host.frames.size(), 3U);
+    ASSERT_EQ(host.frames.size(), 3U);
+    for (const RecordedFrame& frame : host.frames)
+        EXPECT_EQ(frame.delay, 31);
 
     host.chosen = 0;
     AddFiles({pictures.Add("d", PlainPicture(3, 3, 0))});
