@@ -130,6 +130,8 @@ std::optional<ForeignShape> ReadShape(const ForeignBytes& block) {
 /// Every build makes 24 bits of every picture, so one that is too large for that is of no use.
 bool FitsTrueColour(const ForeignShape& shape) {
     constexpr std::uint64_t kMostBytes = 0x7FFFFFFF;
+    constexpr std::int64_t kMostWidth = 1 << 26; // the bits of a row are counted in 32 bits at every depth
+    if (shape.width > kMostWidth) return false;
     const std::uint64_t stride = (24 * static_cast<std::uint64_t>(shape.width) + 31) / 32 * 4;
     return stride <= (kMostBytes - 1024) / static_cast<std::uint64_t>(shape.height);
 }
