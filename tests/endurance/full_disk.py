@@ -4,6 +4,7 @@ one in memory, mounted where nobody else sees it; 77 where that is not allowed. 
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -70,8 +71,9 @@ class FullDisk(unittest.TestCase):
 
 def in_a_space_of_its_own():
     """Runs this again where it may mount; the status, or None where it may not."""
-    kinds = [["unshare", "--mount"], ["unshare", "--mount", "--map-root-user"]]
-    for words in kinds:
+    if shutil.which("unshare") is None:
+        return None
+    for words in (["unshare", "--mount"], ["unshare", "--mount", "--map-root-user"]):
         with tempfile.TemporaryDirectory() as folder:
             mount = ["mount", "-t", "tmpfs", "tmpfs", folder]
             if subprocess.run([*words, *mount], capture_output=True).returncode == 0:
