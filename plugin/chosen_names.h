@@ -7,7 +7,7 @@
 namespace lumafold {
 
 inline constexpr std::size_t kMaxChosenNames = 260;
-inline constexpr std::size_t kMaxPath = 260; ///< with its zero
+inline constexpr std::size_t kMaxPath = 261; ///< with its zero; what an entry's label holds
 /// Room for a folder and as many names as are taken, and the empty string that ends them.
 inline constexpr std::size_t kChosenNamesBytes = (kMaxChosenNames + 1) * kMaxPath + 1;
 

@@ -1,5 +1,7 @@
 #include "settings/settings.h"
 
+#include "resources/strings.h"
+
 namespace lumafold {
 namespace {
 

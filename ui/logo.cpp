@@ -54,7 +54,7 @@ bool SizeOf(HBITMAP frame, SIZE& size) {
 
 void DrawFrame(const DRAWITEMSTRUCT& item, unsigned number) {
     RECT rect = item.rcItem;
-    DrawEdge(item.hDC, &rect, BDR_SUNKENOUTER, BF_RECT | BF_SOFT);
+    DrawEdge(item.hDC, &rect, EDGE_SUNKEN, BF_RECT | BF_SOFT);
     const OwnedGdi<HBITMAP> frame(LoadFrame(number));
     SIZE size;
     if (!SizeOf(frame.Get(), size)) return;

@@ -39,7 +39,7 @@ TEST(ChosenNames, MakesPathsInByteOrder) {
         {"C:\\one.gif"s, {}},
         {"C:\\one.gif\0"s, {"C:\\one.gif"}},
         {"d\0a\0b"s, {"d\\a"}},
-        // With its zero a path has 260 bytes.
+        // With its zero a path has 261 bytes.
         {fits + "\0\0"s, {fits}},
         {fits + "p\0\0"s, {}},
         {"d\0"s + fits.substr(2) + "\0"s + fits.substr(1) + "\0\0"s, {"d\\" + fits.substr(2)}},

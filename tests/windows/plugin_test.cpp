@@ -91,6 +91,20 @@ TEST(Plugin, ExportsItsEntryPointsAndNeedsOnlyTheSystem) {
     EXPECT_NE(FindResourceA(library.Module(), MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION), nullptr);
 }
 
+TEST(Plugin, KeepsItsTextsByNumber) {
+    const Library library;
+    const auto text = [&](UINT number) {
+        char buffer[64] = "";
+        LoadStringA(library.Module(), number, buffer, sizeof(buffer));
+        return std::string(buffer);
+    };
+    EXPECT_EQ(text(3), "Error reading file");
+    EXPECT_EQ(text(6), "Memory error");
+    EXPECT_EQ(text(1600), "Black and white");
+    EXPECT_EQ(text(1606), "256-color orthogonal");
+    EXPECT_EQ(text(1608), "256 gray levels");
+}
+
 TEST(Plugin, DescribesItselfWhateverTheSize) {
     const Library library;
     ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
