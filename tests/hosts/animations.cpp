@@ -4,17 +4,16 @@
 
 namespace lumafold::test {
 
-void AddFrame(Animation& to, int bits, const std::function<unsigned(int x, int y)>& pixelAt,
-              std::int32_t delay, std::int32_t transparent, std::int32_t width, std::int32_t height) {
-    width = width == 0 ? to.width : width;
-    height = height == 0 ? to.height : height;
-    OwnedDib dib(DibCreate(width, height, &to.palette, bits));
+void AddFrame(Animation& to, FrameKind kind, const std::function<unsigned(int x, int y)>& pixelAt) {
+    const std::int32_t width = kind.width == 0 ? to.width : kind.width;
+    const std::int32_t height = kind.height == 0 ? to.height : kind.height;
+    OwnedDib dib(DibCreate(width, height, &to.palette, kind.bits));
     const LockedDib lock(dib.Get());
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x)
             DibSetPixel(lock.Get(), x, y, pixelAt(x, y));
     }
-    to.frames.push_back({std::move(dib), delay, transparent});
+    to.frames.push_back({std::move(dib), kind.delay, kind.transparent});
 }
 
 Animation EmptyAnimation(std::int32_t width, std::int32_t height, int bits) {
@@ -40,19 +39,17 @@ Animation Busy(std::int32_t width, std::int32_t height, int bits, int depth, std
     const unsigned values = bits == 24 ? 1U << 24 : hole > 0 ? static_cast<unsigned>(hole) : 1U << bits;
     const auto noise = [&](int, int) { return static_cast<unsigned>(random()) % values; };
     const auto left = static_cast<unsigned>(hole);
-    AddFrame(made, depth, noise, 0);
-    AddFrame(
-        made, depth, [&](int x, int y) { return static_cast<unsigned>(x * 70001 + y) % values; }, 7, hole);
+    AddFrame(made, {depth, 0}, noise);
+    AddFrame(made, {depth, 7, hole},
+             [&](int x, int y) { return static_cast<unsigned>(x * 70001 + y) % values; });
     if (hole >= 0) {
-        AddFrame(
-            made, depth, [&](int x, int y) { return random() % 3 == 0 ? noise(x, y) : left; }, 65535, hole);
-        AddFrame(
-            made, depth, [&](int x, int y) { return x == width / 2 && y == height - 1 ? 1U : left; }, 70000,
-            hole);
-        AddFrame(
-            made, depth, [&](int, int) { return left; }, 7, hole);
+        AddFrame(made, {depth, 65535, hole},
+                 [&](int x, int y) { return random() % 3 == 0 ? noise(x, y) : left; });
+        AddFrame(made, {depth, 70000, hole},
+                 [&](int x, int y) { return x == width / 2 && y == height - 1 ? 1U : left; });
+        AddFrame(made, {depth, 7, hole}, [&](int, int) { return left; });
     }
-    AddFrame(made, depth, noise, -3);
+    AddFrame(made, {depth, -3}, noise);
     return made;
 }
 
@@ -60,9 +57,8 @@ Animation Busy(std::int32_t width, std::int32_t height, int bits, int depth, std
 Animation HolesWithNothingBehind(unsigned values, int depth) {
     Animation made = EmptyAnimation(20, 16, 8);
     const auto pattern = [&](int x, int y) { return static_cast<unsigned>(x * 16 + y) % values; };
-    AddFrame(made, depth, pattern, 5, 3, 19, 16);
-    AddFrame(
-        made, depth, [&](int x, int y) { return pattern(x, y + 1); }, 6);
+    AddFrame(made, {depth, 5, 3, 19, 16}, pattern);
+    AddFrame(made, {depth, 6}, [&](int x, int y) { return pattern(x, y + 1); });
     return made;
 }
 
@@ -70,16 +66,11 @@ Animation TwinColours() {
     Animation made = EmptyAnimation(61, 47, 4);
     made.palette[9] = made.palette[3];
     made.comment = "k\xC3\xB6nnen";
-    AddFrame(
-        made, 4, [](int, int) { return 3U; }, 5);
-    AddFrame(
-        made, 4, [](int x, int) { return x % 2 == 0 ? 3U : 9U; }, 5);
-    AddFrame(
-        made, 4, [](int x, int y) { return x >= 5 && x < 9 && y == 46 ? 1U : 9U; }, 5, 3);
-    AddFrame(
-        made, 4, [](int x, int y) { return x == 60 && y == 0 ? 2U : 15U; }, 8, 15);
-    AddFrame(
-        made, 4, [](int, int) { return 15U; }, 9, 15);
+    AddFrame(made, {4, 5}, [](int, int) { return 3U; });
+    AddFrame(made, {4, 5}, [](int x, int) { return x % 2 == 0 ? 3U : 9U; });
+    AddFrame(made, {4, 5, 3}, [](int x, int y) { return x >= 5 && x < 9 && y == 46 ? 1U : 9U; });
+    AddFrame(made, {4, 8, 15}, [](int x, int y) { return x == 60 && y == 0 ? 2U : 15U; });
+    AddFrame(made, {4, 9, 15}, [](int, int) { return 15U; });
     return made;
 }
 

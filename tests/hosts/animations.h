@@ -18,9 +18,11 @@ struct AnimationCase {
 Animation EmptyAnimation(std::int32_t width, std::int32_t height, int bits);
 
 /// Sides of 0 are those of the animation; delay in hundredths of a second.
-void AddFrame(Animation& to, int bits, const std::function<unsigned(int x, int y)>& pixelAt,
-              std::int32_t delay, std::int32_t transparent = -1, std::int32_t width = 0,
-              std::int32_t height = 0);
+struct FrameKind {
+    int bits;
+    std::int32_t delay, transparent = -1, width = 0, height = 0;
+};
+void AddFrame(Animation& to, FrameKind kind, const std::function<unsigned(int x, int y)>& pixelAt);
 
 /// Every depth over odd sizes, still frames, holes, colours told twice, delays out of bounds.
 std::vector<AnimationCase> AnimationCases();

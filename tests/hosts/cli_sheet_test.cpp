@@ -48,10 +48,8 @@ TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
     for (unsigned i = 0; i < 256; ++i)
         animation.palette[i] = {static_cast<std::uint8_t>(i), 7, 9};
     for (unsigned i = 0; i < 99; ++i)
-        AddFrame(
-            animation, 8, [=](int, int) { return i; }, 5);
-    AddFrame(
-        animation, 8, [](int x, int) { return x == 0 ? 200U : 99U; }, 5, 200);
+        AddFrame(animation, {8, 5}, [=](int, int) { return i; });
+    AddFrame(animation, {8, 5, 200}, [](int x, int) { return x == 0 ? 200U : 99U; });
     const OwnedDib sheet = AnimationSheet(animation);
     // 48 of 100 are shown, the second not among them; the one before shines through half of the last.
     for (const auto& [colour, shown] : {std::pair{0, true}, {99, true}, {98, true}, {200, false}, {1, false}})

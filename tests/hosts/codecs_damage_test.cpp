@@ -23,8 +23,8 @@ Bytes SmallPng() {
 Bytes SmallGif() {
     Animation animation = EmptyAnimation(33, 17, 8);
     animation.comment = "comment";
-    AddFrame(
-        animation, 8, [](int x, int y) { return static_cast<unsigned>((x + 20 * y) * x % 251); }, 5, 250, 20);
+    AddFrame(animation, {8, 5, 250, 20},
+             [](int x, int y) { return static_cast<unsigned>((x + 20 * y) * x % 251); });
     std::string error;
     return EncodeGif(animation, error);
 }

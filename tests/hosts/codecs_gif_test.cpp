@@ -34,7 +34,7 @@ TEST(GifDecoder, KeepsThePaletteAndFillsWithTheMatte) {
                 Animation made = EmptyAnimation(33, 17, bits);
                 const unsigned most = 1U << bits;
                 const auto index = [&](int x, int y) { return static_cast<unsigned>(x + y * 16) % most; };
-                AddFrame(made, bits, index, 5, hole ? static_cast<int>(most - 1) : -1, frameWidth, 17);
+                AddFrame(made, {bits, 5, hole ? static_cast<int>(most - 1) : -1, frameWidth, 17}, index);
                 std::string error;
                 // A matte entry of its own needs a place in the table.
                 const unsigned needed = hole || frameWidth == 33 ? most : most + 1;

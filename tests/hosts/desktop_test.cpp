@@ -98,9 +98,8 @@ TEST(Playback, ShowsEveryFrameForItsDelay) {
 TEST(FrameScreens, ShowsFramesInAnyOrder) {
     Animation animation = EmptyAnimation(7, 5, 8);
     for (unsigned i = 0; i < 70; ++i)
-        AddFrame(
-            animation, 8,
-            [&](int x, int y) { return static_cast<unsigned>(x + 7 * y) % 35 == i % 35 ? i : 255U; }, 5, 255);
+        AddFrame(animation, {8, 5, 255},
+                 [&](int x, int y) { return static_cast<unsigned>(x + 7 * y) % 35 == i % 35 ? i : 255U; });
     const auto wanted = WantedScreens(animation);
     FrameScreens screens(animation);
     for (const std::size_t index : {69U, 0U, 33U, 32U, 68U, 16U, 15U, 17U, 69U, 69U, 1U})
@@ -141,10 +140,8 @@ TEST(ViewPicture, ShowsNearestPixelsOrAverages) {
 
 TEST(Document, TellsWhatItIsAndSavesIt) {
     Animation animation = EmptyAnimation(61, 47, 8);
-    AddFrame(
-        animation, 8, [](int x, int) { return x > 3 ? 1U : 0U; }, 5);
-    AddFrame(
-        animation, 8, [](int, int) { return 1U; }, 50);
+    AddFrame(animation, {8, 5}, [](int x, int) { return x > 3 ? 1U : 0U; });
+    AddFrame(animation, {8, 50}, [](int, int) { return 1U; });
     Document document(std::move(animation), "Animation 1", Origin::Build);
     EXPECT_EQ(TitleOf(document), "* Animation 1 - 2 frames, 61x47, 2 colours, 0.55 s");
     while (document.DrawThumbnails(1)) {
@@ -160,8 +157,7 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
 TEST(Document, EstimatesWhatTakesLongToWrite) {
     Animation animation = EmptyAnimation(2000, 2000, 8);
     for (int i = 0; i < 8; ++i)
-        AddFrame(
-            animation, 8, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; }, 5);
+        AddFrame(animation, {8, 5}, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; });
     std::string error;
     const double exact = static_cast<double>(EncodeGif(animation, error).size());
     Document document(std::move(animation), "", Origin::Build);
@@ -174,9 +170,7 @@ TEST(Document, EstimatesWhatTakesLongToWrite) {
 TEST(Document, LetsNothingInThatCannotBeShown) {
     const auto make = [](std::int32_t width, bool picture) {
         Animation animation = EmptyAnimation(width, 2, 8);
-        if (picture)
-            AddFrame(
-                animation, 8, [](int, int) { return 0U; }, 5, -1, 2, 2);
+        if (picture) AddFrame(animation, {8, 5, -1, 2, 2}, [](int, int) { return 0U; });
         if (!picture) animation.frames.push_back({OwnedDib(), 5, -1});
         Document(std::move(animation), "", Origin::Build);
     };
@@ -190,8 +184,7 @@ class SavingTest : public CommandLineTest {};
 
 TEST_F(SavingTest, TakesTheKindFromTheName) {
     Animation animation = EmptyAnimation(3, 2, 8);
-    AddFrame(
-        animation, 8, [](int x, int) { return x == 1 ? 9U : 4U; }, 5, 9);
+    AddFrame(animation, {8, 5, 9}, [](int x, int) { return x == 1 ? 9U : 4U; });
     std::string error;
     std::uint64_t bytes = 0;
     constexpr struct {

@@ -1,0 +1,264 @@
+#!/usr/bin/env python3
+"""Makes animations as a person would, from pictures in a folder to saved files, with the desktop host and the plug-in's
+own dialogs; each file must have the very bytes that the native command line writes for the same pictures and settings.
+Leaves pictures of the windows in out/screenshots.
+
+Usage: tests/hosts/desktop_end_to_end.py NATIVE_DIR HOST_PROGRAM WORK_FOLDER
+"""
+import pathlib
+import shutil
+import struct
+import subprocess
+import sys
+import zlib
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SCREENSHOTS = ROOT / "out/screenshots"
+MATTE = "#0AC85A"
+OVERRIDE = {"transition": 102, "delay": 103, "pause": 104}
+MAIN = ["TransitionType", "TransitionDelay", "TransitionPause", "TransitionCustompalette", "TransitionPalette",
+        "TransitionDither", "TransitionTruecolour", "Supercompress"]
+
+# Each build begins where the one before it ended: settings and list stay. `add` has the pictures of one choice together,
+# whose last name ends up first. `own` overrides the pictures of these numbers.
+BUILDS = [
+    dict(save=["iris.gif"], add=[["dawn.png"], ["lanterns.png"], ["boats.png"]], main={
+             "TransitionType": "Soft iris (ellipse)", "TransitionDelay": 7, "TransitionPause": 90},
+         own={2: ["Silent movie", 3, 55]}, advanced={"TransitionIrisStep": 10, "TransitionSilentMovieBackground": "#FF8000"}),
+    dict(save=["kept.gif"], keep=True, own={3: ["Burp"]}, main={
+             "TransitionCustompalette": 0, "TransitionPalette": "216-color safe", "TransitionDither": 0}),
+    dict(save=["plain.gif"], add=[["tiny.png", "line.bmp", "boats.jpg", "clear.gif"]], main={
+             "TransitionType": "Paintball", "Supercompress": 0, "TransitionDither": 1,
+             "TransitionPalette": "Black and white"},
+         own={4: ["None", 1, 0]}, advanced={"RandomSeed": 777, "TransitionPaintballSize": 6}),
+    dict(save=["test.gif"], keep=True, test=True, main={"Supercompress": 1, "TransitionCustompalette": 1}),
+    dict(save=["again.gif"], keep=True, main={}),
+    dict(save=["single.gif"], add=[["clear.gif"]], main={"TransitionType": "Hurricane", "TransitionPause": 12}),
+    dict(save=["dot.gif"], add=[["dot.gif"]], main={"TransitionType": "Quad (contract)"}),
+    dict(save=["true.png", "true.mng"], flags=3, add=[["boats.jpg"], ["clear.gif"], ["tiny.png"]],
+         main={"TransitionType": "Liquid metal", "TransitionTruecolour": 1, "Supercompress": 0},
+         own={1: ["Spikes (horizontal)", 9, 31]}, advanced={"TransitionLiquidMetalStep": 25, "TransitionSpikeCount": 3}),
+    dict(save=["changes.png"], flags=3, keep=True, main={"Supercompress": 1}),
+    dict(save=["few.mng", "few.png"], flags=3, keep=True, main={
+             "TransitionTruecolour": 0, "TransitionCustompalette": 0, "TransitionPalette": "Sixteen-color Windows"}),
+    dict(save=["tested.mng"], flags=3, keep=True, test=True, main={"TransitionTruecolour": 1}),
+]
+
+# A script, its status, and the line that must tell why.
+FAILURES = [
+    ("build", 1, "line 1: build: no dialog is open"),
+    ("open-dialog", 1, "at the end: the dialog is still open"),
+    ("open-dialog\nremove-all\nbuild", 1, "line 3: build: the button is disabled"),
+    ("open-dialog\nselect-item 9", 1, "line 2: select-item 9: there is no such item"),
+    ("open-dialog\nset TransitionType Sideways", 1, "line 2: set TransitionType Sideways: the list has no such entry"),
+    ("open-dialog\nadd none.png\nwait 1", 1, "line 3: wait 1: this message was shown: "),
+    ("open none.gif", 1, "at the end: this message was shown: "),
+    ("open inputs\\clear.gif\nsave-as none\\x.gif\nwait 1", 1, "line 3: wait 1: this message was shown: "),
+    ("open inputs\\clear.gif\nexpect-frames 2", 1, "line 2: expect-frames 2: found 1 frame, 33x21"),
+    ("\nsave-as x.gif # nothing is there", 1, "line 2: save-as x.gif: nothing is open"),
+    ("jump", 2, '"jump" is no step'),
+    ('add "x', 2, "line 1: a quote is not closed"),
+]
+
+
+def write_png(path, width, height, pixel):
+    def chunk(name, data):
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+
+    rows = b"".join(b"\0" + b"".join(bytes(pixel(x, y)) for x in range(width)) for y in range(height))
+    path.write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)) +
+                     chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def write_bmp(path, width, height, pixel):
+    padding = bytes(-3 * width % 4)
+    rows = b"".join(b"".join(bytes(pixel(x, y)) for x in range(width)) + padding for y in reversed(range(height)))
+    path.write_bytes(struct.pack("<2sIIIIiiHHIIiiII", b"BM", 54 + len(rows), 0, 54, 40, width, height, 1, 24, 0,
+                                 len(rows), 0, 0, 0, 0) + rows)
+
+
+def make_inputs(native_dir, folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(ROOT / "tests/hosts/pictures", folder)
+    subprocess.run([native_dir / "tools/samples/lumafold_samples", folder, "97", "65"], check=True)
+    write_png(folder / "tiny.png", 7, 5, lambda x, y: (36 * x, 60 * y, 200, 255 if x != y else 0))
+    write_bmp(folder / "line.bmp", 33, 1, lambda x, y: (7 * x, 255 - 7 * x, 40))
+    (folder / "dot.gif").write_bytes(b"GIF89a\1\0\1\0\x80\0\0\x20\x90\xE0\0\0\0,\0\0\0\0\1\0\1\0\0\2\2D\1\0;")
+
+
+def read_gif(data):
+    """Returns the size, the loop count and the delays, found by walking over the blocks."""
+    size, flags = struct.unpack_from("<HH", data, 6), data[10]
+    at, loops, delays = 13 + (3 * 2 << (flags & 7) if flags & 0x80 else 0), None, []
+    while data[at] != 0x3B:
+        if data[at:at + 2] == b"\x21\xF9":
+            delays.append(struct.unpack_from("<H", data, at + 4)[0])
+        if data[at:at + 2] == b"\x21\xFF" and data[at + 3:at + 14] == b"NETSCAPE2.0":
+            loops = struct.unpack_from("<H", data, at + 16)[0]
+        if data[at] == 0x2C:
+            at += 11 + (3 * 2 << (data[at + 9] & 7) if data[at + 9] & 0x80 else 0)
+        else:
+            at += 2
+        while data[at]:
+            at += 1 + data[at]
+        at += 1
+    return size, loops, delays
+
+
+class Person:
+    """Knows what the dialogs hold by now, and so what the command line must be told."""
+
+    def __init__(self):
+        self.main = {"TransitionType": 0, "TransitionDelay": 5, "TransitionPause": 100, "TransitionCustompalette": 1,
+                     "TransitionPalette": 6, "TransitionDither": 1, "TransitionTruecolour": 0, "Supercompress": 1}
+        self.advanced, self.pictures, self.own = {}, [], {}
+
+    def take(self, build):
+        self.main |= build["main"]
+        self.advanced |= build.get("advanced", {})
+        if not build.get("keep"):
+            self.pictures = [name for names in build["add"] for name in sorted(names, reverse=True)]
+        # The list that is kept between two openings is one of files; overrides go with the dialog.
+        self.own = {number: words + self.usual()[len(words):] for number, words in build.get("own", {}).items()}
+
+    def usual(self):
+        return [self.main[key] for key in ("TransitionType", "TransitionDelay", "TransitionPause")]
+
+    def words(self, build, name):
+        main = self.main
+        words = ["build", "-q", "-o", name, "--matte", MATTE]
+        # Naming a palette means that none is computed, so the switch comes after it.
+        words += ["--palette", main["TransitionPalette"]] + ["--custom-palette"] * main["TransitionCustompalette"]
+        words += ["--dither" if main["TransitionDither"] else "--no-dither"]
+        words += ["--true-colour"] * main["TransitionTruecolour"]
+        words += ["--supercompress" if main["Supercompress"] else "--no-supercompress"]
+        words += ["--test-build"] * build.get("test", False)
+        for key, value in self.advanced.items():
+            if str(value).startswith("#"):
+                value = int(value[5:7] + value[3:5] + value[1:3], 16)
+            words += ["--set", f"{key}={value}"]
+        for number, picture in enumerate(self.pictures, 1):
+            transition, delay, pause = self.own.get(number, self.usual())
+            words += ["--transition", transition, "--delay", delay, "--pause", pause, "../inputs/" + picture]
+        return [str(word) for word in words]
+
+
+def quoted(*words):
+    return " ".join(f'"{word}"' if " " in str(word) else str(word) for word in words)
+
+
+def steps_of(build, folder, native, shows):
+    """Yields the steps of one build, with pictures of the dialogs where it is one that `shows` them."""
+    yield quoted("capabilities", build.get("flags", 1))
+    yield "open-dialog"
+    if not build.get("keep"):
+        yield "remove-all"
+        for names in build["add"]:
+            yield quoted("add", *(f"inputs\\{name}" for name in names))
+    for key in MAIN:
+        if key in build["main"]:
+            yield quoted("set", key, build["main"][key])
+    if "advanced" in build:
+        yield "advanced"
+        for key, value in build["advanced"].items():
+            yield quoted("set", key, value)
+        if shows:
+            yield f"screenshot {folder}\\host-advanced.png"
+        yield "ok"
+    for number, words in build.get("own", {}).items():
+        if shows:
+            yield from (f"override {number}", f"screenshot {folder}\\host-override.png", "cancel")
+        yield quoted("transition", number, *words)
+    if shows:
+        yield f"screenshot {folder}\\host-dialog.png"
+    if build.get("test"):
+        yield from ("test", 'expect-title "[test]"', "cancel")
+    else:
+        yield from ("build", 'expect-title "* Animation"')
+    for name in build["save"]:
+        yield f"save-as {folder}\\{name}"
+        yield f'expect-title "{name} "'
+        if name.endswith(".gif"):
+            size, _, delays = read_gif((native / name).read_bytes())
+            yield quoted("open", f"{folder}\\{name}")
+            yield quoted("expect-frames", len(delays))
+            yield quoted("expect-size", *size)
+            yield "close"
+
+
+def script_of(native):
+    # The matte colour that was saved last lies behind what is clear in the pictures that are read.
+    yield from ("open-dialog", f"set TransitionMattcolour {MATTE}", "cancel")
+    for build in BUILDS:
+        yield from steps_of(build, "windows", native, build is BUILDS[0])
+    builds = sum(not build.get("test") for build in BUILDS)
+    yield quoted("expect-documents", builds + 1)
+    yield from ("select 1", "frame 12", "play", "screenshot windows\\host.png window", "pause")
+    yield from ("close", quoted("expect-documents", builds))
+
+
+def run_windows(host, work, scripts):
+    """Runs the scripts one after the other on one screen; returns their statuses and what they complained about."""
+    lines = ["@echo off", 'rmdir /s /q "%APPDATA%\\Brackenfield" 2>nul']
+    for number, script in enumerate(scripts):
+        (work / f"script-{number}.txt").write_text(script, newline="\r\n")
+        (work / f"log-{number}.txt").unlink(missing_ok=True)
+        lines.append(f'"{host}" --script script-{number}.txt --log log-{number}.txt')
+        lines.append("echo %errorlevel%")
+    (work / "run.bat").write_text("\r\n".join(lines) + "\r\n", newline="")
+    done = subprocess.run([ROOT / "tools/wine-run", "--screen", "cmd", "/c", "run.bat"], cwd=work, text=True,
+                          stdout=subprocess.PIPE, timeout=200)
+    statuses = [int(line) for line in done.stdout.split()]
+    return [(status, (work / f"log-{number}.txt").read_text(errors="replace").strip())
+            for number, status in enumerate(statuses)]
+
+
+def compare(native, windows):
+    """Yields a line for each file."""
+    for build in BUILDS:
+        for name in build["save"]:
+            one = (native / name).read_bytes()
+            other = (windows / name).read_bytes() if (windows / name).is_file() else b""
+            yield one == other, f"{name}, {len(one)} bytes" + ("" if one == other else f", {len(other)} there")
+
+
+def expected_times(native):
+    """The delays that were asked for are in the files, whoever wrote them."""
+    size, loops, delays = read_gif((native / "iris.gif").read_bytes())
+    yield size == (97, 65) and loops == 0, f"iris.gif is {size} and loops {loops}"
+    yield delays.count(90) == 2 and delays.count(55) == 1 and {3, 7, 55, 90} == set(delays), f"delays {delays}"
+
+
+def main():
+    native_dir, host, work = (pathlib.Path(word).resolve() for word in sys.argv[1:])
+    native, windows = work / "native", work / "windows"
+    for folder in (native, windows):
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+    make_inputs(native_dir, work / "inputs")
+    person = Person()
+    for build in BUILDS:
+        person.take(build)
+        for name in build["save"]:
+            subprocess.run([native_dir / "hosts/cli/lumafold", *person.words(build, name)], cwd=native, check=True)
+
+    scripts = ["\n".join(script_of(native)) + "\n", *(text + "\n" for text, _, _ in FAILURES)]
+    results = run_windows("Z:" + str(host).replace("/", "\\"), work, scripts)
+    findings = [(len(results) == len(scripts), f"{len(results)} of {len(scripts)} scripts ran")]
+    findings += [(results[0] == (0, ""), f"the long script: {results[0]}")]
+    findings += compare(native, windows)
+    findings += expected_times(native)
+    for (script, status, why), found in zip(FAILURES, results[1:]):
+        lines = found[1].split("\n")
+        good = found[0] == status and why in lines[-1] and all(line.startswith("lumafold-host: ") for line in lines)
+        findings.append((good, f"{script!r}: {found}"))
+    SCREENSHOTS.mkdir(parents=True, exist_ok=True)
+    for picture in windows.glob("host*.png"):
+        shutil.copy(picture, SCREENSHOTS)
+    for good, text in findings:
+        print("good " if good else "WRONG", text)
+    return 0 if all(good for good, _ in findings) else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
