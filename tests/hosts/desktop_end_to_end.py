@@ -222,11 +222,13 @@ def compare(native, windows):
             yield one == other, f"{name}, {len(one)} bytes" + ("" if one == other else f", {len(other)} there")
 
 
-def expected_times(native):
-    """The delays that were asked for are in the files, whoever wrote them."""
+def expectations(native):
+    """What was asked for is in the files, whoever wrote them."""
     size, loops, delays = read_gif((native / "iris.gif").read_bytes())
     yield size == (97, 65) and loops == 0, f"iris.gif is {size} and loops {loops}"
     yield delays.count(90) == 2 and delays.count(55) == 1 and {3, 7, 55, 90} == set(delays), f"delays {delays}"
+    tested, built = ((native / name).stat().st_size for name in ("test.gif", "again.gif"))
+    yield tested > 2 * built, f"{tested} bytes of a test, which marks nothing as unchanged, {built} of a build"
 
 
 def main():
@@ -247,7 +249,7 @@ def main():
     findings = [(len(results) == len(scripts), f"{len(results)} of {len(scripts)} scripts ran")]
     findings += [(results[0] == (0, ""), f"the long script: {results[0]}")]
     findings += compare(native, windows)
-    findings += expected_times(native)
+    findings += expectations(native)
     for (script, status, why), found in zip(FAILURES, results[1:]):
         lines = found[1].split("\n")
         good = found[0] == status and why in lines[-1] and all(line.startswith("lumafold-host: ") for line in lines)
