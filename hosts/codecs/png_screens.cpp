@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cctype>
 #include <optional>
 #include <string_view>
 
@@ -49,6 +51,10 @@ public:
             static_cast<std::uint32_t>(crc32(0, rest_.data() + 4, static_cast<uInt>(length + 4)));
         if (sum != head.U32(8 + length)) throw DecodeError{"the data is damaged (checksum)"};
         chunk = {{reinterpret_cast<const char*>(rest_.data()) + 4, 4}, rest_.subspan(8, length)};
+        // Types are letters, and messages name them.
+        if (!std::all_of(chunk.type.begin(), chunk.type.end(),
+                         [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }))
+            throw DecodeError{"the data is damaged (no chunk where one must be)"};
         rest_ = rest_.subspan(length + kAround);
         return true;
     }
