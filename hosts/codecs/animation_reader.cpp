@@ -65,30 +65,36 @@ AnimationFrame IndexedFrame(const ShownScreen& screen, const ColourTable& table,
     return {picture.Finish(), delay, table.Hole()};
 }
 
-/// A colour that no pixel has, for holes.
+/// A colour that no pixel has, for holes; kNoPixel when all are taken.
 PixelValue FreeColour(const ShownScreen& screen) {
-    PixelValue colour = 0xFF00FF;
-    while (std::find(screen.pixels.begin(), screen.pixels.end(), colour) != screen.pixels.end())
-        colour = (colour + 0x010101) & 0xFFFFFF;
-    return colour;
+    constexpr PixelValue kFirst = 0xFF00FF, kStep = 0x010101, kColours = 0x1000000;
+    std::vector<bool> taken(kColours); // a screen may have a great many: each is looked at once
+    for (const PixelValue colour : screen.pixels) {
+        if (colour != kNoPixel) taken[colour] = true;
+    }
+    for (PixelValue i = 0; i < kColours; ++i) {
+        const PixelValue colour = (kFirst + i * kStep) % kColours;
+        if (!taken[colour]) return colour;
+    }
+    return kNoPixel;
 }
 
 AnimationFrame ColourFrame(const ShownScreen& screen, std::int32_t delay) {
     const bool holes = std::find(screen.pixels.begin(), screen.pixels.end(), kNoPixel) != screen.pixels.end();
-    const PixelValue hole = holes ? FreeColour(screen) : 0;
+    const PixelValue hole = holes ? FreeColour(screen) : kNoPixel;
     PictureBuilder picture(static_cast<std::uint32_t>(screen.width),
                            static_cast<std::uint32_t>(screen.height), {}, 24);
     const PixelValue* from = screen.pixels.data();
     for (std::int32_t y = 0; y < screen.height; ++y) {
         std::uint8_t* out = picture.Row(y);
         for (std::int32_t x = 0; x < screen.width; ++x, ++from, out += 3) {
-            const Rgb colour = ToRgb(*from == kNoPixel ? hole : *from);
+            const Rgb colour = ToRgb(*from == kNoPixel ? hole : *from); // white where no colour is free
             out[0] = colour.blue;
             out[1] = colour.green;
             out[2] = colour.red;
         }
     }
-    return {picture.Finish(), delay, holes ? static_cast<std::int32_t>(hole) : -1};
+    return {picture.Finish(), delay, static_cast<std::int32_t>(hole)};
 }
 
 using ShowFile = std::string (*)(std::span<const std::uint8_t>, const DecodeLimits&, const OnScreen&);
