@@ -22,6 +22,12 @@ Animation Checked(Animation animation) {
     return animation;
 }
 
+/// Spelled as in the plug-in's dialogs.
+std::string ColorsText(const Animation& animation) {
+    std::string text = ColoursText(animation);
+    return text.erase(text.find("colour") + 4, 1);
+}
+
 std::vector<std::int32_t> Delays(const Animation& animation) {
     std::vector<std::int32_t> delays;
     for (const AnimationFrame& frame : animation.frames)
@@ -61,7 +67,7 @@ Thumbnail EmptyThumbnail(std::int32_t width, std::int32_t height) {
 Document::Document(Animation animation, std::string name, Origin origin)
     : animation_(Checked(std::move(animation))), name_(std::move(name)), origin_(origin),
       unsaved_(origin == Origin::Build), trueColour_(lumafold::HasTrueColour(animation_)),
-      colours_(lumafold::ColoursText(animation_)), playback_(Delays(animation_)), screens_(animation_),
+      colours_(ColorsText(animation_)), playback_(Delays(animation_)), screens_(animation_),
       thumbnailScreens_(animation_),
       thumbnails_(animation_.frames.size(), EmptyThumbnail(animation_.width, animation_.height)) {}
 

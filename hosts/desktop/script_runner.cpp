@@ -16,6 +16,7 @@ namespace {
 
 constexpr UINT kTick = 10;
 constexpr DWORD kPatience = 20000; ///< milliseconds for a dialog to come or go
+constexpr DWORD kUntilSeen = 100;  ///< milliseconds for what was drawn to be on the screen
 
 ScriptRunner* current = nullptr;
 
@@ -336,6 +337,7 @@ ScriptRunner::State ScriptRunner::Wait(const ScriptStep& step) {
 }
 
 ScriptRunner::State ScriptRunner::Screenshot(const ScriptStep& step) {
+    if (!started_ || GetTickCount() - startedAt_ < kUntilSeen) return State::Waiting;
     const bool whole = step.words.size() > 1 && step.words[1] == "window";
     const HWND dialog = whole ? nullptr : DialogInFront();
     const OwnedDib picture = WindowPicture(dialog != nullptr ? dialog : window_.Get());

@@ -143,7 +143,7 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     AddFrame(animation, {8, 5}, [](int x, int) { return x > 3 ? 1U : 0U; });
     AddFrame(animation, {8, 50}, [](int, int) { return 1U; });
     Document document(std::move(animation), "Animation 1", Origin::Build);
-    EXPECT_EQ(TitleOf(document), "* Animation 1 - 2 frames, 61x47, 2 colours, 0.55 s");
+    EXPECT_EQ(TitleOf(document), "* Animation 1 - 2 frames, 61x47, 2 colors, 0.55 s");
     while (document.DrawThumbnails(1)) {
     }
     EXPECT_EQ(document.ThumbnailOf(1).height, kThumbnailHeight);
@@ -151,7 +151,7 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     const std::string size = document.FileSizeText();
     EXPECT_EQ(size.substr(size.find(' ')), " bytes");
     document.MarkSaved("b.gif", 1234);
-    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colours, 0.55 s, 1.2 kB");
+    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.2 kB");
 }
 
 TEST(Document, EstimatesWhatTakesLongToWrite) {
