@@ -6,7 +6,7 @@
 
 #include "hosts/desktop/host_callback.h"
 #include "plugin/chosen_names.h"
-#include "tests/support/pictures.h"
+#include "tests/windows/snapshot.h"
 
 namespace lumafold::test {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 class DesktopHostTest : public testing::Test, public HostServices {
 protected:
     DesktopHostTest() {
-        window_ = CreateWindowExA(0, "Static", "", WS_POPUP | WS_VISIBLE, 0, 0, 300, 200, nullptr, nullptr,
+        window_ = CreateWindowExA(0, "Static", "", WS_POPUP | WS_VISIBLE, 0, 0, 400, 200, nullptr, nullptr,
                                   nullptr, nullptr);
     }
     ~DesktopHostTest() override { DestroyWindow(window_); }
@@ -117,6 +117,20 @@ TEST_F(DesktopHostTest, KeepsInputFromTheDialogWhileItWorks) {
         }
         EXPECT_FALSE(host_.IsBuilding());
         EXPECT_TRUE(IsWindowEnabled(window_));
+    }
+}
+
+TEST_F(DesktopHostTest, ShowsHowFarItIs) {
+    int before = 0;
+    for (const std::int32_t position : {2, 7}) {
+        Call(10, 0, At("Building"));
+        Sleep(20); // it does not draw more often
+        Call(13, static_cast<std::uint32_t>(position), 9);
+        const Snapshot seen(GetLastActivePopup(window_));
+        const int filled = seen.CountOf(kAccent);
+        EXPECT_GT(filled, before);
+        before = 2 * filled;
+        seen.Save("host-progress");
     }
 }
 
