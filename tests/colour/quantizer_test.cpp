@@ -144,35 +144,6 @@ Pictures Gather(Dibs... dibs) {
     return pictures;
 }
 
-TEST(Quantizer, PrunesSmallTreesAsWorkedOutByHand) {
-    const struct {
-        Colours row;
-        int most;
-        Colours palette;
-    } cases[] = {
-        // Three leaves: 0 and 10 (error 4363.5), 100 (60.75), 200 (1656.75; above it 216.75).
-        {{Gray(0), Gray(10), Gray(100), Gray(200)}, 3, {Gray(5), Gray(100), Gray(200)}},
-        // 100 joins the node above; 200 rises to the root, but counts as it stood; 0 and 10 join 100.
-        {{Gray(0), Gray(10), Gray(100), Gray(200)}, 2, {Gray(37), Gray(200)}},
-        // Five leaves for four colours. Those of 190 and 200 are counted before the node above them, whose
-        // error is less (223.5), takes both away; so another pass comes, and their error (1656.75) is what it
-        // prunes. That is also the error of the leaves of 72 and of the blue.
-        {{Gray(0), Gray(10), Gray(72), {55, 55, 72}, Gray(190), Gray(200)},
-         4,
-         {Gray(5), {64, 64, 72}, Gray(195)}},
-        // 79 and 80 have the same error in their leaf and in the node above (1537.5): the leaf goes first and
-        // does not count. The root already has 200; the two reds (2854.75 and 2976.75) stay.
-        {{Gray(79), Gray(80), Gray(200), {255, 0, 0}, {130, 0, 0}}, 3, {{130, 0, 0}, {255, 0, 0}, Gray(120)}},
-        // Averages round half up; a run weighs what it is long.
-        {{Gray(0), Gray(1), Gray(255), Gray(255), Gray(254)}, 2, {Gray(1), Gray(255)}},
-    };
-    for (const auto& [row, most, palette] : cases) {
-        Pictures pictures = Gather(test::PictureOf(row));
-        EXPECT_EQ(Compute(pictures, most), palette);
-        EXPECT_EQ(Define(pictures, most), palette);
-    }
-}
-
 TEST(Quantizer, KeepsFewColoursAsTheyAreFirstSeen) {
     const struct {
         int colours, most;

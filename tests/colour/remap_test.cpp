@@ -12,7 +12,6 @@ namespace {
 using test::BusyPicture;
 using test::Definition;
 using test::NoisePicture;
-using test::PixelAt;
 
 Palette FixedPalette(int number) {
     Palette palette;
@@ -30,24 +29,6 @@ Palette MutedPalette() {
         palette[i + 1] = palette[i];
     }
     return palette;
-}
-
-std::string Indices(DibHandle picture) {
-    std::int32_t width = 0, height = 0;
-    DibQuery(picture, &width, &height, nullptr, nullptr);
-    std::string text;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            text += static_cast<char>('0' + PixelAt(picture, x, y));
-    }
-    return text;
-}
-
-OwnedDib GrayPicture(std::int32_t height, const std::vector<unsigned>& levels) {
-    std::vector<Rgb> colours;
-    for (const unsigned level : levels)
-        colours.push_back(test::ToRgb(MakeColour(level, level, level)));
-    return test::PictureOf(colours, height);
 }
 
 void ExpectSameBlock(DibHandle result, DibHandle expected) {
@@ -88,41 +69,6 @@ TEST(Reduction, IsWhatTheAccessorsDefine) {
                 }
             }
         }
-    }
-}
-
-TEST(Dithering, SpreadsByHandComputedShares) {
-    const test::SettingsGuard guard;
-    // 100 is black and gives 43 to the right; 143 is white and gives -49, but nothing to the left below; 51
-    // is black. So the next row was given 31, -20 and 8: 131 is white and gives -55, 25 is black and gives
-    // 10, 118 is black.
-    const OwnedDib gray = GrayPicture(2, {100, 100, 100, 100, 100, 100});
-    for (const std::uint32_t fast : {0U, 1U}) {
-        pluginSettings.FastRemap = fast;
-        EXPECT_EQ(Indices(OwnedDib(DitherImage(gray.Get(), FixedPalette(0), 4, 2)).Get()), "010100");
-    }
-    // Chosen so that each share given by a plainer rule (to the left at x = 0 or 1, weighted before divided)
-    // shows.
-    const OwnedDib mixed = GrayPicture(3, {80, 200, 0, 80, 80, 120, 100, 80, 80});
-    pluginSettings.DitherBrightness = pluginSettings.DitherContrast = 0;
-    EXPECT_EQ(Indices(OwnedDib(DitherImage(mixed.Get(), FixedPalette(0), 1, 2)).Get()), "010011100");
-}
-
-TEST(Reduction, TellsExactColoursFromTheirCells) {
-    const test::SettingsGuard guard;
-    // All of the first two in one cell, which the second is nearest to. White is missing: the fourth is
-    // nearest to it, the third to its cell.
-    Palette palette{};
-    palette[0] = {7, 7, 7}, palette[1] = {1, 1, 1}, palette[2] = {244, 244, 244},
-    palette[3] = {255, 255, 240};
-    const OwnedDib dark = GrayPicture(3, {7, 1, 6});
-    const OwnedDib bits(DibCreate(2, 1, &palette, 1));
-    DibSetPixel(LockedDib(bits.Get()).Get(), 1, 0, 1);
-    for (const bool fast : {false, true}) {
-        pluginSettings.FastRemap = fast ? 1 : 0;
-        EXPECT_EQ(Indices(OwnedDib(DitherImage(dark.Get(), palette, 8, 4)).Get()), fast ? "011" : "010");
-        EXPECT_EQ(Indices(OwnedDib(RemapImage(dark.Get(), palette, 8, 4)).Get()), "111");
-        EXPECT_EQ(Indices(OwnedDib(RemapImage(bits.Get(), palette, 8, 4)).Get()), fast ? "12" : "13");
     }
 }
 

@@ -3,11 +3,9 @@
 #include <filesystem>
 #include <sstream>
 
-#include "build/image_entry.h"
 #include "colour/palettes.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/frames_folder.h"
-#include "hosts/cli/memory_list.h"
 #include "hosts/cli/recording_host.h"
 #include "platform/files.h"
 #include "plugin/host.h"
@@ -15,37 +13,6 @@
 
 namespace lumafold::test {
 namespace {
-
-TEST(MemoryList, TheTemporaryLineComesFirstAndGoesWithItsBlockAlone) {
-    const std::int64_t before = allocation_hooks::LiveBlocks();
-    {
-        MemoryList list({21, 300, 7});
-        ASSERT_TRUE(list.Add(PlainPicture(1, 1, 1), "one", {1, 10, 100}));
-        ASSERT_TRUE(list.Add(PlainPicture(1, 1, 2), std::string(400, 'x'), {2, 20, 200}));
-        const OwnedDib background = PlainPicture(1, 1, 3);
-        OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
-        GlobalLocked<ImageEntry>(block.Get())->image = background.Get();
-        GlobalLocked<ImageEntry>(block.Get())->transition = 3;
-        ASSERT_TRUE(list.AddTemporary(block.Release()));
-        ASSERT_EQ(list.Count(), 3);
-        ImageEntry entry;
-        for (const auto& [index, transition] : {std::pair{0, 3}, {1, 1}, {2, 2}}) {
-            ASSERT_TRUE(list.Read(index, entry));
-            EXPECT_EQ(std::int32_t{entry.transition}, transition); // a packed field binds to no reference
-        }
-        EXPECT_EQ(std::string(entry.label), std::string(260, 'x'));
-        EXPECT_FALSE(list.Read(3, entry));
-        EXPECT_FALSE(list.Read(-1, entry));
-        EXPECT_FALSE(list.Write(3, entry));
-        list.DeleteFirst();
-        ASSERT_TRUE(list.Read(0, entry));
-        EXPECT_EQ(std::string(entry.label), "one");
-        EXPECT_EQ(PixelAt(background.Get(), 0, 0), 3u) << "the driver frees the background itself";
-        EXPECT_EQ((std::array{list.DefaultTransition(), list.DefaultPause(), list.DefaultDelay()}),
-                  (std::array{21, 300, 7}));
-    }
-    EXPECT_EQ(allocation_hooks::LiveBlocks(), before);
-}
 
 TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     std::ostringstream screen;

@@ -356,22 +356,5 @@ TEST(AnimationReader, OpensStillPicturesAndNamesWhatItCannot) {
     EXPECT_NE(DecodeAnimationFile("/no/such/file.gif", kPlenty).error, "");
 }
 
-TEST(AnimationReader, SurvivesDamage) {
-    std::mt19937 random(3);
-    for (const Format& format : {kGif, kApng, kMng}) {
-        std::string error;
-        const File whole = format.encode(RedThenGreen(), error);
-        for (std::size_t length = 0; length < whole.size(); ++length)
-            DecodeAnimation(std::span(whole.data(), length), kPlenty);
-        for (int i = 0; i < 2000; ++i) {
-            File damaged = whole;
-            damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
-            damaged[random() % damaged.size()] ^= static_cast<std::uint8_t>(1 << random() % 8);
-            const ReadAnimation read = DecodeAnimation(damaged, 1 << 16);
-            EXPECT_NE(read.animation.has_value(), !read.error.empty());
-        }
-    }
-}
-
 } // namespace
 } // namespace lumafold::test

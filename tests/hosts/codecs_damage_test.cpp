@@ -69,24 +69,5 @@ TEST(DamagedPictures, LackOfMemoryIsTold) {
     }
 }
 
-// Any bytes end in a picture or in one line of text, and in nothing left behind.
-TEST(DamagedPictures, DoNoHarm) {
-    std::mt19937 random(5);
-    const Bytes files[] = {SmallPng(), SmallGif()};
-    const auto blocks = allocation_hooks::LiveBlocks();
-    for (int round = 0; round < 3000; ++round) {
-        Bytes file = files[round % 2];
-        for (auto edits = 1 + random() % 5; edits > 0; --edits) {
-            file[random() % (edits % 2 == 0 ? file.size() : 40)] = static_cast<std::uint8_t>(random());
-        }
-        {
-            const DecodedPicture got = DecodePicture(file, 0, kMost);
-            ASSERT_EQ(static_cast<bool>(got.picture), got.error.empty());
-            ASSERT_EQ(got.error.find('\n'), std::string::npos);
-        }
-        ASSERT_EQ(allocation_hooks::LiveBlocks(), blocks);
-    }
-}
-
 } // namespace
 } // namespace lumafold::test

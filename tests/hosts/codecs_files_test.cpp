@@ -30,24 +30,6 @@ protected:
     std::string error_;
 };
 
-TEST_F(Files, AreReplacedWhole) {
-    const Bytes small{1, 2, 3}, large(200001, 77);
-    for (const Bytes& bytes : {small, large, Bytes{}}) {
-        ASSERT_TRUE(Write("a.gif", bytes)) << error_;
-        EXPECT_EQ(Read("a.gif"), bytes);
-        EXPECT_EQ(Names(), std::vector<std::string>{"a.gif"});
-    }
-}
-
-TEST_F(Files, LeaveNothingBehindOnFailure) {
-    fs::create_directory(Path("folder"));
-    EXPECT_FALSE(Write("folder", {1}));
-    EXPECT_EQ(error_, "this is a folder");
-    EXPECT_FALSE(Write("missing/a.gif", {1}));
-    EXPECT_EQ(error_, "there is no such file or folder");
-    EXPECT_EQ(Names(), std::vector<std::string>{"folder"});
-}
-
 TEST_F(Files, ThatAreNoPicturesSaySo) {
     Put("empty", "");
     Put("text", "GIF is what this is about");
@@ -65,16 +47,6 @@ TEST_F(Files, ThatAreNoPicturesSaySo) {
 }
 
 #ifndef _WIN32
-
-TEST_F(Files, KeepTheirModeAndTheLinksToThem) {
-    ASSERT_TRUE(Write("a.gif", {5}));
-    fs::permissions(Path("a.gif"), fs::perms::owner_read | fs::perms::owner_write);
-    fs::create_symlink("a.gif", Path("link.gif"));
-    ASSERT_TRUE(Write("link.gif", {7}));
-    EXPECT_TRUE(fs::is_symlink(Path("link.gif")));
-    EXPECT_EQ(Read("a.gif"), Bytes{7});
-    EXPECT_EQ(fs::status(Path("a.gif")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
 
 TEST_F(Files, ThatAreDevicesAreWrittenTo) {
     EXPECT_TRUE(WriteFileSafely("/dev/null", Bytes(10), error_));

@@ -73,28 +73,6 @@ TEST(Shapes, RectanglesLeaveTheirEndOut) {
         EXPECT_EQ(nothing, Lines("..... ..... ....."));
 }
 
-TEST(Shapes, SmallOnesAreAsWorkedOutByHand) {
-    EXPECT_EQ(DrawnEllipse(6, 6, {0, 0}, {5, 5}), Lines(".###.. #####. #####. #####. .###.. ......"));
-    EXPECT_EQ(DrawnEllipse(4, 3, {0, 0}, {3, 3}), Lines(".#.. ###. .#.."));
-    EXPECT_EQ(DrawnEllipse(4, 4, {0, 0}, {4, 4}), Lines(".##. #### #### .##."));
-    EXPECT_EQ(DrawnEllipse(5, 3, {1, 1}, {4, 3}), Lines("..... .###. .###."));
-    EXPECT_EQ(DrawnEllipse(5, 3, {4, 3}, {1, 1}), Lines("..... .###. .###."));
-    EXPECT_EQ(DrawnEllipse(3, 2, {1, 0}, {2, 2}), Lines(".#. .#."));
-    EXPECT_EQ(DrawnEllipse(3, 2, {1, 0}, {2, 1}), Lines("... ..."));
-    EXPECT_EQ(DrawnEllipse(3, 2, {1, 0}, {1, 2}), Lines("... ..."));
-    EXPECT_EQ(DrawnEllipse(3, 2, {-90000, -90000}, {90000, 90000}), Lines("### ###"));
-    EXPECT_EQ(DrawnPolygon(5, 5, {{0, 2}, {2, 0}, {4, 2}, {2, 4}, {0, 2}}),
-              Lines("..#.. .###. ##### .###. ..#.."));
-    EXPECT_EQ(DrawnPolygon(5, 3, {{0, 1}, {2, 1}, {4, 1}, {2, 1}, {0, 1}}), Lines("..... ##### ....."));
-    EXPECT_EQ(DrawnPolygon(5, 3, {{0, 0}, {4, 2}}), Lines("##... ..##. ....#")) << "halves go up";
-    EXPECT_EQ(DrawnPolygon(5, 3, {{0, 2}, {4, 0}}), Lines("...## .##.. #...."));
-    EXPECT_EQ(DrawnPolygon(3, 2, {{1, 1}}), Lines("... ...")) << "one point is no polygon";
-    EXPECT_EQ(
-        DrawnPolygon(7, 5, {{0, 0}, {6, 0}, {6, 4}, {0, 4}, {0, 0}, {2, 1}, {2, 3}, {4, 3}, {4, 1}, {2, 1}}),
-        Lines("####### ####### ###.### ####### #######"))
-        << "what is inside twice is outside";
-}
-
 TEST(Shapes, ALaterFinishBringsWhatWasAdded) {
     Paper paper{4, 4};
     ShapeCanvas canvas(0, 4, 4, paper.rows.data());

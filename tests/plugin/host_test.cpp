@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <vector>
-
-#include "tests/support/pictures.h"
 
 namespace lumafold::test {
 namespace {
@@ -70,26 +67,6 @@ TEST(Host, SendsEachCommandWithItsArguments) {
         EXPECT_EQ(host.ClipboardPicture(42), static_cast<DibHandle>(given));
         EXPECT_EQ(sent, expected);
     }
-}
-
-TEST(Host, IsToldWhatThePluginIs) {
-    std::vector<std::uint8_t> room(sizeof(PluginParams) + 200, 0xEE);
-    auto& params = *reinterpret_cast<PluginParams*>(room.data());
-    params.size = static_cast<std::uint32_t>(room.size() - 10);
-    FillPluginParams(params);
-    EXPECT_EQ(+params.size, room.size() - 10);
-    EXPECT_EQ(+params.version, 0x201U);
-    EXPECT_STREQ(params.name, "Lumafold");
-    EXPECT_GT(std::strlen(params.notice), 10U);
-    EXPECT_EQ(room[room.size() - 11], 0);
-    EXPECT_EQ(room[room.size() - 10], 0xEE);
-    // A size that is too small is not believed, and what lies behind the texts is left alone.
-    std::fill(room.begin(), room.end(), std::uint8_t{0xEE});
-    params.size = 8;
-    FillPluginParams(params);
-    EXPECT_STREQ(params.name, "Lumafold");
-    EXPECT_GT(std::strlen(params.notice), 10U);
-    EXPECT_EQ(room.back(), 0xEE);
 }
 
 } // namespace

@@ -101,22 +101,5 @@ TEST(AlphaPieces, AreTheirDefinition) {
     }
 }
 
-TEST(AlphaPieces, OnePieceShowsItsWholeFade) {
-    const SettingsGuard guard;
-    EXPECT_EQ(FrameCount(RowNamed(kNames[5]), 640, 480), 1209);
-    pluginSettings.TransitionAlphaTileColor = 0x0A64FF;
-    pluginSettings.TransitionAlphaTileStep = 4; // 63.75: alpha 255, 191, 127, 63 and 0 once, as nothing waits
-    const OwnedDib source = PlainPicture(1, 1, 0x123456), target = PlainPicture(1, 1, 0xFF6400);
-    EffectResult result;
-    RunEffect(RowNamed(kNames[4]), source.Get(), target.Get(), result);
-    const PixelValue kShown[] = {0x123456, 0x0A64FF, 0x4763BF, 0x84637F, 0xC2633F, 0xFF6400};
-    ASSERT_EQ(result.Count(), 6);
-    for (std::int32_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(PixelAt(result.Image(i), 0, 0), kShown[i]) << i;
-    }
-    pluginSettings.TransitionAlphaTileStep = 0xFFFFFFFF; // so fine that the fade stands still
-    EXPECT_EQ(FrameCount(RowNamed(kNames[4]), 4, 2), 0);
-}
-
 } // namespace
 } // namespace lumafold::test

@@ -69,31 +69,6 @@ TEST(Compositing, KernelAndRowByHand) {
     EXPECT_TRUE(std::equal(out, out + 12, expected));
 }
 
-TEST(Compositing, BlurFailsCleanly) {
-    EXPECT_EQ(DibGaussianBlur(NoisePicture(5, 5, 8, 1).Get(), 100, 100), 0U);
-    EXPECT_EQ(DibGaussianBlur(0, 100, 100), 0U);
-    for (const bool grey : {false, true}) {
-        bool failed = true;
-        for (std::int64_t n = 1; failed; ++n) {
-            const OwnedDib source = grey ? MaskPicture(61, 47) : BusyPicture(61, 47, 1);
-            const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
-            allocation_hooks::FailNth(n);
-            OwnedDib blurred(DibGaussianBlur(source.Get(), 100, 100));
-            failed = allocation_hooks::HasFailed();
-            allocation_hooks::FailNth(0);
-            // The second is the kernel's: without one there are no taps, and the picture comes out black.
-            EXPECT_EQ(static_cast<bool>(blurred), n == 2 || !failed) << n;
-            if (n == 2) {
-                EXPECT_EQ(PixelAt(blurred.Get(), 30, 30), 0U);
-            }
-            blurred = OwnedDib();
-            EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
-            EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
-            EXPECT_TRUE(failed || n > 4);
-        }
-    }
-}
-
 TEST(Compositing, CrossfadeOverAllPairs) {
     // Every pair of bytes, the channels running different ways.
     const OwnedDib a = Picture(256, 256, [](int x, int) {

@@ -83,24 +83,6 @@ void ExpectFrames(const char* name, CanvasSize size, Expected expected) {
     }
 }
 
-/// A frame of a black picture's way to a white one, which shows the mask itself: a white pixel is '#', a
-/// black one '.', any other a '?'; rows end with '/'.
-inline std::string DrawnFrame(const char* name, CanvasSize size, std::int32_t frame) {
-    const OwnedDib black = PlainPicture(size.width, size.height, 0),
-                   white = PlainPicture(size.width, size.height, 0xFFFFFF);
-    EffectResult result;
-    RunEffect(RowNamed(name), black.Get(), white.Get(), result);
-    std::string text;
-    for (std::int32_t y = 0; y < size.height; ++y) {
-        for (std::int32_t x = 0; x < size.width; ++x) {
-            const PixelValue pixel = PixelAt(result.Image(frame), x, y);
-            text += pixel == 0xFFFFFF ? '#' : pixel == 0 ? '.' : '?';
-        }
-        text += '/';
-    }
-    return text;
-}
-
 struct PlainPoint {
     double u, v;
 };

@@ -63,27 +63,5 @@ TEST(LiquidMetal, IsItsPlainDefinition) {
     }
 }
 
-TEST(LiquidMetal, HoldsLaterFramesLonger) {
-    const SettingsGuard guard;
-    const OwnedDib picture = BusyPicture(7, 5, 1);
-    const auto delays = [&](unsigned step, std::int32_t delay) {
-        pluginSettings.TransitionLiquidMetalStep = step;
-        EffectResult result;
-        RunEffect(RowNamed("Liquid metal"), picture.Get(), picture.Get(), result, delay);
-        std::vector<std::int32_t> found;
-        for (std::int32_t i = 1; i < result.Count(); ++i) {
-            found.push_back(result.Delay(i));
-        }
-        return found;
-    };
-    // Half is 12, so stores above 6 lengthen 9 by 9 * stored * 2 / 12.
-    EXPECT_EQ(delays(10, 9), (std::vector<std::int32_t>{9,  9,  9,  9,  9, 9, 19, 21, 22, 24, 25, 27, 25,
-                                                        24, 22, 21, 19, 9, 9, 9,  9,  9,  9,  9,  9}));
-    // With one step or none before the middle there is no half to divide by; a delay of 0 stays 0.
-    EXPECT_EQ(delays(128, 9), std::vector<std::int32_t>{9});
-    EXPECT_EQ(delays(200, 9), std::vector<std::int32_t>{9});
-    EXPECT_EQ(delays(10, 0)[11], 0);
-}
-
 } // namespace
 } // namespace lumafold::test

@@ -63,40 +63,5 @@ TEST(MovingMasks, AreTheirDefinition) {
     }
 }
 
-// One tooth, no blur, half the way: its upper corners at the frame's top, its tip at the bottom. The
-// outline's own pixels make it lean by half a pixel.
-TEST(MovingMasks, ToothByHand) {
-    const SettingsGuard guard;
-    pluginSettings.TransitionSpikeCount = 1;
-    pluginSettings.TransitionSpikeStep = 50;
-    pluginSettings.TransitionSpikeRadius = 0;
-    EXPECT_EQ(FrameCount(RowNamed("Spikes (vertical)"), 8, 8), 2);
-    EXPECT_EQ(DrawnFrame("Spikes (vertical)", {8, 8}, 1), "########/"
-                                                          "?######?/"
-                                                          ".######?/"
-                                                          ".?####?./"
-                                                          "..####?./"
-                                                          "..?##?../"
-                                                          "...##?../"
-                                                          "...??.../");
-}
-
-// The offset is rounded to single precision in every frame: after 25 steps of 2 % it stands at 4 of 8
-// (doubles would have it a little below) and just below 13 of 26 (unrounded it would be 13).
-TEST(MovingMasks, OffsetKeepsSinglePrecision) {
-    const SettingsGuard guard;
-    pluginSettings.TransitionSoftSlideStep = 2;
-    pluginSettings.TransitionSoftSlideRadius = 0;
-    for (const auto& [length, covered] : {std::pair{8, 4}, std::pair{26, 14}}) {
-        std::string line, column;
-        for (int i = 0; i < length; ++i) {
-            line += i < covered ? "#" : ".";
-            column += i < covered ? "#/" : "./";
-        }
-        EXPECT_EQ(DrawnFrame("Soft slide (horizontal)", {length, 1}, 25), line + '/');
-        EXPECT_EQ(DrawnFrame("Soft slide (vertical)", {1, length}, 25), column);
-    }
-}
-
 } // namespace
 } // namespace lumafold::test

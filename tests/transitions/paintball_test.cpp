@@ -49,40 +49,6 @@ TEST(Paintball, IsItsDefinition) {
     }
 }
 
-/// Which point of a 3 x 3 grid each frame hits first, and how long it lasts. The outer points lie beyond the
-/// edge.
-struct Hits {
-    std::string order;
-    std::vector<std::int32_t> delays;
-
-    explicit Hits(std::int32_t delay) {
-        const OwnedDib source(PlainPicture(32, 32, 0)), target(PlainPicture(32, 32, 0xFFFFFF));
-        EffectResult result;
-        RunEffect(RowNamed("Paintball"), source.Get(), target.Get(), result, delay);
-        for (std::int32_t i = 1; i < result.Count(); ++i) {
-            for (int point = 0; point < 9; ++point) {
-                const int x = std::min(point % 3 * 16, 31), y = std::min(point / 3 * 16, 31);
-                const bool before = PixelAt(result.Image(i - 1), x, y) != 0;
-                if (!before && PixelAt(result.Image(i), x, y) != 0) order += std::to_string(point);
-            }
-            delays.push_back(result.Delay(i));
-        }
-    }
-};
-
-TEST(Paintball, DrawsInOrder) {
-    const SettingsGuard guard;
-    UseSettings(16, 0);
-    const Hits plain(50);
-    EXPECT_EQ(plain.order, "562071348");
-    EXPECT_EQ(plain.delays, std::vector<std::int32_t>(9, 50));
-    UseSettings(16, 90); // the delays take every second draw
-    const Hits perturbed(50);
-    EXPECT_EQ(perturbed.order, "513086274");
-    EXPECT_EQ(perturbed.delays, (std::vector<std::int32_t>{20, 3, 11, 16, 25, 11, 43, 32, 30}));
-    EXPECT_EQ(Hits(0).delays, std::vector<std::int32_t>(9, 1));
-}
-
 TEST(Paintball, GiantSplatHidesEverything) {
     const SettingsGuard guard;
     UseSettings(0xFFFFFFFF, 0);

@@ -52,26 +52,5 @@ TEST(Rollerblind, IsItsDefinition) {
     }
 }
 
-// A white picture shows the shades themselves.
-TEST(Rollerblind, ShadesByHand) {
-    const SettingsGuard guard;
-    pluginSettings.TransitionRollerblindStep = 20;
-    const struct {
-        int length, frame, line;
-        unsigned level;
-    } kExpected[] = {
-        {10, 2, 4, 255},    {10, 2, 5, 255},                     // 20 %: the gap of one line is left alone
-        {10, 3, 5, 144},    {10, 3, 4, 255},    {10, 3, 6, 255}, // 40 %: 0.6 sin 45 deg; the centre twice
-        {480, 2, 209, 199}, {480, 2, 271, 199},                  // sin 30 deg lies a little below a half
-        {480, 2, 208, 204}, {480, 2, 192, 255},                  // the gap's first line is never shaded
-    };
-    for (const auto& e : kExpected) {
-        const OwnedDib tall(PlainPicture(1, e.length, 0xFFFFFF));
-        EffectResult rows;
-        RunEffect(RowNamed("Rollerblind (horizontal)"), tall.Get(), tall.Get(), rows);
-        EXPECT_EQ(PixelAt(rows.Image(e.frame), 0, e.line), e.level * 0x010101) << e.length << ' ' << e.line;
-    }
-}
-
 } // namespace
 } // namespace lumafold::test

@@ -22,17 +22,5 @@ TEST(Submerge, SinksByMultiplesAndRisesFromTheTop) {
     }
 }
 
-TEST(Submerge, WhiteStaysAboveAndBlackBelow) {
-    const SettingsGuard guard;
-    // (1, 1, 1) has three broken shares and is as dark as black; 254 is the lightest of all levels.
-    pluginSettings.TransitionSubmergeStep = 1;
-    const OwnedDib white = PlainPicture(2, 2, 0xFFFFFF), dark = PlainPicture(2, 2, 0x010101);
-    EffectResult fine;
-    RunEffect(RowNamed("Submerge"), white.Get(), dark.Get(), fine);
-    ASSERT_EQ(fine.Count(), 1 + 254 + 254);
-    EXPECT_EQ(PixelAt(fine.Image(254), 0, 0), 0xFFFFFFU);
-    EXPECT_EQ(PixelAt(fine.Image(508), 0, 0), 0x946B41U);
-}
-
 } // namespace
 } // namespace lumafold::test

@@ -1,5 +1,4 @@
 // The image list: adding, pasting, removing, dragging, and its file.
-#include "plugin/chosen_names.h"
 #include "tests/windows/dialog_fixture.h"
 
 namespace lumafold::test {
@@ -57,57 +56,6 @@ TEST_F(ListDialog, AddsFilesBelowTheSelection) {
                                         pictures.Path() + "c", pictures.Path() + "Y", pictures.Path() + "Z",
                                         pictures.Path() + "x"}));
     Close();
-}
-
-TEST_F(ListDialog, UnderstandsEveryFormOfChosenFiles) {
-    Pictures("ab");
-    const std::string folder = pictures.Path(), bare = folder.substr(0, folder.size() - 1);
-    using namespace std::string_literals;
-    struct Case {
-        std::string buffer, names;
-    };
-    for (const Case& c : {Case{folder + "a\0\0"s, "a"},
-                          {bare + "\0b\0a\0\0"s, "b a"},
-                          {folder + "\0b\0\0"s, "b"},
-                          {folder + "\0a\0a\0\0"s, "a a"}}) {
-        Open();
-        AddBuffer(c.buffer);
-        EXPECT_EQ(Names(), c.names);
-        Close();
-        WriteFileBytes(files.List(), "");
-    }
-
-    // More names than are taken; each is answered with the same picture.
-    const std::string bytes = ReadFileBytes(folder + "a");
-    host.answer = [&](std::uint32_t command) -> std::optional<std::int32_t> {
-        if (command != 8) return std::nullopt;
-        const HGLOBAL block = GlobalAlloc(GHND, bytes.size());
-        std::memcpy(GlobalLock(block), bytes.data() + 14, bytes.size() - 14);
-        GlobalUnlock(block);
-        return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(block));
-    };
-    std::string many = folder;
-    for (int i = 999; i >= 999 - 270; --i)
-        many += '\0' + std::to_string(i);
-    Open();
-    AddBuffer(many + "\0\0"s);
-    EXPECT_EQ(Count(), static_cast<int>(kMaxChosenNames));
-    ASSERT_EQ(host.commands.back().command, 8U);
-    EXPECT_EQ(host.commands.back().text, folder + "999");
-    EXPECT_EQ(std::string(Entry(0).label), folder + "999");
-    Close();
-
-    // Ends that are missing, names that are too long: nothing is read beyond the buffer.
-    for (const std::string& buffer : {std::string(kChosenNamesBytes, 'x'),
-                                      folder + '\0' + std::string(kChosenNamesBytes - folder.size() - 1, 'y'),
-                                      "\0\0"s, folder + '\0' + std::string(300, 'z') + "\0a\0\0"s}) {
-        WriteFileBytes(files.List(), "");
-        Open();
-        AddBuffer(buffer);
-        AnswerMessage();
-        EXPECT_LE(Count(), 1);
-        Close();
-    }
 }
 
 TEST_F(ListDialog, KeepsWhatCameBeforeAFileThatCannotBeRead) {

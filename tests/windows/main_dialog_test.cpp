@@ -1,7 +1,4 @@
 // The main dialog: opening for every kind of host, what its controls do, and what it writes when it closes.
-#include <algorithm>
-#include <sstream>
-
 #include "settings/settings.h"
 #include "tests/windows/dialog_fixture.h"
 #include "transitions/table.h"
@@ -62,23 +59,9 @@ TEST_F(MainDialog, StartsFromDefaultsAndWritesEverySetting) {
     EXPECT_TRUE(Enabled(LUMAFOLD_MAIN_PALETTE));
     Close();
 
-    std::istringstream text(ReadFileBytes(files.Settings()));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(text, line);) {
-        ASSERT_EQ(line.back(), '\r');
-        lines.push_back(line.substr(0, line.size() - 1));
-    }
-    ASSERT_EQ(lines.size(), 5U + 67U);
-    EXPECT_EQ(lines[0], ";Brackenfield animtion plugin configuration file");
-    EXPECT_EQ(lines[1], ";Edit this at your own risk");
-    EXPECT_EQ(lines[2].rfind(";Last updated ", 0), 0U);
-    EXPECT_EQ(lines[2].size(), 14U + 24U);
-    EXPECT_EQ(lines[3], ";");
-    EXPECT_EQ(lines[4], "[PlugIn]");
-    for (std::size_t i = 0; i < 67; ++i) {
-        const SettingDescriptor& row = SettingDescriptors()[i];
-        EXPECT_EQ(lines[5 + i], std::string(row.key) + " = " + std::to_string(row.defaultValue));
-    }
+    EXPECT_EQ(SettingDescriptors().size(), 67U);
+    for (const SettingDescriptor& row : SettingDescriptors())
+        EXPECT_EQ(files.Setting(row.key), row.defaultValue) << row.key;
 }
 
 TEST_F(MainDialog, KeepsSettingsOnEveryWayOut) {
@@ -174,17 +157,12 @@ TEST_F(MainDialog, ShowsHelpAndTheAboutBox) {
     }
     EXPECT_NE(texts.find("Lumafold"), std::string::npos) << texts;
     EXPECT_NE(texts.find("1.0"), std::string::npos) << texts;
-    if (Control(LUMAFOLD_ID_HELP) != nullptr) {
-        host.helps = true;
-        Click(LUMAFOLD_ID_HELP);
-    }
+    host.helps = true;
+    Click(LUMAFOLD_ID_HELP);
     Click(IDOK);
     Close();
-    std::vector<std::string> asked = host.Texts(9);
-    ASSERT_GE(asked.size(), 2U);
-    EXPECT_EQ(asked[0], "LUMAFOLD.HTML");
-    EXPECT_EQ(asked[1], "LUMAFOLD.HTML");
-    EXPECT_EQ(asked.back(), asked.size() > 2 ? "LUMAFOLD.HTML#ABOUT" : "LUMAFOLD.HTML");
+    EXPECT_EQ(host.Texts(9),
+              (std::vector<std::string>{"LUMAFOLD.HTML", "LUMAFOLD.HTML", "LUMAFOLD.HTML#ABOUT"}));
 }
 
 } // namespace
