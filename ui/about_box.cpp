@@ -14,11 +14,6 @@ void FreeLogo(HWND dialog) {
 
 INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
     switch (message) {
-    case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
-    case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
-        return TRUE;
     case WM_INITDIALOG:
         return TRUE;
     case WM_COMMAND:
@@ -29,7 +24,7 @@ INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM
         FreeLogo(dialog);
         return TRUE;
     default:
-        return FALSE;
+        return AnswerPainting(dialog, message, wparam);
     }
 }
 

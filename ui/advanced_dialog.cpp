@@ -101,14 +101,8 @@ INT_PTR CALLBACK AdvancedProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
         else
             DrawSwatch(item);
         return TRUE;
-    case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
-    case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
-        SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1);
-        return TRUE;
     default:
-        return FALSE;
+        return AnswerPainting(dialog, message, wparam);
     }
 }
 

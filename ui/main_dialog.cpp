@@ -268,8 +268,6 @@ void DrawItem(const DRAWITEMSTRUCT& item) {
 INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     if (OfferToLogo(dialog, LUMAFOLD_MAIN_LOGO, message, wparam, lparam)) return TRUE;
     switch (message) {
-    case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
     case WM_INITDIALOG:
         Session().host = reinterpret_cast<const HostContext*>(lparam);
         Centre(dialog);
@@ -282,14 +280,11 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
     case WM_DRAWITEM:
         DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
         return TRUE;
-    case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
-        return TRUE;
     case WM_DESTROY:
         if (Session().host != nullptr) Close(dialog); // else it was never opened
         return TRUE;
     default:
-        return FALSE;
+        return AnswerPainting(dialog, message, wparam);
     }
 }
 

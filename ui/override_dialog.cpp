@@ -68,14 +68,8 @@ INT_PTR CALLBACK OverrideProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
     case WM_DRAWITEM:
         Draw(dialog, *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
         return TRUE;
-    case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
-    case WM_ERASEBKGND:
-        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
-        SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1);
-        return TRUE;
     default:
-        return FALSE;
+        return AnswerPainting(dialog, message, wparam);
     }
 }
 

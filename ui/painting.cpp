@@ -166,30 +166,15 @@ void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
     if (shown != colour) FillCorner(context, area, colour);
 }
 
-} // namespace
-
-int ScreenDepth() {
-    const HDC screen = GetDC(nullptr);
-    const int depth = GetDeviceCaps(screen, PLANES) * GetDeviceCaps(screen, BITSPIXEL);
-    ReleaseDC(nullptr, screen);
-    return depth > kFewColours ? kManyColours : depth;
-}
-
+/// The tinted texture, or a plain fill on few colours or when the settings ask for it.
 void PaintBackground(HWND dialog, HDC context) {
     RECT area;
     GetClientRect(dialog, &area);
     if (IsPlain() || !PaintTexture(context, area)) FillRect(context, &area, GetSysColorBrush(COLOR_BTNFACE));
 }
 
-void PaintBehind(HWND control, HDC context) {
-    const HWND dialog = GetParent(control);
-    POINT origin = {0, 0};
-    MapWindowPoints(control, dialog, &origin, 1);
-    const SavedContext saved(context);
-    OffsetViewportOrgEx(context, -origin.x, -origin.y, nullptr);
-    PaintBackground(dialog, context);
-}
-
+/// The brush, after making the label transparent. Check boxes, which ask too, get the background for a brush,
+/// and disabled lists a face of their own.
 INT_PTR PaintStaticLabel(HDC context) {
     const HWND control = WindowFromDC(context);
     if (IsOfClass(control, "ComboBox") || IsOfClass(control, "Edit")) { // disabled, else they would not ask
@@ -205,6 +190,37 @@ INT_PTR PaintStaticLabel(HDC context) {
     MapWindowPoints(control, GetParent(control), &origin, 1);
     SetBrushOrgEx(context, -origin.x, -origin.y, nullptr);
     return reinterpret_cast<INT_PTR>(BackgroundBrush(context));
+}
+
+} // namespace
+
+int ScreenDepth() {
+    const HDC screen = GetDC(nullptr);
+    const int depth = GetDeviceCaps(screen, PLANES) * GetDeviceCaps(screen, BITSPIXEL);
+    ReleaseDC(nullptr, screen);
+    return depth > kFewColours ? kManyColours : depth;
+}
+
+void PaintBehind(HWND control, HDC context) {
+    const HWND dialog = GetParent(control);
+    POINT origin = {0, 0};
+    MapWindowPoints(control, dialog, &origin, 1);
+    const SavedContext saved(context);
+    OffsetViewportOrgEx(context, -origin.x, -origin.y, nullptr);
+    PaintBackground(dialog, context);
+}
+
+INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam) {
+    switch (message) {
+    case WM_CTLCOLORSTATIC:
+        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
+    case WM_ERASEBKGND:
+        PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
+        SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1); // or the background is asked for again
+        return TRUE;
+    default:
+        return FALSE;
+    }
 }
 
 void DrawGroupFrame(const DRAWITEMSTRUCT& item) {

@@ -9,15 +9,12 @@ namespace lumafold {
 /// Planes times bits of the screen; everything above 8 counts as 24.
 int ScreenDepth();
 
-/// Answers WM_ERASEBKGND: the tinted texture, or a plain fill on few colours or when the settings ask for it.
-void PaintBackground(HWND dialog, HDC context);
-
 /// Paints the part of its dialog's background that lies behind a control.
 void PaintBehind(HWND control, HDC context);
 
-/// Answers WM_CTLCOLORSTATIC: the brush, after making the label transparent. Check boxes, which ask too, get
-/// the background for a brush, and disabled lists a face of their own.
-INT_PTR PaintStaticLabel(HDC context);
+/// What every dialog's procedure gives for the messages that it does not answer itself: the background and
+/// the labels that stand on it are painted, all else is left to the system.
+INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam);
 
 /// Answers WM_DRAWITEM of an owner-drawn static: a frame with the caption in its upper edge.
 void DrawGroupFrame(const DRAWITEMSTRUCT& item);

@@ -14,7 +14,7 @@ POINT PointOf(LPARAM lparam) {
 } // namespace
 
 bool Canvas::Make(HWND parent) {
-    return Window::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
+    return View::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
 }
 
 void Canvas::Show(Document* document) {
@@ -58,11 +58,6 @@ void Canvas::SetBackdrop(Backdrop backdrop) {
 
 LRESULT Canvas::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT:
-        Paint();
-        return 0;
     case WM_SIZE:
         UpdateScrollBars();
         Repaint();
@@ -88,13 +83,12 @@ LRESULT Canvas::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     }
 }
 
-void Canvas::Paint() {
-    const PaintBuffer buffer(window_);
-    Fill(buffer.Context(), buffer.Area(), kWorkspace);
+void Canvas::Paint(HDC context, const RECT& area) {
+    Fill(context, area, kWorkspace);
     if (document_ == nullptr) {
-        PaintWelcome(buffer.Context(), buffer.Area());
+        PaintWelcome(context, area);
     } else {
-        PaintPicture(buffer.Context(), buffer.Area());
+        PaintPicture(context, area);
     }
 }
 

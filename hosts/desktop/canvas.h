@@ -3,12 +3,12 @@
 
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/painting.h"
+#include "hosts/desktop/view.h"
 #include "hosts/desktop/view_picture.h"
-#include "hosts/desktop/window.h"
 
 namespace lumafold {
 
-class Canvas : public Window<Canvas> {
+class Canvas : public View<Canvas> {
 public:
     static constexpr char kClassName[] = "LumafoldHostCanvas";
 
@@ -26,9 +26,9 @@ public:
     void SetBackdrop(Backdrop backdrop);
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    void Paint(HDC context, const RECT& area);
 
 private:
-    void Paint();
     void PaintWelcome(HDC context, const RECT& area) const;
     void PaintPicture(HDC context, const RECT& area);
     void UpdateScrollBars();

@@ -34,7 +34,7 @@ void PaintThumbnail(HDC context, const Thumbnail& thumbnail, const RECT& room) {
 } // namespace
 
 bool DocumentList::Make(HWND parent) {
-    return Window::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
+    return View::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
 }
 
 void DocumentList::Show(std::vector<const Document*> documents, std::size_t current) {
@@ -52,11 +52,6 @@ void DocumentList::Show(std::vector<const Document*> documents, std::size_t curr
 
 LRESULT DocumentList::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT:
-        Paint();
-        return 0;
     case WM_SIZE:
         ScrollTo(scroll_);
         Repaint();
@@ -86,10 +81,7 @@ void DocumentList::ScrollTo(int y) {
     if (scroll_ != before) Repaint();
 }
 
-void DocumentList::Paint() {
-    const PaintBuffer buffer(window_);
-    const HDC context = buffer.Context();
-    const RECT& area = buffer.Area();
+void DocumentList::Paint(HDC context, const RECT& area) {
     Fill(context, area, kPanel);
     for (std::size_t i = 0; i < documents_.size(); ++i)
         PaintCard(context, *documents_[i], CardAt(i), i == current_);

@@ -3,11 +3,11 @@
 
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/painting.h"
-#include "hosts/desktop/window.h"
+#include "hosts/desktop/view.h"
 
 namespace lumafold {
 
-class DocumentList : public Window<DocumentList> {
+class DocumentList : public View<DocumentList> {
 public:
     static constexpr char kClassName[] = "LumafoldHostDocuments";
     static constexpr int kWidth = 196;
@@ -18,9 +18,9 @@ public:
     void Show(std::vector<const Document*> documents, std::size_t current);
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    void Paint(HDC context, const RECT& area);
 
 private:
-    void Paint();
     void PaintCard(HDC context, const Document& document, const RECT& card, bool current) const;
     void Click(LPARAM lparam);
     void ScrollTo(int y);

@@ -8,7 +8,7 @@ constexpr int kGap = 6, kLabel = 15;
 } // namespace
 
 bool FrameStrip::Make(HWND parent) {
-    return Window::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_HSCROLL, 0, {});
+    return View::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_HSCROLL, 0, {});
 }
 
 int FrameStrip::Height() { return kThumbnailHeight + 4 * kGap + kLabel + GetSystemMetrics(SM_CYHSCROLL); }
@@ -33,11 +33,6 @@ void FrameStrip::Follow() {
 
 LRESULT FrameStrip::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT:
-        Paint();
-        return 0;
     case WM_SIZE:
         ScrollTo(scroll_);
         return 0;
@@ -64,16 +59,15 @@ int FrameStrip::ContentWidth() const {
     return document_ != nullptr ? CellWidth() * static_cast<int>(document_->Player().Count()) + kGap : 0;
 }
 
-void FrameStrip::Paint() {
-    const PaintBuffer buffer(window_);
-    Fill(buffer.Context(), buffer.Area(), kStripBack);
+void FrameStrip::Paint(HDC context, const RECT& area) {
+    Fill(context, area, kStripBack);
     if (document_ == nullptr) return;
     const int width = CellWidth();
     const auto count = static_cast<int>(document_->Player().Count());
     for (int index = std::max(0, scroll_ / width); index < count; ++index) {
         const int left = kGap / 2 + index * width - scroll_;
-        if (left >= buffer.Area().right) break;
-        PaintCell(buffer.Context(), static_cast<std::size_t>(index),
+        if (left >= area.right) break;
+        PaintCell(context, static_cast<std::size_t>(index),
                   {left, kGap, left + width, kGap + kThumbnailHeight + 2 * kGap + kLabel});
     }
 }

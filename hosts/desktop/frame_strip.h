@@ -3,11 +3,11 @@
 
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/painting.h"
-#include "hosts/desktop/window.h"
+#include "hosts/desktop/view.h"
 
 namespace lumafold {
 
-class FrameStrip : public Window<FrameStrip> {
+class FrameStrip : public View<FrameStrip> {
 public:
     static constexpr char kClassName[] = "LumafoldHostFrames";
     /// The owner is sent this with the frame's index when the person chose one.
@@ -20,9 +20,9 @@ public:
     void Follow();
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    void Paint(HDC context, const RECT& area);
 
 private:
-    void Paint();
     void PaintCell(HDC context, std::size_t index, const RECT& cell) const;
     int CellWidth() const;
     int ContentWidth() const;

@@ -84,11 +84,6 @@ void ProgressWindow::CloseWhenAbandoned() {
 
 LRESULT ProgressWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT:
-        Paint();
-        return 0;
     case WM_TIMER:
         CloseWhenAbandoned();
         return 0;
@@ -102,10 +97,7 @@ LRESULT ProgressWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     }
 }
 
-void ProgressWindow::Paint() {
-    const PaintBuffer buffer(window_);
-    const HDC context = buffer.Context();
-    const RECT& area = buffer.Area();
+void ProgressWindow::Paint(HDC context, const RECT& area) {
     Fill(context, area, kPanel);
     Text(context, caption_ + "...", {18, 12, area.right - 18, 30}, Face::Bold, kPanelText,
          DT_SINGLELINE | DT_VCENTER);

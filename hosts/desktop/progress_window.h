@@ -5,11 +5,11 @@
 #include <cstdint>
 
 #include "hosts/desktop/painting.h"
-#include "hosts/desktop/window.h"
+#include "hosts/desktop/view.h"
 
 namespace lumafold {
 
-class ProgressWindow : public Window<ProgressWindow> {
+class ProgressWindow : public View<ProgressWindow> {
 public:
     static constexpr char kClassName[] = "LumafoldHostProgress";
 
@@ -22,11 +22,11 @@ public:
     bool IsShown() const { return window_ != nullptr; }
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
+    void Paint(HDC context, const RECT& area);
 
 private:
     void Open(HWND owner);
     void Pump();
-    void Paint();
     void CloseWhenAbandoned();
 
     HWND owner_ = nullptr;
