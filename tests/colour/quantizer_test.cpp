@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/colour/definition.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
 
 namespace lumafold {
@@ -207,24 +208,20 @@ TEST(Quantizer, RefusesWhatItCannotReadBehindFewColoursAndMany) {
 TEST(Quantizer, GoesOnInBlackWithoutATreeAndFailsWithoutNodes) {
     OwnedFrameList frames;
     ASSERT_TRUE(FrameListAddImage(*frames, test::BusyPicture(61, 47, 2).Release(), 1));
-    const auto blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
-    int failures = 0;
-    for (int n = 1; failures == n - 1; ++n) {
-        Palette palette;
-        int count = 255;
-        allocation_hooks::FailNth(n);
-        const PaletteResult result = ComputeOptimalPalette(*frames, count, palette);
-        const bool failed = allocation_hooks::HasFailed();
-        allocation_hooks::FailNth(0);
-        EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
-        EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
-        if (!failed) break;
-        ++failures;
-        EXPECT_EQ(result, n == 1 ? PaletteResult::NoTree : PaletteResult::Failed);
+    Palette palette;
+    int count = 0;
+    const auto compute = [&] {
+        count = 255;
+        return ComputeOptimalPalette(*frames, count, palette);
+    };
+    auto expected = PaletteResult::NoTree; // of the first allocation
+    const auto check = [&](PaletteResult result, bool missed) {
+        if (!missed) return;
+        EXPECT_EQ(result, std::exchange(expected, PaletteResult::Failed));
         EXPECT_EQ(count, 255);
         EXPECT_EQ(palette, Palette{});
-    }
-    EXPECT_GE(failures, 2);
+    };
+    EXPECT_GE(test::FailEachAllocation(compute, check), 2);
 }
 
 TEST(Quantizer, SortsFromDarkToLightAndKeepsEqualsInOrder) {

@@ -1,8 +1,11 @@
 #include "colour/remap.h"
 
+#include <optional>
+
 #include <gtest/gtest.h>
 
 #include "tests/colour/definition.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
 #include "transitions/random.h"
 
@@ -104,29 +107,24 @@ TEST(Reduction, SurvivesOddCountsAndRefusesOtherDepths) {
 
 TEST(Reduction, FailsCleanlyWhereverMemoryEnds) {
     const test::SettingsGuard guard;
-    const auto locks = allocation_hooks::LiveLocks();
     for (int kind = 0; kind < 24; ++kind) {
         const int bits = std::array{1, 4, 8}[static_cast<std::size_t>(kind % 3)];
         const auto reduce = kind / 3 % 2 != 0 ? &Remapper::Remap : &Remapper::Dither;
         const OwnedDib picture = NoisePicture(7, 5, kind / 6 % 2 != 0 ? 8 : 24, 3);
         pluginSettings.FastRemap = kind / 12 != 0 ? 1 : 0;
         const OwnedDib fresh((Remapper(FixedPalette(6), bits, 256).*reduce)(picture.Get()));
-        const auto blocks = allocation_hooks::LiveBlocks();
-        int failures = 0;
-        for (int n = 1; failures == n - 1; ++n) {
-            Remapper remapper(FixedPalette(6), bits, 256);
-            allocation_hooks::FailNth(n);
-            const OwnedDib result((remapper.*reduce)(picture.Get()));
-            const bool failed = allocation_hooks::HasFailed();
-            allocation_hooks::FailNth(0);
-            failures += failed ? 1 : 0;
-            EXPECT_EQ(!result, failed);
-            EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
+        std::optional<Remapper> remapper;
+        const auto run = [&] {
+            remapper.emplace(FixedPalette(6), bits, 256);
+            return OwnedDib((*remapper.*reduce)(picture.Get()));
+        };
+        const auto check = [&](const OwnedDib& result, bool missed) {
+            EXPECT_EQ(!result, missed);
             // What failed once works again, and with the same result.
-            ExpectSameBlock(OwnedDib((remapper.*reduce)(picture.Get())).Get(), fresh.Get());
-        }
-        EXPECT_GE(failures, 2) << kind;
-        EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks) << kind;
+            ExpectSameBlock(OwnedDib((*remapper.*reduce)(picture.Get())).Get(), fresh.Get());
+            remapper.reset();
+        };
+        EXPECT_GE(test::FailEachAllocation(run, check), 2) << kind;
     }
 }
 

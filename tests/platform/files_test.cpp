@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/failing_memory.h"
 #include "tests/support/scratch_folder.h"
 
 namespace lumafold::test {
@@ -111,20 +112,17 @@ TEST_F(PlatformFiles, GetTheirMissingFoldersOnRequest) {
 TEST_F(PlatformFiles, NeedNoMoreMemoryThanThereIs) {
     const std::string path = folder_.Path("a.bin");
     ASSERT_EQ(Store(path, std::string(1000, 'x')), 0);
-    const std::int64_t before = allocation_hooks::LiveBlocks();
-    std::int64_t failed = 0;
-    for (;; ++failed) {
+    const auto load = [&] {
         Array<std::uint8_t> bytes;
-        allocation_hooks::FailNth(failed + 1);
         const FileError error = LoadFile(path.c_str(), bytes, 1000);
-        const bool missed = allocation_hooks::HasFailed();
-        allocation_hooks::FailNth(0);
-        EXPECT_EQ(error, missed ? ENOMEM : 0);
-        EXPECT_EQ(bytes.size(), missed ? 0U : 1000U);
-        if (!missed) break;
-    }
-    EXPECT_GT(failed, 0);
-    EXPECT_EQ(allocation_hooks::LiveBlocks(), before);
+        return std::pair(error, bytes.size());
+    };
+    EXPECT_GT(test::FailEachAllocation(load,
+                                       [](const auto& loaded, bool missed) {
+                                           EXPECT_EQ(loaded.first, missed ? ENOMEM : 0);
+                                           EXPECT_EQ(loaded.second, missed ? 0U : 1000U);
+                                       }),
+              0);
 }
 
 #ifdef _WIN32

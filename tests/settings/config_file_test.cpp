@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/failing_memory.h"
 #include "tests/support/scratch_folder.h"
 
 namespace lumafold::test {
@@ -201,18 +202,12 @@ TEST_F(ConfigFile, StaysWholeWhenItCannotBeWritten) {
     EXPECT_FALSE(LoadSettings(folder_.Path().c_str(), settings));
     EXPECT_EQ(Changes(settings), "TransitionDelay=12");
     folder_.Put("a.ini", "old");
-    const std::int64_t blocks = allocation_hooks::LiveBlocks();
-    int failures = 0;
-    for (bool missed = true; missed; failures += missed ? 1 : 0) {
-        allocation_hooks::FailNth(failures + 1);
-        const bool saved = SaveSettings(Path().c_str(), settings);
-        missed = allocation_hooks::HasFailed();
-        allocation_hooks::FailNth(0);
+    const auto save = [&] { return SaveSettings(Path().c_str(), settings); };
+    const auto check = [&](bool saved, bool missed) {
         EXPECT_EQ(saved, !missed);
         EXPECT_EQ(folder_.Get("a.ini") == "old", missed);
-    }
-    EXPECT_GT(failures, 0);
-    EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
+    };
+    EXPECT_GT(FailEachAllocation(save, check), 0);
     const std::string before = folder_.Get("a.ini");
     std::filesystem::permissions(Path(), std::filesystem::perms{0444});
     EXPECT_FALSE(SaveSettings(Path().c_str(), PluginSettings{}));

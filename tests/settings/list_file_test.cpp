@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/failing_memory.h"
 #include "tests/support/scratch_folder.h"
 
 namespace lumafold::test {
@@ -86,23 +87,18 @@ TEST_F(ListFile, KeepsPathsAsLongAsALine) {
 TEST_F(ListFile, IsNotWrittenFromHalfAList) {
     const std::string picture = Picture("a.png");
     ASSERT_TRUE(ListFileWriter().Write(Path().c_str()));
-    const std::int64_t blocks = allocation_hooks::LiveBlocks();
-    int failures = 0;
-    for (bool missed = true; missed; failures += missed ? 1 : 0) {
+    const auto write = [&] {
         ListFileWriter writer;
-        allocation_hooks::FailNth(failures + 1);
         bool added = true;
         for (int i = 0; i < 500; ++i)
             added = writer.Add(picture.c_str());
-        const bool written = writer.Write(Path().c_str());
-        missed = allocation_hooks::HasFailed();
-        allocation_hooks::FailNth(0);
-        EXPECT_EQ(added, !missed);
-        EXPECT_EQ(written, !missed);
+        return std::pair(added, writer.Write(Path().c_str()));
+    };
+    const auto check = [&](const auto& written, bool missed) {
+        EXPECT_EQ(written, std::pair(!missed, !missed));
         EXPECT_EQ(Read(Path()).size(), missed ? 0U : 500U);
-    }
-    EXPECT_GT(failures, 1);
-    EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
+    };
+    EXPECT_GT(FailEachAllocation(write, check), 1);
 }
 
 } // namespace
