@@ -1,4 +1,5 @@
 // Nothing stays behind: not after many openings, and not after any allocation that failed on the way.
+#include "tests/support/failing_memory.h"
 #include "tests/windows/dialog_fixture.h"
 #include "tests/windows/live_objects.h"
 
@@ -59,19 +60,12 @@ protected:
         const std::string list = ReadFileBytes(files.List());
         session(); // what is made once and kept
         const int objects = GdiObjects();
-        const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
-        for (int n = 1;; ++n) {
-            SCOPED_TRACE(testing::Message() << "allocation " << n);
+        const auto attempt = [&] {
             WriteFileBytes(files.List(), list);
-            allocation_hooks::FailNth(n);
             session();
-            const bool failed = allocation_hooks::HasFailed();
-            allocation_hooks::FailNth(0);
-            EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
-            EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
-            EXPECT_EQ(GdiObjects(), objects);
-            if (!failed || HasFailure()) return n - 1;
-        }
+            return GdiObjects();
+        };
+        return FailEachAllocation(attempt, [objects](int after, bool) { EXPECT_EQ(after, objects); });
     }
 };
 
