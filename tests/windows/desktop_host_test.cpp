@@ -19,10 +19,7 @@ protected:
     }
     ~DesktopHostTest() override { DestroyWindow(window_); }
 
-    void TakeAnimation(Animation animation, TaskKind kind) override {
-        taken_.push_back(std::move(animation));
-        kinds_.push_back(kind);
-    }
+    void TakeAnimation(Animation animation, TaskKind) override { taken_.push_back(std::move(animation)); }
     HWND DialogInUse() override { return window_; }
     std::vector<std::string> ChoosePictures(HWND) override { return pictures_; }
     bool ShowManual(const std::string& reference) override { return reference == "LUMAFOLD.HTML#ABOUT"; }
@@ -55,25 +52,8 @@ protected:
     HostCallbackObject host_{*this, 1};
     TaskRecord task_{};
     std::vector<Animation> taken_;
-    std::vector<TaskKind> kinds_;
     std::vector<std::string> pictures_;
 };
-
-TEST_F(DesktopHostTest, MakesAnimationsOfTasks) {
-    Begin(1);
-    Call(3, 0, At("made here"), &task_);
-    EXPECT_EQ(Call(4, 0, 0, &task_), 1);
-    EXPECT_TRUE(taken_.empty()) << "abandoned";
-    Begin(5);
-    Begin(1); // the one before was never finished
-    Call(4, 1, 0, &task_);
-    Begin(5);
-    Call(3, 0, At("made here"), &task_);
-    Call(4, 1, 0, &task_);
-    ASSERT_EQ(kinds_, (std::vector<TaskKind>{TaskKind::Build, TaskKind::Test}));
-    EXPECT_EQ(taken_[0].comment + taken_[1].comment, "made here");
-    EXPECT_EQ(taken_[1].frames.at(0).delay, 3);
-}
 
 TEST_F(DesktopHostTest, RefusesNonsense) {
     TaskRecord other{};

@@ -1,4 +1,5 @@
 // The image list: adding, pasting, removing, dragging, and its file.
+#include "platform/files.h"
 #include "tests/windows/dialog_fixture.h"
 
 namespace lumafold::test {
@@ -198,7 +199,7 @@ TEST_F(ListDialog, RestoresItsFile) {
     Open();
     EXPECT_EQ(Names(), "c");
     Close();
-    EXPECT_TRUE(FileExists(files.List()));
+    EXPECT_TRUE(FileExists(files.List().c_str()));
     EXPECT_EQ(ReadFileBytes(files.List()), "");
 }
 

@@ -1,4 +1,5 @@
 // The main dialog: opening for every kind of host, what its controls do, and what it writes when it closes.
+#include "platform/files.h"
 #include "settings/settings.h"
 #include "tests/windows/dialog_fixture.h"
 #include "transitions/table.h"
@@ -123,7 +124,7 @@ TEST_F(MainDialog, ShiftStartsFromWhatIsInForceAndForgetsTheList) {
     EXPECT_EQ(Count(), 0);
     Close();
     EXPECT_EQ(files.Setting("TransitionDelay"), 5);
-    EXPECT_TRUE(FileExists(files.List()));
+    EXPECT_TRUE(FileExists(files.List().c_str()));
     EXPECT_EQ(ReadFileBytes(files.List()), "");
     EXPECT_EQ(host.Count(8), 0);
 }

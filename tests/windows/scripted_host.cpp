@@ -103,16 +103,6 @@ std::string BytesOf(const OwnedDib& picture) {
     return {reinterpret_cast<const char*>(dib.Get()), GlobalBytes(picture.Get())};
 }
 
-PictureFolder::PictureFolder() {
-    char path[MAX_PATH];
-    GetTempPathA(MAX_PATH, path);
-    path_ = std::string(path) + "lumafold-" + std::to_string(GetCurrentProcessId()) + "\\";
-    RemoveFolder(path_);
-    CreateDirectoryA(path_.c_str(), nullptr);
-}
-
-PictureFolder::~PictureFolder() { RemoveFolder(path_); }
-
 std::string PictureFolder::Add(const std::string& name, const OwnedDib& picture) const {
     const LockedDib dib(picture.Get());
     BITMAPFILEHEADER header{};
@@ -132,10 +122,6 @@ std::string ReadFileBytes(const std::string& path) {
 
 void WriteFileBytes(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
-}
-
-bool FileExists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 void RemoveFolder(const std::string& path) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/build_fixture.h"
+#include "tests/support/scratch_folder.h"
 
 namespace lumafold::test {
 
@@ -49,25 +50,20 @@ private:
 
 std::string BytesOf(const OwnedDib& picture);
 
-/// A folder for pictures of the test's own, "...\", emptied at first and removed at the end.
+/// Pictures of the test's own, in a folder that goes with it.
 class PictureFolder {
 public:
-    PictureFolder();
-    PictureFolder(const PictureFolder&) = delete;
-    PictureFolder& operator=(const PictureFolder&) = delete;
-    ~PictureFolder();
-
-    const std::string& Path() const { return path_; }
+    const std::string& Path() const { return path_; } ///< "...\"
     /// Writes a picture as a .bmp and returns its path.
     std::string Add(const std::string& name, const OwnedDib& picture) const;
 
 private:
-    std::string path_;
+    ScratchFolder folder_;
+    const std::string path_ = folder_.Path() + "\\";
 };
 
 std::string ReadFileBytes(const std::string& path);
 void WriteFileBytes(const std::string& path, const std::string& bytes);
-bool FileExists(const std::string& path);
 /// Removes a folder with what is in it.
 void RemoveFolder(const std::string& path);
 
