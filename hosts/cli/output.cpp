@@ -81,7 +81,7 @@ std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& e
     if (EndsInSeparator(path) || fs::is_directory(PathOf(path), ignored)) return OutputKind::Folder;
     const std::string suffix = LowerSuffix(path);
     if (suffix == ".gif") return OutputKind::Gif;
-    if (suffix == ".png") return OutputKind::Apng;
+    if (suffix == ".png" || suffix == ".apng") return OutputKind::Apng;
     if (suffix == ".mng") return OutputKind::Mng;
     error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
             " means no known kind of file; known are .gif, .png, .mng, and a folder's name with / at its end";
