@@ -8,28 +8,6 @@
 namespace lumafold {
 namespace {
 
-TEST(FindNearestColour, WeighsTiesAndPrefersTheFirst) {
-    const Palette palette{
-        {{10, 10, 10}, {14, 10, 10}, {10, 14, 10}, {10, 10, 14}, {14, 10, 10}, {200, 0, 0}, {200, 0, 1}}};
-    const struct {
-        int red, green, blue, count, nearest, exact;
-    } cases[] = {
-        {14, 10, 10, 7, 1, 1},  // the first of two equal ones
-        {12, 10, 10, 7, 0, -1}, // half-way: the lower index
-        {14, 14, 10, 7, 2, -1}, // 48 to entry 2, 64 to entry 1: green weighs most
-        {14, 10, 14, 7, 1, -1}, // 32 to entry 1, 48 to entry 3: blue weighs least
-        {200, 0, 1, 6, 5, -1},  // beyond the count nothing is seen
-        {200, 0, 1, 7, 6, 6},   //
-        {255, 255, 255, 0, 0, -1}, {255, 255, 255, -3, 0, -1},
-        {0, 0, 0, 400, 7, 7}, // no more than 256 entries, the black ones behind the others included
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.red << ' ' << c.green << ' ' << c.blue << " of " << c.count);
-        EXPECT_EQ(FindNearestColour(c.red, c.green, c.blue, palette, c.count), c.nearest);
-        EXPECT_EQ(FindExactColour(c.red, c.green, c.blue, palette, c.count), c.exact);
-    }
-}
-
 struct Search {
     Palette palette;
     int count;
@@ -49,7 +27,9 @@ std::vector<Search> PalettesToSearch() {
                                             {0xC0, 0, 256},
                                             {0xFF, 0, 17},
                                             {0xFF, 0, 1},
-                                            {0xFF, 0, 0}}) {
+                                            {0xFF, 0, 0},
+                                            {0xFF, 0, -3},
+                                            {0xFF, 0, 400}}) {
         Search search{{}, count};
         for (Rgb& entry : search.palette) {
             for (std::uint8_t* level : {&entry.red, &entry.green, &entry.blue})
@@ -65,7 +45,8 @@ TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
     for (const Search& each : PalettesToSearch()) {
         const Palette& palette = each.palette;
         const int count = each.count;
-        const test::Definition definition(palette, 8, count);
+        const int real = std::clamp(count, 0, 256);
+        const test::Definition definition(palette, 8, real);
         NearestSearch search;
         ASSERT_TRUE(search.Build(palette, count));
         const Array<std::uint8_t> cache = BuildLookupCache(search);
@@ -74,10 +55,11 @@ TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
         const auto check = [&](PixelValue v) {
             const PixelValue colour = v & 0xFFFFFF;
             const Rgb c = test::ToRgb(colour);
-            const int nearest = definition.Nearest(c, count);
+            const int nearest = definition.Nearest(c, real);
             wrong += search.Find(colour) != nearest;
             wrong += FindNearestColour(c.red, c.green, c.blue, palette, count) != nearest;
             wrong += exact.Find(colour) != definition.Exact(c);
+            wrong += FindExactColour(c.red, c.green, c.blue, palette, count) != definition.Exact(c);
             return nearest;
         };
         for (unsigned cell = 0; cell < 32768; ++cell) {

@@ -145,46 +145,31 @@ Pictures Gather(Dibs... dibs) {
     return pictures;
 }
 
-TEST(Quantizer, KeepsFewColoursAsTheyAreFirstSeen) {
-    const struct {
-        int colours, most;
-        bool exact;
-    } cases[] = {{1, 1, true},     {2, 1, false},     {3, 3, true},     {17, 16, false},   {254, 255, true},
-                 {255, 255, true}, {256, 255, false}, {255, 256, true}, {257, 256, false}, {300, 255, false}};
-    for (const auto& [colours, most, exact] : cases) {
-        SCOPED_TRACE(testing::Message() << colours << " colours, " << most << " wanted");
-        Colours pixels = Distinct(colours);
-        const Colours listed = pixels;
-        pixels.insert(pixels.end(), listed.rbegin(), listed.rend());
-        // Rows count from the top, and the list spans both frames.
-        const Pictures pictures = Gather(test::PictureOf(pixels, 2), test::PictureOf(listed));
-        const Colours palette = Compute(pictures, most);
-        EXPECT_EQ(palette == listed, exact);
-        EXPECT_EQ(palette, Define(pictures, most));
-    }
-    // A full list knows no colour: after 256 even one more pixel of the last is one too many.
-    Colours pixels = Distinct(256);
-    EXPECT_EQ(Compute(Gather(test::PictureOf(pixels, 16)), 256), pixels);
-    pixels.push_back(pixels.back());
-    const Pictures again = Gather(test::PictureOf(pixels));
-    EXPECT_EQ(Compute(again, 256), Define(again, 256));
-}
-
 TEST(Quantizer, IsWhatItsDefinitionSays) {
+    std::vector<Pictures> sets;
+    // About as many colours as a list holds: once each; twice, from the top and over two frames; the last
+    // one twice in a row.
+    for (const int count : {1, 2, 3, 17, 254, 255, 256, 257, 300}) {
+        const Colours listed = Distinct(count);
+        Colours pixels = listed;
+        sets.push_back(Gather(test::PictureOf(listed)));
+        pixels.insert(pixels.end(), listed.rbegin(), listed.rend());
+        sets.push_back(Gather(test::PictureOf(pixels, 2), test::PictureOf(listed)));
+        pixels.resize(listed.size() + 1);
+        sets.push_back(Gather(test::PictureOf(pixels)));
+    }
     std::uint32_t seed = 0;
     for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {61, 47}}) {
         seed += 10;
-        const Pictures sets[] = {
-            Gather(test::NoisePicture(width, height, 24, seed)),
-            Gather(test::BusyPicture(width, height, seed + 2), test::PlainPicture(width, height, 0x654321),
-                   test::NoisePicture(width, height, 24, seed + 3),
-                   test::BusyPicture(width, height, seed + 4)),
-        };
-        for (const Pictures& pictures : sets) {
-            for (const int most : {1, 2, 3, 16, 100, 255, 256, 257, 0, -1}) {
-                SCOPED_TRACE(testing::Message() << width << 'x' << height << ", " << most << " wanted");
-                EXPECT_EQ(Compute(pictures, most), Define(pictures, most < 1 || most > 256 ? 256 : most));
-            }
+        sets.push_back(Gather(test::NoisePicture(width, height, 24, seed)));
+        sets.push_back(Gather(
+            test::BusyPicture(width, height, seed + 2), test::PlainPicture(width, height, 0x654321),
+            test::NoisePicture(width, height, 24, seed + 3), test::BusyPicture(width, height, seed + 4)));
+    }
+    for (std::size_t i = 0; i < sets.size(); ++i) {
+        for (const int most : {1, 2, 3, 16, 100, 255, 256, 257, 0, -1}) {
+            SCOPED_TRACE(testing::Message() << "set " << i << ", " << most << " wanted");
+            EXPECT_EQ(Compute(sets[i], most), Define(sets[i], most < 1 || most > 256 ? 256 : most));
         }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "image/resample.h"
 #include "tests/support/checksum.h"
 #include "tests/support/pictures.h"
 #include "transitions/random.h"
@@ -24,8 +25,6 @@ struct Frame {
     Frame& operator=(const Frame&) = delete;
     ~Frame() { FrameRecordRelease(record); }
 
-    PixelValue Mark(std::int32_t x, std::int32_t y) const { return PixelAt(record.mask, x, y); }
-
     FrameRecord record{};
 };
 
@@ -33,13 +32,6 @@ std::pair<std::int32_t, std::int32_t> Size(DibHandle picture) {
     std::pair<std::int32_t, std::int32_t> size;
     DibQuery(picture, &size.first, &size.second, nullptr, nullptr);
     return size;
-}
-
-template <typename Visit>
-void ForEachPixel(const Frame& frame, Visit visit) {
-    const auto [width, height] = Size(frame.record.image);
-    for (std::int32_t i = 0; i < width * height && !testing::Test::HasFatalFailure(); ++i)
-        visit(i % width, i / width);
 }
 
 /// The picture with some pixels changed, now and then by one level only, now and then all of a row.
@@ -58,74 +50,62 @@ OwnedDib Changed(DibHandle picture, std::uint32_t seed) {
     return copy;
 }
 
-TEST(Supercompression, MarksExactlyWhatStaysTheSame) {
+/// Pixel by pixel through the accessors: what `frame`, marked after `before` was shown, must have become.
+void ExpectMarked(const Frame& frame, DibHandle before, DibHandle reference) {
+    EXPECT_EQ(frame.record.transparentIndex, static_cast<std::int32_t>(kMatte));
+    const auto [width, height] = Size(before);
+    ASSERT_EQ(Size(frame.record.mask), std::pair(width, height));
+    for (std::int32_t i = 0; i < width * height; ++i) {
+        const std::int32_t x = i % width, y = i / width;
+        const PixelValue now = PixelAt(frame.record.image, x, y), then = PixelAt(before, x, y);
+        ASSERT_EQ(PixelAt(frame.record.mask, x, y), now == then ? 1U : 0U) << x << ',' << y;
+        ASSERT_EQ(PixelAt(reference, x, y), now == kNoPixel ? then : now) << x << ',' << y;
+    }
+}
+
+/// The same for `frame` painted, which showed `before`.
+void ExpectPainted(const Frame& frame, DibHandle before, PixelValue painted) {
+    EXPECT_EQ(frame.record.transparentIndex, static_cast<std::int32_t>(painted));
+    const auto [width, height] = Size(before);
+    for (std::int32_t i = 0; i < width * height; ++i) {
+        const std::int32_t x = i % width, y = i / width;
+        const bool marked = PixelAt(frame.record.mask, x, y) == 1;
+        ASSERT_EQ(PixelAt(frame.record.image, x, y), marked ? painted : PixelAt(before, x, y));
+    }
+    int bits = 0;
+    Palette table, expected;
+    DibQuery(before, nullptr, nullptr, &bits, &expected);
+    DibQuery(frame.record.image, nullptr, nullptr, nullptr, &table);
+    if (bits <= 8) expected[painted] = {0xC0, 0x80, 0x40};
+    EXPECT_EQ(table, expected);
+}
+
+TEST(Supercompression, MarksAndPaintsWhatStaysTheSame) {
     std::uint32_t seed = 0;
     for (const auto& [width, height] :
          {std::pair{1, 1}, {7, 5}, {33, 1}, {61, 47}, {8, 3}, {16, 2}, {0, 4}}) {
-        for (const int bits : {24, 8, 4, 1, 32}) {
-            SCOPED_TRACE(testing::Message() << width << 'x' << height << ", " << bits << " bits");
+        for (const auto& [bits, slot] :
+             {std::pair{24, -1}, {24, 9}, {32, 3}, {8, 255}, {8, 3}, {4, 15}, {4, 0}, {1, 1}, {1, 0}}) {
+            SCOPED_TRACE(testing::Message()
+                         << width << 'x' << height << ", " << bits << " bits, slot " << slot);
             OwnedDib reference;
             Frame first(NoisePicture(width, height, bits, ++seed));
             ASSERT_TRUE(MarkUnchanged(reference, first.record, kMatte));
             EXPECT_EQ(first.record.mask, 0U);
             EXPECT_EQ(first.record.transparentIndex, -1);
-            OwnedDib before(GlobalDuplicate(first.record.image));
-            for (int i = 0; i < 3; ++i) {
-                Frame frame(Changed(before.Get(), ++seed));
+            // Frames of other sizes, too, stay within bounds.
+            for (const auto& [wider, higher] : {std::pair{0, 0}, {0, 0}, {3, 2}, {-1, -1}, {3, -1}}) {
+                const OwnedDib before(GlobalDuplicate(reference.Get())),
+                    changed = Changed(before.Get(), ++seed);
+                const Rect rect{0, 0, std::max(width + wider, 0), std::max(height + higher, 0)};
+                Frame frame{OwnedDib(DibCropRect(changed.Get(), rect, 0))};
+                const OwnedDib whole(GlobalDuplicate(frame.record.image));
                 ASSERT_TRUE(MarkUnchanged(reference, frame.record, kMatte));
-                EXPECT_EQ(frame.record.transparentIndex, static_cast<std::int32_t>(kMatte));
-                ASSERT_EQ(Size(frame.record.mask), std::pair(width, height));
-                ForEachPixel(frame, [&](std::int32_t x, std::int32_t y) {
-                    const PixelValue now = PixelAt(frame.record.image, x, y);
-                    ASSERT_EQ(frame.Mark(x, y), now == PixelAt(before.Get(), x, y) ? 1U : 0U)
-                        << x << ',' << y;
-                    ASSERT_EQ(PixelAt(reference.Get(), x, y), now);
-                });
-                before = OwnedDib(GlobalDuplicate(frame.record.image));
+                ASSERT_NO_FATAL_FAILURE(ExpectMarked(frame, before.Get(), reference.Get()));
+                ASSERT_TRUE(PaintUnchanged(frame.record, slot, kMatte));
+                const PixelValue painted = bits > 8 ? 0 : static_cast<PixelValue>(slot);
+                ASSERT_NO_FATAL_FAILURE(ExpectPainted(frame, whole.Get(), painted));
             }
-        }
-    }
-}
-
-TEST(Supercompression, MarksAndPaintsFramesOfOtherSizesWithinBounds) {
-    OwnedDib reference;
-    Frame large(test::PlainPicture(9, 4, 7)), small(test::PlainPicture(8, 3, 7)),
-        wide(test::PlainPicture(12, 2, 7));
-    ASSERT_TRUE(MarkUnchanged(reference, large.record, kMatte));
-    for (Frame* frame : {&small, &wide}) {
-        ASSERT_TRUE(MarkUnchanged(reference, frame->record, kMatte));
-        const auto [width, height] = Size(frame->record.image);
-        ASSERT_EQ(Size(frame->record.mask).first, 9);
-        for (int i = 0; i < 36; ++i)
-            EXPECT_EQ(frame->Mark(i % 9, i / 9), i % 9 < width && i / 9 < height ? 1U : 0U);
-        EXPECT_TRUE(PaintUnchanged(frame->record, -1, kMatte));
-        EXPECT_EQ(PixelAt(frame->record.image, 7, 1), 0U);
-    }
-    EXPECT_EQ(PixelAt(wide.record.image, 9, 1), 7U);
-}
-
-TEST(Supercompression, PaintsMarkedPixelsOnly) {
-    std::uint32_t seed = 0;
-    for (const auto& [bits, slot] :
-         {std::pair{8, 255}, {8, 3}, {4, 15}, {4, 0}, {1, 1}, {1, 0}, {24, -1}, {24, 9}}) {
-        const PixelValue painted = bits == 24 ? 0 : static_cast<PixelValue>(slot);
-        for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {61, 47}}) {
-            SCOPED_TRACE(testing::Message() << bits << " bits, slot " << slot << ", " << width << " wide");
-            Frame frame(NoisePicture(width, height, bits, ++seed));
-            frame.record.mask = NoisePicture(width, height, 1, ++seed).Release();
-            const OwnedDib before(GlobalDuplicate(frame.record.image));
-            Palette table, expected;
-            DibQuery(before.Get(), nullptr, nullptr, nullptr, &expected);
-            if (bits <= 8) expected[painted] = {0xC0, 0x80, 0x40};
-            ASSERT_TRUE(PaintUnchanged(frame.record, slot, kMatte));
-            ForEachPixel(frame, [&](std::int32_t x, std::int32_t y) {
-                ASSERT_EQ(PixelAt(frame.record.image, x, y),
-                          frame.Mark(x, y) != 0 ? painted : PixelAt(before.Get(), x, y));
-            });
-            DibQuery(frame.record.image, nullptr, nullptr, nullptr, &table);
-            EXPECT_EQ(table, expected);
-            EXPECT_EQ(frame.record.transparentIndex, static_cast<std::int32_t>(painted));
-            EXPECT_NE(frame.record.mask, 0U);
         }
     }
 }
