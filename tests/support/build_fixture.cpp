@@ -33,8 +33,10 @@ std::int32_t LUMAFOLD_CALL RecordingHost::Callback(TaskRecord* task, std::uint32
 std::int32_t RecordingHost::Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
                                    std::intptr_t lparam) {
     RecordedCommand record{command, wparam, ""};
-    if (command == 3 || command == 10) record.text = Text(lparam);
+    if (command == 3 || (command >= 8 && command <= 10)) record.text = Text(lparam);
     if (command == 13) record.text = std::to_string(lparam);
+    // Commands 2 to 4 belong to the task that was made, all others to none.
+    if ((sent != nullptr) != (command >= 2 && command <= 4)) record.text += " (task amiss)";
     commands.push_back(record);
     if (command == 1 || command == 5) {
         if (refuseTask) return 0;
@@ -42,7 +44,7 @@ std::int32_t RecordingHost::Answer(TaskRecord* sent, std::uint32_t command, std:
     }
     if (command == 2) {
         const auto* image = reinterpret_cast<const ImageRecord*>(Text(lparam));
-        if (image->index == refuseFrame || sent == nullptr) return 0;
+        if (image->index == refuseFrame) return 0;
         if (!keepFrames) return 1;
         frames.push_back(
             {OwnedDib(GlobalDuplicate(image->image)), image->delay, image->index, image->transparentIndex});

@@ -11,7 +11,7 @@ namespace lumafold::test {
 
 struct RecordedCommand {
     std::uint32_t command, wparam;
-    std::string text; ///< caption, comment, or the total of a position
+    std::string text; ///< what it sent of text, or the total of a position
     friend bool operator==(const RecordedCommand&, const RecordedCommand&) = default;
 };
 
@@ -26,7 +26,7 @@ public:
     RecordingHost();
     RecordingHost(const RecordingHost&) = delete;
     RecordingHost& operator=(const RecordingHost&) = delete;
-    ~RecordingHost();
+    virtual ~RecordingHost();
 
     HostContext context{};
     std::vector<RecordedCommand> commands;
@@ -39,10 +39,13 @@ public:
     bool refuseTask = false;
     std::int32_t refuseFrame = -1; ///< index of the frame that is not taken
 
+protected:
+    virtual std::int32_t Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
+                                std::intptr_t lparam);
+
 private:
     static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
                                                std::intptr_t lparam);
-    std::int32_t Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
 };
 
 class TestList final : public ImageList {

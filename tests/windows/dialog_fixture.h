@@ -79,7 +79,6 @@ protected:
     void DoubleClickItem(int item);
     void Drag(int item, POINT to);
 
-    Watchdog watchdog{30};
     UserFiles files;
     PictureFolder pictures;
     ScriptedHost host;

@@ -11,7 +11,7 @@
 namespace lumafold::test {
 namespace {
 
-constexpr int kNone = 14, kSpikeBlur = 149, kSpiralStep = 133;
+constexpr int kNone = 14;
 
 using Values = std::tuple<int, int, int, unsigned>; ///< transition, pause, delay, flags
 
@@ -81,89 +81,83 @@ TEST_F(EntryDialogs, DefaultsFollowTheUserButForOverriddenEntries) {
     Close();
 }
 
-TEST_F(EntryDialogs, AdvancedShowsEverySettingInItsRange) {
+class AdvancedDialog : public EntryDialogs {
+protected:
+    static constexpr PixelValue kChosen = 0x0A0B0C;
+
+    static std::uint32_t Changed(const SettingDescriptor& row) {
+        if (row.kind == SettingKind::Switch) return 1 - row.defaultValue;
+        if (row.kind == SettingKind::Colour) return kChosen;
+        return row.kind == SettingKind::Number && row.controlId % 2 == 0 ? row.minimum : row.maximum;
+    }
+    void ExpectShown(const SettingDescriptor& row) const {
+        const int id = row.controlId;
+        ASSERT_NE(Control(id), nullptr);
+        char label[100] = "";
+        GetWindowTextA(row.kind == SettingKind::Switch ? Control(id) : GetWindow(Control(id), GW_HWNDPREV),
+                       label, sizeof(label));
+        EXPECT_STREQ(label, row.label);
+        if (row.kind == SettingKind::Switch) {
+            EXPECT_EQ(Checked(id), row.defaultValue != 0);
+        } else if (row.kind == SettingKind::Choice) {
+            EXPECT_EQ(Ask(id, CB_GETCOUNT), static_cast<LRESULT>(row.maximum) + 1);
+            EXPECT_EQ(Chosen(id), static_cast<int>(row.defaultValue));
+        } else if (row.kind == SettingKind::Number) {
+            const std::string low = std::to_string(row.minimum), high = std::to_string(row.maximum);
+            EXPECT_EQ(Text(id), high);
+            EXPECT_EQ(Text(id + LUMAFOLD_UPDOWN), low + "," + high + "," + std::to_string(row.start));
+            DWORD range[2] = {};
+            Ask(id + LUMAFOLD_UPDOWN, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&range[0]),
+                reinterpret_cast<LPARAM>(&range[1]));
+            EXPECT_EQ(std::tuple(range[0], range[1]), std::tuple(row.minimum, row.maximum));
+        }
+    }
+    void Change(const SettingDescriptor& row) {
+        if (row.kind == SettingKind::Number) {
+            Type(row.controlId, Changed(row) == row.minimum ? "0" : "500000");
+        } else if (row.kind == SettingKind::Choice) {
+            Choose(row.controlId, static_cast<int>(Changed(row)));
+        } else {
+            Click(row.controlId);
+        }
+        if (row.kind != SettingKind::Colour) return;
+        EXPECT_EQ(Text(row.controlId), "12,11,10");
+        EXPECT_EQ(+host.colour.before, row.defaultValue);
+    }
+};
+
+TEST_F(AdvancedDialog, ShowsEverySettingInItsRangeAndStoresOnlyOnOk) {
     std::string text;
     for (const SettingDescriptor& row : SettingDescriptors()) {
         if (row.kind == SettingKind::Number) text += std::string(row.key) + " = 100000\r\n";
     }
     WriteFileBytes(files.Settings(), text);
-    Open();
-    Click(LUMAFOLD_MAIN_ADVANCED);
-    ASSERT_NE(Caption(), "Lumafold");
-    const auto label = [&](const SettingDescriptor& row) {
-        if (row.kind == SettingKind::Switch) return Text(row.controlId);
-        char words[100] = "";
-        GetWindowTextA(GetWindow(Control(row.controlId), GW_HWNDPREV), words, sizeof(words));
-        return std::string(words);
-    };
-    int controls = 0;
-    for (const SettingDescriptor& row : SettingDescriptors()) {
-        if (row.dialog != SettingDialog::Advanced) continue;
-        SCOPED_TRACE(row.key);
-        ++controls;
-        ASSERT_NE(Control(row.controlId), nullptr);
-        EXPECT_EQ(label(row), row.label);
-        if (row.kind == SettingKind::Switch) {
-            EXPECT_EQ(Checked(row.controlId), row.defaultValue != 0);
-        }
-        if (row.kind == SettingKind::Choice) {
-            EXPECT_EQ(Ask(row.controlId, CB_GETCOUNT), static_cast<LRESULT>(row.maximum) + 1);
-            EXPECT_EQ(Chosen(row.controlId), static_cast<int>(row.defaultValue));
-        }
-        if (row.kind != SettingKind::Number) continue;
-        EXPECT_EQ(Text(row.controlId), std::to_string(row.maximum));
-        EXPECT_EQ(Text(row.controlId + LUMAFOLD_UPDOWN), std::to_string(row.minimum) + "," +
-                                                             std::to_string(row.maximum) + "," +
-                                                             std::to_string(row.start));
-        DWORD low = 0, high = 0;
-        Ask(row.controlId + LUMAFOLD_UPDOWN, UDM_GETRANGE32, reinterpret_cast<WPARAM>(&low),
-            reinterpret_cast<LPARAM>(&high));
-        EXPECT_EQ(std::tuple(low, high), std::tuple(row.minimum, row.maximum));
-        Type(row.controlId, "0");
-    }
-    EXPECT_EQ(controls, 55);
-    Click(IDOK);
-    Close();
-    for (const SettingDescriptor& row : SettingDescriptors()) {
-        if (row.dialog != SettingDialog::Advanced) continue;
-        EXPECT_EQ(files.Setting(row.key), row.kind == SettingKind::Number ? row.minimum : row.defaultValue)
-            << row.key;
-    }
-}
-
-TEST_F(EntryDialogs, AdvancedStoresOnlyOnOk) {
-    constexpr int kComment = 100, kSilentMovieBack = 139, kSparkleColour = 144;
+    host.chosen = kChosen;
     Open();
     const HWND main = Dialog();
     for (const int button : {IDCANCEL, IDOK}) {
         Click(LUMAFOLD_MAIN_ADVANCED);
-        EXPECT_EQ(Text(kSilentMovieBack), "128,128,128");
-        EXPECT_TRUE(Checked(kComment));
-        EXPECT_EQ(Text(kSpikeBlur), "25");
-        Type(kSpikeBlur, "5000");
-        Choose(kSpiralStep, 16);
-        Click(kComment);
-        host.chosen = 0x0A0B0C;
-        Click(kSilentMovieBack);
-        EXPECT_EQ(Text(kSilentMovieBack), "12,11,10");
-        EXPECT_EQ(+host.colour.before, 0x808080U);
-        EXPECT_EQ(host.colour.owner, static_cast<WindowHandle>(reinterpret_cast<std::uintptr_t>(main)));
-        host.chosen.reset();
-        Click(kSparkleColour);
-        EXPECT_EQ(Text(kSparkleColour), "204,51,255");
-        EXPECT_TRUE(Enabled(IDOK));
+        ASSERT_NE(Dialog(), main);
+        int controls = 0;
+        for (const SettingDescriptor& row : SettingDescriptors()) {
+            if (row.dialog != SettingDialog::Advanced) continue;
+            SCOPED_TRACE(row.key);
+            ++controls;
+            ASSERT_NO_FATAL_FAILURE(ExpectShown(row));
+            Change(row);
+        }
+        EXPECT_EQ(controls, 55);
         Click(LUMAFOLD_ID_HELP);
         Click(button);
         ASSERT_EQ(Dialog(), main);
     }
+    EXPECT_EQ(host.colour.owner, static_cast<WindowHandle>(reinterpret_cast<std::uintptr_t>(main)));
     EXPECT_EQ(host.Texts(9), (std::vector<std::string>{"LUMAFOLD.HTML#ADVANCED", "LUMAFOLD.HTML#ADVANCED"}));
-    EXPECT_EQ(host.Count(11), 4);
     Close();
-    EXPECT_EQ(files.Setting("TransitionSpikeRadius"), 400);
-    EXPECT_EQ(files.Setting("TransitionSpiralStep"), 16);
-    EXPECT_EQ(files.Setting("AddDescriptiveCommentBlock"), 0);
-    EXPECT_EQ(files.Setting("TransitionSilentMovieBackground"), 0x0A0B0C);
-    EXPECT_EQ(files.Setting("TransitionSparkleColor"), 0xFF33CC);
+    for (const SettingDescriptor& row : SettingDescriptors()) {
+        if (row.dialog != SettingDialog::Advanced) continue;
+        EXPECT_EQ(files.Setting(row.key), Changed(row)) << row.key;
+    }
 }
 
 } // namespace

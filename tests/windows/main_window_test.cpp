@@ -7,7 +7,6 @@
 
 #include "hosts/desktop/main_window.h"
 #include "tests/support/pictures.h"
-#include "tests/windows/ui_thread.h"
 
 namespace lumafold::test {
 namespace {
@@ -46,7 +45,6 @@ Animation Built() {
 }
 
 TEST(MainWindowTest, AsksBeforeUnsavedWorkGoes) {
-    const Watchdog watchdog(30);
     InitCommonControls();
     const PluginLibrary plugin;
     HostSettings settings;

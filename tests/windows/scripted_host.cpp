@@ -10,8 +10,6 @@ namespace {
 
 constexpr std::size_t kFileHeaderBytes = 14;
 
-ScriptedHost* theHost = nullptr;
-
 template <typename T>
 const T* At(std::intptr_t address) {
     return reinterpret_cast<const T*>(address); // NOLINT(performance-no-int-to-ptr)
@@ -34,14 +32,6 @@ std::int32_t LoadBitmapFile(const std::string& path) {
 
 } // namespace
 
-ScriptedHost::ScriptedHost(std::uint32_t capabilityFlags) {
-    theHost = this;
-    context.callback = Callback;
-    context.capabilityFlags = capabilityFlags;
-}
-
-ScriptedHost::~ScriptedHost() { theHost = nullptr; }
-
 std::vector<std::string> ScriptedHost::Texts(std::uint32_t command) const {
     std::vector<std::string> texts;
     for (const RecordedCommand& sent : commands) {
@@ -50,37 +40,12 @@ std::vector<std::string> ScriptedHost::Texts(std::uint32_t command) const {
     return texts;
 }
 
-int ScriptedHost::Count(std::uint32_t command) const { return static_cast<int>(Texts(command).size()); }
-
-std::int32_t LUMAFOLD_CALL ScriptedHost::Callback(TaskRecord* sent, std::uint32_t command,
-                                                  std::uint32_t wparam, std::intptr_t lparam) {
-    return theHost->Answer(sent, command, wparam, lparam);
-}
-
 std::int32_t ScriptedHost::Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
                                   std::intptr_t lparam) {
-    RecordedCommand record{command, wparam, ""};
-    const bool hasText = command == 3 || command == 8 || command == 9 || command == 10;
-    if (hasText) record.text = At<char>(lparam);
-    if (command == 13) record.text = std::to_string(lparam);
-    // Commands 2 to 4 belong to the task that was made, all others to none.
-    if ((sent != nullptr) != (command >= 2 && command <= 4)) record.text += " (task amiss)";
-    commands.push_back(record);
-    if (command == 1 || command == 5) std::memcpy(&task, At<char>(lparam), sizeof(task));
+    const std::int32_t recorded = RecordingHost::Answer(sent, command, wparam, lparam);
     if (command == 11) std::memcpy(&colour, At<char>(lparam), sizeof(colour));
-
-    const std::optional<std::int32_t> forced = answer ? answer(command) : std::nullopt;
-    if (forced) return *forced;
+    if (const auto forced = answer ? answer(command) : std::nullopt) return *forced;
     switch (command) {
-    case 2:
-        if (keepFrames) {
-            const auto* image = At<ImageRecord>(lparam);
-            const auto system = reinterpret_cast<HGLOBAL>(static_cast<std::uintptr_t>(image->image));
-            OwnedDib copy(static_cast<DibHandle>(ForeignBlock(GlobalLock(system), GlobalSize(system))));
-            GlobalUnlock(system);
-            frames.push_back({std::move(copy), image->delay, image->index, image->transparentIndex});
-        }
-        return 1;
     case 7:
         std::memcpy(const_cast<char*>(At<char>(lparam)), files.data(), files.size());
         return files.empty() ? 0 : 1;
@@ -94,7 +59,7 @@ std::int32_t ScriptedHost::Answer(TaskRecord* sent, std::uint32_t command, std::
     case 14:
         return clipboard.empty() ? 0 : ForeignBlock(clipboard.data(), clipboard.size());
     default:
-        return 1;
+        return recorded;
     }
 }
 

@@ -1,5 +1,4 @@
-// A host for the plug-in's dialogs: it records every command with copies of what was sent, answers as the
-// test's script says, and can take any command amiss.
+// A host for the plug-in's dialogs: it answers as the test's script says, and can take any command amiss.
 #pragma once
 
 #include <windows.h>
@@ -16,36 +15,23 @@ namespace lumafold::test {
 
 /// Blocks that the host makes for the plug-in are its own: the plug-in's counters and failures know nothing
 /// of them until the plug-in frees them, so making one counts as a live block.
-class ScriptedHost {
+class ScriptedHost : public RecordingHost {
 public:
-    explicit ScriptedHost(std::uint32_t capabilityFlags = 3);
-    ScriptedHost(const ScriptedHost&) = delete;
-    ScriptedHost& operator=(const ScriptedHost&) = delete;
-    ~ScriptedHost();
-
-    HostContext context{};
-
-    // What was seen. `text` is a path, a reference, a caption, a comment or a total.
-    std::vector<RecordedCommand> commands;
-    std::vector<RecordedFrame> frames;
-    TaskRecord task{};
-    ColourRecord colour{};
+    ColourRecord colour{}; ///< of the last command 11
     std::vector<std::string> Texts(std::uint32_t command) const;
-    int Count(std::uint32_t command) const;
+    int Count(std::uint32_t command) const { return static_cast<int>(Texts(command).size()); }
 
     // The script.
     std::string files;                   ///< the bytes command 7 gives; empty is a cancel
     std::optional<std::uint32_t> chosen; ///< by command 11
     std::string clipboard;               ///< the picture's bytes for command 14; empty is none
     bool helps = true;                   ///< what command 9 answers
-    bool keepFrames = true;
     /// Is asked first, on the host's thread; no value leaves the command to the script above.
     std::function<std::optional<std::int32_t>(std::uint32_t command)> answer;
 
 private:
-    static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                               std::intptr_t lparam);
-    std::int32_t Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
+    std::int32_t Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
+                        std::intptr_t lparam) override;
 };
 
 std::string BytesOf(const OwnedDib& picture);

@@ -35,8 +35,6 @@ BOOL CALLBACK FindEnabledDialog(HWND window, LPARAM found) {
     return FALSE;
 }
 
-void CALLBACK TimeIsUp(PVOID, BOOLEAN) { GiveUp("out of time"); }
-
 } // namespace
 
 UiThread::UiThread() {
@@ -143,10 +141,5 @@ void PressKey(WORD key, KeyState what) {
     input.ki.dwFlags = what == KeyState::Up ? KEYEVENTF_KEYUP : 0;
     SendInput(1, &input, sizeof(input));
 }
-
-Watchdog::Watchdog(DWORD seconds) {
-    CreateTimerQueueTimer(&timer_, nullptr, TimeIsUp, nullptr, seconds * 1000, 0, WT_EXECUTEONLYONCE);
-}
-Watchdog::~Watchdog() { DeleteTimerQueueTimer(nullptr, timer_, INVALID_HANDLE_VALUE); }
 
 } // namespace lumafold::test

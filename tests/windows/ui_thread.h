@@ -43,16 +43,4 @@ void PressMouse(MouseButton what);
 enum class KeyState { Down, Up };
 void PressKey(WORD key, KeyState what);
 
-/// Ends the program with a message when a test takes longer than `seconds`.
-class Watchdog {
-public:
-    explicit Watchdog(DWORD seconds);
-    Watchdog(const Watchdog&) = delete;
-    Watchdog& operator=(const Watchdog&) = delete;
-    ~Watchdog();
-
-private:
-    HANDLE timer_ = nullptr;
-};
-
 } // namespace lumafold::test
