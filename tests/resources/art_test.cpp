@@ -1,69 +1,47 @@
-// The files as drawn, read from their bytes: what the resource compiler and the dialogs rely on.
+// The files as drawn: what the resource compiler and the dialogs rely on.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <set>
-#include <string>
 #include <vector>
+
+#include "hosts/codecs/decode.h"
+#include "image/row_view.h"
 
 namespace lumafold {
 namespace {
 
-struct File {
-    std::vector<unsigned char> bytes;
+const std::string kFolder = LUMAFOLD_RESOURCES_DIR "/art/";
 
-    explicit File(const std::string& name) {
-        std::ifstream in(std::string(LUMAFOLD_RESOURCES_DIR) + "/art/" + name, std::ios::binary);
-        bytes.assign(std::istreambuf_iterator<char>(in), {});
-    }
-    int Number(std::size_t at, int size) const {
-        int value = 0;
-        for (int i = size; i-- > 0;)
-            value = value << 8 | bytes.at(at + static_cast<std::size_t>(i));
-        return value;
-    }
-    int Level(int x, int y, int width, int height) const {
-        const int stride = (width + 3) / 4 * 4, at = Number(10, 4) + (height - 1 - y) * stride + x;
-        return bytes.at(static_cast<std::size_t>(at));
-    }
-};
-
-void ExpectBitmap(const File& file, int width, int height, int bits, std::size_t rows) {
-    ASSERT_GT(file.bytes.size(), 54u);
-    EXPECT_EQ(std::string(file.bytes.begin(), file.bytes.begin() + 2), "BM");
-    EXPECT_EQ(file.Number(2, 4), static_cast<int>(file.bytes.size()));
-    EXPECT_EQ(file.bytes.size(), static_cast<std::size_t>(file.Number(10, 4)) + rows);
-    EXPECT_EQ(file.Number(14, 4), 40);
-    EXPECT_EQ(file.Number(18, 4), width);
-    EXPECT_EQ(file.Number(22, 4), height);
-    EXPECT_EQ(file.Number(26, 2), 1);
-    EXPECT_EQ(file.Number(28, 2), bits);
-    EXPECT_EQ(file.Number(30, 4), 0);
+OwnedDib Bitmap(const std::string& name, std::int32_t width, std::int32_t height, int bits) {
+    DecodedPicture read = DecodePictureFile(kFolder + name, 0, 1 << 20);
+    EXPECT_EQ(read.error, "") << name;
+    const LockedDib dib(read.picture.Get());
+    EXPECT_TRUE(dib && dib->biWidth == width && dib->biHeight == height && dib->biBitCount == bits) << name;
+    return std::move(read.picture);
 }
 
-std::string LogoName(int frame) {
-    return std::string("logo_") + (frame < 10 ? "0" : "") + std::to_string(frame) + ".bmp";
-}
+using Bytes = std::vector<unsigned char>;
 
 TEST(Art, LogoTurnsWithoutAJump) {
     constexpr int kFrames = 24, kWidth = 50, kHeight = 49;
-    std::vector<File> frames;
-    std::set<std::vector<unsigned char>> distinct;
+    std::vector<Bytes> frames;
     for (int frame = 0; frame < kFrames; ++frame) {
-        frames.emplace_back(LogoName(frame));
-        ASSERT_NO_FATAL_FAILURE(ExpectBitmap(frames.back(), kWidth, kHeight, 24, 152 * kHeight)) << frame;
-        distinct.insert(frames.back().bytes);
+        const std::string name = "logo_" + std::string(frame < 10 ? "0" : "") + std::to_string(frame);
+        const OwnedDib picture = Bitmap(name + ".bmp", kWidth, kHeight, 24);
+        const GlobalLocked<std::uint8_t> block(picture.Get());
+        ASSERT_TRUE(block);
+        frames.emplace_back(block.Get() + 40, block.Get() + 40 + 152 * kHeight);
     }
-    EXPECT_EQ(distinct.size(), static_cast<std::size_t>(kFrames));
+    EXPECT_EQ(std::set<Bytes>(frames.begin(), frames.end()).size(), frames.size());
 
     std::vector<long> steps;
     for (std::size_t i = 0; i < frames.size(); ++i) {
-        const auto &now = frames[i].bytes, &next = frames[(i + 1) % frames.size()].bytes;
+        const Bytes &now = frames[i], &next = frames[(i + 1) % frames.size()];
         long sum = 0;
-        for (std::size_t at = 54; at < now.size(); ++at)
+        for (std::size_t at = 0; at < now.size(); ++at)
             sum += std::abs(now[at] - next[at]);
         steps.push_back(sum);
     }
@@ -75,14 +53,18 @@ TEST(Art, LogoTurnsWithoutAJump) {
 
 TEST(Art, TextureIsQuietAndHasNoSeam) {
     constexpr int kWidth = 200, kHeight = 250;
-    const File file("texture.bmp");
-    ASSERT_NO_FATAL_FAILURE(ExpectBitmap(file, kWidth, kHeight, 8, kWidth * kHeight));
-    ASSERT_EQ(file.Number(10, 4), 54 + 1024);
-    for (std::size_t level = 0; level < 256; ++level)
-        ASSERT_EQ(file.Number(54 + level * 4, 4), static_cast<int>(level * 0x010101));
-
+    const OwnedDib texture = Bitmap("texture.bmp", kWidth, kHeight, 8);
+    const LockedDib dib(texture.Get());
+    Palette greys;
+    ASSERT_EQ(DibGetPalette(dib.Get(), greys), 256);
+    for (std::size_t level = 0; level < 256; ++level) {
+        const auto grey = static_cast<std::uint8_t>(level);
+        ASSERT_EQ(greys[level], (Rgb{grey, grey, grey}));
+    }
     // Mean difference between neighbouring columns and rows; the last ones reach across the seam.
-    const auto at = [&](int x, int y) { return file.Level(x % kWidth, y % kHeight, kWidth, kHeight); };
+    const auto at = [&](int x, int y) {
+        return static_cast<int>(DibGetPixel(dib.Get(), x % kWidth, y % kHeight));
+    };
     std::vector<double> columns(kWidth), rows(kHeight);
     int darkest = 255, lightest = 0;
     double mean = 0;
@@ -103,45 +85,43 @@ TEST(Art, TextureIsQuietAndHasNoSeam) {
 }
 
 TEST(Art, CursorAndIconCarryTheirMasks) {
-    const auto expectImage = [](const File& file, std::size_t entry, int size) {
-        EXPECT_EQ(file.Number(entry, 1), size);
-        EXPECT_EQ(file.Number(entry + 1, 1), size);
-        const auto image = static_cast<std::size_t>(file.Number(entry + 12, 4));
-        EXPECT_EQ(file.Number(image + 4, 4), size);
-        EXPECT_EQ(file.Number(image + 8, 4), 2 * size);
-        EXPECT_EQ(file.Number(image + 14, 2), 32);
-        const int maskStride = (size + 31) / 32 * 4;
-        EXPECT_EQ(file.Number(entry + 8, 4), 40 + size * size * 4 + size * maskStride);
+    Bytes bytes;
+    const auto at = [&](int place, int size = 1) {
+        int value = 0;
+        for (int i = size; i-- > 0;)
+            value = value << 8 | bytes.at(static_cast<std::size_t>(place + i));
+        return value;
+    };
+    const auto load = [&](const char* name) {
+        std::ifstream in(kFolder + name, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(in), {});
+    };
+    const auto expectImage = [&](int entry, int size) {
+        EXPECT_EQ(std::tuple(at(entry), at(entry + 1)), std::tuple(size, size));
+        const int image = at(entry + 12, 4), maskStride = (size + 31) / 32 * 4;
+        EXPECT_EQ(std::tuple(at(image + 4, 4), at(image + 8, 4), at(image + 14, 2)),
+                  std::tuple(size, 2 * size, 32));
+        EXPECT_EQ(at(entry + 8, 4), 40 + size * size * 4 + size * maskStride);
         // The mask hides exactly what is at least half opaque.
-        for (int y = 0; y < size; ++y) {
-            for (int x = 0; x < size; ++x) {
-                const int opaque =
-                    file.Number(image + 40 + static_cast<std::size_t>((y * size + x) * 4) + 3, 1);
-                const auto byte =
-                    image + 40 + static_cast<std::size_t>(size * size * 4 + y * maskStride + x / 8);
-                ASSERT_EQ(file.Number(byte, 1) >> (7 - x % 8) & 1, opaque < 128) << x << ',' << y;
-            }
+        for (int i = 0; i < size * size; ++i) {
+            const int x = i % size, opaque = at(image + 40 + 4 * i + 3);
+            const int byte = image + 40 + size * size * 4 + i / size * maskStride + x / 8;
+            ASSERT_EQ(at(byte) >> (7 - x % 8) & 1, opaque < 128) << i;
         }
     };
-    const File cursor("drag.cur");
-    ASSERT_EQ(cursor.Number(2, 2), 2);
-    ASSERT_EQ(cursor.Number(4, 2), 1);
-    expectImage(cursor, 6, 32);
-    const auto hotX = cursor.Number(10, 2), hotY = cursor.Number(12, 2);
-    const auto alpha = [&](int x, int y) {
-        const int at = 62 + ((31 - y) * 32 + x) * 4 + 3;
-        return cursor.Number(static_cast<std::size_t>(at), 1);
-    };
+    load("drag.cur");
+    ASSERT_EQ(std::tuple(at(2, 2), at(4, 2)), std::tuple(2, 1));
+    expectImage(6, 32);
+    const int hotX = at(10, 2), hotY = at(12, 2);
+    const auto alpha = [&](int x, int y) { return at(62 + ((31 - y) * 32 + x) * 4 + 3); };
     EXPECT_GE(alpha(hotX, hotY), 128) << "the hot spot is on the tip";
     for (int x = hotX + 2; x < 32; ++x)
         EXPECT_EQ(alpha(x, 0), 0) << "and nothing beside it";
 
-    const File icon("lumafold.ico");
-    ASSERT_EQ(icon.Number(2, 2), 1);
-    ASSERT_EQ(icon.Number(4, 2), 3);
-    expectImage(icon, 6, 16);
-    expectImage(icon, 22, 32);
-    expectImage(icon, 38, 48);
+    load("lumafold.ico");
+    ASSERT_EQ(std::tuple(at(2, 2), at(4, 2)), std::tuple(1, 3));
+    for (const int number : {0, 1, 2})
+        expectImage(6 + 16 * number, 16 + 16 * number);
 }
 
 } // namespace
