@@ -6,6 +6,7 @@
 
 #include "hosts/desktop/host_callback.h"
 #include "plugin/chosen_names.h"
+#include "tests/windows/scripted_host.h"
 #include "tests/windows/snapshot.h"
 
 namespace lumafold::test {
@@ -146,19 +147,13 @@ TEST_F(DesktopHostTest, AnswersForHelpColoursAndTheClipboard) {
     EXPECT_EQ(record.colour, 0x445566U);
     EXPECT_EQ(custom[15], 0x010203U);
 
-    OwnedDib picture = NoisePicture(7, 5, 24, 2);
-    const std::size_t bytes = GlobalBytes(picture.Get());
-    ASSERT_TRUE(OpenClipboard(window_));
-    EmptyClipboard();
-    SetClipboardData(CF_DIB, reinterpret_cast<HANDLE>(static_cast<std::uintptr_t>(picture.Release())));
-    CloseClipboard();
+    const OwnedDib picture = NoisePicture(7, 5, 24, 2);
+    FillClipboard(window_, picture);
     const OwnedDib first(static_cast<DibHandle>(Call(14))), second(static_cast<DibHandle>(Call(14)));
     ASSERT_TRUE(first && second);
     EXPECT_NE(first.Get(), second.Get()) << "blocks of their own";
-    EXPECT_GE(GlobalBytes(first.Get()), bytes);
-    ASSERT_TRUE(OpenClipboard(window_));
-    EmptyClipboard();
-    CloseClipboard();
+    EXPECT_GE(GlobalBytes(first.Get()), GlobalBytes(picture.Get()));
+    FillClipboard(window_, OwnedDib());
     EXPECT_EQ(Call(14), 0);
     EXPECT_EQ(Call(8, 0, At("C:\\no\\such.png")), 0);
 }

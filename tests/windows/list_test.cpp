@@ -74,22 +74,15 @@ TEST_F(ListDialog, KeepsWhatCameBeforeAFileThatCannotBeRead) {
 }
 
 TEST_F(ListDialog, PastesWhatTheHostHas) {
-    const std::string picture = BytesOf(PlainPicture(9, 4, 0x123456));
-    HGLOBAL block = GlobalAlloc(GHND, picture.size());
-    std::memcpy(GlobalLock(block), picture.data(), picture.size());
-    GlobalUnlock(block);
-    ASSERT_TRUE(OpenClipboard(ui.Window()));
-    EmptyClipboard();
-    SetClipboardData(CF_DIB, block);
-    CloseClipboard();
-
+    const OwnedDib copied = PlainPicture(9, 4, 0x123456);
+    FillClipboard(ui.Window(), copied);
     OpenWith("abc");
     ASSERT_TRUE(Enabled(LUMAFOLD_MAIN_PASTE));
     Click(LUMAFOLD_MAIN_PASTE);
     EXPECT_EQ(AnswerMessage(), "Clipboard error");
     EXPECT_EQ(Count(), 3);
     ClickItem(1);
-    host.clipboard = picture;
+    host.clipboard = BytesOf(copied);
     Click(LUMAFOLD_MAIN_PASTE);
     EXPECT_EQ(AnswerMessage(), "");
     EXPECT_EQ(Names(), "a b Clipboard image c");
@@ -111,9 +104,7 @@ TEST_F(ListDialog, PastesWhatTheHostHas) {
     EXPECT_EQ(ReadFileBytes(files.List()), pictures.Path() + "c\r\n" + pictures.Path() + "b\r\n" +
                                                pictures.Path() + "a\r\n"); // a pasted picture has no file
 
-    ASSERT_TRUE(OpenClipboard(ui.Window()));
-    EmptyClipboard();
-    CloseClipboard();
+    FillClipboard(ui.Window(), OwnedDib());
     Open();
     EXPECT_FALSE(Enabled(LUMAFOLD_MAIN_PASTE));
     Close();

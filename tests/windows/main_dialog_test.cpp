@@ -1,4 +1,5 @@
 // The main dialog: opening for every kind of host, what its controls do, and what it writes when it closes.
+#include "lumafold_version.h"
 #include "platform/files.h"
 #include "settings/settings.h"
 #include "tests/windows/dialog_fixture.h"
@@ -149,15 +150,7 @@ TEST_F(MainDialog, ShowsHelpAndTheAboutBox) {
     Click(LUMAFOLD_MAIN_ABOUT);
     ASSERT_NE(Dialog(), main);
     EXPECT_EQ(GetWindow(Dialog(), GW_OWNER), main);
-    std::string texts;
-    for (HWND child = GetWindow(Dialog(), GW_CHILD); child != nullptr;
-         child = GetWindow(child, GW_HWNDNEXT)) {
-        char text[300] = "";
-        GetWindowTextA(child, text, sizeof(text));
-        texts += std::string(text) + "\n";
-    }
-    EXPECT_NE(texts.find("Lumafold"), std::string::npos) << texts;
-    EXPECT_NE(texts.find("1.0"), std::string::npos) << texts;
+    EXPECT_NE(FindWindowExA(Dialog(), nullptr, "Static", "Version " LUMAFOLD_VERSION), nullptr);
     host.helps = true;
     Click(LUMAFOLD_ID_HELP);
     Click(IDOK);

@@ -72,11 +72,7 @@ TEST_F(Painting, ScalesAndCentresThumbnails) {
     RECT item;
     Ask(LUMAFOLD_MAIN_LIST, LB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&item));
     ASSERT_EQ(item.bottom - item.top, 100);
-    const auto at = [&](LONG x, LONG y) {
-        POINT point{x, y};
-        ClientToScreen(list, &point);
-        return shown.At(shown.From(point));
-    };
+    const auto at = [&](LONG x, LONG y) { return shown.At(list, {x, y}); };
     // A small picture keeps its size, in the middle of what the margin leaves, with a frame round it.
     const LONG width = item.right - item.left;
     const LONG left = 6 + (width - 12 - 20) / 2, top = 100 + 6 + (88 - 10) / 2;
@@ -101,10 +97,8 @@ TEST_F(Painting, ScalesAndCentresThumbnails) {
     int dark = 0;
     for (LONG y = 180; y < 198; ++y) {
         for (LONG x = 4; x < 80; ++x) {
-            POINT point{x, y};
-            ClientToScreen(list, &point);
             EXPECT_EQ(at(x, y), 0xFFFFFFU);
-            dark += labelled.At(labelled.From(point)) == 0 ? 1 : 0;
+            dark += labelled.At(list, {x, y}) == 0 ? 1 : 0;
         }
     }
     EXPECT_GT(dark, 40);
@@ -120,11 +114,7 @@ TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
         // The strips along the border are bare.
         RECT client;
         GetClientRect(Dialog(), &client);
-        POINT corner{0, 0};
-        ClientToScreen(Dialog(), &corner);
-        const auto at = [&](LONG x, LONG y) {
-            return shown.At(shown.From(POINT{corner.x + x, corner.y + y}));
-        };
+        const auto at = [&](LONG x, LONG y) { return shown.At(Dialog(), {x, y}); };
         int different = 0;
         for (LONG x = 0; x + 200 < client.right; ++x) {
             EXPECT_EQ(at(x, 2), at(x + 200, 2)) << x;
@@ -133,7 +123,7 @@ TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
         for (LONG y = 0; y + 250 < client.bottom; ++y)
             EXPECT_EQ(at(2, y), at(2, y + 250)) << y;
         EXPECT_EQ(different > 0, !plain);
-        EXPECT_EQ(shown.At(shown.From(Control(LUMAFOLD_MAIN_MATTE), {20, 10})), 0x0000FFU);
+        EXPECT_EQ(shown.At(Control(LUMAFOLD_MAIN_MATTE), {20, 10}), 0x0000FFU);
         Close();
     }
 }

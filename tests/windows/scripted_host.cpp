@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iterator>
 
+#include <gtest/gtest.h>
+
 namespace lumafold::test {
 namespace {
 
@@ -66,6 +68,14 @@ std::int32_t ScriptedHost::Answer(TaskRecord* sent, std::uint32_t command, std::
 std::string BytesOf(const OwnedDib& picture) {
     const LockedDib dib(picture.Get());
     return {reinterpret_cast<const char*>(dib.Get()), GlobalBytes(picture.Get())};
+}
+
+void FillClipboard(HWND owner, const OwnedDib& picture) {
+    ASSERT_TRUE(OpenClipboard(owner));
+    EmptyClipboard();
+    const auto copy = static_cast<std::uintptr_t>(GlobalDuplicate(picture.Get()));
+    if (picture) SetClipboardData(CF_DIB, reinterpret_cast<HANDLE>(copy));
+    CloseClipboard();
 }
 
 std::string PictureFolder::Add(const std::string& name, const OwnedDib& picture) const {

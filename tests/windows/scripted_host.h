@@ -36,6 +36,9 @@ private:
 
 std::string BytesOf(const OwnedDib& picture);
 
+/// Puts a copy of a picture on the clipboard, or nothing.
+void FillClipboard(HWND owner, const OwnedDib& picture);
+
 /// Pictures of the test's own, in a folder that goes with it.
 class PictureFolder {
 public:

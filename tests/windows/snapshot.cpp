@@ -50,10 +50,9 @@ Snapshot::Snapshot(HWND window, HWND over) {
     ReleaseDC(nullptr, screen);
 }
 
-POINT Snapshot::From(HWND control, POINT inside) const {
-    RECT rect;
-    GetWindowRect(control, &rect);
-    return From(POINT{rect.left + inside.x, rect.top + inside.y});
+PixelValue Snapshot::At(HWND control, POINT inside) const {
+    ClientToScreen(control, &inside);
+    return At(From(inside));
 }
 
 int Snapshot::CountOf(PixelValue colour) const {

@@ -18,15 +18,16 @@ public:
     std::int32_t Height() const { return size_.cy; }
     /// 0x00BBGGRR.
     PixelValue At(POINT at) const { return PixelAt(picture_.Get(), at.x, at.y); }
-    /// A point of the screen, or of a control from its upper left corner, as a point of this picture.
-    POINT From(POINT screen) const { return {screen.x - origin_.x, screen.y - origin_.y}; }
-    POINT From(HWND control, POINT inside) const;
+    /// A point of the client area of the window, or of a control in it.
+    PixelValue At(HWND control, POINT inside) const;
     int CountOf(PixelValue colour) const;
 
     /// Into the folder of screenshots, as NAME.png.
     void Save(const std::string& name) const;
 
 private:
+    POINT From(POINT screen) const { return {screen.x - origin_.x, screen.y - origin_.y}; }
+
     POINT origin_{};
     SIZE size_{};
     OwnedDib picture_;
