@@ -105,7 +105,7 @@ TEST_F(DesktopHostTest, ShowsHowFarItIs) {
     int before = 0;
     for (const std::int32_t position : {2, 7}) {
         Call(10, 0, At("Building"));
-        Sleep(20); // it does not draw more often
+        Sleep(100); // it does not draw more often
         Call(13, static_cast<std::uint32_t>(position), 9);
         const Snapshot seen(GetLastActivePopup(window_));
         const int filled = seen.CountOf(kAccent);
