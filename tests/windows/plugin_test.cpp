@@ -42,6 +42,17 @@ TEST(Plugin, ExportsItsEntryPointsAndNoMore) {
     EXPECT_NE(FindResourceA(library.Module(), MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION), nullptr);
 }
 
+TEST(Plugin, KeepsItsTextsByNumber) {
+    const Library library;
+    const std::pair<UINT, const char*> texts[] = {
+        {3, "Error reading file"}, {6, "Memory error"}, {1600, "Black and white"}, {1608, "256 gray levels"}};
+    for (const auto& [number, text] : texts) {
+        char found[64] = "";
+        LoadStringA(library.Module(), number, found, sizeof(found));
+        EXPECT_STREQ(found, text);
+    }
+}
+
 TEST(Plugin, DescribesItselfWhateverTheSize) {
     const Library library;
     ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
