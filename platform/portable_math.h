@@ -1,5 +1,6 @@
 // Sine, cosine, exponential and power where they decide a pixel: the double nearest the true value, on every
-// platform, because the run-time libraries differ in the last place and a truncation can turn that into a row.
+// platform, because the run-time libraries differ in the last place and a truncation can turn that into a
+// row.
 #pragma once
 
 namespace lumafold {

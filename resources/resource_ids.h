@@ -1,5 +1,6 @@
-// Numbers of the plug-in's resources and of the controls that its templates and its code both name. Plain defines:
-// the resource compiler reads them too. The Advanced dialog's controls have theirs in settings/descriptors.def.
+// Numbers of the plug-in's resources and of the controls that its templates and its code both name. Plain
+// defines: the resource compiler reads them too. The Advanced dialog's controls have theirs in
+// settings/descriptors.def.
 #pragma once
 
 #define LUMAFOLD_DIALOG_MAIN 1000

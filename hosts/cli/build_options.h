@@ -32,7 +32,7 @@ struct BuildOptions {
     std::string output;              ///< "" for none, where nothing is to be written
     std::string sheet;               ///< "" for none
     bool testBuild = false;
-    bool estimate = false; ///< measure the file and write none
+    bool estimate = false;                    ///< measure the file and write none
     std::optional<std::uint64_t> memoryLimit; ///< in bytes
     bool quiet = false;
     std::vector<std::string> warnings; ///< one line each
