@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "platform/shapes.h"
 
 namespace lumafold {

@@ -7,7 +7,7 @@
 #include "colour/supercompression.h"
 #include "image/resample.h"
 #include "image/row_view.h"
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 #include "settings/settings.h"
 #include "transitions/table.h"
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "build/image_list.h"
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 
 namespace lumafold {
 

@@ -1,6 +1,6 @@
 #include "settings/settings.h"
 
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 
 namespace lumafold {
 namespace {

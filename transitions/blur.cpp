@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "image/row_view.h"
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/grey.h"
 

@@ -2,7 +2,7 @@
 // smeared along the turn. Both swell up to the middle of the way and die down.
 #include <cmath>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"

@@ -6,7 +6,7 @@
 // frame's pull.
 #include <bit>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"

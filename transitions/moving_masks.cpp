@@ -2,7 +2,7 @@
 // once. Each frame looks at it through a window that moves from the black end towards the white one.
 #include <cmath>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"

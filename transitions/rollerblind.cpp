@@ -2,7 +2,7 @@
 // two edges meet at that line, darkened towards it as if the gap were deep.
 #include <numbers>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"
 

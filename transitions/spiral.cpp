@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "image/resample.h"
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/effect_run.h"
 #include "transitions/effects.h"

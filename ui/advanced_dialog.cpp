@@ -1,5 +1,5 @@
-#include "plugin/module.h"
-#include "resources/resource_ids.h"
+#include "platform/module_win32.h"
+#include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
 #include "ui/controls.h"
 #include "ui/dialogs.h"

@@ -7,7 +7,7 @@
 
 #include <commctrl.h>
 
-#include "resources/resource_ids.h"
+#include "resources/texts/resource_ids.h"
 #include "transitions/table.h"
 
 namespace lumafold {

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "build/image_entry.h"
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 
 namespace lumafold {
 

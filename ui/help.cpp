@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 #include "ui/dialogs.h"
 #include "ui/session.h"
 

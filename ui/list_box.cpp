@@ -3,8 +3,8 @@
 #include <commctrl.h>
 
 #include "platform/allocation.h"
-#include "plugin/module.h"
-#include "resources/resource_ids.h"
+#include "platform/module_win32.h"
+#include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
 #include "ui/controls.h"
 #include "ui/session.h"

@@ -6,9 +6,9 @@
 
 #include "build/build_driver.h"
 #include "platform/folders.h"
-#include "plugin/module.h"
-#include "resources/resource_ids.h"
-#include "resources/strings.h"
+#include "platform/module_win32.h"
+#include "resources/texts/resource_ids.h"
+#include "resources/texts/strings.h"
 #include "settings/config_file.h"
 #include "settings/settings.h"
 #include "ui/controls.h"

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "plugin/module.h"
-#include "resources/resource_ids.h"
+#include "platform/module_win32.h"
+#include "resources/texts/resource_ids.h"
 #include "ui/controls.h"
 #include "ui/dialogs.h"
 #include "ui/painting.h"

@@ -8,10 +8,10 @@
 
 #include "colour/nearest.h"
 #include "colour/palettes.h"
-#include "plugin/module.h"
-#include "resources/resource_ids.h"
+#include "platform/module_win32.h"
+#include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
-#include "ui/gdi.h"
+#include "platform/gdi_win32.h"
 #include "ui/session.h"
 
 namespace lumafold {

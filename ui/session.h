@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 
 namespace lumafold {
 

@@ -7,8 +7,8 @@
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
 #include "hosts/cli/output.h"
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/png_writer.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
 #include "hosts/common/report.h"
 
 namespace lumafold {

@@ -7,7 +7,7 @@
 
 #include "colour/palettes.h"
 #include "hosts/cli/names.h"
-#include "hosts/codecs/files.h"
+#include "codecs/files.h"
 #include "settings/config_file.h"
 #include "transitions/table.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/codecs/animation.h"
+#include "codecs/animation.h"
 
 namespace lumafold {
 

@@ -7,7 +7,7 @@
 
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/paths.h"
-#include "hosts/codecs/files.h"
+#include "codecs/files.h"
 
 namespace lumafold {
 namespace {

@@ -11,7 +11,7 @@
 #endif
 #include <unistd.h>
 
-#include "hosts/codecs/files.h"
+#include "codecs/files.h"
 
 namespace lumafold {
 namespace {

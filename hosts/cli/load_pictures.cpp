@@ -1,6 +1,6 @@
 #include "hosts/cli/load_pictures.h"
 
-#include "hosts/codecs/decode.h"
+#include "codecs/decode.h"
 
 namespace lumafold {
 

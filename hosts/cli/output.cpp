@@ -6,10 +6,10 @@
 
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/paths.h"
-#include "hosts/codecs/apng_writer.h"
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/gif_writer.h"
-#include "hosts/codecs/mng_writer.h"
+#include "codecs/apng_writer.h"
+#include "codecs/files.h"
+#include "codecs/gif_writer.h"
+#include "codecs/mng_writer.h"
 #include "settings/settings.h"
 
 namespace lumafold {

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "hosts/codecs/decode.h"
+#include "codecs/decode.h"
 #include "settings/settings.h"
 
 namespace lumafold {

@@ -8,7 +8,7 @@
 
 #include "hosts/cli/progress.h"
 #include "hosts/common/task_collector.h"
-#include "plugin/host_protocol.h"
+#include "plugin/protocol/host_protocol.h"
 
 namespace lumafold {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "hosts/codecs/animation.h"
+#include "codecs/animation.h"
 
 namespace lumafold {
 

@@ -4,8 +4,8 @@
 
 #include <optional>
 
-#include "hosts/codecs/animation.h"
-#include "plugin/host_protocol.h"
+#include "codecs/animation.h"
+#include "plugin/protocol/host_protocol.h"
 
 namespace lumafold {
 

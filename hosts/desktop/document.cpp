@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "hosts/codecs/apng_writer.h"
-#include "hosts/codecs/gif_writer.h"
+#include "codecs/apng_writer.h"
+#include "codecs/gif_writer.h"
 #include "hosts/common/report.h"
 #include "hosts/desktop/view_picture.h"
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "hosts/desktop/frame_screens.h"
+#include "codecs/frame_screens.h"
 #include "hosts/desktop/playback.h"
 
 namespace lumafold {

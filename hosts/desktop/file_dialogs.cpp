@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "plugin/chosen_names.h"
+#include "plugin/protocol/chosen_names.h"
 
 namespace lumafold {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "hosts/codecs/decode.h"
+#include "codecs/decode.h"
 #include "platform/folders.h"
-#include "plugin/chosen_names.h"
+#include "plugin/protocol/chosen_names.h"
 #include "settings/config_file.h"
 
 #undef LoadImage // a command here

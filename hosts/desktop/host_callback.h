@@ -8,7 +8,7 @@
 
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/progress_window.h"
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 
 namespace lumafold {
 

@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-#include "hosts/codecs/files.h"
+#include "codecs/files.h"
 #include "hosts/desktop/script_runner.h"
 
 namespace lumafold {

@@ -5,13 +5,13 @@
 
 #include <cstdio>
 
-#include "hosts/codecs/animation_reader.h"
+#include "codecs/animation_reader.h"
 #include "hosts/desktop/file_dialogs.h"
 #include "hosts/desktop/ids.h"
 #include "hosts/desktop/saving.h"
 #include "hosts/desktop/screen_picture.h"
 #include "lumafold_version.h"
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 
 namespace lumafold {
 namespace {

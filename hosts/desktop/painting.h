@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "ui/gdi.h"
+#include "platform/gdi_win32.h"
 
 namespace lumafold {
 

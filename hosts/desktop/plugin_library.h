@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "plugin/host_protocol.h"
+#include "plugin/protocol/host_protocol.h"
 
 namespace lumafold {
 

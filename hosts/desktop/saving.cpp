@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "hosts/codecs/apng_writer.h"
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/gif_writer.h"
-#include "hosts/codecs/mng_writer.h"
-#include "hosts/codecs/png_writer.h"
-#include "hosts/desktop/frame_screens.h"
+#include "codecs/apng_writer.h"
+#include "codecs/files.h"
+#include "codecs/gif_writer.h"
+#include "codecs/mng_writer.h"
+#include "codecs/png_writer.h"
+#include "codecs/frame_screens.h"
 #include "hosts/desktop/screen_picture.h"
 
 namespace lumafold {

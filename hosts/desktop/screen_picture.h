@@ -1,7 +1,7 @@
 // A screen as a picture of its own, for files and the clipboard.
 #pragma once
 
-#include "hosts/desktop/frame_screens.h"
+#include "codecs/frame_screens.h"
 
 namespace lumafold {
 

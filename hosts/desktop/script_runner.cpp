@@ -4,12 +4,12 @@
 
 #include <cstring>
 
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/png_writer.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
 #include "hosts/desktop/dialog_driver.h"
 #include "hosts/desktop/ids.h"
 #include "hosts/desktop/window_picture.h"
-#include "resources/resource_ids.h"
+#include "resources/texts/resource_ids.h"
 
 namespace lumafold {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "resources/resource_ids.h"
+#include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
 
 namespace lumafold {

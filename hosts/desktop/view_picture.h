@@ -1,7 +1,7 @@
 // A screen of pixels as a window shows it: zoomed, and on a checkerboard where nothing is drawn.
 #pragma once
 
-#include "hosts/desktop/frame_screens.h"
+#include "codecs/frame_screens.h"
 
 namespace lumafold {
 

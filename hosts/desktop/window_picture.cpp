@@ -1,6 +1,6 @@
 #include "hosts/desktop/window_picture.h"
 
-#include "ui/gdi.h"
+#include "platform/gdi_win32.h"
 
 namespace lumafold {
 

@@ -6,7 +6,7 @@
 
 #include "resources/art/art.h"
 #include "resources/art/files.h"
-#include "resources/resource_ids.h"
+#include "resources/texts/resource_ids.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "lumafold_version.h"
 #include "resources/manual/text.h"
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 #include "settings/settings.h"
 #include "transitions/table.h"
 

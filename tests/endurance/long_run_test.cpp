@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "hosts/codecs/gif_writer.h"
+#include "codecs/gif_writer.h"
 #include "settings/settings.h"
 #include "tests/endurance/system_counts.h"
 #include "tests/support/build_fixture.h"

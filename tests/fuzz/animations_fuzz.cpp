@@ -1,5 +1,5 @@
 // Saved animations of every format: what is read has frames of one size, each with pixels at every place.
-#include "hosts/codecs/animation_reader.h"
+#include "codecs/animation_reader.h"
 #include "image/row_view.h"
 #include "tests/fuzz/fuzz_target.h"
 #include "tests/fuzz/png_mutator.h"

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <string>
 
-#include "plugin/chosen_names.h"
+#include "plugin/protocol/chosen_names.h"
 #include "tests/fuzz/fuzz_target.h"
 
 using namespace lumafold;

@@ -1,5 +1,5 @@
 // Picture files of every format: what is read has pixels at every place.
-#include "hosts/codecs/decode.h"
+#include "codecs/decode.h"
 #include "image/row_view.h"
 #include "tests/fuzz/fuzz_target.h"
 #include "tests/fuzz/png_mutator.h"

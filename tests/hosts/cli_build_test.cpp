@@ -8,7 +8,7 @@
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/recording_host.h"
 #include "platform/files.h"
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {

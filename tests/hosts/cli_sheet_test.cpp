@@ -1,8 +1,8 @@
 // The contact sheet: what lies where, what it shows of frames that let others shine through, and the sheet of
 // the transitions.
 #include "hosts/cli/contact_sheet.h"
-#include "hosts/codecs/decode.h"
-#include "tests/hosts/animations.h"
+#include "codecs/decode.h"
+#include "tests/support/animations.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {

@@ -1,8 +1,8 @@
 // The desktop program's parts that know no window.
 #include <gtest/gtest.h>
 
-#include "hosts/codecs/decode.h"
-#include "hosts/codecs/gif_writer.h"
+#include "codecs/decode.h"
+#include "codecs/gif_writer.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/icon_painter.h"
@@ -10,8 +10,8 @@
 #include "hosts/desktop/saving.h"
 #include "hosts/desktop/script_steps.h"
 #include "hosts/desktop/view_picture.h"
-#include "resources/resource_ids.h"
-#include "tests/hosts/animations.h"
+#include "resources/texts/resource_ids.h"
+#include "tests/support/animations.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {

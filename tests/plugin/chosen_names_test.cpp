@@ -1,4 +1,4 @@
-#include "plugin/chosen_names.h"
+#include "plugin/protocol/chosen_names.h"
 
 #include <gtest/gtest.h>
 

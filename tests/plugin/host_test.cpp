@@ -1,4 +1,4 @@
-#include "plugin/host.h"
+#include "plugin/protocol/host.h"
 
 #include <gtest/gtest.h>
 

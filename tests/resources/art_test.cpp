@@ -7,7 +7,7 @@
 #include <set>
 #include <vector>
 
-#include "hosts/codecs/decode.h"
+#include "codecs/decode.h"
 #include "image/row_view.h"
 
 namespace lumafold {

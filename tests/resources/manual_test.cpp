@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "resources/strings.h"
+#include "resources/texts/strings.h"
 #include "settings/settings.h"
 #include "transitions/table.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/portable_math.h"
+#include "numbers/portable_math.h"
 #include "tests/support/checksum.h"
 #include "tests/support/pictures.h"
 #include "transitions/compositing.h"

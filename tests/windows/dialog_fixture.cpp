@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "plugin/module.h"
+#include "platform/module_win32.h"
 
 namespace lumafold::test {
 

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "plugin/entry_points.h"
-#include "resources/resource_ids.h"
+#include "plugin/dll/entry_points.h"
+#include "resources/texts/resource_ids.h"
 #include "tests/support/pictures.h"
 #include "tests/windows/scripted_host.h"
 #include "tests/windows/ui_thread.h"

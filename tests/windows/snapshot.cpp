@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/png_writer.h"
-#include "ui/gdi.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
+#include "platform/gdi_win32.h"
 
 namespace lumafold::test {
 namespace {

@@ -3,8 +3,8 @@
 #include <iostream>
 #include <string>
 
-#include "hosts/codecs/files.h"
-#include "hosts/codecs/png_writer.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
 #include "tools/samples/paint.h"
 
 namespace {

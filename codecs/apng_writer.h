@@ -1,0 +1,16 @@
+// Animations to PNG files that move: palette or true colour as the frames have it, delays, the comment, an
+// endless loop. Who knows only still PNG files sees the first frame.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "codecs/animation.h"
+
+namespace lumafold {
+
+/// The whole file in memory, or empty with `error` set (no frames, sides above 1000000, no memory).
+std::vector<std::uint8_t> EncodeApng(const Animation& animation, std::string& error);
+
+} // namespace lumafold

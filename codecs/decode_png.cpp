@@ -1,0 +1,231 @@
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include <png.h>
+
+#include "codecs/jump_guard.h"
+#include "codecs/orientation.h"
+
+namespace lumafold {
+namespace {
+
+/// A file being read by libpng.
+class PngReader : public JumpGuard {
+public:
+    explicit PngReader(std::span<const std::uint8_t> file) : file_(file) {
+        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, OnError, OnWarning);
+        if (png_ != nullptr) info_ = png_create_info_struct(png_);
+        if (info_ == nullptr) {
+            png_destroy_read_struct(&png_, nullptr, nullptr);
+            throw std::bad_alloc();
+        }
+        png_set_read_fn(png_, this, OnRead);
+    }
+    PngReader(const PngReader&) = delete;
+    PngReader& operator=(const PngReader&) = delete;
+    ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
+
+    png_structp Png() const { return png_; }
+    png_infop Info() const { return info_; }
+
+private:
+    [[noreturn]] static void OnError(png_structp png, png_const_charp text) {
+        auto* self = static_cast<PngReader*>(png_get_error_ptr(png));
+        if (self->ended_) self->Fail(kEndsTooEarly);
+        char line[160];
+        std::snprintf(line, sizeof line, "the PNG data is damaged (%s)", text);
+        self->Fail(line);
+    }
+    static void OnWarning(png_structp, png_const_charp) {}
+    static void OnRead(png_structp png, png_bytep to, std::size_t bytes) {
+        auto* self = static_cast<PngReader*>(png_get_io_ptr(png));
+        if (bytes > self->file_.size() - self->position_) {
+            self->ended_ = true;
+            png_error(png, "end of file");
+        }
+        std::memcpy(to, self->file_.data() + self->position_, bytes);
+        self->position_ += bytes;
+    }
+
+    std::span<const std::uint8_t> file_;
+    std::size_t position_ = 0;
+    bool ended_ = false;
+    png_structp png_ = nullptr;
+    png_infop info_ = nullptr;
+};
+
+/// What the header says, and which colour, if any, the file declares transparent.
+struct PngShape {
+    std::uint32_t width, height;
+    int depth, colourType;
+    bool keyed;
+    png_color_16 key;
+
+    bool Grey() const { return (colourType & PNG_COLOR_MASK_COLOR) == 0; }
+    bool Alpha() const { return (colourType & PNG_COLOR_MASK_ALPHA) != 0; }
+    bool Indexed() const { return colourType == PNG_COLOR_TYPE_PALETTE; }
+    /// A transparent 16-bit grey has no entry of its own among 256, so such a picture needs true colour.
+    bool GreyRampFits() const { return colourType == PNG_COLOR_TYPE_GRAY && !(depth == 16 && keyed); }
+};
+
+PngShape ReadShape(PngReader& reader) {
+    PngShape shape{};
+    reader.Guarded([&] {
+        // Profiles and texts change no pixel here, and compressed ones may unpack to a great deal.
+        static const png_byte kIgnored[] = "iCCP\0tEXt\0zTXt\0iTXt";
+        png_set_keep_unknown_chunks(reader.Png(), PNG_HANDLE_CHUNK_NEVER, kIgnored, 4);
+        png_read_info(reader.Png(), reader.Info());
+        png_get_IHDR(reader.Png(), reader.Info(), &shape.width, &shape.height, &shape.depth,
+                     &shape.colourType, nullptr, nullptr, nullptr);
+        png_color_16p key = nullptr;
+        if (!shape.Indexed() && png_get_tRNS(reader.Png(), reader.Info(), nullptr, nullptr, &key) != 0) {
+            shape.keyed = true;
+            shape.key = *key;
+        }
+    });
+    return shape;
+}
+
+Palette ReadPalette(PngReader& reader, PixelValue matte) {
+    Palette palette{};
+    png_colorp colours = nullptr;
+    png_bytep alphas = nullptr;
+    int colourCount = 0, alphaCount = 0;
+    reader.Guarded([&] {
+        png_get_PLTE(reader.Png(), reader.Info(), &colours, &colourCount);
+        png_get_tRNS(reader.Png(), reader.Info(), &alphas, &alphaCount, nullptr);
+    });
+    for (int i = 0; i < colourCount && i < 256; ++i) {
+        const Rgb colour{colours[i].red, colours[i].green, colours[i].blue};
+        palette[static_cast<std::size_t>(i)] = LayOver(colour, i < alphaCount ? alphas[i] : 255U, matte);
+    }
+    return palette;
+}
+
+Palette ReadPalette(PngReader& reader, const PngShape& shape, PixelValue matte) {
+    if (shape.Indexed()) return ReadPalette(reader, matte);
+    if (!shape.GreyRampFits()) return {};
+    Palette ramp = GreyRamp(std::min(shape.depth, 8));
+    if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = ToRgb(matte);
+    return ramp;
+}
+
+/// One row from what libpng delivers (bytes, or 16-bit samples high byte first) to the picture.
+class RowConverter {
+public:
+    RowConverter(const PngShape& shape, PixelValue matte, PictureBuilder& picture)
+        : shape_(shape), matte_(matte), picture_(picture), indexes_(shape.depth == 16 ? shape.width : 0) {}
+
+    void Convert(std::int32_t y, const std::uint8_t* row) {
+        if (picture_.Bits() == 24) {
+            shape_.depth == 16 ? TrueColour<2>(y, row) : TrueColour<1>(y, row);
+        } else if (shape_.depth == 16) {
+            for (std::size_t x = 0; x < shape_.width; ++x) {
+                indexes_[x] = LayOver(Sample<2>(row + x * 2), 65535, 0, 65535);
+            }
+            picture_.PutIndexes(y, indexes_.data());
+        } else {
+            picture_.PutIndexes(y, row);
+        }
+    }
+
+private:
+    template <int Bytes>
+    static std::uint32_t Sample(const std::uint8_t* at) {
+        return Bytes == 1 ? *at : static_cast<std::uint32_t>(at[0] << 8 | at[1]);
+    }
+
+    template <int Bytes>
+    void TrueColour(std::int32_t y, const std::uint8_t* row) {
+        constexpr std::uint32_t kMost = Bytes == 1 ? 255 : 65535;
+        const std::ptrdiff_t green = shape_.Grey() ? 0 : Bytes, blue = green * 2;
+        std::uint8_t* out = picture_.Row(y);
+        for (std::uint32_t x = 0; x < shape_.width; ++x, out += 3) {
+            const std::uint32_t r = Sample<Bytes>(row), g = Sample<Bytes>(row + green),
+                                b = Sample<Bytes>(row + blue);
+            row += blue + Bytes;
+            std::uint32_t alpha = kMost;
+            if (shape_.Alpha()) {
+                alpha = Sample<Bytes>(row);
+                row += Bytes;
+            } else if (shape_.keyed && IsKey(r, g, b)) {
+                alpha = 0;
+            }
+            out[0] = LayOver(b, alpha, BlueOf(matte_), kMost);
+            out[1] = LayOver(g, alpha, GreenOf(matte_), kMost);
+            out[2] = LayOver(r, alpha, RedOf(matte_), kMost);
+        }
+    }
+
+    bool IsKey(std::uint32_t r, std::uint32_t g, std::uint32_t b) const {
+        if (shape_.Grey()) return r == shape_.key.gray;
+        return r == shape_.key.red && g == shape_.key.green && b == shape_.key.blue;
+    }
+
+    const PngShape& shape_;
+    PixelValue matte_;
+    PictureBuilder& picture_;
+    std::vector<std::uint8_t> indexes_;
+};
+
+/// Interlaced files come in several passes over all rows, so those need every row kept.
+void ReadRows(PngReader& reader, const PngShape& shape, RowConverter& converter) {
+    int passes = 1;
+    std::size_t rowBytes = 0;
+    reader.Guarded([&] {
+        png_set_packing(reader.Png());
+        passes = png_set_interlace_handling(reader.Png());
+        png_read_update_info(reader.Png(), reader.Info());
+        rowBytes = png_get_rowbytes(reader.Png(), reader.Info());
+    });
+    const std::size_t step = passes == 1 ? 0 : rowBytes;
+    std::vector<std::uint8_t> rows(rowBytes + step * (shape.height - 1));
+    reader.Guarded([&] {
+        for (int pass = 1; pass <= passes; ++pass) {
+            for (std::uint32_t y = 0; y < shape.height; ++y) {
+                std::uint8_t* row = rows.data() + step * y;
+                png_read_row(reader.Png(), row, nullptr);
+                if (pass == passes) converter.Convert(static_cast<std::int32_t>(y), row);
+            }
+        }
+        png_read_end(reader.Png(), reader.Info());
+    });
+}
+
+int ReadOrientation(PngReader& reader) {
+    int orientation = 1;
+#ifdef PNG_eXIf_SUPPORTED
+    png_bytep exif = nullptr;
+    png_uint_32 bytes = 0;
+    reader.Guarded([&] {
+        if (png_get_eXIf_1(reader.Png(), reader.Info(), &bytes, &exif) == 0) exif = nullptr;
+    });
+    if (exif != nullptr) orientation = ExifOrientation({exif, bytes});
+#endif
+    return orientation;
+}
+
+/// Width and height stand right behind the signature; checked here, a size too large is told as what it is.
+void CheckHeaderSize(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
+    if (file.size() < 24) throw DecodeError{kEndsTooEarly};
+    CheckSize(png_get_uint_32(file.data() + 16), png_get_uint_32(file.data() + 20), limits);
+}
+
+} // namespace
+
+OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
+    CheckHeaderSize(file, limits);
+    PngReader reader(file);
+    const PngShape shape = ReadShape(reader);
+    // The header chunk may be preceded by others in a damaged file: what libpng read is what counts.
+    CheckSize(shape.width, shape.height, limits);
+    const Palette palette = ReadPalette(reader, shape, limits.matte);
+    const bool indexed = shape.Indexed() || shape.GreyRampFits();
+    PictureBuilder picture(shape.width, shape.height, palette, indexed ? std::min(shape.depth, 8) : 24);
+    RowConverter converter(shape, limits.matte, picture);
+    ReadRows(reader, shape, converter);
+    return Upright(picture.Finish(), ReadOrientation(reader));
+}
+
+} // namespace lumafold

@@ -1,0 +1,56 @@
+#include "codecs/frame_screens.h"
+
+#include <iterator>
+
+namespace lumafold {
+namespace {
+
+constexpr std::size_t kKeptEvery = 16;
+constexpr std::size_t kMostKeptPixels = std::size_t{16} << 20;
+
+} // namespace
+
+FrameScreens::FrameScreens(const Animation& animation)
+    : animation_(animation), reader_(animation, FrameReader::Values::Colours),
+      screen_(static_cast<std::size_t>(animation.width) * static_cast<std::size_t>(animation.height),
+              kNoPixel) {}
+
+const ScreenPixels& FrameScreens::At(std::size_t index) {
+    const auto wanted = static_cast<std::ptrdiff_t>(index);
+    if (wanted == shown_) return screen_;
+    // From what is shown, from a screen that was kept, or from the beginning: whichever is nearest before.
+    const auto after = kept_.upper_bound(index);
+    const std::ptrdiff_t nearest =
+        after == kept_.begin() ? -1 : static_cast<std::ptrdiff_t>(std::prev(after)->first);
+    if (shown_ > wanted || shown_ < nearest || shown_ < 0) {
+        shown_ = nearest;
+        if (nearest >= 0) {
+            screen_ = std::prev(after)->second;
+        } else {
+            std::fill(screen_.begin(), screen_.end(), kNoPixel);
+        }
+    }
+    while (shown_ < wanted) {
+        Draw(static_cast<std::size_t>(shown_ + 1));
+        ++shown_;
+        Keep(static_cast<std::size_t>(shown_));
+    }
+    return screen_;
+}
+
+void FrameScreens::Draw(std::size_t index) {
+    const FramePixels frame = reader_.Read(animation_.frames.at(index));
+    const PixelValue* from = frame.values.data();
+    for (std::int32_t y = 0; y < frame.height; ++y) {
+        PixelValue* to = screen_.data() + static_cast<std::ptrdiff_t>(y) * animation_.width;
+        for (std::int32_t x = 0; x < frame.width; ++x, ++from)
+            to[x] = *from == kNoPixel ? to[x] : *from;
+    }
+}
+
+void FrameScreens::Keep(std::size_t index) {
+    if (index == 0 || index % kKeptEvery != 0 || kept_.contains(index)) return;
+    if ((kept_.size() + 1) * screen_.size() <= kMostKeptPixels) kept_[index] = screen_;
+}
+
+} // namespace lumafold

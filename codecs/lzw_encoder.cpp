@@ -1,0 +1,195 @@
+#include "codecs/lzw_encoder.h"
+
+#include <algorithm>
+#include <array>
+
+namespace lumafold {
+namespace {
+
+constexpr unsigned kMostCodes = 4096;
+constexpr int kMostCodeBits = 12;
+
+/// Which code stands for a known string followed by one more index. Open addressing at most half full; key
+/// and code share a word, so that the table stays near the processor.
+class StringTable {
+public:
+    void Clear() { slots_.fill(0); }
+
+    /// The code, or 0 where the string is new (0 is never the code of a longer string).
+    unsigned Find(unsigned prefix, unsigned index) const {
+        return slots_[SlotOf(Key(prefix, index))] & (kMostCodes - 1);
+    }
+    void Add(unsigned prefix, unsigned index, unsigned code) {
+        const std::uint32_t key = Key(prefix, index);
+        slots_[SlotOf(key)] = key | code;
+    }
+
+private:
+    static constexpr std::size_t kSlots = 2 * kMostCodes;
+
+    static std::uint32_t Key(unsigned prefix, unsigned index) { return prefix << 20 | index << 12; }
+    std::size_t SlotOf(std::uint32_t key) const {
+        std::size_t slot = (key * 2654435761U) >> 19;
+        while (slots_[slot] != 0 && (slots_[slot] ^ key) >= kMostCodes) {
+            slot = (slot + 1) % kSlots;
+        }
+        return slot;
+    }
+
+    std::array<std::uint32_t, kSlots> slots_{};
+};
+
+class CodeStream {
+public:
+    void Put(unsigned code, int bits) {
+        pending_ |= std::uint64_t{code} << held_;
+        held_ += bits;
+        if (held_ >= 32) Store(4);
+    }
+    std::vector<std::uint8_t> Finish() {
+        Store((held_ + 7) / 8);
+        return std::move(bytes_);
+    }
+
+private:
+    void Store(int count) {
+        for (int i = 0; i < count; ++i, pending_ >>= 8) {
+            bytes_.push_back(static_cast<std::uint8_t>(pending_));
+        }
+        held_ -= 8 * count;
+    }
+
+    std::vector<std::uint8_t> bytes_;
+    std::uint64_t pending_ = 0;
+    int held_ = 0;
+};
+
+/// The codes of all known strings that read like the pixels so far. Several only where pixels may be either
+/// of two indexes; more than a few of them gain nothing.
+class Matches {
+public:
+    explicit Matches(unsigned first) : codes_{first} {}
+
+    /// The last is the one that took the drawn index latest, which packed best in trials.
+    unsigned Any() const { return codes_[count_ - 1]; }
+    /// Goes on by one pixel, or returns false where no known string does.
+    bool Extend(const StringTable& table, LzwPixel pixel) {
+        if (count_ == 1 && pixel.index == pixel.other) {
+            const unsigned code = table.Find(codes_[0], pixel.index);
+            if (code != 0) codes_[0] = code;
+            return code != 0;
+        }
+        Matches longer(0);
+        longer.count_ = 0;
+        for (std::size_t i = 0; i < count_; ++i) {
+            longer.Add(table.Find(codes_[i], pixel.other));
+            if (pixel.index != pixel.other) longer.Add(table.Find(codes_[i], pixel.index));
+        }
+        if (longer.count_ == 0) return false;
+        *this = longer;
+        return true;
+    }
+
+private:
+    void Add(unsigned code) {
+        if (code != 0 && count_ < codes_.size()) codes_[count_++] = code;
+    }
+
+    std::array<unsigned, 4> codes_;
+    std::size_t count_ = 1;
+};
+
+class Encoder {
+public:
+    Encoder(std::span<const LzwPixel> pixels, int codeBits) : pixels_(pixels), codeBits_(codeBits) {}
+
+    std::vector<std::uint8_t> Encode() {
+        StartAgain();
+        for (std::size_t at = 0; at < pixels_.size();) {
+            Match match = Best(at);
+            if (at > 0) match = Learn(at, match);
+            stream_.Put(match.code, width_);
+            last_ = match.code;
+            at += match.length;
+        }
+        // The reader has caught up by now, and may expect the end in the wider code.
+        if (next_ == 1U << width_ && width_ < kMostCodeBits) ++width_;
+        stream_.Put(clear_ + 1, width_);
+        return stream_.Finish();
+    }
+
+private:
+    /// The longest known string that the pixels read like, and the index it begins with.
+    struct Match {
+        unsigned first, code;
+        std::size_t length;
+    };
+
+    Match Best(std::size_t at) const {
+        const LzwPixel pixel = pixels_[at];
+        const Match other = Longest(at, pixel.other);
+        if (pixel.index == pixel.other) return other;
+        const Match drawn = Longest(at, pixel.index);
+        return drawn.length > other.length ? drawn : other;
+    }
+    Match Longest(std::size_t at, unsigned first) const {
+        unsigned code = first;
+        std::size_t length = 1;
+        for (; at + length < pixels_.size(); ++length) {
+            const LzwPixel pixel = pixels_[at + length];
+            if (pixel.index != pixel.other) return LongestOfSeveral(at, {first, code, length});
+            const unsigned longer = table_.Find(code, pixel.index);
+            if (longer == 0) break;
+            code = longer;
+        }
+        return {first, code, length};
+    }
+    Match LongestOfSeveral(std::size_t at, Match match) const {
+        Matches matches(match.code);
+        while (at + match.length < pixels_.size() && matches.Extend(table_, pixels_[at + match.length]))
+            ++match.length;
+        match.code = matches.Any();
+        return match;
+    }
+    /// Adds the last string and the index that follows it, or empties the full table; what then is the match.
+    Match Learn(std::size_t at, Match match) {
+        if (next_ == kMostCodes) {
+            StartAgain();
+            return Longest(at, match.first);
+        }
+        // A reader is one string behind, so the width grows with the first code that needs it, not before.
+        if (next_ == 1U << width_) ++width_;
+        const unsigned learnt = next_++;
+        // Where one string reads in two ways the longer may be known already; its number is used up all the
+        // same.
+        if (table_.Find(last_, match.first) != 0) return match;
+        table_.Add(last_, match.first, learnt);
+        // The new string itself may come next: the last one over again, and its first index once more.
+        const std::size_t end = at + match.length;
+        const bool again = match.code == last_ && end < pixels_.size() &&
+                           (pixels_[end].index == match.first || pixels_[end].other == match.first);
+        return again ? Match{match.first, learnt, match.length + 1} : match;
+    }
+    void StartAgain() {
+        stream_.Put(clear_, width_);
+        table_.Clear();
+        next_ = clear_ + 2;
+        width_ = codeBits_ + 1;
+    }
+
+    std::span<const LzwPixel> pixels_;
+    int codeBits_;
+    unsigned clear_ = 1U << codeBits_;
+    int width_ = codeBits_ + 1;
+    unsigned next_ = 0, last_ = 0;
+    StringTable table_;
+    CodeStream stream_;
+};
+
+} // namespace
+
+std::vector<std::uint8_t> EncodeLzw(std::span<const LzwPixel> pixels, int codeBits) {
+    return Encoder(pixels, codeBits).Encode();
+}
+
+} // namespace lumafold

@@ -1,0 +1,370 @@
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <string_view>
+
+#include <zlib.h>
+
+#include "codecs/png_frames.h"
+#include "codecs/screens.h"
+
+namespace lumafold {
+namespace {
+
+constexpr std::string_view kPngSignature("\x89PNG\r\n\x1A\n", 8);
+constexpr std::size_t kSignatureBytes = 8;
+
+struct Chunk {
+    std::string_view type;
+    std::span<const std::uint8_t> data;
+
+    std::uint32_t U32(std::size_t at) const { return Big(at, 4); }
+    std::uint32_t U16(std::size_t at) const { return Big(at, 2); }
+    std::uint32_t U8(std::size_t at) const { return Big(at, 1); }
+    void Need(std::size_t bytes) const {
+        if (data.size() < bytes) throw DecodeError{"the " + std::string(type) + " chunk is too short"};
+    }
+
+private:
+    std::uint32_t Big(std::size_t at, std::size_t bytes) const {
+        std::uint32_t value = 0;
+        for (std::size_t i = 0; i < bytes; ++i)
+            value = value << 8 | data[at + i];
+        return value;
+    }
+};
+
+/// The chunks of a file one after the other, each as it should be.
+class ChunkReader {
+public:
+    explicit ChunkReader(std::span<const std::uint8_t> file)
+        : rest_(file.subspan(std::min(kSignatureBytes, file.size()))) {}
+
+    bool Next(Chunk& chunk) {
+        constexpr std::size_t kAround = 12; // length, type, checksum
+        if (rest_.empty()) return false;
+        if (rest_.size() < kAround) throw DecodeError{kEndsTooEarly};
+        const Chunk head{"", rest_};
+        const std::size_t length = head.U32(0);
+        if (length > rest_.size() - kAround) throw DecodeError{kEndsTooEarly};
+        const auto sum =
+            static_cast<std::uint32_t>(crc32(0, rest_.data() + 4, static_cast<uInt>(length + 4)));
+        if (sum != head.U32(8 + length)) throw DecodeError{"the data is damaged (checksum)"};
+        chunk = {{reinterpret_cast<const char*>(rest_.data()) + 4, 4}, rest_.subspan(8, length)};
+        // Types are letters, and messages name them.
+        if (!std::all_of(chunk.type.begin(), chunk.type.end(),
+                         [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }))
+            throw DecodeError{"the data is damaged (no chunk where one must be)"};
+        rest_ = rest_.subspan(length + kAround);
+        return true;
+    }
+
+private:
+    std::span<const std::uint8_t> rest_;
+};
+
+/// A text chunk under the keyword for comments, not compressed; "" for any other.
+std::string CommentOf(const Chunk& chunk) {
+    constexpr std::string_view kKeyword("Comment\0", 8), kPlainUtf8("\0\0\0\0", 4);
+    std::string_view text(reinterpret_cast<const char*>(chunk.data.data()), chunk.data.size());
+    if (!text.starts_with(kKeyword)) return {};
+    text.remove_prefix(kKeyword.size());
+    if (chunk.type == "tEXt") return std::string(text);
+    if (chunk.type != "iTXt" || !text.starts_with(kPlainUtf8)) return {};
+    return std::string(text.substr(kPlainUtf8.size()));
+}
+
+/// A picture in pieces, as a file of its own: what is told before the data, then the data.
+struct Pieces {
+    std::uint32_t width = 0, height = 0;
+    ChunkWriter::Data header; ///< depth and what follows it in IHDR
+    bool hasAlpha = false;
+    std::vector<Chunk> told;
+    ChunkWriter::Data data;
+
+    void TakeHeader(const Chunk& chunk) {
+        chunk.Need(13);
+        width = chunk.U32(0);
+        height = chunk.U32(4);
+        header.Bytes(chunk.data.data() + 8, 5);
+        hasAlpha = (chunk.U8(9) & 4) != 0;
+    }
+    void Tell(const Chunk& chunk) {
+        if (chunk.type != "PLTE" && chunk.type != "tRNS") return;
+        told.push_back(chunk);
+        hasAlpha = hasAlpha || chunk.type == "tRNS";
+    }
+    std::vector<std::uint8_t> File(std::uint32_t fileWidth, std::uint32_t fileHeight) const {
+        ChunkWriter file(kPngSignature);
+        ChunkWriter::Data first;
+        first.U32(fileWidth).U32(fileHeight).Bytes(header.Get().data(), header.Get().size());
+        file.Put("IHDR", first);
+        for (const Chunk& chunk : told)
+            file.Put(chunk.type, ChunkWriter::Data().Bytes(chunk.data.data(), chunk.data.size()));
+        file.Put("IDAT", data);
+        file.Put("IEND");
+        return file.Take();
+    }
+};
+
+/// Where a picture goes, and how it meets what is there.
+struct Placing {
+    std::uint32_t left = 0, top = 0, width = 0, height = 0;
+    bool replaces = false; ///< or is laid over
+};
+
+std::vector<PixelValue> Colours(const OwnedDib& picture) {
+    const LockedDib dib(picture.Get());
+    if (!dib) throw std::bad_alloc();
+    Palette palette;
+    DibGetPalette(dib.Get(), palette);
+    std::vector<PixelValue> colours;
+    colours.reserve(static_cast<std::size_t>(dib->biWidth) * static_cast<std::size_t>(dib->biHeight));
+    for (std::int32_t y = 0; y < dib->biHeight; ++y) {
+        for (std::int32_t x = 0; x < dib->biWidth; ++x) {
+            const PixelValue value = DibGetPixel(dib.Get(), x, y);
+            const Rgb entry = palette[value & 0xFF];
+            colours.push_back(dib->biBitCount > 8 ? value & 0xFFFFFF
+                                                  : MakeColour(entry.red, entry.green, entry.blue));
+        }
+    }
+    return colours;
+}
+
+/// One pixel over another, told by what it becomes over black and over white.
+PixelValue Over(PixelValue below, PixelValue onBlack, PixelValue onWhite) {
+    if (onBlack == onWhite) return onBlack;
+    if (onBlack == 0 && onWhite == 0xFFFFFF) return below;
+    if (below == kNoPixel) return onWhite;
+    PixelValue mixed = 0;
+    for (const int shift : {0, 8, 16}) {
+        const PixelValue black = onBlack >> shift & 0xFF, white = onWhite >> shift & 0xFF;
+        const PixelValue clear = white > black ? white - black : 0;
+        mixed |= std::min<PixelValue>(black + ((below >> shift & 0xFF) * clear + 127) / 255, 255) << shift;
+    }
+    return mixed;
+}
+
+class PngScreen {
+public:
+    PngScreen(std::uint32_t width, std::uint32_t height, const DecodeLimits& limits) : limits_(limits) {
+        CheckSize(width, height, limits);
+        shown_.width = static_cast<std::int32_t>(width);
+        shown_.height = static_cast<std::int32_t>(height);
+        shown_.pixels.assign(std::size_t{width} * height, kNoPixel);
+    }
+
+    ShownScreen& Shown() { return shown_; }
+
+    void Draw(const Pieces& pieces, const Placing& placing) {
+        CheckPlacing(placing);
+        const std::vector<std::uint8_t> file = pieces.File(placing.width, placing.height);
+        const std::vector<PixelValue> onBlack = Colours(DecodePng(file, {0, limits_.mostPixels}));
+        const std::vector<PixelValue> onWhite =
+            pieces.hasAlpha ? Colours(DecodePng(file, {0xFFFFFF, limits_.mostPixels})) : onBlack;
+        Each(placing, [&](PixelValue& pixel, std::size_t i) {
+            // What was drawn cannot become nothing again, since frames are laid over each other.
+            const PixelValue cleared = pixel == kNoPixel ? kNoPixel : 0xFFFFFF;
+            pixel = Over(placing.replaces ? cleared : pixel, onBlack[i], onWhite[i]);
+        });
+    }
+
+    void Clear(const Placing& placing) {
+        Each(placing, [](PixelValue& pixel, std::size_t) {
+            if (pixel != kNoPixel) pixel = 0xFFFFFF;
+        });
+    }
+
+    void CheckPlacing(const Placing& placing) const {
+        const std::uint64_t right = std::uint64_t{placing.left} + placing.width,
+                            bottom = std::uint64_t{placing.top} + placing.height;
+        if (placing.width == 0 || placing.height == 0 || right > static_cast<std::uint64_t>(shown_.width) ||
+            bottom > static_cast<std::uint64_t>(shown_.height))
+            throw DecodeError{"a frame lies outside the picture"};
+    }
+
+private:
+    template <typename Do>
+    void Each(const Placing& placing, Do act) {
+        std::size_t i = 0;
+        for (std::uint32_t y = placing.top; y < placing.top + placing.height; ++y) {
+            PixelValue* row = shown_.pixels.data() + std::size_t{y} * static_cast<std::size_t>(shown_.width);
+            for (std::uint32_t x = placing.left; x < placing.left + placing.width; ++x)
+                act(row[x], i++);
+        }
+    }
+
+    DecodeLimits limits_;
+    ShownScreen shown_;
+};
+
+enum class Dispose : std::uint32_t { None = 0, Clear = 1, Restore = 2 };
+
+class ApngPlayer {
+public:
+    ApngPlayer(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen)
+        : chunks_(file), limits_(limits), onScreen_(onScreen) {}
+
+    std::string Play() {
+        Chunk chunk;
+        while (chunks_.Next(chunk) && chunk.type != "IEND")
+            Take(chunk);
+        Finish();
+        return comment_;
+    }
+
+private:
+    void Take(const Chunk& chunk) {
+        if (chunk.type == "IHDR") {
+            pieces_.TakeHeader(chunk);
+            screen_.emplace(pieces_.width, pieces_.height, limits_);
+        } else if (!screen_) {
+            throw DecodeError{"the file does not begin as it should"};
+        } else if (chunk.type == "fcTL") {
+            Finish();
+            Control(chunk);
+        } else if (chunk.type == "IDAT") {
+            // Without a frame control before it, this is for those who know only still pictures.
+            if (hasFrame_) pieces_.data.Bytes(chunk.data.data(), chunk.data.size());
+        } else if (chunk.type == "fdAT") {
+            chunk.Need(4);
+            if (hasFrame_) pieces_.data.Bytes(chunk.data.data() + 4, chunk.data.size() - 4);
+        } else {
+            if (chunk.type == "tEXt" || chunk.type == "iTXt") comment_ += CommentOf(chunk);
+            pieces_.Tell(chunk);
+        }
+    }
+
+    void Control(const Chunk& chunk) {
+        chunk.Need(26);
+        placing_ = {chunk.U32(12), chunk.U32(16), chunk.U32(4), chunk.U32(8), chunk.U8(25) == 0};
+        screen_->CheckPlacing(placing_);
+        const std::uint32_t ticks = chunk.U16(20), perSecond = chunk.U16(22) == 0 ? 100 : chunk.U16(22);
+        delay_ = static_cast<std::int32_t>((ticks * 100 + perSecond / 2) / perSecond);
+        dispose_ = static_cast<Dispose>(chunk.U8(24));
+        hasFrame_ = true;
+    }
+
+    void Finish() {
+        if (!hasFrame_) return;
+        hasFrame_ = false;
+        std::vector<PixelValue> before;
+        if (dispose_ == Dispose::Restore) before = screen_->Shown().pixels;
+        screen_->Draw(pieces_, placing_);
+        onScreen_(screen_->Shown(), delay_);
+        if (dispose_ == Dispose::Clear) screen_->Clear(placing_);
+        if (dispose_ == Dispose::Restore) screen_->Shown().pixels = std::move(before);
+        pieces_.data = {};
+    }
+
+    ChunkReader chunks_;
+    const DecodeLimits& limits_;
+    const OnScreen& onScreen_;
+    Pieces pieces_;
+    std::optional<PngScreen> screen_;
+    Placing placing_;
+    std::int32_t delay_ = 0;
+    Dispose dispose_ = Dispose::None;
+    bool hasFrame_ = false;
+    std::string comment_;
+};
+
+/// Only what files of low complexity hold: one picture after the other, each laid over those before it.
+class MngPlayer {
+public:
+    MngPlayer(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen)
+        : chunks_(file), limits_(limits), onScreen_(onScreen) {}
+
+    std::string Play() {
+        Chunk chunk;
+        while (chunks_.Next(chunk) && chunk.type != "MEND")
+            Take(chunk);
+        return comment_;
+    }
+
+private:
+    void Take(const Chunk& chunk) {
+        if (chunk.type == "MHDR") {
+            chunk.Need(12);
+            screen_.emplace(chunk.U32(0), chunk.U32(4), limits_);
+            ticksPerSecond_ = std::max<std::uint32_t>(chunk.U32(8), 1);
+        } else if (!screen_) {
+            throw DecodeError{"the file does not begin as it should"};
+        } else if (picture_) {
+            InPicture(chunk);
+        } else if (chunk.type == "IHDR") {
+            picture_.emplace();
+            picture_->TakeHeader(chunk);
+        } else if (chunk.type == "FRAM") {
+            Framing(chunk);
+        } else if (chunk.type == "DEFI") {
+            chunk.Need(12);
+            left_ = chunk.U32(4);
+            top_ = chunk.U32(8);
+        } else if (chunk.type == "tEXt" || chunk.type == "iTXt") {
+            comment_ += CommentOf(chunk);
+        } else if (chunk.type != "TERM" && (chunk.type.front() & 0x20) == 0) {
+            throw DecodeError{"this MNG file uses " + std::string(chunk.type) + ", which is not supported"};
+        }
+    }
+
+    void InPicture(const Chunk& chunk) {
+        if (chunk.type == "IDAT") {
+            picture_->data.Bytes(chunk.data.data(), chunk.data.size());
+        } else if (chunk.type == "IEND") {
+            screen_->Draw(*picture_, {left_, top_, picture_->width, picture_->height, false});
+            onScreen_(screen_->Shown(), delay_);
+            picture_.reset();
+        } else {
+            picture_->Tell(chunk);
+        }
+    }
+
+    void Framing(const Chunk& chunk) {
+        constexpr std::uint32_t kAsBefore = 0, kFrameEach = 1;
+        if (chunk.data.empty()) return;
+        if (const std::uint32_t mode = chunk.U8(0); mode != kAsBefore && mode != kFrameEach)
+            throw DecodeError{"this MNG file puts several pictures into a frame, which is not supported"};
+        std::size_t at = 1;
+        while (at < chunk.data.size() && chunk.data[at] != 0)
+            ++at; // a name
+        ++at;
+        constexpr std::size_t kChanges = 4;
+        if (at + kChanges > chunk.data.size() || chunk.U8(at) == kAsBefore) return;
+        chunk.Need(at + kChanges + 4);
+        const std::uint64_t ticks = std::min<std::uint32_t>(chunk.U32(at + kChanges), 0xFFFFFF);
+        delay_ = static_cast<std::int32_t>((ticks * 100 + ticksPerSecond_ / 2) / ticksPerSecond_);
+    }
+
+    ChunkReader chunks_;
+    const DecodeLimits& limits_;
+    const OnScreen& onScreen_;
+    std::optional<PngScreen> screen_;
+    std::optional<Pieces> picture_;
+    std::uint32_t ticksPerSecond_ = 1, left_ = 0, top_ = 0;
+    std::int32_t delay_ = 0;
+    std::string comment_;
+};
+
+} // namespace
+
+bool IsAnimatedPng(std::span<const std::uint8_t> file) {
+    ChunkReader chunks(file);
+    Chunk chunk;
+    while (chunks.Next(chunk) && chunk.type != "IDAT") {
+        if (chunk.type == "acTL") return true;
+    }
+    return false;
+}
+
+std::string ShowApng(std::span<const std::uint8_t> file, const DecodeLimits& limits,
+                     const OnScreen& onScreen) {
+    return ApngPlayer(file, limits, onScreen).Play();
+}
+
+std::string ShowMng(std::span<const std::uint8_t> file, const DecodeLimits& limits,
+                    const OnScreen& onScreen) {
+    return MngPlayer(file, limits, onScreen).Play();
+}
+
+} // namespace lumafold

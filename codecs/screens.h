@@ -1,0 +1,40 @@
+// The screens of an animation file, one after the other, as the decoders of the single formats show them.
+// Inside this room only.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "codecs/decode_common.h"
+
+namespace lumafold {
+
+/// What is seen: 0x00BBGGRR row by row from the top, kNoPixel where nothing has been drawn.
+struct ShownScreen {
+    std::int32_t width = 0, height = 0;
+    std::vector<PixelValue> pixels;
+};
+
+/// How much a file may unpack to; throws DecodeError when a screen goes beyond.
+class ScreenBudget {
+public:
+    explicit ScreenBudget(std::uint64_t mostPixels) : left_(mostPixels) {}
+    void Take(const ShownScreen& screen);
+
+private:
+    std::uint64_t left_;
+};
+
+/// A screen and how long it is seen, in hundredths of a second.
+using OnScreen = std::function<void(const ShownScreen& screen, std::int32_t delay)>;
+
+/// One format each: the comment, "" for none. They throw DecodeError, and std::bad_alloc.
+std::string ShowGif(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen);
+std::string ShowApng(std::span<const std::uint8_t> file, const DecodeLimits& limits,
+                     const OnScreen& onScreen);
+std::string ShowMng(std::span<const std::uint8_t> file, const DecodeLimits& limits, const OnScreen& onScreen);
+
+/// Whether a PNG file holds more than a still picture. Throws DecodeError where it is damaged before that.
+bool IsAnimatedPng(std::span<const std::uint8_t> file);
+
+} // namespace lumafold

@@ -1,0 +1,323 @@
+#include "numbers/portable_math.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "numbers/portable_math_tables.h"
+
+// Everything is worked out as the unevaluated sum of two doubles, good to about 100 bits, and rounded once.
+// Only sums, products and quotients of doubles are used: those give the same bits on every machine of ours.
+
+namespace lumafold {
+namespace {
+
+using namespace portable_math_tables;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+inline Pair Sum(double a, double b) {
+    const double sum = a + b;
+    const double part = sum - a;
+    return {sum, (a - (sum - part)) + (b - part)};
+}
+
+/// The same where |a| >= |b|.
+inline Pair QuickSum(double a, double b) {
+    const double sum = a + b;
+    return {sum, b - (sum - a)};
+}
+
+inline Pair Split(double a) {
+    const double scaled = 134217729.0 * a; // 2^27 + 1
+    const double high = scaled - (scaled - a);
+    return {high, a - high};
+}
+
+inline Pair Product(double a, double b) {
+    const double product = a * b;
+    const Pair x = Split(a), y = Split(b);
+    return {product, ((x.high * y.high - product) + x.high * y.low + x.low * y.high) + x.low * y.low};
+}
+
+/// Sums must not cancel much; every one below is of a small correction, or loses two bits at most.
+inline Pair operator+(Pair a, Pair b) {
+    const Pair sum = Sum(a.high, b.high);
+    return QuickSum(sum.high, sum.low + (a.low + b.low));
+}
+inline Pair operator+(Pair a, double b) {
+    const Pair sum = Sum(a.high, b);
+    return QuickSum(sum.high, sum.low + a.low);
+}
+inline Pair operator*(Pair a, Pair b) {
+    const Pair product = Product(a.high, b.high);
+    return QuickSum(product.high, product.low + (a.high * b.low + a.low * b.high));
+}
+inline Pair operator*(Pair a, double b) {
+    const Pair product = Product(a.high, b);
+    return QuickSum(product.high, product.low + a.low * b);
+}
+inline Pair operator/(Pair a, Pair b) {
+    const double quotient = a.high / b.high;
+    const Pair back = b * quotient;
+    const double rest = ((a.high - back.high) - back.low) + a.low;
+    return QuickSum(quotient, rest / b.high);
+}
+inline Pair operator-(Pair a) { return {-a.high, -a.low}; }
+
+/// The nearest whole number, for |a| < 2^51.
+inline double Nearest(double a) {
+    constexpr double kShift = 6755399441055744.0; // 1.5 * 2^52
+    return (a + kShift) - kShift;
+}
+
+/// 2^exponent, for exponents of normal numbers.
+inline double PowerOfTwo(int exponent) {
+    return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52);
+}
+
+/// x - count * pi / 2, at most a little over pi / 4, with an error below 2^-80.
+Pair ReduceQuickly(double x, double count) {
+    const Pair sum = Sum(x - count * kHalfPiParts[0], -(count * kHalfPiParts[1])); // the difference is exact
+    return QuickSum(sum.high, sum.low - count * kHalfPiParts[2]);
+}
+
+/// The same to 100 bits however much of x cancels: two sweeps of exact sums keep every bit.
+Pair ReduceExactly(double x, double count) {
+    double part[5];
+    part[0] = x - count * kHalfPiParts[0];
+    for (int i = 1; i < 5; ++i) {
+        part[i] = -(count * kHalfPiParts[i]);
+    }
+    for (int sweep = 0; sweep < 2; ++sweep) {
+        for (int i = 4; i > 0; --i) {
+            const Pair sum = Sum(part[i - 1], part[i]);
+            part[i - 1] = sum.high;
+            part[i] = sum.low;
+        }
+    }
+    return QuickSum(part[0], part[1] + (part[2] + part[3]));
+}
+
+struct SineCosine {
+    Pair sine, cosine; // the cosine less 1
+};
+
+/// For |x| up to 1/64. What a term's second double would add is below the sum's last bit from x^7 on.
+SineCosine SmallSineCosine(Pair x) {
+    const Pair square = x * x;
+    const double z = square.high;
+    const double sineTail =
+        z * (-kInverseFactorial[7].high + z * (kInverseFactorial[9].high - z * kInverseFactorial[11].high));
+    const double cosineTail = z * (kInverseFactorial[8].high - z * kInverseFactorial[10].high);
+    const Pair sineFactor = square * (kInverseFactorial[5] + sineTail) + -kInverseFactorial[3];
+    const Pair cosineFactor =
+        square * (square * (-kInverseFactorial[6] + cosineTail) + kInverseFactorial[4]) +
+        -kInverseFactorial[2];
+    return {x + x * (square * sineFactor), square * cosineFactor};
+}
+
+/// A sine or cosine near a table angle: base * cos(rest) + slope * sin(rest), where slope is base's
+/// derivative.
+struct NearAngle {
+    Pair base, slope, rest;
+};
+
+NearAngle FromTable(Pair angle, bool wantsCosine) {
+    const double step = Nearest(angle.high * kStepsPerUnit);
+    const SinCosEntry& entry = kSinCos[static_cast<int>(step)];
+    const Pair rest = Sum(angle.high - step / kStepsPerUnit, angle.low);
+    if (wantsCosine) return {entry.cosine, -entry.sine, rest};
+    return {entry.sine, entry.cosine, rest};
+}
+
+/// Good to 65 bits of base, where base is not 0.
+Pair QuickValue(const NearAngle& near) {
+    const double s = near.rest.high, z = s * s;
+    const double cosineLessOne = z * (-0.5 + z * (kInverseFactorial[4].high - z * kInverseFactorial[6].high));
+    const double sineLessArgument =
+        s * z *
+        (-kInverseFactorial[3].high + z * (kInverseFactorial[5].high - z * kInverseFactorial[7].high));
+    const Pair line = Product(near.slope.high, s);
+    const Pair sum = QuickSum(near.base.high, line.high);
+    const double small = near.slope.high * sineLessArgument + near.slope.high * near.rest.low +
+                         near.slope.low * s + line.low + near.base.low;
+    return QuickSum(sum.high, sum.low + (small + near.base.high * cosineLessOne));
+}
+
+Pair ExactValue(const NearAngle& near) {
+    const SineCosine small = SmallSineCosine(near.rest);
+    return near.base + (near.base * small.cosine + near.slope * small.sine);
+}
+
+/// The sine of x + quarters * pi / 2.
+double SineFrom(double x, unsigned quarters) {
+    constexpr double kLargest = 1048576.0;
+    constexpr double kTwoPi = 6.283185307179586;
+    if (!(std::fabs(x) <= kLargest))
+        x = std::fmod(x, kTwoPi); // beyond our promise; not finite becomes no number
+    if (x != x) return x;
+
+    const double count = Nearest(x * kTwoOverPi);
+    const unsigned turn = (static_cast<unsigned>(static_cast<std::int64_t>(count)) + quarters) & 3U;
+    const bool wantsCosine = (turn & 1U) != 0;
+    Pair angle = ReduceQuickly(x, count);
+    const bool negativeAngle = angle.high < 0;
+    const bool negative = ((turn & 2U) != 0) != (!wantsCosine && negativeAngle);
+
+    // Nearly always a few bits more than a double's decide the rounding.
+    if (negativeAngle) angle = -angle;
+    if (wantsCosine || angle.high > 1.0 / kStepsPerUnit) {
+        const Pair value = QuickValue(FromTable(angle, wantsCosine));
+        const double doubt = value.high * 0x1p-62;
+        if (value.high + (value.low + doubt) == value.high &&
+            value.high + (value.low - doubt) == value.high) {
+            return negative ? -value.high : value.high;
+        }
+    }
+    angle = ReduceExactly(x, count);
+    if (negativeAngle) angle = -angle;
+    const Pair value = ExactValue(FromTable(angle, wantsCosine));
+    return negative ? -value.high : value.high;
+}
+
+/// value * 2^exponent, value near 1.
+struct Scaled {
+    Pair value;
+    int exponent;
+};
+
+/// For |x| up to about 750.
+Scaled Exponential(Pair x) {
+    const double count = Nearest(x.high * kOneOverLn2);
+    Pair rest = Sum(x.high - count * kLn2Parts[0], -(count * kLn2Parts[1])); // the difference is exact
+    rest = QuickSum(rest.high, rest.low + (x.low - count * kLn2Parts[2]));
+    const double step = Nearest(rest.high * kStepsPerUnit);
+    rest = Sum(rest.high - step / kStepsPerUnit, rest.low);
+
+    double tail = kInverseFactorial[12].high;
+    for (int n = 11; n >= 7; --n) {
+        tail = tail * rest.high + kInverseFactorial[n].high;
+    }
+    Pair sum = kInverseFactorial[6] + tail * rest.high;
+    for (int n = 5; n >= 2; --n) {
+        sum = kInverseFactorial[n] + sum * rest;
+    }
+    const Pair lessOne = rest + rest * rest * sum;
+    const Pair& base = kExp[kExpMiddle + static_cast<int>(step)];
+    return {base + base * lessOne, static_cast<int>(count)};
+}
+
+/// The nearest double, the denormal ones rounded once like all others.
+double Round(Scaled number) {
+    const auto [value, exponent] = number;
+    if (exponent < -1080) return 0.0;
+    double rounded = value.high;
+    if (exponent < -1022 || (exponent == -1022 && value.high < 1)) {
+        const double quantum = PowerOfTwo(-1074 - exponent);
+        const double shift = 4503599627370496.0 * quantum; // 2^52: the sum's last bit is the quantum
+        rounded = (value.high + shift) - shift;
+        const double rest = value.high - rounded;
+        if (rest == quantum / 2 && value.low > 0) rounded += quantum;
+        if (rest == -quantum / 2 && value.low < 0) rounded -= quantum;
+    }
+    const int half = exponent / 2;
+    return rounded * PowerOfTwo(half) * PowerOfTwo(exponent - half);
+}
+
+/// Of a positive number, never denormal, with relative precision also near 1.
+Pair Logarithm(double x) {
+    auto bits = std::bit_cast<std::uint64_t>(x);
+    int exponent = static_cast<int>(bits >> 52) - 1023;
+    bits = (bits & 0xFFFFFFFFFFFFFULL) | 0x3FF0000000000000ULL;
+    double mantissa = std::bit_cast<double>(bits);
+    if (mantissa > 1.4140625) { // so that numbers just below 1 lose nothing to the power of two
+        mantissa *= 0.5;
+        ++exponent;
+    }
+    const LogEntry& entry = kLog[static_cast<int>(Nearest(mantissa * kStepsPerUnit)) - kLogFirst];
+    const Pair scaled = Product(mantissa, entry.reciprocal);
+    const Pair excess = Sum(scaled.high - 1.0, scaled.low);
+    const Pair u = excess / (excess + 2.0); // log(1 + excess) = 2 (u + u^3 / 3 + u^5 / 5 + ...)
+    const Pair square = u * u;
+    double tail = kInverseOdd[8].high;
+    for (int n = 7; n >= 4; --n) {
+        tail = tail * square.high + kInverseOdd[n].high;
+    }
+    Pair sum = kInverseOdd[3] + tail * square.high;
+    for (int n = 2; n >= 1; --n) {
+        sum = kInverseOdd[n] + sum * square;
+    }
+    const Pair half = u + u * (square * sum);
+    const Pair fraction = entry.log + Pair{2 * half.high, 2 * half.low};
+    if (exponent == 0) return fraction;
+    const Pair whole = Sum(exponent * kLn2Parts[0], exponent * kLn2Parts[1]);
+    return Pair{whole.high, whole.low + exponent * kLn2Parts[2]} + fraction;
+}
+
+/// A power that is a double, or lies halfway between two, comes out with a last error that must not decide:
+/// takes it off. Only exponents in 32nds below 35 have such powers (the base alone excepted).
+Pair WithoutNoise(Pair value) {
+    const double neighbour = value.high + 2 * value.low;
+    const double halfway = (neighbour - value.high) / 2;
+    if (std::fabs(value.low - halfway) > std::fabs(value.high) * 0x1p-90) return value;
+    const bool odd = (std::bit_cast<std::uint64_t>(value.high) & 1U) != 0;
+    if (halfway != 0 && odd) return {neighbour, -halfway};
+    return {value.high, halfway};
+}
+
+} // namespace
+
+double PortableSin(double x) {
+    if (std::fabs(x) < 0x1p-27) return x; // keeps the sign of 0, and what is too small to be split
+    return SineFrom(x, 0);
+}
+
+double PortableCos(double x) { return SineFrom(x, 1); }
+
+double PortableExp(long double x) {
+    const auto high = static_cast<double>(x);
+    if (high != high) return high;
+    if (high > 710) return kInfinity;
+    if (high < -750) return 0;
+    return Round(Exponential({high, static_cast<double>(x - static_cast<long double>(high))}));
+}
+
+double PortablePow(double x, double y) {
+    if (y == 0 || x == 1) return 1;
+    if (x != x || y != y) return x + y;
+    if (x < 0) return std::numeric_limits<double>::quiet_NaN();
+    if (x == 0) return 0;
+    if (x == kInfinity) return kInfinity;
+    if (y == kInfinity) return x < 1 ? 0 : kInfinity;
+
+    Pair logarithm = Logarithm(x < 0x1p-1022 ? x * 0x1p54 : x);
+    if (x < 0x1p-1022)
+        logarithm = logarithm + Pair{-54 * kLn2Parts[0], -54 * kLn2Parts[1]} + -54 * kLn2Parts[2];
+    const double product = logarithm.high * y;
+    if (product > 710) return kInfinity;
+    if (product < -750) return 0;
+    Scaled power = Exponential(logarithm * y);
+    if (y < 35 && Nearest(y * 32) == y * 32) power.value = WithoutNoise(power.value);
+    return Round(power);
+}
+
+#if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))
+
+ExtendedPrecision::ExtendedPrecision() : saved_(0) {
+    __asm__ volatile("fnstcw %0" : "=m"(saved_));
+    const auto wanted = static_cast<unsigned short>(saved_ | 0x300U);
+    __asm__ volatile("fldcw %0" : : "m"(wanted) : "memory");
+}
+
+ExtendedPrecision::~ExtendedPrecision() { __asm__ volatile("fldcw %0" : : "m"(saved_) : "memory"); }
+
+#else
+
+ExtendedPrecision::ExtendedPrecision() : saved_(0) {}
+ExtendedPrecision::~ExtendedPrecision() = default;
+
+#endif
+
+} // namespace lumafold

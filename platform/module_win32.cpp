@@ -1,0 +1,13 @@
+#include "platform/module_win32.h"
+
+namespace lumafold {
+namespace {
+
+HINSTANCE moduleInstance = nullptr;
+
+} // namespace
+
+HINSTANCE ModuleInstance() { return moduleInstance; }
+void SetModuleInstance(HINSTANCE instance) { moduleInstance = instance; }
+
+} // namespace lumafold

@@ -1,0 +1,360 @@
+// Animations written and read back. The reader stands on giflib and libpng, which know nothing of the
+// writers; what it forgives is looked at in the files.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <random>
+
+#include "codecs/animation_reader.h"
+#include "codecs/apng_writer.h"
+#include "codecs/decode.h"
+#include "codecs/gif_reader.h"
+#include "codecs/gif_writer.h"
+#include "codecs/mng_writer.h"
+#include "codecs/png_frames.h"
+#include "codecs/png_writer.h"
+#include "codecs/frame_screens.h"
+#include "tests/support/animations.h"
+#include "tests/support/colours.h"
+#include "tests/support/pictures.h"
+
+namespace lumafold::test {
+namespace {
+
+using File = std::vector<std::uint8_t>;
+constexpr std::uint64_t kPlenty = 1 << 24;
+
+constexpr struct Format {
+    const char* name;
+    File (*encode)(const Animation&, std::string&);
+    std::int32_t mostDelay;
+} kGif{"GIF", EncodeGif, 65535}, kApng{"APNG", EncodeApng, 65535},
+    kMng{"MNG", EncodeMng, std::numeric_limits<std::int32_t>::max()};
+
+std::vector<ScreenPixels> Screens(const Animation& animation) {
+    FrameScreens screens(animation);
+    std::vector<ScreenPixels> all;
+    for (std::size_t i = 0; i < animation.frames.size(); ++i)
+        all.push_back(screens.At(i));
+    return all;
+}
+
+/// The screens of a file that must be readable.
+std::vector<ScreenPixels> ScreensOf(const File& file) {
+    const ReadAnimation read = DecodeAnimation(file, kPlenty);
+    EXPECT_EQ(read.error, "");
+    return read.animation ? Screens(*read.animation) : std::vector<ScreenPixels>{};
+}
+
+struct StoredGif {
+    int paletteBits = 0;
+    std::vector<int> transparent; ///< of each frame, -1 for none
+};
+
+/// Codes that never come to their end mark are drawn all the same, but only by forgiving viewers.
+StoredGif Look(const File& file) {
+    const GifReader gif(file);
+    StoredGif stored{gif->SColorMap->BitsPerPixel, {}};
+    for (;;) {
+        GifRecordType kind = UNDEFINED_RECORD_TYPE;
+        gif.Check(DGifGetRecordType(gif.Get(), &kind));
+        if (kind == TERMINATE_RECORD_TYPE) return stored;
+        int code = 0;
+        if (kind == IMAGE_DESC_RECORD_TYPE) {
+            gif.Check(DGifGetImageDesc(gif.Get()));
+            while (code >= 0)
+                gif.Check(DGifGetLZCodes(gif.Get(), &code));
+            continue;
+        }
+        GifByteType* data = nullptr;
+        gif.Check(DGifGetExtension(gif.Get(), &code, &data));
+        if (code == GRAPHICS_EXT_FUNC_CODE) stored.transparent.push_back((data[1] & 1) != 0 ? data[4] : -1);
+        while (data != nullptr)
+            gif.Check(DGifGetExtensionNext(gif.Get(), &data));
+    }
+}
+
+File WriteAndRead(const Format& format, const Animation& animation) {
+    SCOPED_TRACE(format.name);
+    std::string error;
+    const File file = format.encode(animation, error);
+    const ReadAnimation read = DecodeAnimation(file, kPlenty);
+    EXPECT_EQ(error + read.error, "");
+    if (!read.animation) return file;
+    EXPECT_EQ(read.animation->width, animation.width);
+    EXPECT_EQ(read.animation->height, animation.height);
+    EXPECT_EQ(read.animation->comment, animation.comment);
+    EXPECT_EQ(Screens(*read.animation), WantedScreens(animation));
+    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
+        EXPECT_EQ(read.animation->frames[i].delay,
+                  std::clamp(animation.frames[i].delay, 0, format.mostDelay));
+    }
+    const auto pixels = static_cast<std::uint64_t>(animation.width) *
+                        static_cast<std::uint64_t>(animation.height) * animation.frames.size();
+    EXPECT_TRUE(DecodeAnimation(file, pixels).animation);
+    EXPECT_FALSE(DecodeAnimation(file, pixels - 1).animation) << "beyond the bound";
+    return file;
+}
+
+TEST(AnimationWriters, ShowEveryFrameAndKeepPalettes) {
+    for (const auto& [name, animation] : AnimationCases()) {
+        SCOPED_TRACE(name);
+        const bool trueColour = name == "the same in true colour" || name.find("at 24") != std::string::npos;
+        const bool colours = trueColour || name == "the same with a full palette";
+        if (!trueColour) {
+            EXPECT_EQ(Look(WriteAndRead(kGif, animation)).paletteBits, animation.paletteBits);
+        }
+        const File apng = WriteAndRead(kApng, animation);
+        constexpr std::size_t kDepth = 24, kColourType = 25;
+        EXPECT_EQ(apng.at(kColourType), colours ? 2 : 3);
+        EXPECT_EQ(apng.at(kDepth), animation.frames.size() > 1 || colours ? 8 : animation.paletteBits);
+        WriteAndRead(kMng, animation);
+    }
+}
+
+/// Every chunk but the end's: its type, how much data, and the data in hexadecimal where it is fixed.
+std::string ChunksOf(const File& file) {
+    std::string text;
+    for (std::size_t at = 8; at + 12 < file.size();) {
+        const std::size_t length = file[at + 2] * 256U + file[at + 3];
+        const std::string type(&file[at + 4], &file[at + 8]);
+        const bool fixed = type != "IDAT" && type != "PLTE";
+        text += type;
+        for (std::size_t i = 0; fixed && i < (type == "fdAT" ? 4 : length); ++i) {
+            char digits[4];
+            std::snprintf(digits, sizeof(digits), "%s%02X", i % 4 == 0 ? " " : "", file[at + 8 + i]);
+            text += digits;
+        }
+        text += '\n';
+        at += length + 12;
+    }
+    return text;
+}
+
+/// Three frames, of which the second changes one pixel and the third nothing; the delay changes once.
+Animation RedThenGreen() {
+    Animation animation = EmptyAnimation(2, 1, 2);
+    animation.palette[0] = {255, 0, 0};
+    animation.palette[1] = {0, 255, 0};
+    animation.comment = "k\xC3\xB6nnen";
+    AddFrame(animation, {8, 5}, [](int, int) { return 0U; });
+    AddFrame(animation, {8, 5, 3}, [](int x, int) { return x == 1 ? 1U : 3U; });
+    AddFrame(animation, {8, 258, 3}, [](int, int) { return 3U; });
+    return animation;
+}
+
+TEST(AnimationWriters, PutChunksInOrderWithWhatTheyMustSay) {
+    std::string error;
+    const std::string comment = "iTXt 436F6D6D 656E7400 00000000 6BC3B66E 6E656E\n";
+    EXPECT_EQ(ChunksOf(EncodeApng(RedThenGreen(), error)),
+              "IHDR 00000002 00000001 08030000 00\nacTL 00000003 00000000\nPLTE\n" + comment +
+                  "fcTL 00000000 00000002 00000001 00000000 00000000 00050064 0000\nIDAT\n"
+                  "fcTL 00000001 00000001 00000001 00000001 00000000 00050064 0001\nfdAT 00000002\n"
+                  "fcTL 00000003 00000001 00000001 00000000 00000000 01020064 0001\nfdAT 00000004\n");
+    const std::string onePixel = "IHDR 00000001 00000001 02030000 00\nPLTE\nIDAT\nIEND\n";
+    EXPECT_EQ(ChunksOf(EncodeMng(RedThenGreen(), error)),
+              "MHDR 00000002 00000001 00000064 00000000 00000003 0000010C 00000043\n"
+              "TERM 03000000 00007FFF FFFF\n" +
+                  comment + "FRAM 01000200 00000000 0005\nDEFI 00000000 00000000 00000000\n" +
+                  "IHDR 00000002 00000001 02030000 00\nPLTE\nIDAT\nIEND\n" +
+                  "DEFI 00000000 00000001 00000000\n" + onePixel +
+                  "FRAM 01000200 00000000 0102\nDEFI 00000000 00000000 00000000\n" + onePixel);
+    Animation open = EmptyAnimation(2, 1, 1);
+    AddFrame(open, {1, 5, 1}, [](int x, int) { return static_cast<unsigned>(x); });
+    const std::string chunks = ChunksOf(EncodeMng(open, error));
+    EXPECT_NE(chunks.find("00000001 00000005 000000CB\nTERM"), std::string::npos) << chunks;
+    EXPECT_NE(chunks.find("PLTE\ntRNS 00\nIDAT"), std::string::npos) << chunks;
+}
+
+TEST(AnimationWriters, RefuseWhatTheFormatsCannotHold) {
+    const auto refused = [](const Format& format, const Animation& animation, std::string_view text) {
+        std::string error;
+        EXPECT_TRUE(format.encode(animation, error).empty());
+        EXPECT_NE(error.find(text), std::string::npos) << format.name << ": " << error;
+    };
+    Animation animation;
+    animation.width = animation.height = 4;
+    for (const Format& format : {kGif, kApng, kMng})
+        refused(format, animation, "no frames");
+    AddFrame(animation, {24, 5}, [](int, int) { return 0U; });
+    refused(kGif, animation, "true-colour");
+    animation.frames.push_back({OwnedDib(), 5, -1});
+    refused(kApng, animation, "no picture");
+    animation.frames.clear();
+    AddFrame(animation, {8, 5}, [](int, int) { return 0U; });
+    animation.width = 65536;
+    refused(kGif, animation, "65535");
+    animation.width = 1000001;
+    refused(kApng, animation, "1000000");
+}
+
+// Readers of still pictures get the first frame.
+TEST(ApngWriter, IsAStillPictureToo) {
+    Animation animation = EmptyAnimation(3, 2, 8);
+    AddFrame(animation, {8, 5}, [](int x, int y) { return static_cast<unsigned>(x * y); });
+    const DecodedPicture still = DecodePicture(WriteAndRead(kApng, animation), 0, 100);
+    ASSERT_EQ(still.error, "");
+    EXPECT_EQ(ColourAt(LockedDib(still.picture.Get()).Get(), 2, 1), animation.palette[2]);
+}
+
+TEST(GifWriter, IsExact) {
+    Animation animation = EmptyAnimation(1, 1, 1);
+    animation.palette[0] = {'r', 'e', 'd'};
+    animation.palette[1] = {'s', 'k', 'y'};
+    AddFrame(animation, {1, 258}, [](int, int) { return 1U; });
+    const std::string wanted("GIF89a\1\0\1\0\xF0\0\0redsky\x21\xFF\x0BNETSCAPE2.0\3\1\0\0\0"
+                             "\x21\xF9\4\4\2\1\0\0\x2C\0\0\0\0\1\0\1\0\0\2\2\x4C\1\0;",
+                             62);
+    std::string error;
+    const File file = EncodeGif(animation, error);
+    EXPECT_EQ(std::string(file.begin(), file.end()), wanted);
+}
+
+// The code table fills and starts again at every possible length of what follows.
+TEST(GifWriter, ShowsPicturesWhoseCodesEndAnywhere) {
+    const auto one = [](int width, int bits, const std::function<unsigned(int, int)>& pixelAt) {
+        Animation animation = EmptyAnimation(width, 1, bits);
+        AddFrame(animation, {bits, 5}, pixelAt);
+        Look(WriteAndRead(kGif, animation));
+    };
+    for (const int bits : {1, 2, 5, 8}) {
+        for (int width = 1; width <= 40; ++width)
+            one(width, bits, [](int x, int) { return static_cast<unsigned>(x % 2); });
+    }
+    std::mt19937 random(7);
+    for (int width = 3820; width <= 3870; ++width)
+        one(width, 8, [&](int, int) { return static_cast<unsigned>(random() & 255); });
+}
+
+TEST(GifWriter, LeavesOutUnchangedPixelsWhereThatPacksBetter) {
+    Animation made = EmptyAnimation(100, 100, 8);
+    const auto noise = [](int x, int y) {
+        return static_cast<unsigned>((x * 7919 + y * 104729 + x * y * 31) % 251);
+    };
+    const auto marked = [&](unsigned mark) {
+        return [=](int x, int y) { return x == y && x % 99 == 0 ? mark : noise(x, y); };
+    };
+    AddFrame(made, {8, 5}, noise);
+    AddFrame(made, {8, 5, 255}, marked(252));
+    AddFrame(made, {8, 5}, marked(251));
+    AddFrame(made, {8, 5}, [](int x, int y) { return (x * y) % 3 == 0 ? 9U : 10U; });
+    AddFrame(made, {8, 5, 255}, [](int, int) { return 9U; });
+    const std::vector<int> transparent = Look(WriteAndRead(kGif, made)).transparent;
+    EXPECT_EQ(transparent.at(1), 255);
+    EXPECT_NE(transparent.at(2), -1) << "an index that the frame draws nowhere will do";
+    EXPECT_EQ(transparent.at(4), -1) << "one colour packs better than one with holes";
+}
+
+TEST(GifWriter, WidensTheTableForIndexesBeyondIt) {
+    Animation made = EmptyAnimation(5, 5, 5);
+    const auto to44 = [](int x, int y) { return static_cast<unsigned>(x * 5 + y + 20); };
+    AddFrame(made, {8, 5}, to44);
+    AddFrame(made, {8, 5, 200}, [&](int x, int y) { return x == y && x % 4 == 0 ? 1 : to44(x, y); });
+    EXPECT_EQ(Look(WriteAndRead(kGif, made)).paletteBits, 6);
+}
+
+TEST(AnimationWriters, PlaceSmallFramesAndKeepHolesOpen) {
+    Animation made = EmptyAnimation(9, 8, 3);
+    AddFrame(made, {4, 5, 7, 3, 4}, [](int x, int y) { return (x + y) % 2 == 0 ? 7U : 4U; });
+    AddFrame(made, {4, 5, 7}, [](int x, int) { return static_cast<unsigned>(x % 8); });
+    AddFrame(made, {4, 5, -1, 2, 2}, [](int, int) { return 7U; }); // here the same index is a colour
+    AddFrame(made, {4, 5, 7}, [](int x, int) { return x == 0 ? 7U : 1U; });
+    for (const Format& format : {kGif, kApng, kMng})
+        WriteAndRead(format, made);
+}
+
+TEST(AnimationReader, KeepsPalettesAsLongAsTheyReach) {
+    Animation animation = EmptyAnimation(16, 17, 8);
+    const auto ramp = [](int x, int y) { return MakeColour(static_cast<unsigned>(x * 17 + y), 0, 0); };
+    AddFrame(animation, {24, 5}, [&](int x, int y) { return y < 16 ? ramp(x, 0) : 0U; });
+    std::string error;
+    const ReadAnimation read = DecodeAnimation(EncodeApng(animation, error), kPlenty);
+    ASSERT_TRUE(read.animation) << read.error;
+    EXPECT_EQ(LockedDib(read.animation->frames[0].image.Get())->biBitCount, 8);
+    EXPECT_EQ(read.animation->paletteBits, 4);
+    AddFrame(animation, {24, 5}, ramp);
+    AddFrame(animation, {24, 5}, [&](int x, int y) { return ramp(x, y) << 8; });
+    EXPECT_EQ(ScreensOf(EncodeApng(animation, error)), WantedScreens(animation));
+}
+
+TEST(AnimationReader, DoesWithAFrameWhatGifSays) {
+    std::string error;
+    File file = EncodeGif(RedThenGreen(), error);
+    constexpr std::uint8_t kControl[] = {0x21, 0xF9, 0x04};
+    auto control = std::search(file.begin(), file.end(), std::begin(kControl), std::end(kControl));
+    control = std::search(control + 1, file.end(), std::begin(kControl), std::end(kControl));
+    ASSERT_NE(control, file.end());
+    constexpr PixelValue kLeftAfter[] = {0x00FF00, 0x00FF00, 0xFFFFFF, 0x0000FF};
+    for (unsigned disposal = 0; disposal < 4; ++disposal) {
+        control[3] = static_cast<std::uint8_t>((control[3] & 1) | disposal << 2);
+        const auto screens = ScreensOf(file);
+        EXPECT_EQ(screens.at(1), (ScreenPixels{0x0000FF, 0x00FF00})) << disposal;
+        EXPECT_EQ(screens.at(2), (ScreenPixels{0x0000FF, kLeftAfter[disposal]})) << disposal;
+    }
+}
+
+/// A PNG file taken apart, so that its chunks can stand in another.
+ChunkWriter::Data ChunkOf(const File& png, std::string_view type) {
+    const auto at = std::search(png.begin(), png.end(), type.begin(), type.end());
+    return ChunkWriter::Data().Bytes(&at[4], at[-2] * 256U + at[-1]);
+}
+
+File Apng(std::uint32_t dispose, std::uint32_t blend) {
+    std::string error;
+    const OwnedDib red = PlainPicture(2, 1, 0x0000FF), green = PlainPicture(1, 1, 0x00FF00);
+    const File whole = EncodePng(red.Get(), error), small = EncodePng(green.Get(), error);
+    const auto control = [&](std::uint32_t sequence, std::uint32_t width, std::uint32_t disposal) {
+        ChunkWriter::Data data;
+        data.U32(sequence).U32(width).U32(1).U32(0).U32(0).U16(1).U16(2);
+        return data.U8(disposal).U8(blend);
+    };
+    const auto data = [](std::uint32_t sequence, const File& png) {
+        const ChunkWriter::Data rows = ChunkOf(png, "IDAT");
+        return ChunkWriter::Data().U32(sequence).Bytes(rows.Get().data(), rows.Get().size());
+    };
+    ChunkWriter file("\x89PNG\r\n\x1A\n");
+    file.Put("IHDR", ChunkOf(whole, "IHDR"));
+    file.Put("acTL", ChunkWriter::Data().U32(2).U32(0));
+    file.Put("IDAT", ChunkOf(whole, "IDAT")); // no frame: nothing controls it
+    file.Put("fcTL", control(0, 2, 0));
+    file.Put("fdAT", data(1, whole));
+    file.Put("fcTL", control(2, 1, dispose));
+    file.Put("fdAT", data(3, small));
+    file.Put("fcTL", control(4, 1, 0));
+    file.Put("fdAT", data(5, small));
+    file.Put("IEND");
+    return file.Take();
+}
+
+TEST(AnimationReader, DoesWithAFrameWhatApngSays) {
+    for (const std::uint32_t dispose : {0U, 1U, 2U}) {
+        const ReadAnimation read = DecodeAnimation(Apng(dispose, dispose % 2), kPlenty);
+        ASSERT_TRUE(read.animation) << read.error;
+        ASSERT_EQ(read.animation->frames.size(), 3U);
+        EXPECT_EQ(read.animation->frames[0].delay, 50);
+        EXPECT_EQ(Screens(*read.animation)[2], (ScreenPixels{0x00FF00, 0x0000FF}));
+    }
+}
+
+TEST(AnimationReader, OpensStillPicturesAndNamesWhatItCannot) {
+    std::string error;
+    const OwnedDib picture = BusyPicture(7, 5, 3);
+    const auto screens = ScreensOf(EncodePng(picture.Get(), error));
+    ASSERT_EQ(screens.size(), 1U);
+    EXPECT_EQ(screens[0][8], PixelAt(picture.Get(), 1, 1));
+
+    ChunkWriter mng("\x8AMNG\r\n\x1A\n");
+    mng.Put("MHDR", ChunkWriter::Data().U32(2).U32(2).U32(100));
+    mng.Put("LOOP");
+    File damaged = Apng(0, 0);
+    damaged[20] ^= 1;
+    const std::pair<File, const char*> kCases[] = {
+        {mng.Take(), "LOOP"}, {damaged, "checksum"}, {{'h', 'a'}, "no PNG"}};
+    for (const auto& [file, text] : kCases)
+        EXPECT_NE(DecodeAnimation(file, kPlenty).error.find(text), std::string::npos) << text;
+    EXPECT_NE(DecodeAnimationFile("/no/such/file.gif", kPlenty).error, "");
+}
+
+} // namespace
+} // namespace lumafold::test
