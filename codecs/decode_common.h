@@ -7,7 +7,6 @@
 #include <string>
 
 #include "image/dib.h"
-#include "image/row_view.h"
 
 namespace lumafold {
 
@@ -43,11 +42,6 @@ constexpr Rgb LayOver(Rgb colour, unsigned alpha, PixelValue matte) {
             LayOver(colour.blue, alpha, BlueOf(matte), 255)};
 }
 
-constexpr Rgb ToRgb(PixelValue colour) {
-    return {static_cast<std::uint8_t>(RedOf(colour)), static_cast<std::uint8_t>(GreenOf(colour)),
-            static_cast<std::uint8_t>(BlueOf(colour))};
-}
-
 /// 2^bits greys from black to white.
 Palette GreyRamp(int bits);
 
@@ -66,7 +60,6 @@ public:
 
 private:
     OwnedDib picture_;
-    LockedDib lock_;
     RowView rows_;
 };
 

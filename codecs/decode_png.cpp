@@ -107,7 +107,7 @@ Palette ReadPalette(PngReader& reader, const PngShape& shape, PixelValue matte) 
     if (shape.Indexed()) return ReadPalette(reader, matte);
     if (!shape.GreyRampFits()) return {};
     Palette ramp = GreyRamp(std::min(shape.depth, 8));
-    if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = ToRgb(matte);
+    if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = RgbOf(matte);
     return ramp;
 }
 

@@ -1,14 +1,14 @@
 #include "hosts/cli/build_command.h"
 
 #include "build/build_driver.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
 #include "hosts/cli/output.h"
-#include "codecs/files.h"
-#include "codecs/png_writer.h"
 #include "hosts/common/report.h"
 
 namespace lumafold {
@@ -56,15 +56,13 @@ private:
     }
 
     void PutSettingsInForce() {
-        pluginSettings = options_.settings;
-        ApplyCapabilities(pluginSettings, CapabilityFlags(kind_));
-        if (pluginSettings.TransitionTruecolour != options_.settings.TransitionTruecolour) {
+        settings_ = options_.settings;
+        ApplyCapabilities(settings_, CapabilityFlags(kind_));
+        if (settings_.TransitionTruecolour != options_.settings.TransitionTruecolour) {
             Remark("a GIF holds no true colour, so the frames get a palette");
         }
         // With both, changed pixels that are black would let the frame before shine through.
-        if (pluginSettings.TransitionTruecolour != 0 && !options_.supercompressAsked) {
-            pluginSettings.Supercompress = 0;
-        }
+        if (settings_.TransitionTruecolour != 0 && !options_.supercompressAsked) settings_.Supercompress = 0;
     }
 
     // What can be known before any work is done.
@@ -79,7 +77,7 @@ private:
     }
 
     int Load(MemoryList& list) {
-        PictureLoader loader(pluginSettings.TransitionMattcolour);
+        PictureLoader loader(settings_.TransitionMattcolour);
         std::string error;
         for (const ImageArgument& image : options_.images) {
             OwnedDib picture = loader.Load(image.path, error);
@@ -95,13 +93,14 @@ private:
         const TaskKind kind = options_.testBuild ? TaskKind::Test : TaskKind::Build;
         const std::uint64_t limit = options_.memoryLimit.value_or(UsualMemoryLimit());
         BuildEstimate estimate;
-        if (EstimateBuild(list, kind, estimate)) {
+        if (EstimateBuild(list, kind, settings_, estimate)) {
             const std::string why = WhyTooLarge(estimate, limit);
             if (!why.empty()) return Fail(1, "the animation " + why + " (--memory-limit)");
         }
         Progress progress(err_, StyleFor(err_, options_.quiet));
-        const RecordingHost host(CapabilityFlags(kind_), progress, err_);
-        const bool built = BuildAnimation(list, 0, host.Context(), kind, limit) != 0 && host.Complete();
+        RecordingHost host(CapabilityFlags(kind_), progress, err_);
+        const BuildRequest request{list, 0, host.Context(), kind, settings_, host, Runner(), limit};
+        const bool built = BuildAnimation(request) != 0 && host.Complete();
         progress.Clear();
         if (!built) return 1; // the engine has said why
         return options_.estimate ? Estimate(host) : Write(host);
@@ -139,6 +138,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     BuildOptions options_;
+    PluginSettings settings_; // in force
     std::vector<std::string> remarks_;
     OutputKind kind_ = OutputKind::Gif;
 };

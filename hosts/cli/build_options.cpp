@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <limits>
 
+#include "codecs/files.h"
 #include "colour/palettes.h"
 #include "hosts/cli/names.h"
-#include "codecs/files.h"
 #include "settings/config_file.h"
 #include "transitions/table.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/cli/memory_list.h"
+#include "hosts/common/memory_list.h"
 #include "settings/settings.h"
 
 namespace lumafold {

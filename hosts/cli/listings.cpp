@@ -4,10 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "codecs/files.h"
 #include "colour/palettes.h"
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/names.h"
-#include "codecs/files.h"
 #include "settings/config_file.h"
 #include "transitions/table.h"
 

@@ -4,12 +4,12 @@
 #include <cstring>
 #include <unistd.h>
 
-#include "hosts/cli/frames_folder.h"
-#include "hosts/cli/paths.h"
 #include "codecs/apng_writer.h"
 #include "codecs/files.h"
 #include "codecs/gif_writer.h"
 #include "codecs/mng_writer.h"
+#include "hosts/cli/frames_folder.h"
+#include "hosts/cli/paths.h"
 #include "settings/settings.h"
 
 namespace lumafold {

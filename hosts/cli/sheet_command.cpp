@@ -1,14 +1,14 @@
 #include "hosts/cli/sheet_command.h"
 
 #include "build/build_driver.h"
+#include "codecs/files.h"
+#include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
-#include "codecs/files.h"
-#include "codecs/png_writer.h"
 #include "hosts/common/report.h"
 #include "image/resample.h"
 #include "transitions/table.h"
@@ -34,9 +34,9 @@ public:
         }
         for (const std::string& warning : options_.warnings)
             err_ << "lumafold: warning: " << warning << '\n';
-        pluginSettings = options_.settings;
-        pluginSettings.TransitionTruecolour = 1;
-        pluginSettings.Supercompress = 0;
+        settings_ = options_.settings;
+        settings_.TransitionTruecolour = 1;
+        settings_.Supercompress = 0;
         if (const std::string why = WhyNoFileCanStandAt(options_.output); !why.empty()) {
             return Fail(1, "-o " + options_.output + ": " + why);
         }
@@ -53,25 +53,23 @@ private:
     }
 
     bool Load(std::string& error) {
-        PictureLoader loader(pluginSettings.TransitionMattcolour);
+        PictureLoader loader(settings_.TransitionMattcolour);
         OwnedDib pictures[2];
         std::int32_t width = 1, height = 1;
         for (std::size_t i = 0; i < 2; ++i) {
-            std::int32_t itsWidth = 0, itsHeight = 0;
             pictures[i] = loader.Load(options_.images[i], error);
             if (!pictures[i]) return false;
-            DibQuery(pictures[i].Get(), &itsWidth, &itsHeight, nullptr, nullptr);
-            width = std::max(width, itsWidth);
-            height = std::max(height, itsHeight);
+            width = std::max(width, pictures[i]->biWidth);
+            height = std::max(height, pictures[i]->biHeight);
         }
         if (!options_.transition || FrameBytes(width, height) > kMostFrameBytes) {
             const std::int32_t percent = FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
             for (OwnedDib& picture : pictures)
-                picture = ShrinkPicture(picture.Get(), percent);
+                picture = ShrinkPicture(*picture, percent);
         }
         error = "not enough memory";
-        const GapValues gap{0, static_cast<std::int32_t>(pluginSettings.TransitionPause),
-                            static_cast<std::int32_t>(pluginSettings.TransitionDelay)};
+        const GapValues gap{0, static_cast<std::int32_t>(settings_.TransitionPause),
+                            static_cast<std::int32_t>(settings_.TransitionDelay)};
         for (std::size_t i = 0; i < 2; ++i) {
             if (!pictures[i] || !list_.Add(std::move(pictures[i]), options_.images[i], gap)) return false;
         }
@@ -79,7 +77,7 @@ private:
     }
 
     std::int64_t FrameBytes(std::int32_t width, std::int32_t height) const {
-        return FrameCount(*options_.transition, width, height) * 3 * width * height;
+        return FrameCount(*options_.transition, settings_, {width, height}) * 3 * width * height;
     }
 
     bool SetTransition(std::int32_t line, std::int32_t row) {
@@ -122,9 +120,9 @@ private:
     std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress, std::string& error) {
         error = "the transition \"" + std::string(TransitionName(row)) + "\" (row " + std::to_string(row) +
                 ") cannot be built with these settings";
-        const RecordingHost host(kHostTakesTrueColour, progress, err_);
-        if (!SetTransition(0, row) || BuildAnimation(list_, 0, host.Context(), TaskKind::Build) == 0)
-            return {};
+        RecordingHost host(kHostTakesTrueColour, progress, err_);
+        const BuildRequest request{list_, 0, host.Context(), TaskKind::Build, settings_, host, Runner()};
+        if (!SetTransition(0, row) || BuildAnimation(request) == 0) return {};
         frames_ = host.Result().frames.size();
         progress.Clear();
         return AnimationCells(host.Result(), most);
@@ -152,6 +150,7 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     SheetOptions options_;
+    PluginSettings settings_; // in force
     MemoryList list_{GapValues{}};
     std::size_t frames_ = 0; // of the transition drawn last
 };
