@@ -88,8 +88,7 @@ private:
         if (!picture_) return false;
         for (std::int32_t y = 0; y < indices.biHeight; ++y) {
             for (std::int32_t x = 0; x < indices.biWidth; ++x) {
-                if (DibGetPixel(indices, x, y) == static_cast<PixelValue>(frame.transparentIndex))
-                    continue;
+                if (DibGetPixel(indices, x, y) == static_cast<PixelValue>(frame.transparentIndex)) continue;
                 DibSetPixel(*picture_, x, y, DibGetPixel(opaque, x, y));
             }
         }
@@ -106,7 +105,8 @@ OwnedDib ShrinkPicture(const DibHeader& picture, std::int32_t percent) {
     if (!colour || percent >= 100) return colour;
     // A very long side would leave nothing of the short one.
     const auto least = [](std::int32_t side) { return (99 + side) / side; };
-    return DibScale(*colour, std::max(percent, least(colour->biWidth)), std::max(percent, least(colour->biHeight)));
+    return DibScale(*colour, std::max(percent, least(colour->biWidth)),
+                    std::max(percent, least(colour->biHeight)));
 }
 
 OwnedDib SheetPicture(const DibHeader& picture) {
@@ -122,8 +122,7 @@ OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::int32_t x = kMargin + static_cast<std::int32_t>(i) % grid.columns * grid.StepX();
         const std::int32_t y = kMargin + static_cast<std::int32_t>(i) / grid.columns * grid.StepY();
-        DrawLabel(*sheet, x, y + grid.cellHeight + kLabelGap, cells[i].label,
-                  grid.LabelWidth(cells, i));
+        DrawLabel(*sheet, x, y + grid.cellHeight + kLabelGap, cells[i].label, grid.LabelWidth(cells, i));
         if (!cells[i].picture) continue;
         const OwnedDib source = DibToTrueColour(*cells[i].picture);
         if (!source) return {};

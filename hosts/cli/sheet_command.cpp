@@ -6,6 +6,7 @@
 #include "hosts/cli/build_options.h"
 #include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/load_pictures.h"
+#include "hosts/cli/memory_limit.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
@@ -121,7 +122,8 @@ private:
         error = "the transition \"" + std::string(TransitionName(row)) + "\" (row " + std::to_string(row) +
                 ") cannot be built with these settings";
         RecordingHost host(kHostTakesTrueColour, progress, err_);
-        const BuildRequest request{list_, 0, host.Context(), TaskKind::Build, settings_, host, Runner()};
+        const BuildRequest request{list_,     0,    host.Context(), TaskKind::Build,
+                                   settings_, host, Runner(),       UsualMemoryLimit()};
         if (!SetTransition(0, row) || BuildAnimation(request) == 0) return {};
         frames_ = host.Result().frames.size();
         progress.Clear();
