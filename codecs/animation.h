@@ -20,8 +20,7 @@ struct Animation {
     std::int32_t paletteBits = 8; ///< 1 to 8, as the task said
     Palette palette{};
     std::vector<AnimationFrame> frames;
-    std::string comment;     ///< "" for none
-    std::uint32_t plays = 0; ///< how often all frames are shown, 0 for ever; at most 65535
+    std::string comment; ///< "" for none
 };
 
 } // namespace lumafold
