@@ -1,10 +1,12 @@
 #include "hosts/cli/build_command.h"
 
 #include <chrono>
+#include <cmath>
 
 #include <nlohmann/json.hpp>
 
 #include "build/build_driver.h"
+#include "codecs/delays.h"
 #include "codecs/files.h"
 #include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
@@ -18,7 +20,6 @@
 #include "hosts/cli/peak_memory.h"
 #include "hosts/cli/picture_order.h"
 #include "hosts/cli/standard_streams.h"
-#include "hosts/common/play_times.h"
 #include "hosts/common/report.h"
 
 namespace lumafold {
@@ -77,6 +78,14 @@ private:
         ApplyCapabilities(settings_, CapabilityFlags(kind_));
         if (settings_.TransitionTruecolour != options_.settings.TransitionTruecolour)
             remarks_.emplace_back("a GIF holds no true colour, so the frames get a palette");
+        const bool reducesLittle = kind_ == OutputKind::Webp || kind_ == OutputKind::Y4m;
+        if (reducesLittle && !options_.paletteAsked) settings_.TransitionTruecolour = 1;
+        if (options_.quality && kind_ != OutputKind::Webp)
+            remarks_.emplace_back("--quality is for WebP files alone");
+        if (options_.effort && kind_ != OutputKind::Apng && kind_ != OutputKind::Mng)
+            remarks_.emplace_back("--effort is for PNG and MNG files alone");
+        if (options_.plays.times > 1 && kind_ == OutputKind::Y4m)
+            remarks_.emplace_back("a film is played once");
         // With both, changed pixels that are black would let the frame before shine through.
         if (settings_.TransitionTruecolour != 0 && !options_.supercompressAsked) settings_.Supercompress = 0;
         pluginSettings = settings_;
@@ -93,7 +102,7 @@ private:
     }
 
     void Load(MemoryList& list) {
-        PictureLoader loader(settings_.TransitionMattcolour, console_.in);
+        PictureLoader loader(settings_.TransitionMattcolour, options_.size, console_.in);
         std::vector<std::int32_t> lines(options_.images.size(), -1); // where each picture stands first
         for (const ShownPicture& shown : ShownPictures(options_)) {
             const std::string& path = options_.images[shown.image].path;
@@ -113,8 +122,23 @@ private:
         if (!EstimateBuild(list, Task(), estimate)) return;
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
+        RemarkOnSize(estimate);
         why = WhyTooLarge(estimate, MemoryLimit());
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
+    }
+
+    void RemarkOnSize(const BuildEstimate& estimate) {
+        constexpr std::int32_t kLarge = 1920;
+        const PictureSize canvas{estimate.width, estimate.height};
+        if (options_.size.kind != SizeRequest::Kind::Keep || std::max(canvas.width, canvas.height) <= kLarge)
+            return;
+        const PictureSize less = SizeFor({SizeRequest::Kind::AtMost, {kLarge, kLarge}}, canvas);
+        const double part = static_cast<double>(less.width) * less.height / canvas.width / canvas.height;
+        remarks_.push_back("the pictures are up to " + std::to_string(canvas.width) + "x" +
+                           std::to_string(canvas.height) + "; --max-size " + std::to_string(kLarge) +
+                           " would make it " + std::to_string(less.width) + "x" +
+                           std::to_string(less.height) + " and save about " +
+                           std::to_string(std::lround(100 * (1 - part))) + " % of time and size");
     }
 
     std::uint64_t MemoryLimit() const { return options_.memoryLimit.value_or(UsualMemoryLimit()); }
@@ -126,20 +150,27 @@ private:
             BuildAnimation(list, 0, host.Context(), Task(), MemoryLimit()) != 0 && host.Complete();
         progress.Clear();
         if (!built) return kFailed; // the engine has said why
-        if (kind_ != OutputKind::Folder) MakePlayable(host.Result());
+        if (kind_ != OutputKind::Folder && kind_ != OutputKind::Y4m) MakePlayable(host.Result());
         return Write(host);
     }
 
     void MakePlayable(Animation& animation) const {
-        animation.plays = options_.plays.times;
+        animation.plays = static_cast<std::int32_t>(options_.plays.times);
         if (options_.delays == DelayRule::Exact) return;
-        const std::size_t shorter = LengthenShortFrames(animation);
+        std::vector<std::int32_t> delays;
+        for (const AnimationFrame& frame : animation.frames)
+            delays.push_back(frame.delay);
+        const std::size_t shorter = HoldShortFrames(delays);
+        for (std::size_t i = 0; i < delays.size(); ++i)
+            animation.frames[i].delay = delays[i];
         if (shorter == 0) return;
         Remark(std::to_string(shorter) + (shorter == 1 ? " frame stands" : " frames stand") +
                " for 0.02 s instead of less, which browsers would make 0.1 s of, and those after it for the "
                "less "
                "(--exact-delays keeps all as they are)");
     }
+
+    PackingOptions Packing() const { return {options_.quality, options_.effort, MemoryLimit()}; }
 
     int Write(const RecordingHost& host) {
         std::string error = "not enough memory";
@@ -150,9 +181,9 @@ private:
             if (sheet.empty()) throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
         }
         std::uint64_t bytes = 0;
-        const bool written = options_.estimate
-                                 ? MeasureOutput(kind_, host, bytes, error)
-                                 : WriteOutput(options_.output, kind_, host, console_.out, bytes, error);
+        const bool written = options_.estimate ? MeasureOutput(kind_, host, Packing(), bytes, error)
+                                               : WriteOutput(options_.output, kind_, host, Packing(),
+                                                             console_.out, bytes, error);
         if (Interrupted()) return kInterruptedStatus;
         if (!written) throw Failure(kFailed, error);
         if (!sheet.empty() && !WriteFileSafely(options_.sheet, sheet, error))

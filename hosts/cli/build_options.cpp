@@ -1,7 +1,9 @@
 #include "hosts/cli/build_options.h"
 
 #include <algorithm>
+#include <charconv>
 
+#include "codecs/picture_kinds.h"
 #include "hosts/cli/failure.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/picture_names.h"
@@ -55,6 +57,7 @@ public:
         DescribeOutput();
         DescribeGaps();
         DescribeOrder();
+        DescribeSize();
         words_.Group("Colours and settings");
         settings_.DescribeColours(words_);
         settings_.DescribeMatte(words_);
@@ -71,6 +74,7 @@ public:
         words_.Read(words);
         Check();
         options_.settings = settings_.Settle();
+        options_.size.matte = options_.settings.TransitionMattcolour;
         options_.supercompressAsked = settings_.AskedForSupercompression();
         options_.paletteAsked = settings_.AskedForPalette();
         for (std::size_t i = 0; i < gaps_.size(); ++i)
@@ -92,6 +96,13 @@ private:
                      [this](const std::string& value) { TakePath("-o", value, options_.output); });
         words_.Value("--format", FormatNames("|"), "the kind of file, whatever its name",
                      [this](const std::string& value) { TakeFormat(value); });
+#if LUMAFOLD_WEBP
+        words_.Number("--quality", "N", {0, 100, ""},
+                      "let a WebP lose what is hardly seen; without it, it loses nothing",
+                      [this](std::uint32_t value) { options_.quality = static_cast<int>(value); });
+#endif
+        words_.Number("--effort", "N", {1, 12, ""}, "how hard to pack PNG and MNG files, the smallest last",
+                      [this](std::uint32_t value) { options_.effort = static_cast<int>(value); });
         words_.Value("--sheet", "FILE.png", "also a contact sheet of the finished frames",
                      [this](const std::string& value) { TakePath("--sheet", value, options_.sheet); });
         words_.Switch(
@@ -142,6 +153,74 @@ private:
             [this] { options_.delays = DelayRule::Exact; });
     }
 
+    void DescribeSize() {
+        words_.Group("Size of the pictures");
+        words_.Value("--size", "WxH", "every picture at this size, in pixels",
+                     [this](const std::string& value) {
+                         TakeSizeKind("--size", SizeRequest::Kind::Exact);
+                         options_.size.size = TakeSize("--size", value);
+                     });
+        words_.Value(
+            "--fit", "contain|cover|stretch",
+            "how a picture of other proportions comes to --size: whole with the matte beside it, filling it "
+            "and cut, or out of proportion; without it, whole",
+            [this](const std::string& value) { TakeFit(value); });
+        words_.Value("--max-size", "WxH|N",
+                     "larger pictures made to lie within it, in proportion; N is both sides",
+                     [this](const std::string& value) {
+                         TakeSizeKind("--max-size", SizeRequest::Kind::AtMost);
+                         options_.size.size = TakeSize("--max-size", value);
+                     });
+        words_.Value("--scale", "PERCENT", "every picture at so much of its own size (above 0, to 1000)",
+                     [this](const std::string& value) {
+                         TakeSizeKind("--scale", SizeRequest::Kind::Scale);
+                         options_.size.percent = TakePercent(value);
+                     });
+    }
+
+    void TakeSizeKind(const std::string& name, SizeRequest::Kind kind) {
+        if (options_.size.kind != SizeRequest::Kind::Keep && options_.size.kind != kind)
+            Mistake(name + " and " + sizeOption_ + " do not go together");
+        options_.size.kind = kind;
+        sizeOption_ = name;
+    }
+
+    /// One number is both sides where the picture keeps its proportions.
+    static PictureSize TakeSize(const std::string& name, const std::string& value) {
+        const bool square = name == "--max-size" && value.find('x') == std::string::npos;
+        const std::string both = square ? value + "x" + value : value;
+        const std::size_t by = std::min(both.find('x'), both.size());
+        const std::uint32_t width = ParseNumber(both.substr(0, by)).value_or(0);
+        const std::uint32_t height = ParseNumber(both.substr(std::min(by + 1, both.size()))).value_or(0);
+        if (std::min(width, height) < 1 ||
+            std::max(width, height) > static_cast<std::uint32_t>(kLargestSide)) {
+            Mistake(name + " " + value + ": write it as WIDTHxHEIGHT, sides of 1 to " +
+                    std::to_string(kLargestSide) + " pixels");
+        }
+        return {static_cast<std::int32_t>(width), static_cast<std::int32_t>(height)};
+    }
+
+    static double TakePercent(const std::string& value) {
+        double percent = 0;
+        const char* end = value.data() + value.size() - (value.ends_with('%') ? 1 : 0);
+        const auto read = std::from_chars(value.data(), end, percent, std::chars_format::fixed);
+        if (read.ec != std::errc{} || read.ptr != end || !(percent > 0 && percent <= 1000))
+            Mistake("--scale " + value + ": not a number of percent above 0, up to 1000");
+        return percent;
+    }
+
+    void TakeFit(const std::string& value) {
+        constexpr std::pair<const char*, Fit> kFits[] = {
+            {"contain", Fit::Contain}, {"cover", Fit::Cover}, {"stretch", Fit::Stretch}};
+        for (const auto& [name, fit] : kFits) {
+            if (value == name) {
+                fit_ = fit;
+                return;
+            }
+        }
+        Mistake("--fit " + value + ": no such way, they are contain, cover, stretch");
+    }
+
     void DescribeRun() {
         words_.Group("The run");
         DescribeMemoryLimit(words_, options_.memoryLimit);
@@ -176,6 +255,9 @@ private:
             Mistake("--estimate writes nothing, so it does not go with --sheet");
         if (options_.output.empty() && !options_.estimate)
             Mistake("no output is named, add -o FILE (" + OutputSuffixes() + ") or -o FOLDER/");
+        if (fit_ && options_.size.kind != SizeRequest::Kind::Exact)
+            Mistake("--fit says how to come to --size, give that");
+        options_.size.fit = fit_.value_or(Fit::Contain);
         if (options_.plays.endsOnLast) {
             if (options_.plays.times > 1) Mistake("--once plays one time, so it does not go with --loop");
             options_.plays.times = 1;
@@ -194,15 +276,17 @@ private:
 
     BuildOptions& options_;
     std::istream& standardInput_;
-    CommandWords words_{
-        kBuildCommand,
-        "Turns two or more pictures into a looping animation. A picture is a PNG, JPEG, GIF or BMP file, "
-        "- for the standard input, or @FILE for a list with one path a line. One picture alone fades to "
-        "the matte colour and back."};
+    CommandWords words_{kBuildCommand,
+                        "Turns two or more pictures into a looping animation. A picture is a " +
+                            ReadablePictureKinds("or") +
+                            " file, - for the standard input, or @FILE for a list with one path a line. One "
+                            "picture alone fades to the matte colour and back."};
     SettingWords settings_;
     GapWords gap_;
     std::vector<GapWords> gaps_;
     std::string gapAfterImages_; // the last such option that no image follows
+    std::optional<Fit> fit_;
+    std::string sizeOption_;
     bool readsStandardInput_ = false;
 };
 

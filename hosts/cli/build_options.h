@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "codecs/resize.h"
 #include "hosts/cli/command_words.h"
 #include "hosts/cli/memory_list.h"
 #include "hosts/cli/output_kind.h"
@@ -39,6 +40,7 @@ struct BuildOptions {
     PictureOrder order = PictureOrder::AsNamed;
     bool pingPong = false; ///< back again over the pictures between
     Plays plays;
+    SizeRequest size; ///< of each picture; its matte is the settings'
     DelayRule delays = DelayRule::AtLeastTwoHundredths;
     GapValues defaults{}; ///< the last values in force, which stand for the dialog's
     PluginSettings settings;
@@ -46,6 +48,8 @@ struct BuildOptions {
     bool paletteAsked = false;       ///< so is a palette
     std::string output; ///< "" for none, where nothing is to be written; "-" for the standard output
     std::optional<OutputKind> format; ///< none where the output's name tells
+    std::optional<int> quality;       ///< of a WebP, 0 to 100; without one it keeps every colour
+    std::optional<int> effort;        ///< at packing, 1 to 12
     std::string sheet;                ///< "" for none
     bool testBuild = false;
     bool estimate = false;                    ///< measure the file and write none

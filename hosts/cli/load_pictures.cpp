@@ -21,6 +21,8 @@ DecodedPicture Decode(const std::string& path, std::istream& standardInput, Pixe
 
 OwnedDib PictureLoader::Load(const std::string& path) {
     DecodedPicture decoded = Decode(path, standardInput_, matte_, pixelsLeft_);
+    // Only what a picture comes to is held with the others.
+    if (decoded.picture) decoded = Resized(std::move(decoded.picture), size_, pixelsLeft_);
     if (!decoded.picture) throw Failure(kFailed, path + ": " + decoded.error);
     Count(decoded.picture.Get());
     return std::move(decoded.picture);

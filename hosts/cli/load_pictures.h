@@ -5,15 +5,16 @@
 #include <istream>
 #include <string>
 
-#include "image/dib.h"
+#include "codecs/resize.h"
 
 namespace lumafold {
 
 class PictureLoader {
 public:
-    /// `matte` lies behind clear pixels; "-" is read from `standardInput`.
-    PictureLoader(PixelValue matte, std::istream& standardInput)
-        : matte_(matte), standardInput_(standardInput) {}
+    /// `matte` lies behind clear pixels, `size` is what every picture comes to; "-" is read from
+    /// `standardInput`.
+    PictureLoader(PixelValue matte, const SizeRequest& size, std::istream& standardInput)
+        : matte_(matte), size_(size), standardInput_(standardInput) {}
 
     /// Throws Failure, with a line that begins with the path.
     OwnedDib Load(const std::string& path);
@@ -24,6 +25,7 @@ private:
     void Count(DibHandle picture);
 
     PixelValue matte_;
+    SizeRequest size_;
     std::istream& standardInput_;
     std::uint64_t pixelsLeft_ = std::uint64_t{256} << 20;
 };

@@ -11,6 +11,10 @@
 #include "codecs/files.h"
 #include "codecs/gif_writer.h"
 #include "codecs/mng_writer.h"
+#include "codecs/y4m_writer.h"
+#if LUMAFOLD_WEBP
+#include "codecs/webp_writer.h"
+#endif
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/paths.h"
 #include "hosts/cli/standard_streams.h"
@@ -47,7 +51,8 @@ std::string WhyNoFolderAt(const std::string& path) {
     return WhyNoEntryIn(PathOf(path).lexically_normal().parent_path().parent_path());
 }
 
-std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, std::string& error) {
+std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation,
+                                 [[maybe_unused]] const PackingOptions& packing, std::string& error) {
     switch (kind) {
     case OutputKind::Gif:
         return EncodeGif(animation, error);
@@ -55,15 +60,52 @@ std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, st
         return EncodeApng(animation, error);
     case OutputKind::Mng:
         return EncodeMng(animation, error);
+    case OutputKind::Webp:
+#if LUMAFOLD_WEBP
+        return EncodeWebp(animation, {packing.quality}, error);
+#endif
+    case OutputKind::Y4m:
     case OutputKind::Folder:
         break;
     }
     return {};
 }
 
+/// A film goes on as it is made, for it may be very large.
+bool SendFilm(const Animation& animation, std::ostream& standardOutput, std::uint64_t& bytes,
+              std::string& error) {
+    const ByteSink send = [&](std::span<const std::uint8_t> piece) {
+        bytes += piece.size();
+        return WriteAll(standardOutput, piece, error);
+    };
+    return WriteY4m(animation, {}, send, error);
+}
+
+bool CollectFilm(const Animation& animation, std::uint64_t most, std::vector<std::uint8_t>& film,
+                 std::string& error) {
+    const ByteSink collect = [&](std::span<const std::uint8_t> piece) {
+        if (piece.size() > most - film.size()) return false;
+        film.insert(film.end(), piece.begin(), piece.end());
+        return true;
+    };
+    if (WriteY4m(animation, {}, collect, error)) return true;
+    if (film.size() > 0)
+        error = "the film is too large to be kept until it is whole, send it to a program with -o -";
+    return false;
+}
+
 bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation,
-               std::ostream& standardOutput, std::uint64_t& bytes, std::string& error) {
-    const std::vector<std::uint8_t> file = Encode(kind, animation, error);
+               const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
+               std::string& error) {
+    bytes = 0;
+    if (kind == OutputKind::Y4m && path == kStandardStream)
+        return SendFilm(animation, standardOutput, bytes, error);
+    std::vector<std::uint8_t> file;
+    if (kind == OutputKind::Y4m) {
+        if (!CollectFilm(animation, packing.mostBytes, file, error)) file.clear();
+    } else {
+        file = Encode(kind, animation, packing, error);
+    }
     bytes = file.size();
     if (!file.empty() && path == kStandardStream) return WriteAll(standardOutput, file, error);
     if (!file.empty() && WriteFileSafely(path, file, error)) return true;
@@ -114,14 +156,25 @@ std::string WhyNotWritable(const std::string& path, OutputKind kind) {
 }
 
 bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host,
-                 std::ostream& standardOutput, std::uint64_t& bytes, std::string& error) {
-    if (kind != OutputKind::Folder) return WriteFile(path, kind, host.Result(), standardOutput, bytes, error);
+                 const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
+                 std::string& error) {
+    if (kind != OutputKind::Folder)
+        return WriteFile(path, kind, host.Result(), packing, standardOutput, bytes, error);
     return WriteFramesFolder(path, host.Result(), host.Commands(), bytes, error);
 }
 
-bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error) {
+bool MeasureOutput(OutputKind kind, const RecordingHost& host, const PackingOptions& packing,
+                   std::uint64_t& bytes, std::string& error) {
+    bytes = 0;
+    if (kind == OutputKind::Y4m) {
+        const ByteSink count = [&](std::span<const std::uint8_t> piece) {
+            bytes += piece.size();
+            return true;
+        };
+        return WriteY4m(host.Result(), {}, count, error);
+    }
     bytes = kind == OutputKind::Folder ? FramesFolderBytes(host.Result(), host.Commands())
-                                       : Encode(kind, host.Result(), error).size();
+                                       : Encode(kind, host.Result(), packing, error).size();
     return bytes != 0;
 }
 

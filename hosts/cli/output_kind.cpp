@@ -17,10 +17,12 @@ struct KindName {
     bool alias; ///< a suffix that is not told of
 };
 constexpr KindName kNames[] = {
-    {"gif", OutputKind::Gif, false},
-    {"png", OutputKind::Apng, false},
-    {"apng", OutputKind::Apng, true},
-    {"mng", OutputKind::Mng, false},
+    {"gif", OutputKind::Gif, false},   {"png", OutputKind::Apng, false},
+    {"apng", OutputKind::Apng, true},  {"mng", OutputKind::Mng, false},
+#if LUMAFOLD_WEBP
+    {"webp", OutputKind::Webp, false},
+#endif
+    {"y4m", OutputKind::Y4m, false},
 };
 
 std::string Joined(const std::string& before, const std::string& separator) {

@@ -6,7 +6,7 @@
 
 namespace lumafold {
 
-enum class OutputKind { Gif, Apng, Mng, Folder };
+enum class OutputKind { Gif, Apng, Mng, Webp, Y4m, Folder };
 
 /// What --format and suffixes mean, "gif" for one; none for a word that no kind has.
 std::optional<OutputKind> OutputKindNamed(const std::string& name);

@@ -57,7 +57,7 @@ private:
     }
 
     void Load() {
-        PictureLoader loader(settings_.TransitionMattcolour, console_.in);
+        PictureLoader loader(settings_.TransitionMattcolour, {}, console_.in);
         OwnedDib pictures[2];
         for (std::size_t i = 0; i < 2; ++i)
             pictures[i] = loader.Load(options_.images[i]);

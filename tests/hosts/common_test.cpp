@@ -1,36 +1,16 @@
-// What all hosts share: how long frames stand, the threads they lend, how many there may be.
+// What all hosts share: the threads they lend, how many there may be.
 #include <atomic>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "hosts/common/play_times.h"
 #include "hosts/common/processors.h"
 #include "hosts/common/thread_pool.h"
 
 namespace lumafold::test {
 namespace {
-
-TEST(PlayTimes, ShortFramesTakeTheirTimeFromThoseBehind) {
-    using Delays = std::vector<std::int32_t>;
-    const std::pair<Delays, Delays> kCases[] = {
-        {{100, 5, 2}, {100, 5, 2}}, {{100, 0, 1, 50, 9}, {100, 2, 2, 47, 9}}, {{0, 3, 3, 9}, {2, 2, 2, 9}},
-        {{9, 0, 1}, {6, 2, 2}}, // nothing stands behind them, so from the beginning again
-        {{0, 1, 2}, {2, 2, 2}}, // there is no time to take
-    };
-    for (const auto& [before, after] : kCases) {
-        Animation animation;
-        for (const std::int32_t delay : before)
-            animation.frames.push_back({OwnedDib(), delay, -1});
-        EXPECT_EQ(LengthenShortFrames(animation),
-                  static_cast<std::size_t>(
-                      std::count_if(before.begin(), before.end(), [](int delay) { return delay < 2; })));
-        Delays got;
-        for (const AnimationFrame& frame : animation.frames)
-            got.push_back(frame.delay);
-        EXPECT_EQ(got, after);
-    }
-}
 
 TEST(ThreadPool, RunsEveryPieceOnceNestedOnesToo) {
     for (const int jobs : {1, 2, 5}) {
