@@ -24,7 +24,7 @@ Palette BenchPalette(int number, DibHandle picture) {
     if (number != 9) return palette;
     const LockedDib dib(picture);
     for (int i = 0; i < 256; ++i) {
-        const PixelValue c = DibGetPixel(dib.Get(), i % 16 * 40 + 7, i / 16 * 30 + 11);
+        const PixelValue c = DibGetPixel(*dib, i % 16 * 40 + 7, i / 16 * 30 + 11);
         palette[static_cast<std::size_t>(i)] = {static_cast<std::uint8_t>(RedOf(c)),
                                                 static_cast<std::uint8_t>(GreenOf(c)),
                                                 static_cast<std::uint8_t>(BlueOf(c))};
@@ -35,8 +35,8 @@ Palette BenchPalette(int number, DibHandle picture) {
 void ColourCopy(benchmark::State& state) {
     const OwnedDib picture = PhotoPicture(1), copy = PhotoPicture(2);
     const LockedDib from(picture.Get()), to(copy.Get());
-    const ConstRowView source(from.Get());
-    const RowView target(to.Get());
+    const ConstRowView source(*from);
+    const RowView target(*to);
     for (auto _ : state) {
         std::memcpy(target.Stored(), source.Stored(), source.StoredBytes());
         benchmark::ClobberMemory();
@@ -136,7 +136,7 @@ FrameRecord ChangedFrame(unsigned changed) {
     for (std::int32_t y = 0; y < bench::kHeight; ++y) {
         for (std::int32_t x = 0; x < bench::kWidth; ++x) {
             if ((random.Draw() >> 5) % 8 < changed)
-                DibSetPixel(to.Get(), x, y, DibGetPixel(from.Get(), x, y));
+                DibSetPixel(*to, x, y, DibGetPixel(*from, x, y));
         }
     }
     return frame;

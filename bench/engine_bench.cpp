@@ -41,7 +41,7 @@ void Accessors(benchmark::State& state) {
     for (auto _ : state) {
         for (std::int32_t y = 0; y < kHeight; ++y) {
             for (std::int32_t x = 0; x < kWidth; ++x) {
-                DibSetPixel(dib.Get(), x, y, DibGetPixel(dib.Get(), x, y));
+                DibSetPixel(*dib, x, y, DibGetPixel(*dib, x, y));
             }
         }
     }
@@ -53,7 +53,7 @@ void CopyRect(benchmark::State& state) {
     const OwnedDib from = PhotoPicture(1), to = PhotoPicture(2);
     const LockedDib source(from.Get()), target(to.Get());
     for (auto _ : state) {
-        DibCopyRect(target.Get(), 0, 0, source.Get(), 0, 0, kWidth, kHeight);
+        DibCopyRect(*target, 0, 0, *source, 0, 0, kWidth, kHeight);
         benchmark::ClobberMemory();
     }
     CountPixels(state);

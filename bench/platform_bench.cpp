@@ -35,11 +35,6 @@ void PlatformExp(benchmark::State& state) {
 }
 BENCHMARK(PlatformExp);
 
-void PlatformPow(benchmark::State& state) {
-    Measure(state, 1, [](double x) { return PortablePow(x, 0.77); });
-}
-BENCHMARK(PlatformPow);
-
 constexpr std::int32_t kWidth = 1280, kHeight = 960;
 
 template <typename Draw>

@@ -1,42 +1,57 @@
 #include "build/build_driver.h"
 
+#include <atomic>
+#include <cassert>
+
 #include "build/estimate.h"
 #include "colour/palettes.h"
 #include "colour/quantizer.h"
 #include "colour/remap.h"
 #include "colour/supercompression.h"
 #include "image/resample.h"
-#include "image/row_view.h"
 #include "resources/texts/strings.h"
-#include "settings/settings.h"
 #include "transitions/table.h"
 
 namespace lumafold {
 namespace {
 
+/// The time of the wait cursor.
+class Waiting {
+public:
+    explicit Waiting(BuildObserver& observer) : observer_(observer) { observer_.Begin(); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+    ~Waiting() { observer_.End(); }
+
+private:
+    BuildObserver& observer_;
+};
+
 /// One build, from the list to the host. Its steps return false to stop; its end puts everything back.
 class AnimationBuild {
 public:
-    AnimationBuild(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind,
-                   std::uint64_t budget)
-        : list_(list), window_(window), host_(host), kind_(kind), budget_(budget),
-          supercompress_(kind == TaskKind::Build && pluginSettings.Supercompress != 0) {}
+    explicit AnimationBuild(const BuildRequest& request)
+        : request_(request), settings_(request.settings), list_(request.list), host_(request.host),
+          supercompress_(request.kind == TaskKind::Build && request.settings.Supercompress != 0),
+          waiting_(request.observer) {}
     AnimationBuild(const AnimationBuild&) = delete;
     AnimationBuild& operator=(const AnimationBuild&) = delete;
     ~AnimationBuild() { PutBack(); }
 
     bool Run() {
-        BuildFixedPalette(&palette_, &paletteBits_,
-                          static_cast<std::int32_t>(pluginSettings.TransitionPalette));
-        if (!CountEntries() || !MeasureCanvas() || !FitsBudget() || !PlaceImages() || !RenderGaps() ||
-            !ChoosePalette() || !MarkUnchangedPixels() || !ReduceColours()) {
-            ShowMessage(window_, LUMAFOLD_TEXT_MEMORY_ERROR);
-            return false;
+        BuildFixedPalette(&palette_, &paletteBits_, static_cast<std::int32_t>(settings_.TransitionPalette));
+        if (CountEntries() && MeasureCanvas() && FitsBudget() && PlaceImages() && RenderGaps() &&
+            ChoosePalette() && MarkUnchangedPixels() && ReduceColours()) {
+            return HandOver();
         }
-        return HandOver();
+        return Fail(BuildFailure::Memory);
     }
 
 private:
+    bool Fail(BuildFailure failure) {
+        request_.observer.Fail(failure);
+        return false;
+    }
     bool CountEntries();
     bool AddTemporaryEntry();
     bool MeasureCanvas();
@@ -46,24 +61,27 @@ private:
     bool RenderGaps();
     bool RenderGap(std::int32_t index);
     bool ChoosePalette();
+    template <typename Work>
+    bool ForEachFrame(Work work);
     bool MarkUnchangedPixels();
-    bool ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib& image);
     bool ReduceColours();
+    bool ReduceFrame(const Remapper* remapper, FrameRecord& frame) const;
     bool HandOver();
+    bool AddFrame(TaskRecord& task, std::int32_t index);
     void PutBack();
 
+    const BuildRequest& request_;
+    const PluginSettings& settings_;
     ImageList& list_;
-    const WindowHandle window_;
     const Host host_;
-    const TaskKind kind_;
-    const std::uint64_t budget_;
     const bool supercompress_;
 
-    const WaitCursor cursor_; // declared before the frames, so that they are freed before it goes
+    const Waiting waiting_; // declared before the frames, so that they are freed before it ends
     OwnedFrameList frames_;
     Palette palette_{};
     int paletteBits_ = 8;
-    // A fixed palette is searched over all 256 entries, the black ones beyond its own count included: wanted.
+    // A fixed palette is searched over all 256 entries, the black ones beyond its own count included
+    // (docs/quirks.md 60).
     int colourCount_ = 256;
     int transparentSlot_ = -1;
     std::int32_t count_ = 0;
@@ -84,7 +102,7 @@ bool AnimationBuild::AddTemporaryEntry() {
     ImageEntry only;
     std::int32_t width = 0, height = 0;
     if (!list_.Read(0, only) || !DibQuery(only.image, &width, &height, nullptr, nullptr)) return false;
-    OwnedDib background(DibCreateFlat(width, height, pluginSettings.TransitionMattcolour));
+    OwnedDib background = DibCreateFlat(width, height, settings_.TransitionMattcolour);
     OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
     if (!background || !block) return false;
     {
@@ -120,7 +138,7 @@ bool AnimationBuild::MeasureCanvas() {
 /// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
 bool AnimationBuild::FitsBudget() {
     BuildEstimate estimate;
-    return EstimateBuild(list_, kind_, estimate) && estimate.bytes <= budget_;
+    return EstimateBuild(list_, request_.kind, settings_, estimate) && estimate.bytes <= request_.budget;
 }
 
 bool AnimationBuild::PlaceImages() {
@@ -141,14 +159,14 @@ bool AnimationBuild::PlaceImages() {
 
 /// The picture in true colour, centred on a canvas of the matte colour.
 OwnedDib AnimationBuild::Place(DibHandle image) const {
-    const OwnedDib converted(DibToTrueColour(image));
-    const LockedDib source(converted.Get());
+    const ReadDib loaded(image);
+    if (!loaded) return {};
+    const OwnedDib source = DibToTrueColour(*loaded);
     if (!source) return {};
-    OwnedDib canvas(DibCreateFlat(canvasWidth_, canvasHeight_, pluginSettings.TransitionMattcolour));
-    const LockedDib target(canvas.Get());
-    if (!target) return {};
-    DibCopyRect(target.Get(), (canvasWidth_ - source->biWidth) / 2, (canvasHeight_ - source->biHeight) / 2,
-                source.Get(), 0, 0, source->biWidth, source->biHeight);
+    OwnedDib canvas = DibCreateFlat(canvasWidth_, canvasHeight_, settings_.TransitionMattcolour);
+    if (!canvas) return {};
+    DibCopyRect(*canvas, (canvasWidth_ - source->biWidth) / 2, (canvasHeight_ - source->biHeight) / 2,
+                *source, 0, 0, source->biWidth, source->biHeight);
     return canvas;
 }
 
@@ -177,28 +195,55 @@ bool AnimationBuild::RenderGap(std::int32_t index) {
     context.carryWord = carryWord_;
     context.paletteBits = paletteBits_;
     context.palette = palette_;
-    context.window = window_;
+    context.window = request_.window;
     if (context.transition < 0 || context.transition >= kTransitionCount) return false;
-    const int done = TransitionTable[static_cast<std::size_t>(context.transition)].effect(context);
+    const TransitionRow& row = TransitionTable[static_cast<std::size_t>(context.transition)];
+    const int done = row.effect(context, settings_, request_.runner);
+    assert(context.carryWord == carryWord_ && "no effect changes it");
     carryWord_ = context.carryWord;
     return done != 0;
 }
 
 /// A palette for these very frames, darkest colour first, and behind it the slot for what is transparent.
 bool AnimationBuild::ChoosePalette() {
-    if (pluginSettings.TransitionTruecolour != 0 || pluginSettings.TransitionCustompalette == 0) return true;
+    if (settings_.TransitionTruecolour != 0 || settings_.TransitionCustompalette == 0) return true;
     host_.Caption(LUMAFOLD_CAPTION_QUANTIZING);
     colourCount_ = supercompress_ ? 255 : 256;
-    // Without even a tree the palette is black, and the build goes on with it: wanted.
-    if (ComputeOptimalPalette(*frames_, colourCount_, palette_) == PaletteResult::Failed) return false;
+    // Without even a tree the palette is black, and the build goes on with it (docs/quirks.md 61).
+    const PaletteResult made = ComputeOptimalPalette(*frames_, colourCount_, palette_, request_.runner);
+    if (made == PaletteResult::Failed) return false;
     SortByLuminance(palette_, colourCount_);
     paletteBits_ = PaletteBitsFor(supercompress_ ? colourCount_ + 1 : colourCount_);
     if (supercompress_) {
-        const PixelValue matte = pluginSettings.TransitionMattcolour;
         transparentSlot_ = colourCount_;
-        palette_[static_cast<std::size_t>(transparentSlot_)] = {static_cast<std::uint8_t>(RedOf(matte)),
-                                                                static_cast<std::uint8_t>(GreenOf(matte)),
-                                                                static_cast<std::uint8_t>(BlueOf(matte))};
+        palette_[static_cast<std::size_t>(transparentSlot_)] = RgbOf(settings_.TransitionMattcolour);
+    }
+    return true;
+}
+
+/// Calls `work(index, frame)` for every frame, as many at once as there are workers, and puts the records
+/// back, changed or not: what a record was given is the list's to free. Positions are told in order, each
+/// before the work on its frame. False as soon as one fails.
+template <typename Work>
+bool AnimationBuild::ForEachFrame(Work work) {
+    const std::int64_t atOnce =
+        static_cast<std::int64_t>(std::min<std::size_t>(request_.runner.Workers(), 64));
+    for (std::int64_t first = 0; first < frames_->count; first += atOnce) {
+        const std::int64_t count = std::min<std::int64_t>(atOnce, frames_->count - first);
+        for (std::int64_t i = first; i < first + count; ++i)
+            host_.Position(static_cast<std::int32_t>(i), frames_->count);
+        std::atomic<bool> failed = false;
+        request_.runner.ForEach(static_cast<std::size_t>(count), [&](std::size_t i) {
+            const auto index = static_cast<std::int32_t>(first + static_cast<std::int64_t>(i));
+            FrameRecord frame;
+            if (!FrameListGet(*frames_, index, frame)) {
+                failed = true;
+                return;
+            }
+            if (!work(index, frame)) failed = true;
+            if (!FrameListPut(*frames_, index, frame)) failed = true;
+        });
+        if (failed) return false;
     }
     return true;
 }
@@ -206,52 +251,48 @@ bool AnimationBuild::ChoosePalette() {
 bool AnimationBuild::MarkUnchangedPixels() {
     if (!supercompress_) return true;
     host_.Caption(LUMAFOLD_CAPTION_SUPERCOMPRESSING);
-    OwnedDib reference;
-    for (std::int32_t i = 0; i < frames_->count; ++i) {
-        host_.Position(i, frames_->count);
-        FrameRecord frame;
-        if (!FrameListGet(*frames_, i, frame)) return false;
-        const bool marked = MarkUnchanged(reference, frame, pluginSettings.TransitionMattcolour);
-        // The record is written back either way: a mask it got is the list's to free.
-        if (!FrameListPut(*frames_, i, frame) || !marked) return false;
-    }
-    return true;
-}
-
-/// Puts a picture in the place of a frame's, which is freed; on failure the list keeps the one it had.
-bool AnimationBuild::ReplaceImage(std::int32_t index, FrameRecord& frame, OwnedDib& image) {
-    const DibHandle replaced = std::exchange(frame.image, image.Get());
-    if (!FrameListPut(*frames_, index, frame)) return false;
-    (void)image.Release();
-    GlobalDestroy(replaced);
-    return true;
+    return ForEachFrame([&](std::int32_t index, FrameRecord& frame) {
+        FrameRecord before;
+        return index == 0 || (FrameListGet(*frames_, index - 1, before) &&
+                              MarkUnchanged(before.image, frame, settings_.TransitionMattcolour));
+    });
 }
 
 bool AnimationBuild::ReduceColours() {
     host_.ResetPosition();
     host_.Caption(LUMAFOLD_CAPTION_REMAPPING);
-    Remapper remapper(palette_, paletteBits_, colourCount_);
+    std::optional<Remapper> remapper;
+    if (settings_.TransitionTruecolour == 0) {
+        remapper.emplace(palette_, paletteBits_, colourCount_, RemapOptionsOf(settings_));
+        if (!*remapper) return false;
+    }
+    if (!ForEachFrame([&](std::int32_t, FrameRecord& frame) {
+            return ReduceFrame(remapper ? &*remapper : nullptr, frame);
+        })) {
+        return false;
+    }
     for (std::int32_t i = 0; i < frames_->count; ++i) {
-        host_.Position(i, frames_->count);
         FrameRecord frame;
-        if (!FrameListGet(*frames_, i, frame)) return false;
-        if (pluginSettings.TransitionTruecolour == 0) {
-            OwnedDib reduced(pluginSettings.TransitionDither != 0 ? remapper.Dither(frame.image)
-                                                                  : remapper.Remap(frame.image));
-            if (!reduced || !ReplaceImage(i, frame, reduced)) return false;
-        }
-        if (supercompress_ && frame.mask != 0) {
-            if (!PaintUnchanged(frame, transparentSlot_, pluginSettings.TransitionMattcolour) ||
-                !FrameListPut(*frames_, i, frame)) {
-                return false;
-            }
-        }
         std::int32_t width = 0, height = 0;
-        if (!DibQuery(frame.image, &width, &height, nullptr, nullptr)) return false;
+        if (!FrameListGet(*frames_, i, frame) || !DibQuery(frame.image, &width, &height, nullptr, nullptr))
+            return false;
         frameWidth_ = std::max(frameWidth_, width);
         frameHeight_ = std::max(frameHeight_, height);
     }
     return true;
+}
+
+/// Puts the reduced picture in the place of the frame's, which is freed; on failure it keeps the one it had.
+/// `remapper` null keeps true colour.
+bool AnimationBuild::ReduceFrame(const Remapper* remapper, FrameRecord& frame) const {
+    if (remapper != nullptr) {
+        OwnedDib reduced;
+        if (const ReadDib picture(frame.image); picture) reduced = remapper->Reduce(*picture);
+        if (!reduced) return false;
+        GlobalDestroy(std::exchange(frame.image, reduced.Release()));
+    }
+    return !supercompress_ || frame.mask == 0 ||
+           PaintUnchanged(frame, transparentSlot_, settings_.TransitionMattcolour);
 }
 
 bool AnimationBuild::HandOver() {
@@ -259,35 +300,34 @@ bool AnimationBuild::HandOver() {
     TaskRecord task{};
     task.size = sizeof(task);
     task.version = kInterfaceVersion;
-    task.owner = window_;
+    task.owner = request_.window;
     task.width = frameWidth_;
     task.height = frameHeight_;
     task.paletteBits = paletteBits_;
     task.palette = palette_;
     task.frameCount = frames_->count;
-    if (!host_.CreateTask(kind_, task)) {
-        ShowMessage(window_, LUMAFOLD_TEXT_TASK_ERROR);
+    if (!host_.CreateTask(request_.kind, task)) return Fail(BuildFailure::Task);
+    for (std::int32_t i = 0; i < frames_->count; ++i) {
+        if (AddFrame(task, i)) continue;
+        host_.FinishTask(task, TaskEnd::Abandoned);
         return false;
     }
-    for (std::int32_t i = 0; i < frames_->count; ++i) {
-        FrameRecord frame{};
-        ImageRecord record{};
-        record.size = sizeof(record);
-        record.version = kInterfaceVersion;
-        const bool known = FrameListGet(*frames_, i, frame);
-        record.image = frame.image;
-        record.delay = frame.delay;
-        record.index = i;
-        record.transparentIndex = frame.transparentIndex;
-        if (!known || !host_.AddFrame(task, record)) {
-            ShowMessage(window_, LUMAFOLD_TEXT_FRAME_ERROR);
-            host_.FinishTask(task, TaskEnd::Abandoned);
-            return false;
-        }
-    }
-    if (pluginSettings.AddDescriptiveCommentBlock != 0) host_.AddComment(task, kDescriptiveComment);
+    if (settings_.AddDescriptiveCommentBlock != 0) host_.AddComment(task, kDescriptiveComment);
     host_.FinishTask(task, TaskEnd::Complete);
     return true;
+}
+
+bool AnimationBuild::AddFrame(TaskRecord& task, std::int32_t index) {
+    FrameRecord frame;
+    if (!FrameListGet(*frames_, index, frame)) return Fail(BuildFailure::Memory);
+    ImageRecord record{};
+    record.size = sizeof(record);
+    record.version = kInterfaceVersion;
+    record.image = frame.image;
+    record.delay = frame.delay;
+    record.index = index;
+    record.transparentIndex = frame.transparentIndex;
+    return host_.AddFrame(task, record) || Fail(BuildFailure::Frame);
 }
 
 /// Leaves the list as it was found; the user's own pictures stay.
@@ -310,9 +350,8 @@ void AnimationBuild::PutBack() {
 
 } // namespace
 
-int BuildAnimation(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind,
-                   std::uint64_t budget) {
-    AnimationBuild build(list, window, host, kind, budget);
+int BuildAnimation(const BuildRequest& request) {
+    AnimationBuild build(request);
     return build.Run() ? 1 : 0;
 }
 

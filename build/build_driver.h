@@ -1,8 +1,11 @@
 // Turns the image list into a finished animation in the host: canvas, transitions, colours, hand-over.
 #pragma once
 
+#include "build/build_observer.h"
 #include "build/image_list.h"
+#include "platform/runner.h"
 #include "plugin/protocol/host.h"
+#include "settings/settings.h"
 
 namespace lumafold {
 
@@ -10,10 +13,21 @@ namespace lumafold {
 /// own and little room in one piece, this much; elsewhere what there is.
 inline constexpr std::uint64_t kUsualBudget = sizeof(void*) == 4 ? std::uint64_t{3} << 29 : UINT64_MAX;
 
-/// 1 when the task was made and every frame was added. Otherwise 0, after one message, with the list as it
-/// was. `window` owns messages and task; 0 where there is none. Settings are read from pluginSettings. A
-/// build that needs more than `budget` bytes by its estimate is given up before it renders anything.
-int BuildAnimation(ImageList& list, WindowHandle window, const HostContext& host, TaskKind kind,
-                   std::uint64_t budget = kUsualBudget);
+/// All of it outlives the build, which keeps nothing. Builds of different lists may run at the same time.
+struct BuildRequest {
+    ImageList& list;
+    WindowHandle window; ///< owns the task, and gives drawing contexts; 0 where there is none
+    const HostContext& host;
+    TaskKind kind;
+    const PluginSettings& settings;
+    BuildObserver& observer;
+    const Runner& runner;
+    /// Bytes. A build that needs more by its estimate is given up before it renders anything.
+    std::uint64_t budget = kUsualBudget;
+};
+
+/// 1 when the task was made and every frame was added. Otherwise 0, after one failure was told, with the list
+/// as it was. The host is called on the caller's thread alone.
+int BuildAnimation(const BuildRequest& request);
 
 } // namespace lumafold

@@ -1,6 +1,5 @@
 #include "build/estimate.h"
 
-#include "settings/settings.h"
 #include "transitions/table.h"
 
 namespace lumafold {
@@ -16,10 +15,9 @@ std::uint64_t SaturatingProduct(std::uint64_t a, std::uint64_t b) {
     return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max() : product;
 }
 
-std::uint64_t PictureBytes(const BuildEstimate& estimate, std::uint64_t bits) {
-    const std::uint64_t stride = (bits * static_cast<std::uint64_t>(estimate.width) + 31) / 32 * 4;
-    const std::uint64_t table = bits <= 8 ? std::uint64_t{4} << bits : 0;
-    return sizeof(DibHeader) + table + stride * static_cast<std::uint64_t>(estimate.height);
+/// Of a size that a picture has, or the most there can be.
+std::uint64_t PictureBytes(const BuildEstimate& estimate, int bits) {
+    return DibBlockBytes(estimate.width, estimate.height, bits).value_or(kMostDibBytes);
 }
 
 /// While frames are made all of them have 24 bits; each may get a mask before the first loses its depth.
@@ -32,7 +30,7 @@ std::uint64_t BytesOf(const BuildEstimate& estimate, std::uint64_t pictures, boo
 
 } // namespace
 
-bool EstimateBuild(ImageList& list, TaskKind kind, BuildEstimate& estimate) {
+bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, BuildEstimate& estimate) {
     estimate = {};
     const std::int32_t count = list.Count();
     ImageEntry entry;
@@ -42,8 +40,9 @@ bool EstimateBuild(ImageList& list, TaskKind kind, BuildEstimate& estimate) {
         estimate.width = std::max(estimate.width, width);
         estimate.height = std::max(estimate.height, height);
     }
-    const auto add = [&estimate](std::int32_t row) {
-        estimate.frames = SaturatingSum(estimate.frames, FrameCount(row, estimate.width, estimate.height));
+    const auto add = [&](std::int32_t row) {
+        estimate.frames =
+            SaturatingSum(estimate.frames, FrameCount(row, settings, {estimate.width, estimate.height}));
     };
     for (std::int32_t i = 0; i < count; ++i) {
         if (!list.Read(i, entry)) return false;
@@ -52,7 +51,7 @@ bool EstimateBuild(ImageList& list, TaskKind kind, BuildEstimate& estimate) {
     // One picture alone gets the plain background beside it.
     if (count == 1) add(list.DefaultTransition());
     const std::int64_t pictures = std::max<std::int64_t>(count, 2);
-    const bool masks = kind == TaskKind::Build && pluginSettings.Supercompress != 0;
+    const bool masks = kind == TaskKind::Build && settings.Supercompress != 0;
     estimate.bytes = BytesOf(estimate, static_cast<std::uint64_t>(pictures), masks);
     return true;
 }

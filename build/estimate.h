@@ -4,6 +4,7 @@
 
 #include "build/image_list.h"
 #include "plugin/protocol/host.h"
+#include "settings/settings.h"
 
 namespace lumafold {
 
@@ -14,7 +15,7 @@ struct BuildEstimate {
     std::uint64_t bytes = 0; ///< held at once at the most, the list's own pictures apart
 };
 
-/// Reads the list and the settings in force. False when an entry cannot be read.
-bool EstimateBuild(ImageList& list, TaskKind kind, BuildEstimate& estimate);
+/// False when an entry cannot be read.
+bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, BuildEstimate& estimate);
 
 } // namespace lumafold

@@ -38,7 +38,7 @@ public:
     Palette Colours() const {
         Palette palette{};
         for (const auto& [colour, index] : indexes_) {
-            if (colour != kNoPixel) palette[index] = ToRgb(colour);
+            if (colour != kNoPixel) palette[index] = RgbOf(colour);
         }
         return palette;
     }
@@ -88,7 +88,7 @@ AnimationFrame ColourFrame(const ShownScreen& screen, std::int32_t delay) {
     for (std::int32_t y = 0; y < screen.height; ++y) {
         std::uint8_t* out = picture.Row(y);
         for (std::int32_t x = 0; x < screen.width; ++x, ++from, out += 3) {
-            const Rgb colour = ToRgb(*from == kNoPixel ? hole : *from); // white where no colour is free
+            const Rgb colour = RgbOf(*from == kNoPixel ? hole : *from); // white where no colour is free
             out[0] = colour.blue;
             out[1] = colour.green;
             out[2] = colour.red;

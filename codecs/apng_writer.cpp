@@ -15,8 +15,8 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngFrame& frame, st
                                Blend blend) {
     ChunkWriter::Data data;
     data.U32(sequence);
-    data.U32(static_cast<std::uint32_t>(RectWidth(&frame.rect)));
-    data.U32(static_cast<std::uint32_t>(RectHeight(&frame.rect)));
+    data.U32(static_cast<std::uint32_t>(RectWidth(frame.rect)));
+    data.U32(static_cast<std::uint32_t>(RectHeight(frame.rect)));
     data.U32(static_cast<std::uint32_t>(frame.rect.left)).U32(static_cast<std::uint32_t>(frame.rect.top));
     data.U16(static_cast<std::uint32_t>(std::clamp(delay, 0, kMostDelay))).U16(kTicksPerSecond);
     return data.U8(static_cast<std::uint32_t>(Dispose::None)).U8(static_cast<std::uint32_t>(blend));

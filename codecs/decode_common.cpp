@@ -1,18 +1,17 @@
 #include "codecs/decode_common.h"
 
+#include <new>
+
+#include "codecs/decode.h"
+#include "image/index_rows.h"
+
 namespace lumafold {
 namespace {
 
-DibHandle CreateOrThrow(std::uint32_t width, std::uint32_t height, const Palette& palette, int bits) {
-    const DibHandle dib =
-        DibCreate(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), &palette, bits);
-    if (dib == 0) throw std::bad_alloc();
+OwnedDib CreateOrThrow(std::uint32_t width, std::uint32_t height, const Palette& palette, int bits) {
+    OwnedDib dib = DibCreate(width, height, &palette, bits);
+    if (!dib) throw std::bad_alloc();
     return dib;
-}
-
-DibHeader* HeaderOrThrow(const LockedDib& lock) {
-    if (!lock) throw std::bad_alloc();
-    return lock.Get();
 }
 
 } // namespace
@@ -45,23 +44,10 @@ Palette GreyRamp(int bits) {
 }
 
 PictureBuilder::PictureBuilder(std::uint32_t width, std::uint32_t height, const Palette& palette, int bits)
-    : picture_(CreateOrThrow(width, height, palette, bits)), lock_(picture_.Get()),
-      rows_(HeaderOrThrow(lock_)) {}
+    : picture_(CreateOrThrow(width, height, palette, bits)), rows_(picture_.Rows()) {}
 
 void PictureBuilder::PutIndexes(std::int32_t y, const std::uint8_t* indexes) {
-    std::uint8_t* row = rows_.Row(y);
-    const auto width = static_cast<std::size_t>(rows_.Width());
-    if (rows_.Bits() == 8) {
-        std::memcpy(row, indexes, width);
-        return;
-    }
-    const auto bits = static_cast<std::size_t>(rows_.Bits());
-    const std::size_t perByte = 8 / bits;
-    const unsigned mask = (1U << bits) - 1;
-    for (std::size_t x = 0; x < width; ++x) {
-        const std::size_t shift = bits * (perByte - 1 - x % perByte);
-        row[x / perByte] = static_cast<std::uint8_t>(row[x / perByte] | (indexes[x] & mask) << shift);
-    }
+    PackIndices({indexes, static_cast<std::size_t>(rows_.Width())}, rows_.Bits(), rows_.Row(y));
 }
 
 } // namespace lumafold

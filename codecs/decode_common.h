@@ -9,7 +9,6 @@
 
 #include "codecs/decode.h"
 #include "image/dib.h"
-#include "image/row_view.h"
 
 namespace lumafold {
 
@@ -43,11 +42,6 @@ constexpr std::uint8_t LayOver(std::uint64_t sample, std::uint64_t alpha, std::u
 constexpr Rgb LayOver(Rgb colour, unsigned alpha, PixelValue matte) {
     return {LayOver(colour.red, alpha, RedOf(matte), 255), LayOver(colour.green, alpha, GreenOf(matte), 255),
             LayOver(colour.blue, alpha, BlueOf(matte), 255)};
-}
-
-constexpr Rgb ToRgb(PixelValue colour) {
-    return {static_cast<std::uint8_t>(RedOf(colour)), static_cast<std::uint8_t>(GreenOf(colour)),
-            static_cast<std::uint8_t>(BlueOf(colour))};
 }
 
 /// A pixel of 24 bits as it is stored.
@@ -97,7 +91,6 @@ public:
 
 private:
     OwnedDib picture_;
-    LockedDib lock_;
     RowView rows_;
 };
 

@@ -99,7 +99,7 @@ int MatteEntry(const GifStill& still, const GifUse& use) {
 
 OwnedDib IndexedPicture(GifStill& still, bool showsMatte, int matteEntry, PixelValue matte) {
     if (showsMatte) {
-        still.palette[static_cast<std::size_t>(matteEntry)] = ToRgb(matte);
+        still.palette[static_cast<std::size_t>(matteEntry)] = RgbOf(matte);
         still.colourCount = std::max(still.colourCount, static_cast<unsigned>(matteEntry) + 1);
     }
     const int bits = std::max(1, static_cast<int>(std::bit_width(still.colourCount - 1)));
@@ -124,7 +124,7 @@ OwnedDib TrueColourPicture(const GifStill& still, PixelValue matte) {
     for (std::size_t y = 0; y < still.screenHeight; ++y) {
         std::uint8_t* out = picture.Row(static_cast<std::int32_t>(y));
         for (std::size_t x = 0; x < still.screenWidth; ++x, out += 3) {
-            Rgb colour = ToRgb(matte);
+            Rgb colour = RgbOf(matte);
             if (y >= still.top && y - still.top < still.height && x >= still.left &&
                 x - still.left < still.width) {
                 colour = still.palette[still.indexes[(y - still.top) * still.width + x - still.left]];

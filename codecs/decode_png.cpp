@@ -153,7 +153,7 @@ Palette ReadPalette(PngReader& reader, const PngShape& shape, const ToSrgb& toSr
     if (!shape.GreyRampFits()) return {};
     Palette ramp = GreyRamp(std::min(shape.depth, 8));
     toSrgb.Convert(ramp);
-    if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = ToRgb(matte);
+    if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = RgbOf(matte);
     return ramp;
 }
 

@@ -84,7 +84,7 @@ OwnedDib DecodeWebp(std::span<const std::uint8_t> file, const DecodeLimits& limi
     {
         const LockedDib dib(picture.Get());
         if (!dib) throw std::bad_alloc();
-        const RowView rows(dib.Get());
+        const RowView rows(*dib);
         for (std::size_t y = 0; y < still.height; ++y) {
             PutOverMatte(still.rgba.data() + y * still.width * 4, still.width, limits.matte,
                          rows.Row(static_cast<std::int32_t>(still.top + y)) + 3 * still.left);

@@ -61,7 +61,7 @@ FramePixels FrameReader::Read(const AnimationFrame& frame) const {
     if (read.width < 1 || read.height < 1) throw AnimationError{"a frame of the animation has no pixels"};
     const auto width = static_cast<std::size_t>(read.width);
     read.values.resize(width * static_cast<std::size_t>(read.height));
-    const ConstRowView rows(dib.Get());
+    const ConstRowView rows(*dib);
     const int bits = rows.Bits();
     const auto hole = static_cast<PixelValue>(frame.transparentIndex);
     // A byte or three for a pixel is what builds hand over; the other depths go by the accessors.
@@ -72,10 +72,10 @@ FramePixels FrameReader::Read(const AnimationFrame& frame) const {
         const std::uint8_t* row = rows.Row(y);
         for (std::int32_t x = 0; x < read.width; ++x, ++out) {
             if (bits <= 8) {
-                *out = ofIndex[bits == 8 ? row[x] : DibGetPixel(dib.Get(), x, y)];
+                *out = ofIndex[bits == 8 ? row[x] : DibGetPixel(*dib, x, y)];
             } else {
                 const PixelValue colour = bits == 24 ? MakeColour(row[3 * x + 2], row[3 * x + 1], row[3 * x])
-                                                     : DibGetPixel(dib.Get(), x, y) & 0xFFFFFF;
+                                                     : DibGetPixel(*dib, x, y) & 0xFFFFFF;
                 *out = colour == hole ? kNoPixel : colour;
             }
         }

@@ -58,7 +58,7 @@ private:
         const Rect rect{gif_->Image.Left, gif_->Image.Top, gif_->Image.Left + gif_->Image.Width,
                         gif_->Image.Top + gif_->Image.Height};
         if (screen_.pixels.empty()) MakeScreen(rect);
-        CheckSize(static_cast<std::uint64_t>(RectWidth(&rect)), static_cast<std::uint64_t>(RectHeight(&rect)),
+        CheckSize(static_cast<std::uint64_t>(RectWidth(rect)), static_cast<std::uint64_t>(RectHeight(rect)),
                   limits_);
         const std::vector<std::uint8_t> indexes = ReadGifIndexes(gif_);
         std::vector<PixelValue> before;

@@ -91,7 +91,7 @@ constexpr std::int64_t kWorthSampling = 32 * 1024; // pixels
 PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept kept, Rows rows = Rows::All) {
     PackedFrame packed;
     std::vector<LzwPixel> pixels;
-    pixels.reserve(static_cast<std::size_t>(RectWidth(&rect)) * static_cast<std::size_t>(RectHeight(&rect)));
+    pixels.reserve(static_cast<std::size_t>(RectWidth(rect)) * static_cast<std::size_t>(RectHeight(rect)));
     unsigned all = 0;
     const auto hole = static_cast<std::uint8_t>(transparent);
     for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
@@ -124,7 +124,7 @@ PackedFrame PackBest(const Screen& screen, const Rect& rect, std::int32_t ownTra
     const int transparent = ChooseTransparent(census, ownTransparent, tableSize);
     if (transparent < 0 || !census.anyKept) return Pack(screen, rect, transparent, Kept::Drawn);
     const auto packed = [&](Kept kept, Rows rows) { return Pack(screen, rect, transparent, kept, rows); };
-    const bool large = std::int64_t{RectWidth(&rect)} * RectHeight(&rect) >= kWorthSampling;
+    const bool large = std::int64_t{RectWidth(rect)} * RectHeight(rect) >= kWorthSampling;
     const Rows tried = large ? Rows::Sample : Rows::All;
     PackedFrame either = packed(Kept::Either, tried);
     PackedFrame drawn = packed(Kept::Drawn, tried);
@@ -143,8 +143,8 @@ void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::
     file.U8(0x2C);
     file.U16(rect.left);
     file.U16(rect.top);
-    file.U16(RectWidth(&rect));
-    file.U16(RectHeight(&rect));
+    file.U16(RectWidth(rect));
+    file.U16(RectHeight(rect));
     file.U8(0);
     file.U8(static_cast<std::uint32_t>(packed.codeBits));
     file.SubBlocks(packed.codes);

@@ -48,18 +48,14 @@ OwnedDib Upright(OwnedDib stored, int orientation) {
     const bool fromRight = orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8;
     const bool fromBottom = orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
 
-    std::int32_t width = 0, height = 0;
-    int bits = 0;
-    Palette palette{};
-    if (!DibQuery(stored.Get(), &width, &height, &bits, &palette)) throw std::bad_alloc();
-    OwnedDib upright(DibCreate(turned ? height : width, turned ? width : height, &palette, bits));
-    const LockedDib from(stored.Get()), to(upright.Get());
-    if (!from || !to) throw std::bad_alloc();
-    for (std::int32_t y = 0; y < to->biHeight; ++y) {
-        for (std::int32_t x = 0; x < to->biWidth; ++x) {
+    const std::int32_t width = stored->biWidth, height = stored->biHeight;
+    OwnedDib upright = DibCreateLike(*stored, turned ? height : width, turned ? width : height);
+    if (!upright) throw std::bad_alloc();
+    for (std::int32_t y = 0; y < upright->biHeight; ++y) {
+        for (std::int32_t x = 0; x < upright->biWidth; ++x) {
             const std::int32_t across = turned ? y : x, down = turned ? x : y;
-            DibSetPixel(to.Get(), x, y,
-                        DibGetPixel(from.Get(), fromRight ? width - 1 - across : across,
+            DibSetPixel(*upright, x, y,
+                        DibGetPixel(*stored, fromRight ? width - 1 - across : across,
                                     fromBottom ? height - 1 - down : down));
         }
     }

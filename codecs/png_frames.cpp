@@ -164,8 +164,8 @@ PngFrame PngFrames::Pack(const Screen& screen, const Rect& rect, Kept kept) cons
     PngFrame frame;
     frame.rect = rect;
     const std::size_t each = HavePalette() ? 1 : 3;
-    const auto width = static_cast<std::size_t>(RectWidth(&rect));
-    std::vector<std::uint8_t> pixels(width * static_cast<std::size_t>(RectHeight(&rect)) * each);
+    const auto width = static_cast<std::size_t>(RectWidth(rect));
+    std::vector<std::uint8_t> pixels(width * static_cast<std::size_t>(RectHeight(rect)) * each);
     std::uint8_t* to = pixels.data();
     for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
         const PixelValue* shown = screen.Row(y);
@@ -184,7 +184,7 @@ PngFrame PngFrames::Pack(const Screen& screen, const Rect& rect, Kept kept) cons
             }
         }
     }
-    const PngRows rows{RectWidth(&rect), RectHeight(&rect), depth_, pixels.data()};
+    const PngRows rows{RectWidth(rect), RectHeight(rect), depth_, pixels.data()};
     if (!CompressPngRows(rows, frame.data)) throw std::bad_alloc();
     return frame;
 }
@@ -196,7 +196,7 @@ bool PngFrames::HaveHoles() const {
 ChunkWriter::Data PngFrames::Header(const Rect& rect) const {
     const auto bits = static_cast<std::uint32_t>(HavePalette() ? depth_ : 8);
     ChunkWriter::Data data;
-    data.U32(static_cast<std::uint32_t>(RectWidth(&rect))).U32(static_cast<std::uint32_t>(RectHeight(&rect)));
+    data.U32(static_cast<std::uint32_t>(RectWidth(rect))).U32(static_cast<std::uint32_t>(RectHeight(rect)));
     data.U8(bits).U8(HavePalette() ? kPaletteType : kColourType);
     return data.U8(0).U8(0).U8(0);
 }

@@ -117,12 +117,12 @@ std::vector<PixelValue> Colours(const OwnedDib& picture) {
     const LockedDib dib(picture.Get());
     if (!dib) throw std::bad_alloc();
     Palette palette;
-    DibGetPalette(dib.Get(), palette);
+    DibGetPalette(*dib, palette);
     std::vector<PixelValue> colours;
     colours.reserve(static_cast<std::size_t>(dib->biWidth) * static_cast<std::size_t>(dib->biHeight));
     for (std::int32_t y = 0; y < dib->biHeight; ++y) {
         for (std::int32_t x = 0; x < dib->biWidth; ++x) {
-            const PixelValue value = DibGetPixel(dib.Get(), x, y);
+            const PixelValue value = DibGetPixel(*dib, x, y);
             const Rgb entry = palette[value & 0xFF];
             colours.push_back(dib->biBitCount > 8 ? value & 0xFFFFFF
                                                   : MakeColour(entry.red, entry.green, entry.blue));

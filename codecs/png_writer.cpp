@@ -96,7 +96,7 @@ std::vector<std::uint8_t> EncodePng(DibHandle picture, std::string& error) {
     }
     try {
         PngMemoryWriter writer;
-        if (writer.Write(ConstRowView(dib.Get()))) return writer.Take();
+        if (writer.Write(ConstRowView(*dib))) return writer.Take();
     } catch (const std::bad_alloc&) {
         // Told below, like libpng's own lack of memory.
     }

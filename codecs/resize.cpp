@@ -32,14 +32,14 @@ OwnedDib TrueColour(const OwnedDib& indexed) {
     const LockedDib from(indexed.Get());
     if (!from) throw std::bad_alloc();
     Palette palette{};
-    const bool hasPalette = DibGetPalette(from.Get(), palette) > 0;
+    const bool hasPalette = DibGetPalette(*from, palette) > 0;
     PictureBuilder picture(static_cast<std::uint32_t>(from->biWidth),
                            static_cast<std::uint32_t>(from->biHeight), {}, 24);
     for (std::int32_t y = 0; y < from->biHeight; ++y) {
         std::uint8_t* out = picture.Row(y);
         for (std::int32_t x = 0; x < from->biWidth; ++x, out += 3) {
-            const PixelValue value = DibGetPixel(from.Get(), x, y);
-            PutColour(out, hasPalette ? palette[value] : ToRgb(value));
+            const PixelValue value = DibGetPixel(*from, x, y);
+            PutColour(out, hasPalette ? palette[value] : RgbOf(value));
         }
     }
     return picture.Finish();
@@ -70,8 +70,8 @@ Placing PlacingOf(const SizeRequest& request, PictureSize from, PictureSize to) 
 /// Draws into the middle of the target, by a filter that leaves a picture of its own size as it is. Stored
 /// rows go from the bottom up, here and there.
 void Draw(const DibHeader* source, const Placing& placing, DibHeader* target) {
-    const ConstRowView from(source);
-    const RowView to(target);
+    const ConstRowView from(*source);
+    const RowView to(*target);
     const std::int32_t left = (to.Width() - placing.size.width) / 2;
     const std::int32_t below = to.Height() - placing.size.height - (to.Height() - placing.size.height) / 2;
     const int drawn = stbir_resize_region(

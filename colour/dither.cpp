@@ -1,8 +1,6 @@
 #include "colour/channels.h"
-#include "colour/palettes.h"
+#include "colour/colour_rows.h"
 #include "colour/remap.h"
-#include "colour/rows.h"
-#include "settings/settings.h"
 
 namespace lumafold {
 namespace {
@@ -14,8 +12,8 @@ class ErrorRow {
 public:
     explicit ErrorRow(StoredChannels* errors) : errors_(errors) {}
 
-    /// The colour pixel x wants to be.
-    PixelValue Wanted(std::size_t x, PixelValue colour) const {
+    /// What pixel x should show: its colour and the errors it was given.
+    PixelValue Aim(std::size_t x, PixelValue colour) const {
         return (Channels(errors_[x + 1]) + Channels(colour) + right_).Clamped();
     }
     void Give(std::size_t x, Channels error) {
@@ -36,11 +34,11 @@ private:
     Channels right_, belowLeft_, below_, first_;
 };
 
-/// `choose` gives the index for a wanted colour.
+/// `choose` gives the index for a colour aimed at.
 template <typename Choose>
-bool Diffuse(const DibHeader* source, DibHeader* target, const Palette& palette, Choose choose) {
+bool Diffuse(const DibHeader& source, DibHeader& target, const Palette& palette, Choose choose) {
     ColourRows rows(source);
-    const auto width = static_cast<std::size_t>(source->biWidth);
+    const auto width = static_cast<std::size_t>(source.biWidth);
     Array<StoredChannels> errors(width + 1);
     if (!rows || !errors) return false;
     if (width == 0) return true;
@@ -53,11 +51,10 @@ bool Diffuse(const DibHeader* source, DibHeader* target, const Palette& palette,
         const Rgb* colours = rows.Row(y);
         ErrorRow row(errors.data());
         const auto place = [&](std::size_t x) {
-            const Rgb colour = colours[x];
-            const PixelValue wanted = row.Wanted(x, MakeColour(colour.red, colour.green, colour.blue));
-            const std::size_t index = choose(wanted);
+            const PixelValue aim = row.Aim(x, ColourOf(colours[x]));
+            const std::size_t index = choose(aim);
             indices[x] = static_cast<std::uint8_t>(index);
-            row.Give(x, Channels(wanted) - Channels(entries[index]));
+            row.Give(x, Channels(aim) - Channels(entries[index]));
         };
         place(0);
         row.KeepFirst();
@@ -88,18 +85,18 @@ struct Grays {
     int smallest = 255, largest = 0;
 };
 
-Grays ReadGrays(const DibHeader* source) {
+Grays ReadGrays(const DibHeader& source) {
     Grays grays;
     const std::uint64_t pixels =
-        static_cast<std::uint64_t>(source->biWidth) * static_cast<std::uint32_t>(source->biHeight);
+        static_cast<std::uint64_t>(source.biWidth) * static_cast<std::uint32_t>(source.biHeight);
     ColourRows rows(source);
     if (!rows || pixels > std::numeric_limits<std::size_t>::max()) return grays;
     grays.levels = Array<std::uint8_t>(static_cast<std::size_t>(pixels));
     if (!grays.levels) return grays;
     std::uint8_t* level = grays.levels.data();
-    for (std::int32_t y = 0; y < source->biHeight; ++y) {
+    for (std::int32_t y = 0; y < source.biHeight; ++y) {
         const Rgb* colours = rows.Row(y);
-        for (std::int32_t x = 0; x < source->biWidth; ++x) {
+        for (std::int32_t x = 0; x < source.biWidth; ++x) {
             *level = Luminance(colours[x]);
             grays.smallest = std::min<int>(grays.smallest, *level);
             grays.largest = std::max<int>(grays.largest, *level);
@@ -113,15 +110,15 @@ void Give(std::uint8_t& level, int share) {
     level = static_cast<std::uint8_t>(std::clamp(level + share, 0, 255));
 }
 
-bool DiffuseBits(const DibHeader* source, DibHeader* target, const LevelTable& table) {
+bool DiffuseBits(const DibHeader& source, DibHeader& target, const LevelTable& table) {
     Grays grays = ReadGrays(source);
     if (!grays.levels) return false;
-    const auto width = static_cast<std::size_t>(source->biWidth);
+    const auto width = static_cast<std::size_t>(source.biWidth);
     const int threshold = (grays.largest + grays.smallest) >> 1;
     return FillIndexed(target, [&](std::int32_t y, std::uint8_t* bits) {
         std::uint8_t* here = grays.levels.data() + width * static_cast<std::size_t>(y);
         std::uint8_t* below = here + width;
-        const bool hasBelow = y + 1 < source->biHeight;
+        const bool hasBelow = y + 1 < source.biHeight;
         for (std::size_t x = 0; x < width; ++x) {
             const int level = table[here[x]];
             const bool white = level > threshold;
@@ -141,28 +138,17 @@ bool DiffuseBits(const DibHeader* source, DibHeader* target, const LevelTable& t
 
 } // namespace
 
-DibHandle Remapper::Dither(DibHandle picture) { return Reduce(picture, &Remapper::FillDithered); }
-
-bool Remapper::FillDithered(const DibHeader* source, DibHeader* target) {
-    if (bits_ == 1) {
-        return DiffuseBits(source, target,
-                           MakeLevels(pluginSettings.DitherBrightness, pluginSettings.DitherContrast));
-    }
-    if (pluginSettings.FastRemap == 0) {
-        if (!PrepareSearch()) return false;
+bool Remapper::FillDiffused(const DibHeader& source, DibHeader& target) const {
+    if (bits_ == 1) return DiffuseBits(source, target, MakeLevels(options_.brightness, options_.contrast));
+    if (SearchesEach()) {
         return Diffuse(source, target, palette_,
                        [&](PixelValue colour) { return static_cast<std::size_t>(search_.Find(colour)); });
     }
-    if (!PrepareCache()) return false;
     const ExactColours exact(palette_, count_);
     return Diffuse(source, target, palette_, [&, cache = cache_.data()](PixelValue colour) -> std::size_t {
         const int index = exact.Find(colour);
         return index >= 0 ? static_cast<std::size_t>(index) : cache[CellOf(colour)];
     });
-}
-
-DibHandle DitherImage(DibHandle picture, const Palette& palette, int bits, int count) {
-    return Remapper(palette, bits, count).Dither(picture);
 }
 
 } // namespace lumafold

@@ -5,25 +5,24 @@ namespace {
 
 constexpr std::size_t Entries(int count) { return static_cast<std::size_t>(std::clamp(count, 0, 256)); }
 
-constexpr int kWeights[3] = {3, 4, 2};
 constexpr int kSide = static_cast<int>(NearestSearch::kBlockSide);
 
-/// The entries that no earlier one equals; the others never win.
-struct Contest {
+/// The entries that no earlier one equals; the others are never found.
+struct DistinctEntries {
     std::size_t count = 0;
     std::uint8_t indices[256];
     std::uint8_t levels[3][256]; ///< red, green, blue of each
 };
 
-std::size_t ListDistinct(const Palette& palette, std::size_t count, Contest& contest) {
+std::size_t ListDistinct(const Palette& palette, std::size_t count, DistinctEntries& entries) {
     std::size_t distinct = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const Rgb entry = palette[i];
         if (std::find(palette.begin(), palette.begin() + i, entry) != palette.begin() + i) continue;
-        contest.indices[distinct] = static_cast<std::uint8_t>(i);
-        contest.levels[0][distinct] = entry.red;
-        contest.levels[1][distinct] = entry.green;
-        contest.levels[2][distinct] = entry.blue;
+        entries.indices[distinct] = static_cast<std::uint8_t>(i);
+        entries.levels[0][distinct] = entry.red;
+        entries.levels[1][distinct] = entry.green;
+        entries.levels[2][distinct] = entry.blue;
         ++distinct;
     }
     return distinct;
@@ -35,16 +34,16 @@ struct Reach {
 };
 
 /// Along each channel for each of its slabs, one block thick: all of red's, then green's, then blue's.
-void MeasureSlabs(const Contest& contest, Reach* slab) {
+void MeasureSlabs(const DistinctEntries& entries, Reach* slab) {
     for (std::size_t channel = 0; channel < 3; ++channel) {
         for (int from = 0; from < 256; from += kSide, ++slab) {
             const int to = from + kSide - 1;
-            for (std::size_t i = 0; i < contest.count; ++i) {
-                const int level = contest.levels[channel][i];
+            for (std::size_t i = 0; i < entries.count; ++i) {
+                const int level = entries.levels[channel][i];
                 const int near = std::max({from - level, level - to, 0});
                 const int far = std::max(to - level, level - from);
-                slab->near[i] = kWeights[channel] * near * near;
-                slab->far[i] = kWeights[channel] * far * far;
+                slab->near[i] = kChannelWeights[channel] * near * near;
+                slab->far[i] = kChannelWeights[channel] * far * far;
             }
         }
     }
@@ -59,33 +58,33 @@ void Add(Reach& sum, const Reach& a, const Reach& b, std::size_t count) {
 
 /// How much farther than `rival` an entry is from the colour of a block that suits it best. The difference of
 /// two distances is linear in the colour, so that colour is a corner.
-int LeastLag(const Contest& contest, std::size_t entry, std::size_t rival, const int (&from)[3]) {
+int LeastLag(const DistinctEntries& entries, std::size_t entry, std::size_t rival, const int (&from)[3]) {
     int lag = 0;
     for (std::size_t channel = 0; channel < 3; ++channel) {
-        const int mine = contest.levels[channel][entry], other = contest.levels[channel][rival];
+        const int mine = entries.levels[channel][entry], other = entries.levels[channel][rival];
         const int corner = mine > other ? from[channel] + kSide - 1 : from[channel];
-        lag += kWeights[channel] * (mine - other) * (mine + other - 2 * corner);
+        lag += kChannelWeights[channel] * (mine - other) * (mine + other - 2 * corner);
     }
     return lag;
 }
 
 /// Writes the entries that can be nearest to some colour of a block, in palette order, and tells how many.
-std::size_t ListCandidates(const Contest& contest, const Reach& block, const int (&from)[3],
+std::size_t ListCandidates(const DistinctEntries& entries, const Reach& block, const int (&from)[3],
                            std::uint8_t* list) {
     // Whatever the colour, one entry is this near; what is never that near cannot win.
     std::int32_t limit = std::numeric_limits<std::int32_t>::max();
-    for (std::size_t i = 0; i < contest.count; ++i)
+    for (std::size_t i = 0; i < entries.count; ++i)
         limit = std::min(limit, block.far[i]);
     std::uint8_t near[256];
     std::size_t nearCount = 0, rival = 0;
-    for (std::size_t i = 0; i < contest.count; ++i) {
+    for (std::size_t i = 0; i < entries.count; ++i) {
         if (block.far[i] == limit) rival = i;
         near[nearCount] = static_cast<std::uint8_t>(i);
         nearCount += block.near[i] <= limit ? 1 : 0;
     }
     std::size_t listed = 0;
     for (std::size_t i = 0; i < nearCount; ++i) {
-        if (LeastLag(contest, near[i], rival, from) <= 0) list[listed++] = contest.indices[near[i]];
+        if (LeastLag(entries, near[i], rival, from) <= 0) list[listed++] = entries.indices[near[i]];
     }
     return listed;
 }
@@ -96,10 +95,10 @@ int FindNearestColour(int red, int green, int blue, const Palette& palette, int 
     const int exact = FindExactColour(red, green, blue, palette, count);
     if (exact >= 0) return exact;
     std::size_t best = 0;
-    int bestDistance = 1000000;
+    int bestDistance = kBeyondEveryDistance;
     for (std::size_t i = 0; i < Entries(count); ++i) {
-        const int dr = red - palette[i].red, dg = green - palette[i].green, db = blue - palette[i].blue;
-        const int distance = 3 * dr * dr + 4 * dg * dg + 2 * db * db;
+        const int distance =
+            ColourDistance(red - palette[i].red, green - palette[i].green, blue - palette[i].blue);
         if (distance < bestDistance) {
             bestDistance = distance;
             best = i;
@@ -117,25 +116,25 @@ int FindExactColour(int red, int green, int blue, const Palette& palette, int co
 }
 
 bool NearestSearch::Build(const Palette& palette, int count) {
-    Contest contest;
-    contest.count = ListDistinct(palette, Entries(count), contest);
-    Array<std::uint8_t> candidates(kBlocks * contest.count);
+    DistinctEntries entries;
+    entries.count = ListDistinct(palette, Entries(count), entries);
+    Array<std::uint8_t> candidates(kBlocks * entries.count);
     Array<std::uint32_t> starts(kBlocks + 1);
     Array<Reach> slabs(3 * kBlocksPerAxis); // red's, green's, blue's
     if (!candidates || !starts || !slabs) return false;
-    MeasureSlabs(contest, slabs.data());
+    MeasureSlabs(entries, slabs.data());
 
     std::uint32_t filled = 0;
     Reach column, block;
     for (unsigned redGreen = 0; redGreen < kBlocksPerAxis * kBlocksPerAxis; ++redGreen) {
         const unsigned red = redGreen / kBlocksPerAxis, green = redGreen % kBlocksPerAxis;
-        Add(column, slabs[red], slabs[kBlocksPerAxis + green], contest.count);
+        Add(column, slabs[red], slabs[kBlocksPerAxis + green], entries.count);
         for (unsigned blue = 0; blue < kBlocksPerAxis; ++blue) {
-            Add(block, column, slabs[2 * kBlocksPerAxis + blue], contest.count);
+            Add(block, column, slabs[2 * kBlocksPerAxis + blue], entries.count);
             const int from[3] = {static_cast<int>(red * kBlockSide), static_cast<int>(green * kBlockSide),
                                  static_cast<int>(blue * kBlockSide)};
             filled +=
-                static_cast<std::uint32_t>(ListCandidates(contest, block, from, candidates.data() + filled));
+                static_cast<std::uint32_t>(ListCandidates(entries, block, from, candidates.data() + filled));
             starts[BlockOf(red, green, blue) + 1] = filled;
         }
     }
@@ -158,7 +157,7 @@ Array<std::uint8_t> BuildLookupCache(const NearestSearch& search) {
 ExactColours::ExactColours(const Palette& palette, int count) {
     slots_.fill({0, -1});
     for (std::size_t i = 0; i < Entries(count); ++i) {
-        const PixelValue colour = MakeColour(palette[i].red, palette[i].green, palette[i].blue);
+        const PixelValue colour = ColourOf(palette[i]);
         Slot& slot = slots_[SlotOf(colour)];
         if (slot.index >= 0) continue; // an earlier equal entry keeps the colour
         slot = {colour, static_cast<std::int32_t>(i)};

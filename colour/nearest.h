@@ -2,11 +2,20 @@
 // answers to many questions about one palette.
 #pragma once
 
-#include "image/dib.h"
+#include "image/dib_format.h"
+#include "platform/allocation.h"
 
 namespace lumafold {
 
-/// The first equal entry, else the first of the nearest by 3 dR^2 + 4 dG^2 + 2 dB^2; 0 when count is 0.
+/// How much each channel counts: red, green, blue.
+inline constexpr int kChannelWeights[3] = {3, 4, 2};
+constexpr int ColourDistance(int red, int green, int blue) {
+    return kChannelWeights[0] * red * red + kChannelWeights[1] * green * green +
+           kChannelWeights[2] * blue * blue;
+}
+inline constexpr int kBeyondEveryDistance = 1000000;
+
+/// The first equal entry, else the first of the nearest by ColourDistance; 0 when count is 0.
 /// Channels are 0 to 255; of a count beyond 256 only 256 entries exist.
 int FindNearestColour(int red, int green, int blue, const Palette& palette, int count);
 /// The first equal entry, or -1.
@@ -34,10 +43,9 @@ public:
         for (std::uint32_t i = starts_[block]; i < starts_[block + 1]; ++i) {
             const unsigned index = candidates_[i];
             const Rgb entry = palette_[index];
-            const auto dr = static_cast<std::int32_t>(red - entry.red);
-            const auto dg = static_cast<std::int32_t>(green - entry.green);
-            const auto db = static_cast<std::int32_t>(blue - entry.blue);
-            const auto distance = static_cast<std::uint32_t>(3 * dr * dr + 4 * dg * dg + 2 * db * db);
+            const auto distance = static_cast<std::uint32_t>(
+                ColourDistance(static_cast<int>(red - entry.red), static_cast<int>(green - entry.green),
+                               static_cast<int>(blue - entry.blue)));
             best = std::min(best, distance << 8 | index);
         }
         return static_cast<int>(best & 0xFF);
@@ -49,7 +57,7 @@ public:
 private:
     static constexpr unsigned kBlocksPerAxis = 256 / kBlockSide;
     static constexpr std::size_t kBlocks = kBlocksPerAxis * kBlocksPerAxis * kBlocksPerAxis;
-    static constexpr std::uint32_t kNothingFound = 1000000U << 8;
+    static constexpr std::uint32_t kNothingFound = std::uint32_t{kBeyondEveryDistance} << 8;
 
     static constexpr std::size_t BlockOf(unsigned red, unsigned green, unsigned blue) {
         return (red * kBlocksPerAxis + green) * kBlocksPerAxis + blue;

@@ -1,7 +1,7 @@
 // The nine fixed palettes, and how many bits a number of colours needs.
 #pragma once
 
-#include "image/dib.h"
+#include "image/dib_format.h"
 
 namespace lumafold {
 
@@ -14,11 +14,5 @@ int BuildFixedPalette(Palette* palette, int* bits, std::int32_t number);
 
 /// 1 bit up to 2 colours, 2 up to 4, and so on to 7 up to 128, 8 above.
 int PaletteBitsFor(int colours);
-
-/// (30 R + 59 G + 11 B) / 100 with each product divided by itself, modulo 256.
-constexpr std::uint8_t Luminance(Rgb colour) {
-    return static_cast<std::uint8_t>(colour.red * 30 / 100 + colour.green * 59 / 100 +
-                                     colour.blue * 11 / 100);
-}
 
 } // namespace lumafold

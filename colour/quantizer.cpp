@@ -1,22 +1,20 @@
 #include "colour/quantizer.h"
 
-#include "colour/palettes.h"
-#include "image/row_view.h"
-
 namespace lumafold {
 namespace {
 
 constexpr int kMostColours = 256;
 
-/// Shows each frame's picture to `visit`. False when one cannot be read.
+/// Shows the pictures of frames `first`, `first` + `step` and so on to `visit`. False when one cannot be
+/// read.
 template <typename Visit>
-bool VisitPictures(const FrameList& frames, Visit visit) {
-    for (std::int32_t i = 0; i < frames.count; ++i) {
+bool VisitPictures(const FrameList& frames, std::int32_t first, std::int32_t step, Visit visit) {
+    for (std::int64_t i = first; i < frames.count; i += step) {
         FrameRecord frame;
-        if (!FrameListGet(frames, i, frame)) return false;
-        const LockedDib picture(frame.image);
+        if (!FrameListGet(frames, static_cast<std::int32_t>(i), frame)) return false;
+        const ReadDib picture(frame.image);
         if (!picture || picture->biBitCount != 24) return false;
-        visit(ConstRowView(picture.Get()));
+        visit(ConstRowView(*picture));
     }
     return true;
 }
@@ -35,7 +33,7 @@ public:
             const std::uint8_t* pixel = rows.Row(y);
             for (std::int32_t x = 0; x < rows.Width(); ++x, pixel += 3) {
                 if (TooMany()) return;
-                Add(MakeColour(pixel[2], pixel[1], pixel[0]));
+                Add(LoadColour(pixel));
             }
         }
     }
@@ -55,9 +53,7 @@ private:
             if (slots_[slot] == colour) return;
         }
         slots_[slot] = colour;
-        listed_[static_cast<std::size_t>(count_++)] = {static_cast<std::uint8_t>(RedOf(colour)),
-                                                       static_cast<std::uint8_t>(GreenOf(colour)),
-                                                       static_cast<std::uint8_t>(BlueOf(colour))};
+        listed_[static_cast<std::size_t>(count_++)] = RgbOf(colour);
     }
 
     static constexpr std::size_t kSlots = 1024;
@@ -97,6 +93,42 @@ struct PixelSums {
     }
 };
 
+/// Pixels go straight to the leaves of the tree to come; what the nodes above see of them follows from these
+/// sums, which depend on no order.
+class LeafCounts {
+public:
+    LeafCounts() = default;
+    explicit LeafCounts(int depth) : leaves_(std::size_t{1} << 3 * depth) {
+        for (unsigned level = 0; level < places_.size(); ++level) {
+            unsigned place = 0;
+            for (int bit = 7; bit >= 8 - depth; --bit)
+                place = place << 3 | (level >> bit & 1);
+            places_[level] = static_cast<std::uint16_t>(place);
+        }
+    }
+    explicit operator bool() const { return static_cast<bool>(leaves_); }
+    const Array<PixelSums>& Leaves() const { return leaves_; }
+
+    void Add(const ConstRowView& rows) {
+        for (std::int32_t y = 0; y < rows.Height(); ++y) {
+            const std::uint8_t* pixel = rows.Row(y);
+            for (std::int32_t x = 0; x < rows.Width(); ++x, pixel += 3) {
+                const unsigned red = pixel[2], green = pixel[1], blue = pixel[0];
+                leaves_[places_[red] * 4U + places_[green] * 2U + places_[blue]] +=
+                    {1, red, green, blue, red * red + green * green + blue * blue};
+            }
+        }
+    }
+    void Add(const LeafCounts& other) {
+        for (std::size_t i = 0; i < leaves_.size(); ++i)
+            leaves_[i] += other.leaves_[i];
+    }
+
+private:
+    std::array<std::uint16_t, 256> places_{}; ///< a level's bits spread to every third place
+    Array<PixelSums> leaves_;
+};
+
 /// A cube of colours by its darkest corner; the cube of level n has sides of 256 >> n.
 struct Cube {
     int level;
@@ -125,9 +157,8 @@ public:
     explicit ColourTree(int depth) : depth_(depth), order_(LevelStart(depth + 1)) {}
     explicit operator bool() const { return static_cast<bool>(order_); }
 
-    /// Makes the nodes, all of them empty. False when memory is short.
-    bool MakeNodes();
-    void Add(const ConstRowView& rows);
+    /// Makes the nodes from what was counted. False when memory is short.
+    bool MakeNodes(const LeafCounts& counts);
     /// Reduces the tree to at most so many colours.
     void Prune(int most);
     /// Writes the average of each node's pixels. Their number.
@@ -149,36 +180,18 @@ private:
     void ReadBranch(std::size_t node, Palette& palette, int& entries) const;
 
     const int depth_;
-    int colours_ = 0;                         ///< nodes with pixels of their own
-    std::array<std::uint16_t, 256> places_{}; ///< a level's bits spread to every third place
-    Array<PixelSums> sums_;                   ///< of the pixels that are the node's own
-    Array<std::uint64_t> errors_;             ///< four times each node's error; 0 where there is no node
-    Array<std::uint32_t> order_;              ///< room for the nodes in the order they are pruned in
+    int colours_ = 0;             ///< nodes with pixels of their own
+    Array<PixelSums> sums_;       ///< of the pixels that are the node's own
+    Array<std::uint64_t> errors_; ///< four times each node's error; 0 where there is no node
+    Array<std::uint32_t> order_;  ///< room for the nodes in the order they are pruned in
 };
 
-bool ColourTree::MakeNodes() {
+bool ColourTree::MakeNodes(const LeafCounts& counts) {
     sums_ = Array<PixelSums>(LevelStart(depth_ + 1));
     errors_ = Array<std::uint64_t>(LevelStart(depth_ + 1));
-    for (unsigned level = 0; level < places_.size(); ++level) {
-        unsigned place = 0;
-        for (int bit = 7; bit >= 8 - depth_; --bit)
-            place = place << 3 | (level >> bit & 1);
-        places_[level] = static_cast<std::uint16_t>(place);
-    }
-    return sums_ && errors_;
-}
-
-/// Pixels go straight to their leaves; what the nodes above see of them follows from these sums.
-void ColourTree::Add(const ConstRowView& rows) {
-    PixelSums* const leaves = sums_.data() + LevelStart(depth_);
-    for (std::int32_t y = 0; y < rows.Height(); ++y) {
-        const std::uint8_t* pixel = rows.Row(y);
-        for (std::int32_t x = 0; x < rows.Width(); ++x, pixel += 3) {
-            const unsigned red = pixel[2], green = pixel[1], blue = pixel[0];
-            leaves[places_[red] * 4U + places_[green] * 2U + places_[blue]] +=
-                {1, red, green, blue, red * red + green * green + blue * blue};
-        }
-    }
+    if (!sums_ || !errors_) return false;
+    std::copy(counts.Leaves().begin(), counts.Leaves().end(), sums_.begin() + LevelStart(depth_));
+    return true;
 }
 
 /// Gives a branch its errors and returns its sums, of which only leaves keep theirs.
@@ -264,15 +277,36 @@ void ColourTree::ReadBranch(std::size_t node, Palette& palette, int& entries) co
                                                     average(sums.blue)};
 }
 
+/// Counts all frames, those of each worker by themselves. Empty when memory is short or one cannot be read.
+LeafCounts CountPixels(const FrameList& frames, int depth, const Runner& runner) {
+    constexpr std::size_t kMostWorkers = 16; // each has its own megabyte of sums
+    const std::size_t workers = std::clamp<std::size_t>(
+        std::min(runner.Workers(), static_cast<std::size_t>(frames.count)), 1, kMostWorkers);
+    std::array<LeafCounts, kMostWorkers> counts;
+    runner.ForEach(workers, [&](std::size_t w) {
+        LeafCounts mine(depth);
+        if (mine && VisitPictures(frames, static_cast<std::int32_t>(w), static_cast<std::int32_t>(workers),
+                                  [&](const ConstRowView& rows) { mine.Add(rows); })) {
+            counts[w] = std::move(mine);
+        }
+    });
+    for (std::size_t w = 0; w < workers; ++w) {
+        if (!counts[w]) return {};
+        if (w > 0) counts[0].Add(counts[w]);
+    }
+    return std::move(counts[0]);
+}
+
 } // namespace
 
-PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette& palette) {
+PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette& palette,
+                                    const Runner& runner) {
     palette = {};
     const int most = count < 1 || count > kMostColours ? kMostColours : count;
     ColourTree tree(TreeDepth(most));
     if (!tree) return PaletteResult::NoTree;
     FirstColours first(most);
-    if (!VisitPictures(frames, [&](const ConstRowView& rows) { first.Add(rows); })) {
+    if (!VisitPictures(frames, 0, 1, [&](const ConstRowView& rows) { first.Add(rows); })) {
         return PaletteResult::Failed;
     }
     if (!first.TooMany()) {
@@ -280,8 +314,9 @@ PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette
         count = first.Count();
         return PaletteResult::Made;
     }
-    if (!tree.MakeNodes() || !VisitPictures(frames, [&](const ConstRowView& rows) { tree.Add(rows); })) {
-        return PaletteResult::Failed;
+    {
+        const LeafCounts counts = CountPixels(frames, TreeDepth(most), runner);
+        if (!counts || !tree.MakeNodes(counts)) return PaletteResult::Failed;
     }
     tree.Prune(most);
     count = tree.Read(palette);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "image/frame_list.h"
+#include "platform/runner.h"
 
 namespace lumafold {
 
@@ -16,7 +17,8 @@ enum class PaletteResult {
 /// Makes one palette for all frames. `count` tells the most colours wanted (1 to 256; anything else is 256)
 /// and, when one was made, how many there are: none only when there are no pixels. Entries beyond are zero;
 /// after a failure the whole palette is, and the count is as it was.
-PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette& palette);
+PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette& palette,
+                                    const Runner& runner);
 
 /// Sorts the first `count` entries, 0 to 256, from dark to light; equally light ones keep their order.
 void SortByLuminance(Palette& palette, int count);

@@ -1,8 +1,6 @@
 #include "colour/remap.h"
 
-#include "colour/palettes.h"
-#include "colour/rows.h"
-#include "settings/settings.h"
+#include "image/index_rows.h"
 
 namespace lumafold {
 namespace {
@@ -13,37 +11,39 @@ std::uint8_t BitOf(Rgb colour) { return Luminance(colour) < kWhiteFrom ? 0 : 1; 
 
 } // namespace
 
-Remapper::Remapper(const Palette& palette, int bits, int count)
-    : palette_(palette), bits_(bits), count_(count) {}
-
-DibHandle Remapper::Remap(DibHandle picture) { return Reduce(picture, &Remapper::FillNearest); }
-
-DibHandle Remapper::Reduce(DibHandle picture, bool (Remapper::*fill)(const DibHeader*, DibHeader*)) {
-    const LockedDib source(picture);
-    if (!source || !IsReducible(*source) || bits_ < 1 || bits_ > 8) return 0;
-    OwnedDib result(DibCreate(source->biWidth, source->biHeight, &palette_, bits_));
-    {
-        const LockedDib target(result.Get());
-        if (!target || !(this->*fill)(source.Get(), target.Get())) return 0;
-    }
-    return result.Release();
+RemapOptions RemapOptionsOf(const PluginSettings& settings) {
+    return {settings.TransitionDither != 0 ? Dithering::Diffused : Dithering::None, settings.FastRemap != 0,
+            settings.DitherBrightness, settings.DitherContrast};
 }
 
-bool Remapper::PrepareSearch() { return search_ || search_.Build(palette_, count_); }
+Remapper::Remapper(const Palette& palette, int bits, int count, const RemapOptions& options)
+    : palette_(palette), bits_(bits), count_(count), options_(options),
+      ready_(bits >= 1 && bits <= 8 && PrepareTables()) {}
 
-bool Remapper::PrepareCache() {
-    if (cache_) return true;
-    // The search is far larger than the cache made from it, so it does not stay.
-    NearestSearch search;
-    if (!search.Build(palette_, count_)) return false;
-    cache_ = BuildLookupCache(search);
+/// To one bit no palette is looked at, so nothing is prepared.
+bool Remapper::PrepareTables() {
+    if (bits_ == 1) return true;
+    if (!search_.Build(palette_, count_)) return false;
+    if (SearchesEach()) return true;
+    cache_ = BuildLookupCache(search_);
+    search_ = NearestSearch(); // far larger than the cache made from it
     return static_cast<bool>(cache_);
+}
+
+OwnedDib Remapper::Reduce(const DibHeader& picture) const {
+    const int bits = picture.biBitCount;
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 24) return {};
+    OwnedDib target = DibCreate(picture.biWidth, picture.biHeight, &palette_, bits_);
+    if (!target) return target;
+    const bool filled = options_.dithering == Dithering::Diffused ? FillDiffused(picture, *target)
+                                                                  : FillNearest(picture, *target);
+    return filled ? std::move(target) : OwnedDib();
 }
 
 /// What stands for black or white: an exact one if the fast way is chosen and there is one, else the nearest;
 /// the fast way's nearest is its cell's.
 int Remapper::FindExtreme(int level) const {
-    if (pluginSettings.FastRemap == 0) return FindNearestColour(level, level, level, palette_, count_);
+    if (!options_.fast) return FindNearestColour(level, level, level, palette_, count_);
     const int exact = FindExactColour(level, level, level, palette_, count_);
     if (exact >= 0) return exact;
     const int cellLevel = level & 0xF8;
@@ -54,7 +54,7 @@ int Remapper::FindExtreme(int level) const {
 Remapper::IndexMap Remapper::MapTable(const DibHeader& source) const {
     IndexMap map{};
     Palette table;
-    const auto entries = static_cast<std::size_t>(DibGetPalette(&source, table));
+    const auto entries = static_cast<std::size_t>(DibGetPalette(source, table));
     if (bits_ == 1) {
         for (std::size_t i = 0; i < entries; ++i)
             map[i] = BitOf(table[i]);
@@ -73,13 +73,13 @@ Remapper::IndexMap Remapper::MapTable(const DibHeader& source) const {
     return map;
 }
 
-bool Remapper::FillNearest(const DibHeader* source, DibHeader* target) {
+bool Remapper::FillNearest(const DibHeader& source, DibHeader& target) const {
     const ConstRowView rows(source);
     const auto width = static_cast<std::size_t>(rows.Width());
     if (rows.Bits() != 24) {
-        const IndexMap map = MapTable(*source);
+        const IndexMap map = MapTable(source);
         return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
-            UnpackRow(rows.Row(y), rows.Bits(), rows.Width(), indices);
+            UnpackIndices(rows.Row(y), rows.Bits(), {indices, width});
             for (std::size_t x = 0; x < width; ++x)
                 indices[x] = map[indices[x]];
         });
@@ -88,21 +88,15 @@ bool Remapper::FillNearest(const DibHeader* source, DibHeader* target) {
         return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
             const std::uint8_t* pixel = rows.Row(y);
             for (std::size_t x = 0; x < width; ++x, pixel += 3)
-                indices[x] = BitOf({pixel[2], pixel[1], pixel[0]});
+                indices[x] = BitOf(LoadRgb(pixel));
         });
     }
     // True colour goes through the cache whether or not the fast way is chosen.
-    if (!PrepareCache()) return false;
     return FillIndexed(target, [&, cache = cache_.data()](std::int32_t y, std::uint8_t* indices) {
         const std::uint8_t* pixel = rows.Row(y);
-        for (std::size_t x = 0; x < width; ++x, pixel += 3) {
-            indices[x] = cache[CellOf(MakeColour(pixel[2], pixel[1], pixel[0]))];
-        }
+        for (std::size_t x = 0; x < width; ++x, pixel += 3)
+            indices[x] = cache[CellOf(LoadColour(pixel))];
     });
-}
-
-DibHandle RemapImage(DibHandle picture, const Palette& palette, int bits, int count) {
-    return Remapper(palette, bits, count).Remap(picture);
 }
 
 } // namespace lumafold

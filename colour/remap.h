@@ -3,40 +3,49 @@
 #pragma once
 
 #include "colour/nearest.h"
+#include "image/dib.h"
+#include "settings/settings.h"
 
 namespace lumafold {
 
-/// Reduces pictures of 1, 4, 8 or 24 bits to one palette and keeps its lookup tables from picture to picture.
-/// `bits` is the depth asked for (1 to 8; the pictures have the depth DibCreate makes of it), `count` the
-/// number of entries searched, 0 to 256. Reads FastRemap, DitherBrightness and DitherContrast at each call.
-/// Each call returns a new picture of the source's size that the caller owns, or 0 for any other depth or for
-/// lack of memory.
+enum class Dithering { None, Diffused };
+
+/// What of the settings decides an index.
+struct RemapOptions {
+    Dithering dithering;
+    bool fast;                          ///< look diffused colours up in cells instead of searching for each
+    std::uint32_t brightness, contrast; ///< of the level table for diffusion to one bit
+};
+RemapOptions RemapOptionsOf(const PluginSettings& settings);
+
+/// Reduces pictures of 1, 4, 8 or 24 bits to one palette. Once made it only reads, so that several threads
+/// may share it.
 class Remapper {
 public:
-    Remapper(const Palette& palette, int bits, int count);
+    /// `bits` is the depth asked for (1 to 8; the pictures have the depth DibCreate makes of it), `count` the
+    /// number of entries searched, 0 to 256. Check it before use: false when memory is short.
+    Remapper(const Palette& palette, int bits, int count, const RemapOptions& options);
+    explicit operator bool() const { return ready_; }
 
-    DibHandle Remap(DibHandle picture);
-    DibHandle Dither(DibHandle picture);
+    /// A new picture of the source's size; empty for any other depth or when memory is short.
+    OwnedDib Reduce(const DibHeader& picture) const;
 
 private:
     using IndexMap = std::array<std::uint8_t, 256>;
 
-    bool PrepareSearch();
-    bool PrepareCache();
+    bool PrepareTables();
+    bool SearchesEach() const { return options_.dithering == Dithering::Diffused && !options_.fast; }
     int FindExtreme(int level) const;
     IndexMap MapTable(const DibHeader& source) const;
-    bool FillNearest(const DibHeader* source, DibHeader* target);
-    bool FillDithered(const DibHeader* source, DibHeader* target);
-    DibHandle Reduce(DibHandle picture, bool (Remapper::*fill)(const DibHeader*, DibHeader*));
+    bool FillNearest(const DibHeader& source, DibHeader& target) const;
+    bool FillDiffused(const DibHeader& source, DibHeader& target) const;
 
     const Palette palette_;
     const int bits_, count_;
-    NearestSearch search_;
-    Array<std::uint8_t> cache_; ///< one index for each 15-bit cell
+    const RemapOptions options_;
+    NearestSearch search_;      ///< where each colour is searched for
+    Array<std::uint8_t> cache_; ///< elsewhere, one index for each 15-bit cell
+    bool ready_;
 };
-
-/// The same for one picture alone.
-DibHandle RemapImage(DibHandle picture, const Palette& palette, int bits, int count);
-DibHandle DitherImage(DibHandle picture, const Palette& palette, int bits, int count);
 
 } // namespace lumafold

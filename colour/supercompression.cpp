@@ -1,27 +1,11 @@
 #include "colour/supercompression.h"
 
-#include "image/row_view.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "platform/simd.h"
 
 namespace lumafold {
 namespace {
 
-/// The definition, for pictures of any size and depth.
-void MarkPixels(DibHeader* reference, const DibHeader* frame, DibHeader* mask) {
-    for (std::int32_t y = 0; y < reference->biHeight; ++y) {
-        for (std::int32_t x = 0; x < reference->biWidth; ++x) {
-            const PixelValue pixel = DibGetPixel(frame, x, y);
-            const bool unchanged = pixel == DibGetPixel(reference, x, y);
-            DibSetPixel(mask, x, y, unchanged ? 1 : 0);
-            if (!unchanged) DibSetPixel(reference, x, y, pixel);
-        }
-    }
-}
-
-#if defined(__SSE2__)
+#if LUMAFOLD_SSE2
 
 /// For twelve bits that tell which bytes are equal, the first lowest: four marks, the first pixel's on top.
 constexpr auto kMarksOfBytes = [] {
@@ -42,12 +26,12 @@ unsigned EqualBytes(const std::uint8_t* a, const std::uint8_t* b) {
 }
 
 /// Marks the pixels of a row sixteen at a time. How many.
-std::int32_t MarkManyPixels(const std::uint8_t* reference, const std::uint8_t* frame, std::int32_t width,
+std::int32_t MarkManyPixels(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width,
                             std::uint8_t* mask) {
     std::int32_t x = 0;
-    for (; x + 16 <= width; x += 16, reference += 48, frame += 48, mask += 2) {
-        const unsigned first = EqualBytes(reference, frame), middle = EqualBytes(reference + 16, frame + 16),
-                       last = EqualBytes(reference + 32, frame + 32);
+    for (; x + 16 <= width; x += 16, before += 48, frame += 48, mask += 2) {
+        const unsigned first = EqualBytes(before, frame), middle = EqualBytes(before + 16, frame + 16),
+                       last = EqualBytes(before + 32, frame + 32);
         const unsigned left = first | (middle & 0xFF) << 16, right = middle >> 8 | last << 8;
         mask[0] = static_cast<std::uint8_t>(kMarksOfBytes[left & 0xFFF] << 4 | kMarksOfBytes[left >> 12]);
         mask[1] = static_cast<std::uint8_t>(kMarksOfBytes[right & 0xFFF] << 4 | kMarksOfBytes[right >> 12]);
@@ -63,29 +47,19 @@ std::int32_t MarkManyPixels(const std::uint8_t*, const std::uint8_t*, std::int32
 
 #endif
 
-void MarkRow(const std::uint8_t* reference, const std::uint8_t* frame, std::int32_t width,
-             std::uint8_t* mask) {
-    for (std::int32_t x = MarkManyPixels(reference, frame, width, mask); x < width; ++x) {
+void MarkRow(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width, std::uint8_t* mask) {
+    for (std::int32_t x = MarkManyPixels(before, frame, width, mask); x < width; ++x) {
         const std::int32_t byte = 3 * x;
-        if (std::equal(frame + byte, frame + byte + 3, reference + byte)) {
+        if (std::equal(frame + byte, frame + byte + 3, before + byte)) {
             mask[x / 8] = static_cast<std::uint8_t>(mask[x / 8] | 0x80 >> x % 8);
         }
     }
 }
 
-void MarkRows(DibHeader* reference, const DibHeader* frame, DibHeader* mask) {
-    const RowView shown(reference), marks(mask);
-    const ConstRowView rows(frame);
-    for (std::int32_t y = 0; y < shown.Height(); ++y) {
-        MarkRow(shown.Row(y), rows.Row(y), shown.Width(), marks.Row(y));
-        std::memcpy(shown.Row(y), rows.Row(y), static_cast<std::size_t>(shown.Width()) * 3);
-    }
-}
-
-/// Again the definition.
-void PaintPixels(const DibHeader* mask, DibHeader* frame, PixelValue value) {
-    for (std::int32_t y = 0; y < mask->biHeight; ++y) {
-        for (std::int32_t x = 0; x < mask->biWidth; ++x) {
+/// The definition.
+void PaintPixels(const DibHeader& mask, DibHeader& frame, PixelValue value) {
+    for (std::int32_t y = 0; y < mask.biHeight; ++y) {
+        for (std::int32_t x = 0; x < mask.biWidth; ++x) {
             if (DibGetPixel(mask, x, y) != 0) DibSetPixel(frame, x, y, value);
         }
     }
@@ -125,7 +99,7 @@ RowPainter RowPainterFor(int bits, PixelValue value) {
     return nullptr;
 }
 
-void PaintMarked(const DibHeader* mask, DibHeader* frame, PixelValue value) {
+void PaintMarked(const DibHeader& mask, DibHeader& frame, PixelValue value) {
     const ConstRowView marks(mask);
     const RowView rows(frame);
     const bool sameSize = marks.Width() == rows.Width() && marks.Height() == rows.Height();
@@ -139,30 +113,24 @@ void PaintMarked(const DibHeader* mask, DibHeader* frame, PixelValue value) {
 }
 
 /// Table entries lie blue, green, red behind the header.
-void SetTableEntry(DibHeader* frame, int index, PixelValue colour) {
-    auto* entry = reinterpret_cast<std::uint8_t*>(frame) + frame->biSize + 4 * index;
-    entry[0] = static_cast<std::uint8_t>(BlueOf(colour));
-    entry[1] = static_cast<std::uint8_t>(GreenOf(colour));
-    entry[2] = static_cast<std::uint8_t>(RedOf(colour));
+void SetTableEntry(DibHeader& frame, int index, PixelValue colour) {
+    StoreColour(reinterpret_cast<std::uint8_t*>(&frame) + frame.biSize + 4 * index, colour);
 }
 
 } // namespace
 
-bool MarkUnchanged(OwnedDib& reference, FrameRecord& frame, PixelValue matte) {
-    if (!reference) {
-        reference = OwnedDib(GlobalDuplicate(frame.image));
-        return static_cast<bool>(reference);
+bool MarkUnchanged(DibHandle before, FrameRecord& frame, PixelValue matte) {
+    const ReadDib earlier(before), picture(frame.image);
+    if (!earlier || !picture || !Covers24(*earlier, picture->biWidth, picture->biHeight) ||
+        !Covers24(*picture, earlier->biWidth, earlier->biHeight)) {
+        return false;
     }
-    const LockedDib shown(reference.Get()), picture(frame.image);
-    if (!shown || !picture) return false;
-    OwnedDib mask(DibCreate(shown->biWidth, shown->biHeight, nullptr, 1));
-    {
-        const LockedDib marks(mask.Get());
-        if (!marks) return false;
-        const bool alike = Covers24(shown.Get(), picture->biWidth, picture->biHeight) &&
-                           Covers24(picture.Get(), shown->biWidth, shown->biHeight);
-        (alike ? MarkRows : MarkPixels)(shown.Get(), picture.Get(), marks.Get());
-    }
+    OwnedDib mask = DibCreate(picture->biWidth, picture->biHeight, nullptr, 1);
+    if (!mask) return false;
+    const ConstRowView from(*earlier), to(*picture);
+    const RowView marks = mask.Rows();
+    for (std::int32_t y = 0; y < to.Height(); ++y)
+        MarkRow(from.Row(y), to.Row(y), to.Width(), marks.Row(y));
     GlobalDestroy(frame.mask);
     frame.mask = mask.Release();
     frame.transparentIndex = static_cast<std::int32_t>(matte);
@@ -171,19 +139,20 @@ bool MarkUnchanged(OwnedDib& reference, FrameRecord& frame, PixelValue matte) {
 
 bool PaintUnchanged(FrameRecord& frame, int slot, PixelValue matte) {
     if (frame.mask == 0) return true;
-    const LockedDib mask(frame.mask), picture(frame.image);
+    const ReadDib mask(frame.mask);
+    const LockedDib picture(frame.image);
     if (!mask || !picture) return false;
     if (picture->biBitCount > 8) {
         // Looked for from black up, and black never counts as used: so changed black pixels show through too.
-        PaintMarked(mask.Get(), picture.Get(), MakeColour(0, 0, 0));
+        PaintMarked(*mask, *picture, MakeColour(0, 0, 0));
         frame.transparentIndex = 0;
         return true;
     }
     if (slot >= 1 << picture->biBitCount) return false;
     frame.transparentIndex = slot;
     if (slot < 0) return true;
-    PaintMarked(mask.Get(), picture.Get(), static_cast<PixelValue>(slot));
-    SetTableEntry(picture.Get(), slot, matte);
+    PaintMarked(*mask, *picture, static_cast<PixelValue>(slot));
+    SetTableEntry(*picture, slot, matte);
     return true;
 }
 

@@ -6,11 +6,10 @@
 
 namespace lumafold {
 
-/// Gives `frame` a mask of what equals `reference`, which then shows the frame, and the matte colour as its
-/// transparentIndex until it is painted. With no reference yet the frame becomes it and gets no mask. The
-/// caller owns both and puts the record back. False when memory is short or a picture cannot be locked; the
-/// record is then as it was.
-bool MarkUnchanged(OwnedDib& reference, FrameRecord& frame, PixelValue matte);
+/// Gives `frame` a mask of what equals the picture `before` it, and the matte colour as its transparentIndex
+/// until it is painted. Both pictures have 24 bits and one size. False, with the record as it was, when they
+/// have not, memory is short or one cannot be locked.
+bool MarkUnchanged(DibHandle before, FrameRecord& frame, PixelValue matte);
 
 /// Makes the marked pixels of a frame transparent; one without a mask stays as it is. With a palette they
 /// become `slot`, whose entry becomes the matte colour; with slot -1 nothing is written and nothing is

@@ -1,102 +1,89 @@
-// The picture: a packed device-independent bitmap in one movable block. Header, colour table of 2^bits
-// entries up to 8 bits, then bottom-up rows padded to four bytes. Picture coordinates are top-down.
-// DibGetPixel and DibSetPixel define every result; whole-picture loops over 24-bit pixels go through
-// image/row_view.h.
+// The picture: its owner, the accessors that define every result, and what makes and copies pictures. Picture
+// coordinates are top-down. Whoever owns a picture holds it locked, so that header and rows are at hand;
+// borrowed pictures are passed as their headers.
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstring>
-#include <optional>
-
+#include "image/row_view.h"
 #include "platform/global_memory.h"
 
 namespace lumafold {
 
+/// A picture's block, in records and across the host boundary.
 using DibHandle = GlobalHandle;
-using OwnedDib = OwnedGlobal;
 
-#pragma pack(push, 1)
-struct DibHeader {
-    std::uint32_t biSize;
-    std::int32_t biWidth;
-    std::int32_t biHeight;
-    std::uint16_t biPlanes;
-    std::uint16_t biBitCount;
-    std::uint32_t biCompression;
-    std::uint32_t biSizeImage;
-    std::int32_t biXPelsPerMeter;
-    std::int32_t biYPelsPerMeter;
-    std::uint32_t biClrUsed;
-    std::uint32_t biClrImportant;
-};
-#pragma pack(pop)
-static_assert(sizeof(DibHeader) == 40);
-
+/// Holds a picture that is another's locked, for reading or for writing in place. Check it before use.
 using LockedDib = GlobalLocked<DibHeader>;
+using ReadDib = GlobalLocked<const DibHeader>;
 
-/// One palette entry in the order of every interface: red, green, blue.
-struct Rgb {
-    std::uint8_t red, green, blue;
-    friend bool operator==(const Rgb&, const Rgb&) = default;
+/// Owns a picture and keeps it locked; frees it, unless Release gives it away. Check it before use.
+class OwnedDib {
+public:
+    OwnedDib() = default;
+    /// Takes over a block. One that cannot be locked is freed, and the owner is empty.
+    explicit OwnedDib(DibHandle handle) : OwnedDib(OwnedGlobal(handle)) {}
+    explicit OwnedDib(OwnedGlobal block) : block_(std::move(block)) {
+        if (block_) header_ = static_cast<DibHeader*>(GlobalAcquire(block_.Get()));
+        if (header_ == nullptr) block_ = OwnedGlobal();
+    }
+    OwnedDib(OwnedDib&& other) noexcept
+        : block_(std::move(other.block_)), header_(std::exchange(other.header_, nullptr)) {}
+    OwnedDib& operator=(OwnedDib&& other) noexcept {
+        std::swap(block_, other.block_);
+        std::swap(header_, other.header_);
+        return *this;
+    }
+    OwnedDib(const OwnedDib&) = delete;
+    OwnedDib& operator=(const OwnedDib&) = delete;
+    ~OwnedDib() {
+        if (header_ != nullptr) GlobalRelease(block_.Get());
+    }
+
+    explicit operator bool() const { return header_ != nullptr; }
+    DibHeader& operator*() { return *header_; }
+    const DibHeader& operator*() const { return *header_; }
+    DibHeader* operator->() { return header_; }
+    const DibHeader* operator->() const { return header_; }
+    RowView Rows() { return RowView(*header_); }
+    ConstRowView Rows() const { return ConstRowView(*header_); }
+
+    /// The block, for records that name a picture without owning it.
+    DibHandle Get() const { return block_.Get(); }
+    /// Unlocks the picture and gives it away.
+    [[nodiscard]] DibHandle Release() {
+        if (std::exchange(header_, nullptr) != nullptr) GlobalRelease(block_.Get());
+        return block_.Release();
+    }
+
+private:
+    OwnedGlobal block_;
+    DibHeader* header_ = nullptr;
 };
-/// 256 entries, 768 bytes, wherever a palette crosses an interface.
-using Palette = std::array<Rgb, 256>;
-static_assert(sizeof(Palette) == 768);
 
-/// A pixel's value: a colour-table index up to 8 bits, 0x00BBGGRR at 24, the fourth byte on top at 32.
-using PixelValue = std::uint32_t;
-/// No pixel: read outside a picture, and never written.
-inline constexpr PixelValue kNoPixel = 0xFFFFFFFF;
-
-constexpr PixelValue MakeColour(unsigned red, unsigned green, unsigned blue) {
-    return (red & 0xFF) | (green & 0xFF) << 8 | (blue & 0xFF) << 16;
-}
-constexpr unsigned RedOf(PixelValue colour) { return colour & 0xFF; }
-constexpr unsigned GreenOf(PixelValue colour) { return (colour >> 8) & 0xFF; }
-constexpr unsigned BlueOf(PixelValue colour) { return (colour >> 16) & 0xFF; }
-
-struct Rect {
-    std::int32_t left, top, right, bottom;
-};
-std::int32_t RectWidth(const Rect* rect);
-std::int32_t RectHeight(const Rect* rect);
-
-/// 1, 4, 8, 24 or 32: what a picture asked for with `bits` is made of.
-int DibRoundBitDepth(int bits);
-
-/// Bytes of a stored row, and where the rows begin behind the header.
-constexpr std::size_t DibStride(std::int32_t width, int bits) {
-    return (static_cast<std::size_t>(bits) * static_cast<std::size_t>(width) + 31) / 32 * 4;
-}
-constexpr std::size_t DibRowsOffset(const DibHeader& header) {
-    return header.biSize + (header.biBitCount < 9 ? std::size_t{4} << header.biBitCount : 0);
-}
-
-/// A new picture of all-zero pixels, or 0: out of memory, a negative side, or more bytes than a block can
-/// have (every product of sizes in the engine is safe because it is checked here). `palette` null leaves the
-/// table black.
-DibHandle DibCreate(std::int32_t width, std::int32_t height, const Palette* palette, int bits);
+/// A new picture of all-zero pixels; empty when memory is short or DibBlockBytes allows no such size.
+/// `palette` null leaves the table black.
+OwnedDib DibCreate(std::int64_t width, std::int64_t height, const Palette* palette, int bits);
+/// A new 24-bit picture of one colour; kNoPixel leaves it black.
+OwnedDib DibCreateFlat(std::int64_t width, std::int64_t height, PixelValue colour);
+/// A new picture of zero pixels with depth and palette of `like`.
+OwnedDib DibCreateLike(const DibHeader& like, std::int64_t width, std::int64_t height);
+/// A copy in the form that DibCreate gives.
+OwnedDib DibCopy(const DibHeader& source);
 
 /// Fills all 256 entries, those beyond the table with zero. The number of colours, 0 above 8 bits.
-int DibGetPalette(const DibHeader* dib, Palette& palette);
+int DibGetPalette(const DibHeader& dib, Palette& palette);
 
 /// What a picture is, any part of it null when not asked for; false when it cannot be locked.
 bool DibQuery(DibHandle dib, std::int32_t* width, std::int32_t* height, int* bits, Palette* palette);
 
-PixelValue DibGetPixel(const DibHeader* dib, std::int32_t x, std::int32_t y);
-void DibSetPixel(DibHeader* dib, std::int32_t x, std::int32_t y, PixelValue value);
+PixelValue DibGetPixel(const DibHeader& dib, std::int64_t x, std::int64_t y);
+void DibSetPixel(DibHeader& dib, std::int64_t x, std::int64_t y, PixelValue value);
 
 /// Copies raw values pixel by pixel, clipped by the accessors' own rule; depths and palettes are expected to
 /// agree.
-void DibCopyRect(DibHeader* target, std::int32_t targetX, std::int32_t targetY, const DibHeader* source,
-                 std::int32_t sourceX, std::int32_t sourceY, std::int32_t width, std::int32_t height);
+void DibCopyRect(DibHeader& target, std::int64_t targetX, std::int64_t targetY, const DibHeader& source,
+                 std::int64_t sourceX, std::int64_t sourceY, std::int64_t width, std::int64_t height);
 
 /// Sets every pixel of a 24-bit picture; kNoPixel sets none.
-void DibFill(DibHeader* dib, PixelValue colour);
-
-/// A new 24-bit picture of one colour, or 0.
-DibHandle DibCreateFlat(std::int32_t width, std::int32_t height, PixelValue colour);
+void DibFill(DibHeader& dib, PixelValue colour);
 
 } // namespace lumafold

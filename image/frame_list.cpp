@@ -20,16 +20,12 @@ bool FrameListAppend(FrameList& list, const FrameRecord& record) {
     return false;
 }
 
-bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay) {
+bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
     FrameRecord record{};
-    record.image = image;
+    record.image = image.Get();
     record.delay = delay;
     record.transparentIndex = -1;
-    return FrameListAppend(list, record);
-}
-
-bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
-    if (!image || !FrameListAddImage(list, image.Get(), delay)) return false;
+    if (!image || !FrameListAppend(list, record)) return false;
     (void)image.Release();
     return true;
 }

@@ -23,9 +23,8 @@ static_assert(sizeof(FrameRecord) == 40 && sizeof(FrameList) == 8);
 
 /// Appends a copy of the record and owns its pictures from then on. False leaves the list as it was.
 bool FrameListAppend(FrameList& list, const FrameRecord& record);
-/// Appends a picture with nothing special about it; it passes to the list only on success.
-bool FrameListAddImage(FrameList& list, DibHandle image, std::int32_t delay);
-/// The same with an owner's picture, which is freed when the list does not take it; false for none.
+/// Appends a picture with nothing special about it, which is freed when the list does not take it; false for
+/// no picture.
 bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay);
 
 /// Copy one record out or in; false, touching nothing, when there is no such slot or it cannot be locked.
@@ -47,6 +46,7 @@ public:
 
     FrameList& operator*() { return list_; }
     FrameList* operator->() { return &list_; }
+    const FrameList& operator*() const { return list_; }
 
 private:
     FrameList list_{};

@@ -3,7 +3,6 @@
 #include <span>
 
 #include "image/masked_channel.h"
-#include "image/row_view.h"
 
 namespace lumafold {
 namespace {
@@ -118,7 +117,7 @@ std::optional<ForeignShape> ReadShape(const ForeignBytes& block) {
     if (!IsKnownKind(shape) || shape.width <= 0 || shape.height <= 0) return {};
     // No size here is beyond 35 bits, so the products stay below 64.
     shape.rowsOffset = shape.tableOffset + shape.tableEntries * shape.tableEntryBytes;
-    shape.stride = (shape.bits * static_cast<std::uint64_t>(shape.width) + 31) / 32 * 4;
+    shape.stride = DibStride(shape.width, static_cast<int>(shape.bits));
     const auto height = static_cast<std::uint64_t>(shape.height);
     if (!block.Holds(shape.stride) || !block.Holds(shape.rowsOffset) ||
         !block.Holds(shape.rowsOffset + shape.stride * height)) {
@@ -129,11 +128,8 @@ std::optional<ForeignShape> ReadShape(const ForeignBytes& block) {
 
 /// Every build makes 24 bits of every picture, so one that is too large for that is of no use.
 bool FitsTrueColour(const ForeignShape& shape) {
-    constexpr std::uint64_t kMostBytes = 0x7FFFFFFF;
     constexpr std::int64_t kMostWidth = 1 << 26; // the bits of a row are counted in 32 bits at every depth
-    if (shape.width > kMostWidth) return false;
-    const std::uint64_t stride = (24 * static_cast<std::uint64_t>(shape.width) + 31) / 32 * 4;
-    return stride <= (kMostBytes - 1024) / static_cast<std::uint64_t>(shape.height);
+    return shape.width <= kMostWidth && DibBlockBytes(shape.width, shape.height, 24);
 }
 
 bool IsOurForm(const ForeignShape& shape) {
@@ -148,7 +144,7 @@ Palette ReadPalette(const ForeignBytes& block, const ForeignShape& shape) {
     const std::uint64_t entries = std::min(shape.tableEntries, std::uint64_t{1} << shape.bits);
     for (std::uint64_t i = 0; i < entries; ++i) {
         const std::uint8_t* entry = block.At(shape.tableOffset + i * shape.tableEntryBytes);
-        palette[static_cast<std::size_t>(i)] = {entry[2], entry[1], entry[0]};
+        palette[static_cast<std::size_t>(i)] = LoadRgb(entry);
     }
     return palette;
 }
@@ -164,9 +160,7 @@ public:
         for (std::int32_t x = 0; x < width; ++x, from += bytes_, to += 3) {
             std::uint32_t pixel = 0;
             std::memcpy(&pixel, from, bytes_);
-            to[0] = blue_.Of(pixel);
-            to[1] = green_.Of(pixel);
-            to[2] = red_.Of(pixel);
+            StoreColour(to, Rgb{red_.Of(pixel), green_.Of(pixel), blue_.Of(pixel)});
         }
     }
 
@@ -184,10 +178,9 @@ OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
     const Palette palette = shape.IsIndexed() ? ReadPalette(block, shape) : Palette{};
     const auto width = static_cast<std::int32_t>(shape.width);
     const auto height = static_cast<std::int32_t>(shape.height);
-    OwnedDib made(DibCreate(width, height, &palette, shape.IsIndexed() ? static_cast<int>(shape.bits) : 24));
-    const LockedDib dib(made.Get());
-    if (!dib) return {};
-    const RowView rows(dib.Get());
+    OwnedDib made = DibCreate(width, height, &palette, shape.IsIndexed() ? static_cast<int>(shape.bits) : 24);
+    if (!made) return made;
+    const RowView rows = made.Rows();
     const DeepRows deep(block, shape);
     for (std::int32_t y = 0; y < height; ++y) {
         const std::int32_t stored = shape.topDown ? y : height - 1 - y;
@@ -206,9 +199,8 @@ OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
 
 OwnedDib DibImport(DibHandle foreign) {
     OwnedDib picture(foreign);
-    const GlobalLocked<const std::uint8_t> lock(picture.Get());
-    if (!lock) return {};
-    const ForeignBytes block({lock.Get(), GlobalBytes(picture.Get())});
+    if (!picture) return picture;
+    const ForeignBytes block({reinterpret_cast<const std::uint8_t*>(&*picture), GlobalBytes(picture.Get())});
     const std::optional<ForeignShape> shape = ReadShape(block);
     if (!shape || !FitsTrueColour(*shape)) return {};
     if (IsOurForm(*shape)) return picture;

@@ -1,6 +1,6 @@
 #include "image/resample.h"
 
-#include "image/row_view.h"
+#include "image/index_rows.h"
 
 namespace lumafold {
 namespace {
@@ -16,8 +16,8 @@ public:
     };
 
     template <typename Header>
-    ChannelLine(Header* dib, Axis axis, std::int32_t at)
-        : dib_(const_cast<DibHeader*>(dib)), axis_(axis), at_(at) {}
+    ChannelLine(Header& dib, Axis axis, std::int32_t at)
+        : dib_(const_cast<DibHeader&>(dib)), axis_(axis), at_(at) {}
 
     Value Get(std::int64_t index) const {
         const auto i = static_cast<std::int32_t>(index);
@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    DibHeader* dib_;
+    DibHeader& dib_;
     Axis axis_;
     std::int32_t at_;
 };
@@ -58,8 +58,8 @@ public:
     using Value = std::int64_t;
 
     template <typename Header>
-    ValueLine(Header* dib, Axis axis, std::int32_t at)
-        : dib_(const_cast<DibHeader*>(dib)), axis_(axis), at_(at) {}
+    ValueLine(Header& dib, Axis axis, std::int32_t at)
+        : dib_(const_cast<DibHeader&>(dib)), axis_(axis), at_(at) {}
 
     Value Get(std::int64_t index) const {
         const auto i = static_cast<std::int32_t>(index);
@@ -81,7 +81,7 @@ public:
     }
 
 private:
-    DibHeader* dib_;
+    DibHeader& dib_;
     Axis axis_;
     std::int32_t at_;
 };
@@ -95,7 +95,7 @@ public:
     };
 
     template <typename Header>
-    TrueColourLine(Header* dib, Axis axis, std::int32_t at) {
+    TrueColourLine(Header& dib, Axis axis, std::int32_t at) {
         const BasicRowView<const std::uint8_t, const DibHeader> rows(dib);
         length_ = axis == Axis::Width ? rows.Width() : rows.Height();
         step_ = axis == Axis::Width ? 3 : -rows.Stride();
@@ -176,11 +176,11 @@ void ShrinkLine(const Line& from, std::int64_t length, Line& to, std::int64_t ne
 enum class Pass { Stretch, Shrink };
 
 template <typename Line>
-void RunPass(Pass pass, Axis axis, const DibHeader* source, DibHeader* target, std::int64_t percent) {
+void RunPass(Pass pass, Axis axis, const DibHeader& source, DibHeader& target, std::int64_t percent) {
     const bool wide = axis == Axis::Width;
-    const std::int32_t lines = wide ? source->biHeight : source->biWidth;
-    const std::int64_t length = wide ? source->biWidth : source->biHeight;
-    const std::int64_t newLength = wide ? target->biWidth : target->biHeight;
+    const std::int32_t lines = wide ? source.biHeight : source.biWidth;
+    const std::int64_t length = wide ? source.biWidth : source.biHeight;
+    const std::int64_t newLength = wide ? target.biWidth : target.biHeight;
     if (newLength < 1) return;
     for (std::int32_t at = 0; at < lines; ++at) {
         const Line from(source, axis, at);
@@ -195,7 +195,7 @@ void RunPass(Pass pass, Axis axis, const DibHeader* source, DibHeader* target, s
 
 /// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the
 /// time.
-void HalveWidth(const DibHeader* source, DibHeader* target) {
+void HalveWidth(const DibHeader& source, DibHeader& target) {
     const ConstRowView from(source);
     const RowView to(target);
     for (std::int32_t y = 0; y < to.Height(); ++y) {
@@ -209,7 +209,7 @@ void HalveWidth(const DibHeader* source, DibHeader* target) {
     }
 }
 
-void HalveHeight(const DibHeader* source, DibHeader* target) {
+void HalveHeight(const DibHeader& source, DibHeader& target) {
     const ConstRowView from(source);
     const RowView to(target);
     const std::int32_t bytes = to.Width() * 3;
@@ -247,7 +247,7 @@ Box BoxOf(std::int64_t position, std::int64_t length, std::int64_t percent) {
 /// The box average of whole 24-bit rows, for boxes small enough for the divider.
 constexpr std::int64_t kSmallestQuickPercent = 2;
 
-void ShrinkWidthQuickly(const DibHeader* source, DibHeader* target, std::int64_t percent) {
+void ShrinkWidthQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent) {
     const ConstRowView from(source);
     const RowView to(target);
     for (std::int32_t y = 0; y < to.Height(); ++y) {
@@ -269,7 +269,7 @@ void ShrinkWidthQuickly(const DibHeader* source, DibHeader* target, std::int64_t
     }
 }
 
-void ShrinkHeightQuickly(const DibHeader* source, DibHeader* target, std::int64_t percent) {
+void ShrinkHeightQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent) {
     constexpr std::int32_t kBlock = 256; // bytes of a row that are summed together, in the nearest cache
     const ConstRowView from(source);
     const RowView to(target);
@@ -294,124 +294,92 @@ void ShrinkHeightQuickly(const DibHeader* source, DibHeader* target, std::int64_
     }
 }
 
-DibHandle Resample(DibHandle sourceHandle, std::int32_t percent, Pass pass, Axis axis) {
-    const LockedDib source(sourceHandle);
-    if (!source) return 0;
+OwnedDib Resample(const DibHeader& source, std::int32_t percent, Pass pass, Axis axis) {
     const bool wide = axis == Axis::Width;
-    const std::int64_t size = std::int64_t{wide ? source->biWidth : source->biHeight} * percent / 100;
-    if (size < 0 || size > INT32_MAX) return 0;
-    const auto newSize = static_cast<std::int32_t>(size);
-    const int bits = source->biBitCount;
-    Palette palette;
-    DibGetPalette(source.Get(), palette);
-    OwnedDib result(
-        DibCreate(wide ? newSize : source->biWidth, wide ? source->biHeight : newSize, &palette, bits));
-    const LockedDib target(result.Get());
-    if (!target) return 0;
+    const std::int64_t size = std::int64_t{wide ? source.biWidth : source.biHeight} * percent / 100;
+    const int bits = source.biBitCount;
+    OwnedDib target = DibCreateLike(source, wide ? size : source.biWidth, wide ? source.biHeight : size);
+    if (!target) return target;
     if (bits == 24 && pass == Pass::Shrink && percent == 50) {
-        wide ? HalveWidth(source.Get(), target.Get()) : HalveHeight(source.Get(), target.Get());
+        wide ? HalveWidth(source, *target) : HalveHeight(source, *target);
     } else if (bits == 24 && pass == Pass::Shrink && percent >= kSmallestQuickPercent) {
-        wide ? ShrinkWidthQuickly(source.Get(), target.Get(), percent)
-             : ShrinkHeightQuickly(source.Get(), target.Get(), percent);
+        wide ? ShrinkWidthQuickly(source, *target, percent) : ShrinkHeightQuickly(source, *target, percent);
     } else if (bits == 24) {
-        RunPass<TrueColourLine>(pass, axis, source.Get(), target.Get(), percent);
+        RunPass<TrueColourLine>(pass, axis, source, *target, percent);
     } else if (bits >= 2 && bits <= 8) {
-        RunPass<ValueLine>(pass, axis, source.Get(), target.Get(), percent);
+        RunPass<ValueLine>(pass, axis, source, *target, percent);
     } else {
-        RunPass<ChannelLine>(pass, axis, source.Get(), target.Get(), percent);
+        RunPass<ChannelLine>(pass, axis, source, *target, percent);
     }
-    return result.Release();
+    return target;
 }
 
-DibHandle ScaleAxis(DibHandle source, std::int32_t percent, Axis axis) {
-    if (percent == 100) return GlobalDuplicate(source);
+OwnedDib ScaleAxis(const DibHeader& source, std::int32_t percent, Axis axis) {
+    if (percent == 100) return DibCopy(source);
     return Resample(source, percent, percent > 100 ? Pass::Stretch : Pass::Shrink, axis);
 }
 
 } // namespace
 
-DibHandle DibToTrueColour(DibHandle sourceHandle) {
-    const LockedDib source(sourceHandle);
-    if (!source || source->biBitCount != DibRoundBitDepth(source->biBitCount)) return 0;
+OwnedDib DibToTrueColour(const DibHeader& source) {
+    if (source.biBitCount != DibRoundBitDepth(source.biBitCount)) return {};
+    OwnedDib target = DibCreate(source.biWidth, source.biHeight, nullptr, 24);
+    if (!target || target->biWidth == 0) return target;
     Palette palette;
-    DibGetPalette(source.Get(), palette);
-    OwnedDib result(DibCreate(source->biWidth, source->biHeight, nullptr, 24));
-    const LockedDib target(result.Get());
-    if (!target) return 0;
-    const ConstRowView from(source.Get());
-    const RowView to(target.Get());
+    DibGetPalette(source, palette);
+    const ConstRowView from(source);
+    const RowView to = target.Rows();
+    Array<std::uint8_t> indices(from.Bits() > 8 ? 0 : static_cast<std::size_t>(from.Width()));
+    if (!indices) return {};
     for (std::int32_t y = 0; y < to.Height(); ++y) {
-        const std::uint8_t* s = from.Row(y);
-        std::uint8_t* d = to.Row(y);
+        std::uint8_t* out = to.Row(y);
         if (from.Bits() > 8) {
-            // Deeper than 24 bits the row is still taken as it stands, three bytes a pixel: wanted.
-            if (to.Width() > 0) std::memcpy(d, s, static_cast<std::size_t>(to.Width()) * 3);
+            // Deeper than 24 bits the row is still taken as it stands, three bytes a pixel.
+            std::memcpy(out, from.Row(y), to.RowBytes());
             continue;
         }
-        for (std::int32_t x = 0; x < to.Width(); ++x, d += 3) {
-            const auto column = static_cast<std::size_t>(x);
-            unsigned index = 0;
-            switch (from.Bits()) {
-            case 1:
-                index = (s[column / 8] >> (7 - column % 8)) & 1U;
-                break;
-            case 4:
-                index = column % 2 == 0 ? s[column / 2] >> 4 : s[column / 2] & 0x0FU;
-                break;
-            default:
-                index = s[column];
-                break;
-            }
-            d[0] = palette[index].blue;
-            d[1] = palette[index].green;
-            d[2] = palette[index].red;
+        UnpackIndices(from.Row(y), from.Bits(), indices);
+        for (const std::uint8_t index : indices) {
+            StoreColour(out, palette[index]);
+            out += 3;
         }
     }
-    return result.Release();
+    return target;
 }
 
-DibHandle DibStretchWidth(DibHandle source, std::int32_t percent) {
+OwnedDib DibStretchWidth(const DibHeader& source, std::int32_t percent) {
     return Resample(source, percent, Pass::Stretch, Axis::Width);
 }
-DibHandle DibShrinkWidth(DibHandle source, std::int32_t percent) {
+OwnedDib DibShrinkWidth(const DibHeader& source, std::int32_t percent) {
     return Resample(source, percent, Pass::Shrink, Axis::Width);
 }
-DibHandle DibStretchHeight(DibHandle source, std::int32_t percent) {
+OwnedDib DibStretchHeight(const DibHeader& source, std::int32_t percent) {
     return Resample(source, percent, Pass::Stretch, Axis::Height);
 }
-DibHandle DibShrinkHeight(DibHandle source, std::int32_t percent) {
+OwnedDib DibShrinkHeight(const DibHeader& source, std::int32_t percent) {
     return Resample(source, percent, Pass::Shrink, Axis::Height);
 }
 
-DibHandle DibScale(DibHandle source, std::int32_t percentX, std::int32_t percentY) {
-    const OwnedDib widened(ScaleAxis(source, percentX, Axis::Width));
-    return widened ? ScaleAxis(widened.Get(), percentY, Axis::Height) : 0;
+OwnedDib DibScale(const DibHeader& source, std::int32_t percentX, std::int32_t percentY) {
+    const OwnedDib widened = ScaleAxis(source, percentX, Axis::Width);
+    return widened ? ScaleAxis(*widened, percentY, Axis::Height) : OwnedDib();
 }
 
-DibHandle DibCropRect(DibHandle sourceHandle, const Rect& rect, PixelValue fill) {
-    const LockedDib source(sourceHandle);
-    if (!source) return 0;
-    const std::int64_t width = std::int64_t{rect.right} - rect.left;
-    const std::int64_t height = std::int64_t{rect.bottom} - rect.top;
-    if (width < 0 || height < 0 || width > INT32_MAX || height > INT32_MAX) return 0;
-    Palette palette;
-    DibGetPalette(source.Get(), palette);
-    OwnedDib result(DibCreate(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), &palette,
-                              source->biBitCount));
-    const LockedDib target(result.Get());
-    if (!target) return 0;
+OwnedDib DibCropRect(const DibHeader& source, const Rect& rect, PixelValue fill) {
+    OwnedDib target =
+        DibCreateLike(source, std::int64_t{rect.right} - rect.left, std::int64_t{rect.bottom} - rect.top);
+    if (!target) return target;
     const bool inside =
-        rect.left >= 0 && rect.top >= 0 && rect.right <= source->biWidth && rect.bottom <= source->biHeight;
+        rect.left >= 0 && rect.top >= 0 && rect.right <= source.biWidth && rect.bottom <= source.biHeight;
     // New pixels are zero, so a fill of 0 needs no writing.
     if (!inside && fill != 0) {
         for (std::int32_t y = 0; y < target->biHeight; ++y) {
-            for (std::int32_t x = 0; x < target->biWidth; ++x) {
-                DibSetPixel(target.Get(), x, y, fill);
-            }
+            for (std::int32_t x = 0; x < target->biWidth; ++x)
+                DibSetPixel(*target, x, y, fill);
         }
     }
-    DibCopyRect(target.Get(), 0, 0, source.Get(), rect.left, rect.top, target->biWidth, target->biHeight);
-    return result.Release();
+    DibCopyRect(*target, 0, 0, source, rect.left, rect.top, target->biWidth, target->biHeight);
+    return target;
 }
 
 std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth,

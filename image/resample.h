@@ -1,6 +1,6 @@
 // Pictures in true colour, at other sizes, cut to a rectangle, shrunk into a box. Integer arithmetic
-// throughout, every division truncating. Each returns a new picture that the caller owns, or 0; the source is
-// left alone.
+// throughout, every division truncating. Each returns a new picture, empty when it could not be had; the
+// source is left alone.
 #pragma once
 
 #include "image/dib.h"
@@ -8,19 +8,19 @@
 namespace lumafold {
 
 /// The same picture at 24 bits.
-DibHandle DibToTrueColour(DibHandle source);
+OwnedDib DibToTrueColour(const DibHeader& source);
 
 /// Scales by separate percentages, width first; 100 leaves an axis as it is.
-DibHandle DibScale(DibHandle source, std::int32_t percentX, std::int32_t percentY);
+OwnedDib DibScale(const DibHeader& source, std::int32_t percentX, std::int32_t percentY);
 
 /// One axis each: stretching takes percentages above 100, shrinking below.
-DibHandle DibStretchWidth(DibHandle source, std::int32_t percent);
-DibHandle DibShrinkWidth(DibHandle source, std::int32_t percent);
-DibHandle DibStretchHeight(DibHandle source, std::int32_t percent);
-DibHandle DibShrinkHeight(DibHandle source, std::int32_t percent);
+OwnedDib DibStretchWidth(const DibHeader& source, std::int32_t percent);
+OwnedDib DibShrinkWidth(const DibHeader& source, std::int32_t percent);
+OwnedDib DibStretchHeight(const DibHeader& source, std::int32_t percent);
+OwnedDib DibShrinkHeight(const DibHeader& source, std::int32_t percent);
 
 /// Cuts a rectangle out; what lies outside the picture becomes `fill`.
-DibHandle DibCropRect(DibHandle source, const Rect& rect, PixelValue fill);
+OwnedDib DibCropRect(const DibHeader& source, const Rect& rect, PixelValue fill);
 
 /// The percentage that shrinks a picture into a box, 100 where it fits: pictures are never enlarged.
 std::int32_t FitPercent(std::int32_t width, std::int32_t height, std::int32_t boxWidth,

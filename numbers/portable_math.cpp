@@ -8,7 +8,7 @@
 #include "numbers/portable_math_tables.h"
 
 // Everything is worked out as the unevaluated sum of two doubles, good to about 100 bits, and rounded once.
-// Only sums, products and quotients of doubles are used: those give the same bits on every machine of ours.
+// Only sums and products of doubles are used: those give the same bits on every machine of ours.
 
 namespace lumafold {
 namespace {
@@ -53,16 +53,6 @@ inline Pair operator+(Pair a, double b) {
 inline Pair operator*(Pair a, Pair b) {
     const Pair product = Product(a.high, b.high);
     return QuickSum(product.high, product.low + (a.high * b.low + a.low * b.high));
-}
-inline Pair operator*(Pair a, double b) {
-    const Pair product = Product(a.high, b);
-    return QuickSum(product.high, product.low + a.low * b);
-}
-inline Pair operator/(Pair a, Pair b) {
-    const double quotient = a.high / b.high;
-    const Pair back = b * quotient;
-    const double rest = ((a.high - back.high) - back.low) + a.low;
-    return QuickSum(quotient, rest / b.high);
 }
 inline Pair operator-(Pair a) { return {-a.high, -a.low}; }
 
@@ -124,11 +114,11 @@ struct NearAngle {
     Pair base, slope, rest;
 };
 
-NearAngle FromTable(Pair angle, bool wantsCosine) {
+NearAngle FromTable(Pair angle, bool ofCosine) {
     const double step = Nearest(angle.high * kStepsPerUnit);
     const SinCosEntry& entry = kSinCos[static_cast<int>(step)];
     const Pair rest = Sum(angle.high - step / kStepsPerUnit, angle.low);
-    if (wantsCosine) return {entry.cosine, -entry.sine, rest};
+    if (ofCosine) return {entry.cosine, -entry.sine, rest};
     return {entry.sine, entry.cosine, rest};
 }
 
@@ -161,15 +151,15 @@ double SineFrom(double x, unsigned quarters) {
 
     const double count = Nearest(x * kTwoOverPi);
     const unsigned turn = (static_cast<unsigned>(static_cast<std::int64_t>(count)) + quarters) & 3U;
-    const bool wantsCosine = (turn & 1U) != 0;
+    const bool ofCosine = (turn & 1U) != 0;
     Pair angle = ReduceQuickly(x, count);
     const bool negativeAngle = angle.high < 0;
-    const bool negative = ((turn & 2U) != 0) != (!wantsCosine && negativeAngle);
+    const bool negative = ((turn & 2U) != 0) != (!ofCosine && negativeAngle);
 
     // Nearly always a few bits more than a double's decide the rounding.
     if (negativeAngle) angle = -angle;
-    if (wantsCosine || angle.high > 1.0 / kStepsPerUnit) {
-        const Pair value = QuickValue(FromTable(angle, wantsCosine));
+    if (ofCosine || angle.high > 1.0 / kStepsPerUnit) {
+        const Pair value = QuickValue(FromTable(angle, ofCosine));
         const double doubt = value.high * 0x1p-62;
         if (value.high + (value.low + doubt) == value.high &&
             value.high + (value.low - doubt) == value.high) {
@@ -178,7 +168,7 @@ double SineFrom(double x, unsigned quarters) {
     }
     angle = ReduceExactly(x, count);
     if (negativeAngle) angle = -angle;
-    const Pair value = ExactValue(FromTable(angle, wantsCosine));
+    const Pair value = ExactValue(FromTable(angle, ofCosine));
     return negative ? -value.high : value.high;
 }
 
@@ -226,47 +216,6 @@ double Round(Scaled number) {
     return rounded * PowerOfTwo(half) * PowerOfTwo(exponent - half);
 }
 
-/// Of a positive number, never denormal, with relative precision also near 1.
-Pair Logarithm(double x) {
-    auto bits = std::bit_cast<std::uint64_t>(x);
-    int exponent = static_cast<int>(bits >> 52) - 1023;
-    bits = (bits & 0xFFFFFFFFFFFFFULL) | 0x3FF0000000000000ULL;
-    double mantissa = std::bit_cast<double>(bits);
-    if (mantissa > 1.4140625) { // so that numbers just below 1 lose nothing to the power of two
-        mantissa *= 0.5;
-        ++exponent;
-    }
-    const LogEntry& entry = kLog[static_cast<int>(Nearest(mantissa * kStepsPerUnit)) - kLogFirst];
-    const Pair scaled = Product(mantissa, entry.reciprocal);
-    const Pair excess = Sum(scaled.high - 1.0, scaled.low);
-    const Pair u = excess / (excess + 2.0); // log(1 + excess) = 2 (u + u^3 / 3 + u^5 / 5 + ...)
-    const Pair square = u * u;
-    double tail = kInverseOdd[8].high;
-    for (int n = 7; n >= 4; --n) {
-        tail = tail * square.high + kInverseOdd[n].high;
-    }
-    Pair sum = kInverseOdd[3] + tail * square.high;
-    for (int n = 2; n >= 1; --n) {
-        sum = kInverseOdd[n] + sum * square;
-    }
-    const Pair half = u + u * (square * sum);
-    const Pair fraction = entry.log + Pair{2 * half.high, 2 * half.low};
-    if (exponent == 0) return fraction;
-    const Pair whole = Sum(exponent * kLn2Parts[0], exponent * kLn2Parts[1]);
-    return Pair{whole.high, whole.low + exponent * kLn2Parts[2]} + fraction;
-}
-
-/// A power that is a double, or lies halfway between two, comes out with a last error that must not decide:
-/// takes it off. Only exponents in 32nds below 35 have such powers (the base alone excepted).
-Pair WithoutNoise(Pair value) {
-    const double neighbour = value.high + 2 * value.low;
-    const double halfway = (neighbour - value.high) / 2;
-    if (std::fabs(value.low - halfway) > std::fabs(value.high) * 0x1p-90) return value;
-    const bool odd = (std::bit_cast<std::uint64_t>(value.high) & 1U) != 0;
-    if (halfway != 0 && odd) return {neighbour, -halfway};
-    return {value.high, halfway};
-}
-
 } // namespace
 
 double PortableSin(double x) {
@@ -284,31 +233,12 @@ double PortableExp(long double x) {
     return Round(Exponential({high, static_cast<double>(x - static_cast<long double>(high))}));
 }
 
-double PortablePow(double x, double y) {
-    if (y == 0 || x == 1) return 1;
-    if (x != x || y != y) return x + y;
-    if (x < 0) return std::numeric_limits<double>::quiet_NaN();
-    if (x == 0) return 0;
-    if (x == kInfinity) return kInfinity;
-    if (y == kInfinity) return x < 1 ? 0 : kInfinity;
-
-    Pair logarithm = Logarithm(x < 0x1p-1022 ? x * 0x1p54 : x);
-    if (x < 0x1p-1022)
-        logarithm = logarithm + Pair{-54 * kLn2Parts[0], -54 * kLn2Parts[1]} + -54 * kLn2Parts[2];
-    const double product = logarithm.high * y;
-    if (product > 710) return kInfinity;
-    if (product < -750) return 0;
-    Scaled power = Exponential(logarithm * y);
-    if (y < 35 && Nearest(y * 32) == y * 32) power.value = WithoutNoise(power.value);
-    return Round(power);
-}
-
 #if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))
 
 ExtendedPrecision::ExtendedPrecision() : saved_(0) {
     __asm__ volatile("fnstcw %0" : "=m"(saved_));
-    const auto wanted = static_cast<unsigned short>(saved_ | 0x300U);
-    __asm__ volatile("fldcw %0" : : "m"(wanted) : "memory");
+    const auto extended = static_cast<unsigned short>(saved_ | 0x300U);
+    __asm__ volatile("fldcw %0" : : "m"(extended) : "memory");
 }
 
 ExtendedPrecision::~ExtendedPrecision() { __asm__ volatile("fldcw %0" : : "m"(saved_) : "memory"); }

@@ -1,4 +1,4 @@
-// Sine, cosine, exponential and power where they decide a pixel: the double nearest the true value, on every
+// Sine, cosine and exponential where they decide a pixel: the double nearest the true value, on every
 // platform, because the run-time libraries differ in the last place and a truncation can turn that into a
 // row.
 #pragma once
@@ -11,9 +11,6 @@ double PortableCos(double x);
 
 /// e^x. The argument may carry extended precision; overflow gives infinity, underflow 0.
 double PortableExp(long double x);
-
-/// x^y for x >= 0, y >= 0; 0^0 is 1.
-double PortablePow(double x, double y);
 
 /// While it lives, 80-bit arithmetic rounds to 64 bits of mantissa: a thread of a host may have set less.
 class ExtendedPrecision {

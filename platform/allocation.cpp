@@ -1,14 +1,16 @@
 #include "platform/allocation.h"
 
+#include <atomic>
 #include <cstdlib>
 
 namespace lumafold {
 namespace {
 
-std::int64_t failAt = 0;
-std::int64_t requests = 0;
-std::int64_t liveBlocks = 0;
-std::int64_t liveLocks = 0;
+// The process's own: threads that allocate count together.
+std::atomic<std::int64_t> failAt = 0;
+std::atomic<std::int64_t> requests = 0;
+std::atomic<std::int64_t> liveBlocks = 0;
+std::atomic<std::int64_t> liveLocks = 0;
 
 } // namespace
 

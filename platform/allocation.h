@@ -55,7 +55,7 @@ private:
     std::size_t size_ = 0;
 };
 
-/// Test hooks. They see plain arrays and blocks by handle alike.
+/// Test hooks. They see plain arrays and blocks by handle alike, of all threads of the process.
 namespace allocation_hooks {
 
 /// Makes the n-th allocation from now fail (1 is the next one), once; 0 lets all succeed.

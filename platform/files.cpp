@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 
 #include "platform/file_system.h"
 
@@ -14,9 +15,32 @@ using file_system::File;
 using file_system::Kind;
 using file_system::kNoFile;
 
-/// A signal handler may read no string, only this address.
-std::atomic<const char*> pendingTemporary{nullptr};
+/// The temporaries under way, for the signal handler, which may read no string but these addresses. As many
+/// writers as have a place here are cleaned up after; a further one only loses that.
+constexpr std::size_t kMostPending = 16;
+std::atomic<const char*> pendingTemporaries[kMostPending];
 static_assert(std::atomic<const char*>::is_always_lock_free);
+
+/// Announces a path while it lives. Each writer has a place of its own, so that none clears another's.
+class Pending {
+public:
+    explicit Pending(const char* path) {
+        for (std::atomic<const char*>& place : pendingTemporaries) {
+            const char* free = nullptr;
+            if (!place.compare_exchange_strong(free, path)) continue;
+            place_ = &place;
+            return;
+        }
+    }
+    Pending(const Pending&) = delete;
+    Pending& operator=(const Pending&) = delete;
+    ~Pending() {
+        if (place_ != nullptr) *place_ = nullptr;
+    }
+
+private:
+    std::atomic<const char*>* place_ = nullptr;
+};
 
 /// Where the last name of a path begins.
 std::size_t NameStart(const char* path) {
@@ -31,24 +55,20 @@ std::size_t NameStart(const char* path) {
 class Temporary {
 public:
     explicit Temporary(const char* target) {
-        for (int attempt = 0; attempt < 100; ++attempt) {
+        for (int attempt = 0; attempt < 100 && error_ == EEXIST; ++attempt) {
             error_ = MakeName(target);
             if (error_ != 0) return;
             // Announced first: a signal in between then finds at worst a name that does not exist yet.
-            pendingTemporary = path_;
+            pending_.emplace(path_);
             error_ = file_system::CreateNew(path_, file_);
-            if (error_ == 0) return;
-            pendingTemporary = nullptr;
-            if (error_ != EEXIST) return;
         }
+        if (error_ != 0) pending_.reset();
     }
     Temporary(const Temporary&) = delete;
     Temporary& operator=(const Temporary&) = delete;
     ~Temporary() {
         if (file_ != kNoFile) file_system::Close(file_);
-        if (pendingTemporary == nullptr) return;
-        file_system::Remove(path_);
-        pendingTemporary = nullptr;
+        if (pending_) file_system::Remove(path_);
     }
 
     FileError Fill(std::span<const std::uint8_t> bytes) {
@@ -62,7 +82,7 @@ public:
     }
     FileError TakeName(const char* target) {
         const FileError error = file_system::Replace(path_, target);
-        if (error == 0) pendingTemporary = nullptr;
+        if (error == 0) pending_.reset();
         return error;
     }
 
@@ -83,6 +103,7 @@ private:
     }
 
     char path_[kPathBytes];
+    std::optional<Pending> pending_; ///< while there is a file to remove
     File file_ = kNoFile;
     FileError error_ = EEXIST;
 };
@@ -193,9 +214,11 @@ void MakeFoldersAbove(const char* path) {
     }
 }
 
-void RemovePendingTemporary() noexcept {
-    const char* path = pendingTemporary;
-    if (path != nullptr) file_system::Remove(path);
+void RemovePendingTemporaries() noexcept {
+    for (const std::atomic<const char*>& place : pendingTemporaries) {
+        const char* path = place;
+        if (path != nullptr) file_system::Remove(path);
+    }
 }
 
 } // namespace lumafold

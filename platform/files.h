@@ -57,8 +57,8 @@ FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes);
 /// for the writer of the file to find out.
 void MakeFoldersAbove(const char* path);
 
-/// Removes the temporary of a StoreFile under way, if there is one. Safe in a signal handler, which must end
-/// the program afterwards.
-void RemovePendingTemporary() noexcept;
+/// Removes the temporaries of all StoreFile calls under way. Safe in a signal handler, which must end the
+/// program afterwards.
+void RemovePendingTemporaries() noexcept;
 
 } // namespace lumafold

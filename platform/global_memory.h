@@ -1,6 +1,6 @@
 // Movable memory blocks by 32-bit handle, the container of every picture, list and record. On Windows they
 // are the system's own global blocks, so a host can take them; elsewhere a handle table keeps the same
-// contract.
+// contract. Any thread may make, lock and free blocks.
 #pragma once
 
 #include "platform/allocation.h"

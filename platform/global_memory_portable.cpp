@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 
 namespace lumafold {
 namespace {
@@ -13,51 +14,78 @@ struct Slot {
     std::uint32_t nextFree;
 };
 
-// Slot 0 stays unused, since handle 0 is no block; freed slots form a list. Handles are spread by four, as
-// odd values are never handles and a stray small number is most likely none either.
+// Handles are spread by four, as odd values are never handles and a stray small number is most likely none
+// either.
 constexpr std::uint32_t kHandleStep = 4;
-Slot* slots = nullptr;
-std::uint32_t slotCount = 0;
-std::uint32_t firstFree = 0;
 
-Slot* Find(GlobalHandle handle) {
-    if (handle == 0 || handle % kHandleStep != 0 || handle / kHandleStep >= slotCount) return nullptr;
-    Slot* slot = &slots[handle / kHandleStep];
-    return slot->memory == nullptr ? nullptr : slot;
-}
+/// The process's blocks by their handles. Slot 0 stays unused, since handle 0 is no block; freed slots form a
+/// list. Whoever calls a member holds the mutex.
+class HandleTable {
+public:
+    std::mutex mutex;
 
-bool Grow() {
-    const std::uint32_t larger = slotCount == 0 ? 64 : slotCount * 2;
-    if (larger >= UINT32_MAX / kHandleStep) return false;
-    auto* moved = static_cast<Slot*>(std::realloc(slots, larger * sizeof(Slot)));
-    if (moved == nullptr) return false;
-    slots = moved;
-    for (std::uint32_t i = slotCount == 0 ? 1 : slotCount; i < larger; ++i) {
-        slots[i] = {nullptr, 0, 0, i + 1 < larger ? i + 1 : 0};
+    Slot* Find(GlobalHandle handle) {
+        if (handle == 0 || handle % kHandleStep != 0 || handle / kHandleStep >= count_) return nullptr;
+        Slot* slot = &slots_[handle / kHandleStep];
+        return slot->memory == nullptr ? nullptr : slot;
     }
-    firstFree = slotCount == 0 ? 1 : slotCount;
-    slotCount = larger;
-    return true;
-}
+    /// A handle for a block, or 0.
+    GlobalHandle Add(std::uint8_t* memory, std::size_t bytes) {
+        if (firstFree_ == 0 && !Grow()) return 0;
+        const std::uint32_t index = firstFree_;
+        firstFree_ = slots_[index].nextFree;
+        slots_[index] = {memory, bytes, 0, 0};
+        return index * kHandleStep;
+    }
+    void Remove(GlobalHandle handle) {
+        slots_[handle / kHandleStep] = {nullptr, 0, 0, firstFree_};
+        firstFree_ = handle / kHandleStep;
+    }
+
+private:
+    bool Grow() {
+        const std::uint32_t larger = count_ == 0 ? 64 : count_ * 2;
+        if (larger >= UINT32_MAX / kHandleStep) return false;
+        auto* moved = static_cast<Slot*>(std::realloc(slots_, larger * sizeof(Slot)));
+        if (moved == nullptr) return false;
+        slots_ = moved;
+        for (std::uint32_t i = count_ == 0 ? 1 : count_; i < larger; ++i)
+            slots_[i] = {nullptr, 0, 0, i + 1 < larger ? i + 1 : 0};
+        firstFree_ = count_ == 0 ? 1 : count_;
+        count_ = larger;
+        return true;
+    }
+
+    Slot* slots_ = nullptr;
+    std::uint32_t count_ = 0;
+    std::uint32_t firstFree_ = 0;
+};
+
+constinit HandleTable table;
+using Lock = std::scoped_lock<std::mutex>;
 
 } // namespace
 
 GlobalHandle GlobalCreate(GlobalKind, std::size_t bytes) {
     if (!allocation_hooks::Admit()) return 0;
-    if (firstFree == 0 && !Grow()) return 0;
     if (bytes == 0) bytes = 1; // a block of no bytes still has an address
     auto* memory = static_cast<std::uint8_t*>(std::calloc(bytes, 1));
     if (memory == nullptr) return 0;
-    const std::uint32_t index = firstFree;
-    firstFree = slots[index].nextFree;
-    slots[index] = {memory, bytes, 0, 0};
-    allocation_hooks::CountBlock(+1);
-    return index * kHandleStep;
+    const Lock lock(table.mutex);
+    const GlobalHandle handle = table.Add(memory, bytes);
+    if (handle == 0) {
+        std::free(memory);
+    } else {
+        allocation_hooks::CountBlock(+1);
+    }
+    return handle;
 }
 
 GlobalHandle GlobalResize(GlobalHandle handle, std::size_t bytes) {
-    Slot* slot = Find(handle);
-    if (!allocation_hooks::Admit() || slot == nullptr || slot->locks != 0) return 0;
+    if (!allocation_hooks::Admit()) return 0;
+    const Lock lock(table.mutex);
+    Slot* slot = table.Find(handle);
+    if (slot == nullptr || slot->locks != 0) return 0;
     if (bytes == 0) bytes = 1;
     auto* memory = static_cast<std::uint8_t*>(std::realloc(slot->memory, bytes));
     if (memory == nullptr) return 0;
@@ -68,7 +96,8 @@ GlobalHandle GlobalResize(GlobalHandle handle, std::size_t bytes) {
 }
 
 void* GlobalAcquire(GlobalHandle handle) {
-    Slot* slot = Find(handle);
+    const Lock lock(table.mutex);
+    Slot* slot = table.Find(handle);
     if (slot == nullptr) return nullptr;
     ++slot->locks;
     allocation_hooks::CountLock(+1);
@@ -76,23 +105,30 @@ void* GlobalAcquire(GlobalHandle handle) {
 }
 
 void GlobalRelease(GlobalHandle handle) {
-    Slot* slot = Find(handle);
+    const Lock lock(table.mutex);
+    Slot* slot = table.Find(handle);
     if (slot == nullptr || slot->locks == 0) return;
     --slot->locks;
     allocation_hooks::CountLock(-1);
 }
 
 std::size_t GlobalBytes(GlobalHandle handle) {
-    const Slot* slot = Find(handle);
+    const Lock lock(table.mutex);
+    const Slot* slot = table.Find(handle);
     return slot == nullptr ? 0 : slot->bytes;
 }
 
 void GlobalDestroy(GlobalHandle handle) {
-    Slot* slot = Find(handle);
-    if (slot == nullptr) return;
-    std::free(slot->memory);
-    *slot = {nullptr, 0, 0, firstFree};
-    firstFree = handle / kHandleStep;
+    std::uint8_t* memory = nullptr;
+    {
+        const Lock lock(table.mutex);
+        if (const Slot* slot = table.Find(handle)) {
+            memory = slot->memory;
+            table.Remove(handle);
+        }
+    }
+    if (memory == nullptr) return;
+    std::free(memory);
     allocation_hooks::CountBlock(-1);
 }
 

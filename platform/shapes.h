@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/user.h"
+#include "platform/window_handle.h"
 
 namespace lumafold {
 

@@ -25,8 +25,6 @@ constexpr SettingDescriptor kDescriptors[] = {
 
 } // namespace
 
-PluginSettings pluginSettings;
-
 std::span<const SettingDescriptor> SettingDescriptors() { return kDescriptors; }
 
 void ApplyCapabilities(PluginSettings& settings, std::uint32_t capabilityFlags) {

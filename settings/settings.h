@@ -1,5 +1,5 @@
-// All options under their configuration keys, with their defaults, and the table that describes them. One set
-// for the whole process; effects, colour reduction and the driver read it directly.
+// All options under their configuration keys, with their defaults, and the table that describes them. Whoever
+// builds passes a set on; nothing keeps one of its own.
 #pragma once
 
 #include <cstdint>
@@ -28,9 +28,6 @@ struct SettingDescriptor {
     const char* choices;
     const char* meaning;
 };
-
-/// The settings in force.
-extern PluginSettings pluginSettings;
 
 /// The table, in the order of the settings file.
 std::span<const SettingDescriptor> SettingDescriptors();

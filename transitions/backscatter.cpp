@@ -1,160 +1,163 @@
-// Backscatter: the target pushes the source out of the frame behind a glowing seam, and pixels near the seam
-// are thrown about. The two directions differ on purpose in the order of their points and in their thinning.
-#include "transitions/effect_run.h"
-#include "transitions/effects.h"
-#include "transitions/random.h"
+#include "transitions/backscatter.h"
 
 #include <cstdlib>
 
 namespace lumafold {
 namespace {
 
-enum class Axis { Horizontal, Vertical };
-
-// A hundred times what the dialog allows. The scatter takes draws for every point of the band, inside the
-// picture or not, so that a larger size would only ever wait.
-constexpr std::uint32_t kLargestSize = 10000;
-
-bool CanRun() {
-    return pluginSettings.TransitionSparkleStep != 0 && pluginSettings.TransitionSparkleSize <= kLargestSize;
-}
-
-OwnedDib NewFrame(const DibHeader* target) {
-    Palette palette;
-    DibGetPalette(target, palette);
-    return OwnedDib(DibCreate(target->biWidth, target->biHeight, &palette, target->biBitCount));
-}
-
-/// Where the seam stands at `percent`: by the height in both directions. So on a wide picture the horizontal
-/// push stops short of the edge, and on a tall one it leaves columns black: wanted.
-std::int32_t SeamAt(const DibHeader* target, std::int64_t percent) {
-    return static_cast<std::int32_t>(target->biHeight * percent / 100);
-}
-
-OwnedDib PushWipe(Axis axis, const DibHeader* target, const DibHeader* source, std::int32_t seam) {
-    OwnedDib frame = NewFrame(target);
-    const LockedDib out(frame.Get());
-    if (!out) return {};
-    const std::int32_t width = target->biWidth, height = target->biHeight;
-    if (axis == Axis::Vertical) {
-        DibCopyRect(out.Get(), 0, 0, target, 0, height - seam, width, seam);
-        DibCopyRect(out.Get(), 0, seam, source, 0, 0, width, height - seam);
-    } else {
-        DibCopyRect(out.Get(), 0, 0, target, width - seam, 0, seam, height);
-        DibCopyRect(out.Get(), seam, 0, source, 0, 0, width - seam, height);
-    }
-    return frame;
-}
+// A hundred times what the dialog allows. How many draws a point of the vertical scatter takes is told by the
+// draws themselves, so that they can only be taken one by one (docs/quirks.md 35).
+constexpr std::uint32_t kLargestVerticalSize = 10000;
 
 /// The colour with each channel shifted down.
 PixelValue Dimmed(PixelValue colour, int shift) {
     return MakeColour(RedOf(colour) >> shift, GreenOf(colour) >> shift, BlueOf(colour) >> shift);
 }
 
-void DrawSeam(Axis axis, DibHeader* frame, std::int32_t seam, PixelValue colour) {
-    const PixelValue line[] = {Dimmed(colour, 2), Dimmed(colour, 1), colour, Dimmed(colour, 1),
-                               Dimmed(colour, 2)};
-    const std::int32_t length = axis == Axis::Vertical ? frame->biWidth : frame->biHeight;
-    for (std::int32_t i = 0; i < length; ++i) {
-        std::int32_t across = seam - 2;
-        for (const PixelValue value : line) {
-            if (axis == Axis::Vertical) {
-                DibSetPixel(frame, i, across++, value);
+template <PushAxis Axis>
+void DrawSeam(DibHeader& frame, std::int64_t seam, PixelValue colour) {
+    const PixelValue lines[] = {Dimmed(colour, 2), Dimmed(colour, 1), colour, Dimmed(colour, 1),
+                                Dimmed(colour, 2)};
+    const std::int32_t length = Axis == PushAxis::Vertical ? frame.biWidth : frame.biHeight;
+    std::int64_t across = seam - 2;
+    for (const PixelValue line : lines) {
+        for (std::int32_t i = 0; i < length; ++i) {
+            if constexpr (Axis == PushAxis::Vertical) {
+                DibSetPixel(frame, i, across, line);
             } else {
-                DibSetPixel(frame, across++, i, value);
+                DibSetPixel(frame, across, i, line);
             }
         }
+        ++across;
     }
 }
 
-/// How far a point is thrown along one axis; a size of 0 draws nothing.
-class Throw {
-public:
-    Throw(Random& random, std::int32_t size) : random_(random), size_(size) {}
+/// How far a point is scattered along one axis.
+std::int32_t DrawOffset(Random& random, std::int32_t size) {
+    return static_cast<std::int32_t>(random.Draw() % static_cast<std::uint32_t>(size)) - size / 2;
+}
 
-    std::int32_t Offset() {
-        if (size_ == 0) return 0;
-        return static_cast<std::int32_t>(random_.Draw() % static_cast<std::uint32_t>(size_)) - size_ / 2;
+/// Whether a point moved by `dy` is one of those that one more draw may leave in place: half of them stay.
+bool IsThinned(std::int32_t dy, std::int32_t size) { return std::abs(dy) > size / 4; }
+
+/// Copies a pixel of the picture to where it falls, if that is inside too.
+void CopyPixel(const RowView& rows, std::int64_t x, std::int64_t y, std::int64_t toX, std::int64_t toY) {
+    if (toX < 0 || toX >= rows.Width() || toY < 0 || toY >= rows.Height()) return;
+    StoreColour(rows.Row(toY) + 3 * toX, LoadRgb(rows.Row(y) + 3 * x));
+}
+
+void SkipThinnedPoints(std::int64_t points, std::int32_t size, Random& random) {
+    for (std::int64_t i = 0; i < points; ++i) {
+        random.Skip(1);
+        if (IsThinned(DrawOffset(random, size), size)) random.Skip(1);
     }
-    /// Half of the points thrown far across stay where they are, by one more draw.
-    bool StaysBehind(std::int32_t across) { return std::abs(across) > size_ / 4 && random_.Draw() % 2 != 0; }
+}
 
-private:
-    Random& random_;
-    std::int32_t size_;
+/// A scatter's positions across the seam, with the part of them that lies inside a picture.
+struct Band {
+    std::int64_t from, to, insideFrom, insideTo;
+
+    Band(std::int64_t seam, std::int32_t size, std::int32_t extent)
+        : from(seam - size), to(seam + size), insideFrom(std::clamp<std::int64_t>(0, from, to)),
+          insideTo(std::clamp<std::int64_t>(extent, insideFrom, to)) {}
 };
-
-// Both passes work in place and take their draws for points outside the picture too, so their order is part
-// of the result: a point moved early may be picked up again.
-void ScatterVertical(DibHeader* frame, std::int32_t seam, std::int32_t size, Throw point) {
-    for (std::int32_t y = seam - size; y < seam + size; ++y) {
-        for (std::int32_t x = 0; x < frame->biWidth; ++x) {
-            const std::int32_t dx = point.Offset();
-            const std::int32_t dy = point.Offset();
-            if (!point.StaysBehind(dy)) DibSetPixel(frame, x + dx, y + dy, DibGetPixel(frame, x, y));
-        }
-    }
-}
-
-void ScatterHorizontal(DibHeader* frame, std::int32_t seam, std::int32_t size, Throw point) {
-    for (std::int32_t y = 0; y < frame->biHeight; ++y) {
-        for (std::int32_t x = seam - size; x < seam + size; ++x) {
-            const std::int32_t dx = point.Offset();
-            const std::int32_t dy = point.Offset();
-            DibSetPixel(frame, x + dx, y + dy, DibGetPixel(frame, x, y));
-        }
-    }
-}
-
-/// Draws the seam and scatters what is near it. A frame that cannot be locked goes without.
-void ScatterSeam(Axis axis, DibHandle frame, std::int64_t seam, Random& random) {
-    const LockedDib locked(frame);
-    if (!locked) return;
-    // No picture reaches as far as that, so a seam held there touches what it would touch farther out:
-    // nothing.
-    constexpr std::int64_t kFarOut = 1 << 30;
-    const auto at = static_cast<std::int32_t>(std::clamp(seam, -kFarOut, kFarOut));
-    const auto size = static_cast<std::int32_t>(pluginSettings.TransitionSparkleSize);
-    DrawSeam(axis, locked.Get(), at, pluginSettings.TransitionSparkleColor);
-    if (axis == Axis::Vertical) {
-        ScatterVertical(locked.Get(), at, size, Throw(random, size));
-    } else {
-        ScatterHorizontal(locked.Get(), at, size, Throw(random, size));
-    }
-}
-
-int Backscatter(TransitionContext& context, Axis axis) {
-    EffectRun run(context);
-    if (!run || !CanRun()) return kEffectFailed;
-    Random random(pluginSettings.RandomSeed);
-    const auto emit = [&](std::int64_t percent, std::int64_t seam) {
-        OwnedDib frame = PushWipe(axis, run.Target(), run.Source(), SeamAt(run.Target(), percent));
-        if (!frame) return false;
-        ScatterSeam(axis, frame.Get(), seam, random);
-        return run.Emit(std::move(frame));
-    };
-
-    // The first and the last seam stand a step outside. With a step of 2 their outer lines still show:
-    // wanted.
-    const std::int64_t step = pluginSettings.TransitionSparkleStep;
-    if (!emit(0, -step)) return kEffectFailed;
-    for (std::int64_t p = step; p < 100; p += step) {
-        if (!emit(p, SeamAt(run.Target(), p))) return kEffectFailed;
-    }
-    const std::int64_t end = axis == Axis::Vertical ? run.Height() : run.Width();
-    return emit(100, end + step) ? kEffectDone : kEffectFailed;
-}
-
-std::int64_t BackscatterFrames() {
-    const std::int64_t step = pluginSettings.TransitionSparkleStep;
-    return CanRun() ? 1 + 1 + LoopCount(step, 100, step) + 1 : 0;
-}
 
 } // namespace
 
-int BackscatterHorizontal(TransitionContext& context) { return Backscatter(context, Axis::Horizontal); }
-int BackscatterVertical(TransitionContext& context) { return Backscatter(context, Axis::Vertical); }
-std::int64_t BackscatterHorizontalFrames(CanvasSize) { return BackscatterFrames(); }
-std::int64_t BackscatterVerticalFrames(CanvasSize) { return BackscatterFrames(); }
+std::int64_t SeamAt(const DibHeader& target, std::int64_t percent) { return target.biHeight * percent / 100; }
+
+OwnedDib PushWipeVertical(const DibHeader& target, const DibHeader& source, std::int64_t percent) {
+    const std::int32_t width = target.biWidth, height = target.biHeight;
+    const std::int64_t seam = SeamAt(target, percent);
+    OwnedDib frame = DibCreateLike(target, width, height);
+    if (!frame) return frame;
+    DibCopyRect(*frame, 0, 0, target, 0, height - seam, width, seam);
+    DibCopyRect(*frame, 0, seam, source, 0, 0, width, height - seam);
+    return frame;
+}
+
+OwnedDib PushWipeHorizontal(const DibHeader& target, const DibHeader& source, std::int64_t percent) {
+    const std::int32_t width = target.biWidth, height = target.biHeight;
+    const std::int64_t seam = SeamAt(target, percent);
+    OwnedDib frame = DibCreateLike(target, width, height);
+    if (!frame) return frame;
+    DibCopyRect(*frame, 0, 0, target, width - seam, 0, seam, height);
+    DibCopyRect(*frame, seam, 0, source, 0, 0, width - seam, height);
+    return frame;
+}
+
+// Both scatters work in place, so their order is part of the result: a point moved early may be picked up
+// again.
+
+void ScatterSeamVertical(DibHeader& frame, std::int64_t seam, std::int32_t size, PixelValue colour,
+                         Random& random) {
+    DrawSeam<PushAxis::Vertical>(frame, seam, colour);
+    if (size <= 0) return;
+    const RowView rows(frame);
+    const Band band(seam, size, rows.Height());
+    SkipThinnedPoints((band.insideFrom - band.from) * rows.Width(), size, random);
+    for (std::int64_t y = band.insideFrom; y < band.insideTo; ++y) {
+        for (std::int32_t x = 0; x < rows.Width(); ++x) {
+            const std::int32_t dx = DrawOffset(random, size);
+            const std::int32_t dy = DrawOffset(random, size);
+            if (IsThinned(dy, size) && random.Draw() % 2 != 0) continue;
+            CopyPixel(rows, x, y, std::int64_t{x} + dx, y + dy);
+        }
+    }
+    SkipThinnedPoints((band.to - band.insideTo) * rows.Width(), size, random);
+}
+
+void ScatterSeamHorizontal(DibHeader& frame, std::int64_t seam, std::int32_t size, PixelValue colour,
+                           Random& random) {
+    DrawSeam<PushAxis::Horizontal>(frame, seam, colour);
+    if (size <= 0) return;
+    constexpr std::uint64_t kDrawsOfAPoint = 2;
+    const RowView rows(frame);
+    const Band band(seam, size, rows.Width());
+    for (std::int32_t y = 0; y < rows.Height(); ++y) {
+        random.Skip(kDrawsOfAPoint * static_cast<std::uint64_t>(band.insideFrom - band.from));
+        for (std::int64_t x = band.insideFrom; x < band.insideTo; ++x) {
+            const std::int32_t dx = DrawOffset(random, size);
+            const std::int32_t dy = DrawOffset(random, size);
+            CopyPixel(rows, x, y, x + dx, std::int64_t{y} + dy);
+        }
+        random.Skip(kDrawsOfAPoint * static_cast<std::uint64_t>(band.to - band.insideTo));
+    }
+}
+
+/// The first and the last seam stand a step outside; with a step of 2 their outer lines still show
+/// (docs/quirks.md 36).
+template <PushAxis Axis>
+OwnedDib BackscatterPainter<Axis>::Frame(std::int64_t index) {
+    constexpr bool kVertical = Axis == PushAxis::Vertical;
+    const std::int64_t percent = index < last_ ? index * step_ : 100;
+    const std::int64_t end = kVertical ? gap_.size.height : gap_.size.width;
+    const std::int64_t seam = index == 0      ? -step_
+                              : index < last_ ? SeamAt(gap_.target, percent)
+                                              : end + step_;
+    const auto size = static_cast<std::int32_t>(gap_.settings.TransitionSparkleSize);
+    constexpr auto kWipe = kVertical ? PushWipeVertical : PushWipeHorizontal;
+    constexpr auto kScatter = kVertical ? ScatterSeamVertical : ScatterSeamHorizontal;
+    OwnedDib frame = kWipe(gap_.target, gap_.source, percent);
+    if (frame) kScatter(*frame, seam, size, gap_.settings.TransitionSparkleColor, random_);
+    return frame;
+}
+
+template <PushAxis Axis>
+std::optional<Backscatter<Axis>> Backscatter<Axis>::Plan(const PluginSettings& settings, CanvasSize) {
+    if (settings.TransitionSparkleStep == 0) return {};
+    if (Axis == PushAxis::Vertical && settings.TransitionSparkleSize > kLargestVerticalSize) return {};
+    return Backscatter(settings.TransitionSparkleStep);
+}
+
+template <PushAxis Axis>
+std::int64_t Backscatter<Axis>::Frames() const {
+    return 1 + LoopCount(step_, 100, step_) + 1;
+}
+
+template class BackscatterPainter<PushAxis::Horizontal>;
+template class BackscatterPainter<PushAxis::Vertical>;
+template class Backscatter<PushAxis::Horizontal>;
+template class Backscatter<PushAxis::Vertical>;
 
 } // namespace lumafold

@@ -4,7 +4,6 @@
 // one channel.
 #include <cmath>
 
-#include "image/row_view.h"
 #include "numbers/portable_math.h"
 #include "transitions/compositing.h"
 #include "transitions/grey.h"
@@ -57,7 +56,8 @@ std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrd
         sum += kernel.weights[k] * *tap;
         used += kernel.weights[k];
     }
-    // At the borders half a level is added before the division, not after it: wanted. It must not pass white.
+    // At the borders half a level is added before the division, not after it (docs/quirks.md 10). It must not
+    // pass white.
     const double value = range.whole ? sum + 0.5 : (sum + 0.5) / used;
     return static_cast<std::uint8_t>(std::min(static_cast<int>(value), 255));
 }
@@ -102,8 +102,6 @@ private:
              float* floats) const;
     void Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
                std::int32_t rows, float* floats) const;
-    void PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                     std::ptrdiff_t outStride, std::int32_t rows) const;
 
     Kernel kernel_;
     Array<float> floats_;
@@ -111,7 +109,6 @@ private:
     bool flatIsIdentity_ = false;
 };
 
-#ifdef __SSE2__
 void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i) {
         floats[i] = bytes[i];
@@ -124,6 +121,7 @@ bool AreEqual(const std::uint8_t* bytes, std::int32_t count) {
 
 /// Sixteen neighbouring sums from floats at `taps`, a tap every `step`. A set bit of the result marks a byte
 /// that the margin leaves open.
+#ifdef __SSE2__
 unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse,
                             float margin, std::uint8_t* out) const {
     __m128 sums[4] = {_mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps()};
@@ -150,6 +148,26 @@ unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange ran
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
     return open;
 }
+#else
+unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse,
+                            float margin, std::uint8_t* out) const {
+    float sums[kLanes] = {};
+    const float* weight = floats_.data() + (range.first - kernel_.first);
+    for (std::int32_t k = range.first; k < range.last; ++k, taps += step, ++weight) {
+        for (std::int32_t j = 0; j < kLanes; ++j)
+            sums[j] += *weight * taps[j];
+    }
+    unsigned open = 0;
+    for (std::int32_t j = 0; j < kLanes; ++j) {
+        const float value = (sums[j] + 0.5F) * inverse;
+        const auto level = static_cast<std::int32_t>(value);
+        const float rest = value - static_cast<float>(level);
+        open |= (rest < margin || rest > 1.0F - margin ? 1U : 0U) << j;
+        out[j] = static_cast<std::uint8_t>(std::min(level, 255));
+    }
+    return open;
+}
+#endif
 
 void FastBlur::Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
                    float* floats) const {
@@ -264,8 +282,9 @@ bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uin
     Array<float> floats(static_cast<std::size_t>(rows) * kStrip);
     if (!floats) return false;
     if (bytes < kStrip) {
-        for (std::int32_t i = 0; i < bytes; ++i) {
-            PlainColumn(in + i, inStride, out + i, outStride, rows);
+        for (std::int32_t y = 0; y < rows; ++y) {
+            for (std::int32_t i = 0; i < bytes; ++i)
+                out[outStride * y + i] = ExactByte(kernel_, in + i, inStride, rows, y);
         }
         return true;
     }
@@ -276,63 +295,24 @@ bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uin
     }
 }
 
-#else
-bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                    std::ptrdiff_t outStride, std::int32_t count, std::int32_t rows,
-                    std::int32_t channels) const {
-    for (std::int32_t y = 0; y < rows; ++y) {
-        for (std::int32_t i = 0; i < count * channels; ++i) {
-            out[outStride * y + i] =
-                ExactByte(kernel_, in + inStride * y + i % channels, channels, count, i / channels);
-        }
-    }
-    return true;
-}
-
-bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                       std::ptrdiff_t outStride, std::int32_t bytes, std::int32_t rows) const {
-    for (std::int32_t i = 0; i < bytes; ++i) {
-        PlainColumn(in + i, inStride, out + i, outStride, rows);
-    }
-    return true;
-}
-#endif
-
-void FastBlur::PlainColumn(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                           std::ptrdiff_t outStride, std::int32_t rows) const {
-    for (std::int32_t y = 0; y < rows; ++y) {
-        out[outStride * y] = ExactByte(kernel_, in, inStride, rows, y);
-    }
-}
-
-/// The padding behind the pixels travels with a picture's rows.
-void CopyPadding(const RowView& from, const RowView& to) {
-    const std::ptrdiff_t used = std::ptrdiff_t{3} * from.Width();
-    const auto padding = static_cast<std::size_t>(from.Stride() - used);
-    for (std::int32_t y = 0; padding != 0 && y < from.Height(); ++y) {
-        std::memcpy(to.Row(y) + used, from.Row(y) + used, padding);
-    }
-}
-
-bool BlurGrey(const FastBlur& blur, const RowView& source, const RowView& target) {
+bool BlurGrey(const FastBlur& blur, const ConstRowView& source, const RowView& target) {
     const std::int32_t width = source.Width(), height = source.Height();
     const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     Array<std::uint8_t> before(pixels), after(pixels);
     if (!before || !after) return false;
     GatherGrey(source, before.data());
     if (!blur.Rows(before.data(), width, after.data(), width, width, height, 1)) return false;
-    SpreadGrey(after.data(), source);
     if (!blur.Columns(after.data(), width, before.data(), width, width, height)) return false;
     SpreadGrey(before.data(), target);
     return true;
 }
 
-bool BlurColour(const FastBlur& blur, const RowView& source, const RowView& target) {
-    const std::int32_t width = source.Width(), height = source.Height();
-    if (!blur.Rows(source.Row(0), -source.Stride(), target.Row(0), -target.Stride(), width, height, 3))
-        return false;
-    std::memcpy(source.Stored(), target.Stored(), source.StoredBytes());
-    return blur.Columns(source.Row(0), -source.Stride(), target.Row(0), -target.Stride(), width * 3, height);
+bool BlurColour(const FastBlur& blur, const ConstRowView& source, const RowView& target) {
+    const std::int32_t width = source.Width(), height = source.Height(), bytes = width * 3;
+    Array<std::uint8_t> between(source.RowBytes() * static_cast<std::size_t>(height));
+    if (!between) return false;
+    if (!blur.Rows(source.Row(0), -source.Stride(), between.data(), bytes, width, height, 3)) return false;
+    return blur.Columns(between.data(), bytes, target.Row(0), -target.Stride(), bytes, height);
 }
 
 } // namespace
@@ -343,8 +323,7 @@ Array<double> GaussianKernel(std::int32_t taps, double sigma) {
     if (!weights) return weights;
     const ExtendedPrecision precision;
     const long double spread = 18.0L * sigma * sigma;
-    // Three samples a tap, each at a third of a pixel: hence the nine in the spread. Beyond `reach` all are
-    // 0.
+    // Three samples a tap, a third of a pixel apart: hence the nine in the spread. Beyond `reach` all are 0.
     const std::int64_t half = std::int64_t{3} * taps / 2;
     const auto reach = static_cast<std::int64_t>(std::min<long double>(
         static_cast<long double>(half), std::sqrt(static_cast<double>(spread) * 750.0) + 1));
@@ -371,26 +350,22 @@ void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint
     }
 }
 
-DibHandle DibGaussianBlur(DibHandle picture, std::int32_t radius, std::int32_t sigma) {
-    const LockedDib source(picture);
-    if (!source || source->biBitCount != 24) return 0;
-    OwnedDib result(DibCreate(source->biWidth, source->biHeight, nullptr, 24));
-    const LockedDib target(result.Get());
-    if (!target) return 0;
-    const RowView from(source.Get()), to(target.Get());
-    if (from.Width() < 1 || from.Height() < 1) return result.Release();
+OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int32_t sigma) {
+    if (picture.biBitCount != 24) return {};
+    // The padding behind the pixels stays that of the picture.
+    OwnedDib result = DibCopy(picture);
+    if (!result || picture.biWidth < 1 || picture.biHeight < 1) return result;
 
     const double reach = std::ceil(radius * 0.1);
     const double taps = 2 * reach + 1;
-    // A kernel that cannot be had leaves no taps, and the passes give black.
+    // A kernel that cannot be had leaves no taps, and the passes give black (docs/quirks.md 11).
     const Array<double> weights =
         GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps), sigma * 0.1);
     const FastBlur blur(weights);
-    if (!blur) return 0;
-    const bool grey = IsGrey(ConstRowView(source.Get()));
-    if (!(grey ? BlurGrey(blur, from, to) : BlurColour(blur, from, to))) return 0;
-    CopyPadding(from, to);
-    return result.Release();
+    if (!blur) return {};
+    const ConstRowView from(picture);
+    if (!(IsGrey(from) ? BlurGrey : BlurColour)(blur, from, result.Rows())) return {};
+    return result;
 }
 
 } // namespace lumafold

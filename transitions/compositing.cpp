@@ -1,6 +1,5 @@
 #include "transitions/compositing.h"
 
-#include "image/row_view.h"
 #include "transitions/grey.h"
 #include "transitions/mix_bytes.h"
 
@@ -75,68 +74,50 @@ PixelValue BlendPixel(PixelValue a, PixelValue b, PixelValue mask, bool oneBit) 
     return MixColours(b, a, static_cast<std::uint8_t>(mask));
 }
 
-DibHandle NewLike(const DibHeader* a) {
-    Palette palette;
-    DibGetPalette(a, palette);
-    return DibCreate(a->biWidth, a->biHeight, &palette, 24);
-}
-
-/// A new 24-bit picture of a's size, each pixel by `pixel(x, y)`.
+/// Sets each pixel by `pixel(x, y)`.
 template <typename Pixel>
-void ForEachPixel(DibHeader* out, Pixel pixel) {
-    for (std::int32_t y = 0; y < out->biHeight; ++y) {
-        for (std::int32_t x = 0; x < out->biWidth; ++x) {
+void ForEachPixel(DibHeader& out, Pixel pixel) {
+    for (std::int32_t y = 0; y < out.biHeight; ++y) {
+        for (std::int32_t x = 0; x < out.biWidth; ++x)
             DibSetPixel(out, x, y, pixel(x, y));
-        }
     }
 }
 
 } // namespace
 
-DibHandle DibCrossfade(const DibHeader* a, const DibHeader* b, int t) {
-    OwnedDib result(NewLike(a));
-    const LockedDib out(result.Get());
-    if (!out) return 0;
+OwnedDib DibCrossfade(const DibHeader& a, const DibHeader& b, int t) {
+    OwnedDib out = DibCreate(a.biWidth, a.biHeight, nullptr, 24);
+    if (!out) return out;
     const auto share = static_cast<std::uint8_t>(std::clamp(t, 0, 255));
-    if (Covers24(a, a->biWidth, a->biHeight) && Covers24(b, a->biWidth, a->biHeight)) {
+    if (Covers24(a, a.biWidth, a.biHeight) && Covers24(b, a.biWidth, a.biHeight)) {
         const ConstRowView rowsA(a), rowsB(b);
-        const RowView rows(out.Get());
-        for (std::int32_t y = 0; y < rows.Height(); ++y) {
-            MixBytes(rowsA.Row(y), rowsB.Row(y), rows.Row(y), static_cast<std::size_t>(rows.Width()) * 3,
-                     share);
-        }
+        const RowView rows = out.Rows();
+        for (std::int32_t y = 0; y < rows.Height(); ++y)
+            MixBytes(rowsA.Row(y), rowsB.Row(y), rows.Row(y), rows.RowBytes(), share);
     } else {
-        ForEachPixel(out.Get(), [=](std::int32_t x, std::int32_t y) {
+        ForEachPixel(*out, [&](std::int32_t x, std::int32_t y) {
             return MixColours(DibGetPixel(a, x, y), DibGetPixel(b, x, y), share);
         });
     }
-    return result.Release();
+    return out;
 }
 
-DibHandle DibCrossfadeHandles(DibHandle a, DibHandle b, int t) {
-    const LockedDib lockedA(a), lockedB(b);
-    return lockedA && lockedB ? DibCrossfade(lockedA.Get(), lockedB.Get(), t) : 0;
-}
-
-DibHandle DibMaskBlend(const DibHeader* a, const DibHeader* b, const DibHeader* mask) {
-    OwnedDib result(NewLike(a));
-    const LockedDib out(result.Get());
-    if (!out) return 0;
-    const std::int32_t width = a->biWidth, height = a->biHeight;
+OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& mask) {
+    const std::int32_t width = a.biWidth, height = a.biHeight;
+    OwnedDib out = DibCreate(width, height, nullptr, 24);
+    if (!out) return out;
     if (Covers24(a, width, height) && Covers24(b, width, height) && Covers24(mask, width, height)) {
         const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
-        const RowView rows(out.Get());
-        for (std::int32_t y = 0; y < height; ++y) {
-            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y),
-                     static_cast<std::size_t>(width) * 3);
-        }
+        const RowView rows = out.Rows();
+        for (std::int32_t y = 0; y < height; ++y)
+            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), rows.RowBytes());
     } else {
-        const bool oneBit = mask->biBitCount == 1;
-        ForEachPixel(out.Get(), [=](std::int32_t x, std::int32_t y) {
+        const bool oneBit = mask.biBitCount == 1;
+        ForEachPixel(*out, [&](std::int32_t x, std::int32_t y) {
             return BlendPixel(DibGetPixel(a, x, y), DibGetPixel(b, x, y), DibGetPixel(mask, x, y), oneBit);
         });
     }
-    return result.Release();
+    return out;
 }
 
 } // namespace lumafold

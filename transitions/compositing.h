@@ -1,5 +1,5 @@
 // What the effects blend with: a Gaussian blur, a cross-fade by one weight, a blend through a mask. Each
-// returns a new picture that the caller owns, or 0.
+// leaves its arguments alone and returns a new 24-bit picture, empty when memory is short.
 #pragma once
 
 #include "image/dib.h"
@@ -11,20 +11,18 @@ namespace lumafold {
 Array<double> GaussianKernel(std::int32_t taps, double sigma);
 
 /// Convolves a row of `count` three-byte pixels. Borders are renormalised by the weights that fall inside,
-/// half a level added before the division: wanted. No taps give black.
+/// half a level added before the division (docs/quirks.md 10). No taps give black.
 void BlurRow(const Array<double>& kernel, const std::uint8_t* source, std::uint8_t* target,
              std::int32_t count);
 
-/// Radius and sigma in tenths of a pixel; the picture has 24 bits, or the blur fails. Afterwards `picture`
-/// holds itself blurred horizontally, so free it. A kernel that cannot be had gives a black picture, not a
-/// failure.
-DibHandle DibGaussianBlur(DibHandle picture, std::int32_t radius, std::int32_t sigma);
+/// Radius and sigma in tenths of a pixel; the picture has 24 bits, or the blur fails. A kernel that cannot be
+/// had gives a black picture, not a failure (docs/quirks.md 11).
+OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int32_t sigma);
 
 /// (b x t) / 255 + (a x (255 - t)) / 255 in each channel, both quotients truncated; t from 0 (a) to 255 (b).
-DibHandle DibCrossfade(const DibHeader* a, const DibHeader* b, int t);
-DibHandle DibCrossfadeHandles(DibHandle a, DibHandle b, int t);
+OwnedDib DibCrossfade(const DibHeader& a, const DibHeader& b, int t);
 
 /// White in the mask shows a, black shows b, its low byte weighs between; a one-bit mask copies whole pixels.
-DibHandle DibMaskBlend(const DibHeader* a, const DibHeader* b, const DibHeader* mask);
+OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& mask);
 
 } // namespace lumafold

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "image/frame_list.h"
-#include "platform/user.h"
+#include "platform/window_handle.h"
 
 namespace lumafold {
 

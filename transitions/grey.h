@@ -41,7 +41,7 @@ inline bool IsGrey(const ConstRowView& rows) {
 }
 
 /// The one channel of a grey picture, row after row from the top, without padding.
-inline void GatherGrey(const RowView& rows, std::uint8_t* plane) {
+inline void GatherGrey(const ConstRowView& rows, std::uint8_t* plane) {
     for (std::int32_t y = 0; y < rows.Height(); ++y) {
         const std::uint8_t* row = rows.Row(y);
         for (std::int32_t x = 0; x < rows.Width(); ++x, row += 3) {

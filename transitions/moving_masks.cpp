@@ -1,20 +1,15 @@
-// Spikes and Soft slide: a mask larger than the frame, white where the target shows, is drawn and blurred
-// once. Each frame looks at it through a window that moves from the black end towards the white one.
+#include "transitions/moving_masks.h"
+
 #include <cmath>
 
 #include "numbers/portable_math.h"
 #include "transitions/compositing.h"
-#include "transitions/effect_run.h"
-#include "transitions/effects.h"
 #include "transitions/shape_masks.h"
 
 namespace lumafold {
 namespace {
 
 constexpr std::int32_t kSigma = 100; // tenths of a pixel
-
-/// Where the target enters to: down from the top, or right from the left side.
-enum class Travel { Down, Right };
 
 /// Width and height, or x and y, from what lies across the travel and what lies along it.
 struct Extent {
@@ -40,8 +35,7 @@ struct Teeth {
     std::int64_t Breadth() const { return 2 * count * halfWidth; }
 };
 
-/// White above, or left of, the teeth, whose tips point along the travel.
-DibHandle SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::int64_t count) {
+OwnedDib SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::int64_t count) {
     const std::int64_t along = Along(travel, frame);
     const Teeth teeth(count, Across(travel, frame));
     const Extent canvas = Place(travel, teeth.Breadth(), 6 * along);
@@ -59,8 +53,7 @@ DibHandle SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::i
     });
 }
 
-/// The first half white, the second black.
-DibHandle SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
+OwnedDib SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     const std::int64_t across = 2 * Across(travel, frame), along = 2 * Along(travel, frame);
     const Extent canvas = Place(travel, across, 2 * along);
     return DrawHalvedMask(window, canvas.x, canvas.y, [=](ShapeCanvas& shapes) {
@@ -69,82 +62,99 @@ DibHandle SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     });
 }
 
-/// Kept in single precision from frame to frame, rounding and all: wanted.
+OwnedDib Blurred(const OwnedDib& mask, std::uint32_t radius) {
+    return mask ? DibGaussianBlur(*mask, static_cast<std::int32_t>(radius), kSigma) : OwnedDib();
+}
+
+std::int64_t FramesUpTo100(std::int64_t step) { return LoopCount(step, 100, step); }
+
+/// Kept in single precision from frame to frame, with the rounding of each (docs/quirks.md 14).
 float Advance(float offset, std::int32_t distance, std::int64_t step) {
     const ExtendedPrecision precision;
     const auto way = static_cast<long double>(distance * step) * static_cast<long double>(0.01);
     return static_cast<float>(static_cast<long double>(offset) - way);
 }
 
-OwnedDib FrameThrough(const EffectRun& run, DibHandle mask, std::int32_t left, std::int32_t top) {
-    const OwnedDib window(DibCropRect(mask, {left, top, left + run.Width(), top + run.Height()}, 0));
-    const LockedDib locked(window.Get());
-    return locked ? OwnedDib(DibMaskBlend(run.Target(), run.Source(), locked.Get())) : OwnedDib();
-}
-
-OwnedDib Blurred(OwnedDib mask, std::uint32_t radius) {
-    return mask ? OwnedDib(DibGaussianBlur(mask.Get(), static_cast<std::int32_t>(radius), kSigma))
-                : OwnedDib();
-}
-
-int MoveMask(EffectRun& run, OwnedDib mask, Travel travel, std::int64_t step) {
-    std::int32_t width = 0, height = 0;
-    if (!mask || !DibQuery(mask.Get(), &width, &height, nullptr, nullptr)) return kEffectFailed;
-    const std::int32_t roomX = width - run.Width(), roomY = height - run.Height();
-    const std::int32_t distance = travel == Travel::Down ? roomY : roomX;
-    auto offset = static_cast<float>(distance);
-    for (std::int64_t p = step; p < 100; p += step) {
-        offset = Advance(offset, distance, step);
-        const auto at = static_cast<std::int32_t>(std::floor(offset));
-        OwnedDib frame = travel == Travel::Down ? FrameThrough(run, mask.Get(), roomX / 2, at)
-                                                : FrameThrough(run, mask.Get(), at, roomY / 2);
-        if (!run.Emit(std::move(frame))) return kEffectFailed;
-    }
-    return kEffectDone;
-}
-
-int Spikes(TransitionContext& context, Travel travel) {
-    EffectRun run(context);
-    const std::int64_t count = pluginSettings.TransitionSpikeCount, step = pluginSettings.TransitionSpikeStep;
-    if (!run || count == 0 || step == 0) return kEffectFailed;
-    OwnedDib mask(SpikeMask(run.Window(), {run.Width(), run.Height()}, travel, count));
-    return MoveMask(run, Blurred(std::move(mask), pluginSettings.TransitionSpikeRadius), travel, step);
-}
-
-int SoftSlide(TransitionContext& context, Travel travel) {
-    EffectRun run(context);
-    const std::int64_t step = pluginSettings.TransitionSoftSlideStep;
-    if (!run || step == 0) return kEffectFailed;
-    OwnedDib mask(SlideMask(run.Window(), {run.Width(), run.Height()}, travel));
-    return MoveMask(run, Blurred(std::move(mask), pluginSettings.TransitionSoftSlideRadius), travel, step);
-}
-
-std::int64_t FramesUpTo100(std::int64_t step) { return step == 0 ? 0 : 1 + LoopCount(step, 100, step); }
-
-std::int64_t SpikesFrames(CanvasSize canvas, Travel travel) {
-    const std::int64_t count = pluginSettings.TransitionSpikeCount;
-    if (count == 0) return 0;
-    // So many teeth that no picture could hold them: the effect fails.
-    constexpr std::int64_t kMostPixels = 0x7FFFFFFF / 3;
-    const std::int64_t length = 6 * Along(travel, canvas);
-    if (Teeth(count, Across(travel, canvas)).Breadth() > kMostPixels / length) return 0;
-    return FramesUpTo100(pluginSettings.TransitionSpikeStep);
-}
-
 } // namespace
 
-int SpikesHorizontal(TransitionContext& context) { return Spikes(context, Travel::Right); }
-int SpikesVertical(TransitionContext& context) { return Spikes(context, Travel::Down); }
-int SoftSlideHorizontal(TransitionContext& context) { return SoftSlide(context, Travel::Right); }
-int SoftSlideVertical(TransitionContext& context) { return SoftSlide(context, Travel::Down); }
+OwnedDib SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count) {
+    return SpikeMask(window, frame, Travel::Down, count);
+}
+OwnedDib SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count) {
+    return SpikeMask(window, frame, Travel::Right, count);
+}
+OwnedDib SlideMaskVertical(WindowHandle window, CanvasSize frame) {
+    return SlideMask(window, frame, Travel::Down);
+}
+OwnedDib SlideMaskHorizontal(WindowHandle window, CanvasSize frame) {
+    return SlideMask(window, frame, Travel::Right);
+}
 
-std::int64_t SpikesHorizontalFrames(CanvasSize canvas) { return SpikesFrames(canvas, Travel::Right); }
-std::int64_t SpikesVerticalFrames(CanvasSize canvas) { return SpikesFrames(canvas, Travel::Down); }
-std::int64_t SoftSlideHorizontalFrames(CanvasSize) {
-    return FramesUpTo100(pluginSettings.TransitionSoftSlideStep);
+MovingMask::MovingMask(const Gap& gap, OwnedDib mask, Travel travel, std::int64_t step)
+    : gap_(gap), mask_(std::move(mask)), travel_(travel) {
+    if (!mask_) return;
+    const std::int32_t distance =
+        travel == Travel::Down ? mask_->biHeight - gap.size.height : mask_->biWidth - gap.size.width;
+    auto offset = static_cast<float>(distance);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(FramesUpTo100(step)); ++i) {
+        offset = Advance(offset, distance, step);
+        offsets_[i] = static_cast<std::int32_t>(std::floor(offset));
+    }
 }
-std::int64_t SoftSlideVerticalFrames(CanvasSize) {
-    return FramesUpTo100(pluginSettings.TransitionSoftSlideStep);
+
+OwnedDib MovingMask::Frame(std::int64_t index) const {
+    const std::int32_t offset = offsets_[static_cast<std::size_t>(index)];
+    const bool down = travel_ == Travel::Down;
+    const std::int32_t left = down ? (mask_->biWidth - gap_.size.width) / 2 : offset;
+    const std::int32_t top = down ? offset : (mask_->biHeight - gap_.size.height) / 2;
+    const OwnedDib window =
+        DibCropRect(*mask_, {left, top, left + gap_.size.width, top + gap_.size.height}, 0);
+    return window ? DibMaskBlend(gap_.target, gap_.source, *window) : OwnedDib();
 }
+
+template <Travel kTravel>
+std::optional<Spikes<kTravel>> Spikes<kTravel>::Plan(const PluginSettings& settings, CanvasSize canvas) {
+    const std::int64_t count = settings.TransitionSpikeCount, step = settings.TransitionSpikeStep;
+    if (count == 0 || step == 0) return {};
+    // No picture could hold more teeth than these.
+    constexpr std::int64_t kMostPixels = 0x7FFFFFFF / 3;
+    const std::int64_t length = 6 * Along(kTravel, canvas);
+    if (Teeth(count, Across(kTravel, canvas)).Breadth() > kMostPixels / length) return {};
+    return Spikes(count, step);
+}
+
+template <Travel kTravel>
+std::int64_t Spikes<kTravel>::Frames() const {
+    return FramesUpTo100(step_);
+}
+
+template <Travel kTravel>
+MovingMask Spikes<kTravel>::Start(const Gap& gap) const {
+    const OwnedDib mask = SpikeMask(gap.window, gap.size, kTravel, count_);
+    return {gap, Blurred(mask, gap.settings.TransitionSpikeRadius), kTravel, step_};
+}
+
+template class Spikes<Travel::Right>;
+template class Spikes<Travel::Down>;
+
+template <Travel kTravel>
+std::optional<SoftSlide<kTravel>> SoftSlide<kTravel>::Plan(const PluginSettings& settings, CanvasSize) {
+    if (settings.TransitionSoftSlideStep == 0) return {};
+    return SoftSlide(settings.TransitionSoftSlideStep);
+}
+
+template <Travel kTravel>
+std::int64_t SoftSlide<kTravel>::Frames() const {
+    return FramesUpTo100(step_);
+}
+
+template <Travel kTravel>
+MovingMask SoftSlide<kTravel>::Start(const Gap& gap) const {
+    const OwnedDib mask = SlideMask(gap.window, gap.size, kTravel);
+    return {gap, Blurred(mask, gap.settings.TransitionSoftSlideRadius), kTravel, step_};
+}
+
+template class SoftSlide<Travel::Right>;
+template class SoftSlide<Travel::Down>;
 
 } // namespace lumafold

@@ -2,14 +2,16 @@
 
 namespace lumafold {
 
-SamplePlane::SamplePlane(std::int32_t width, std::int32_t height)
-    : width_(width), height_(height), stride_(static_cast<std::ptrdiff_t>(width) + 2),
-      pixels_((static_cast<std::size_t>(width) + 2) * (static_cast<std::size_t>(height) + 2)),
-      origin_(pixels_.data() + (pixels_ ? stride_ + 1 : 0)) {}
+SamplePlane::SamplePlane(const DibHeader& picture, Border border)
+    : width_(picture.biWidth), height_(picture.biHeight), stride_(static_cast<std::ptrdiff_t>(width_) + 2),
+      pixels_((static_cast<std::size_t>(width_) + 2) * (static_cast<std::size_t>(height_) + 2)),
+      origin_(pixels_.data() + (pixels_ ? stride_ + 1 : 0)) {
+    if (!pixels_) return;
+    CopyPixels(ConstRowView(picture));
+    if (border == Border::Nearest) RepeatEdges();
+}
 
-bool SamplePlane::Load(const DibHeader* picture, Border border) {
-    if (!Covers24(picture, width_, height_) || width_ < 1 || height_ < 1) return false;
-    const ConstRowView rows(picture);
+void SamplePlane::CopyPixels(const ConstRowView& rows) {
     for (std::int32_t y = 0; y < height_; ++y) {
         const std::uint8_t* from = rows.Row(y);
         std::uint32_t* to = origin_ + stride_ * y;
@@ -20,20 +22,20 @@ bool SamplePlane::Load(const DibHeader* picture, Border border) {
             std::memcpy(&bytes, from, 4);
             to[x] = bytes & 0xFFFFFF;
         }
-        to[x] =
-            from[0] | static_cast<std::uint32_t>(from[1]) << 8 | static_cast<std::uint32_t>(from[2]) << 16;
-        if (border == Border::Nearest) {
-            to[-1] = to[0];
-            to[width_] = to[width_ - 1];
-        }
+        std::memcpy(to + x, from, 3);
     }
-    if (border == Border::Nearest) {
-        const std::size_t bytes = static_cast<std::size_t>(stride_) * sizeof(std::uint32_t);
-        std::uint32_t* first = origin_ - 1;
-        std::memcpy(first - stride_, first, bytes);
-        std::memcpy(first + stride_ * height_, first + stride_ * (height_ - 1), bytes);
+}
+
+void SamplePlane::RepeatEdges() {
+    for (std::int32_t y = 0; y < height_; ++y) {
+        std::uint32_t* row = origin_ + stride_ * y;
+        row[-1] = row[0];
+        row[width_] = row[width_ - 1];
     }
-    return true;
+    const std::size_t bytes = static_cast<std::size_t>(stride_) * sizeof(std::uint32_t);
+    std::uint32_t* first = origin_ - 1;
+    std::memcpy(first - stride_, first, bytes);
+    std::memcpy(first + stride_ * height_, first + stride_ * (height_ - 1), bytes);
 }
 
 WarpSampler::WarpSampler(const SamplePlane& plane, PixelValue matte)
@@ -45,9 +47,8 @@ void WarpSampler::AddExact(SamplePoint point, double* sums) const {
     const double coverage = std::clamp(std::min(point.u, width_ - point.u) + 1, 0.0, 1.0) *
                             std::clamp(std::min(point.v, height_ - point.v) + 1, 0.0, 1.0);
     if (!(coverage > 0)) {
-        for (int c = 0; c < 3; ++c) {
+        for (int c = 0; c < 3; ++c)
             sums[c] += matte_[c];
-        }
         return;
     }
     const double x = std::clamp(point.u - 0.5, 0.0, width_ - 1),

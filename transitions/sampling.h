@@ -5,11 +5,9 @@
 // 0.5).
 #pragma once
 
-#include "image/row_view.h"
-
-#ifdef __SSE2__
 #include <emmintrin.h>
-#endif
+
+#include "image/dib.h"
 
 namespace lumafold {
 
@@ -20,12 +18,9 @@ public:
     enum class Border { Black, Nearest };
 
     SamplePlane() = default;
-    /// Check it before use: the memory may not have been there.
-    SamplePlane(std::int32_t width, std::int32_t height);
+    /// Holds a 24-bit picture of at least one pixel. Check it before use: the memory may not have been there.
+    SamplePlane(const DibHeader& picture, Border border);
     explicit operator bool() const { return static_cast<bool>(pixels_); }
-
-    /// Fills the plane; false when the picture is not a 24-bit one that covers it.
-    bool Load(const DibHeader* picture, Border border);
 
     std::int32_t Width() const { return width_; }
     std::int32_t Height() const { return height_; }
@@ -34,6 +29,9 @@ public:
     const std::uint32_t* At(std::int32_t x, std::int32_t y) const { return origin_ + stride_ * y + x; }
 
 private:
+    void CopyPixels(const ConstRowView& rows);
+    void RepeatEdges();
+
     std::int32_t width_ = 0, height_ = 0;
     std::ptrdiff_t stride_ = 0;
     Array<std::uint32_t> pixels_;
@@ -50,7 +48,7 @@ struct StillPoint {
     SamplePoint Next() const { return point; }
 };
 
-/// Samples a plane loaded with Border::Nearest.
+/// Samples a plane with Border::Nearest, which outlives it.
 class WarpSampler {
 public:
     WarpSampler(const SamplePlane& plane, PixelValue matte);
@@ -62,11 +60,9 @@ public:
 
 private:
     void AddExact(SamplePoint point, double* sums) const;
-#ifdef __SSE2__
     static __m128 Channels(__m128i pixels);
     bool AddFast(SamplePoint point, __m128& sum) const;
     static bool Store(__m128 sum, std::int32_t count, std::uint8_t* pixel);
-#endif
 
     const SamplePlane& plane_;
     double width_, height_;
@@ -75,7 +71,6 @@ private:
 
 template <typename Path>
 void WarpSampler::Write(const Path& path, std::int32_t count, std::uint8_t* pixel) const {
-#ifdef __SSE2__
     {
         Path walk = path;
         __m128 sum = _mm_setzero_ps();
@@ -85,7 +80,6 @@ void WarpSampler::Write(const Path& path, std::int32_t count, std::uint8_t* pixe
         }
         if (sure && Store(sum, count, pixel)) return;
     }
-#endif
     Path walk = path;
     double sums[3] = {};
     for (std::int32_t i = 0; i < count; ++i) {
@@ -97,7 +91,6 @@ void WarpSampler::Write(const Path& path, std::int32_t count, std::uint8_t* pixe
     }
 }
 
-#ifdef __SSE2__
 inline __m128 WarpSampler::Channels(__m128i pixels) {
     const __m128i zero = _mm_setzero_si128();
     return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(pixels, zero), zero));
@@ -138,6 +131,5 @@ inline bool WarpSampler::Store(__m128 sum, std::int32_t count, std::uint8_t* pix
     std::memcpy(pixel, &bytes, 3);
     return true;
 }
-#endif
 
 } // namespace lumafold

@@ -19,7 +19,7 @@ HalfAxes Proportional(std::int64_t width, std::int64_t height, std::int64_t long
 
 } // namespace
 
-DibHandle EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+OwnedDib EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
     const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
     return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
         const auto longer =
@@ -29,7 +29,7 @@ DibHandle EllipseMask(WindowHandle window, std::int32_t width, std::int32_t heig
     });
 }
 
-DibHandle DiamondMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+OwnedDib DiamondMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
     const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
     return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
         const HalfAxes r = Proportional(w, h, std::max(w, h), percent);

@@ -1,8 +1,6 @@
-// Solarize: a cross-fade in which the dark levels are turned over, up to a threshold that rises to the middle
-// of the transition and falls back through the same values.
+#include "transitions/solarize.h"
+
 #include "transitions/compositing.h"
-#include "transitions/effect_run.h"
-#include "transitions/effects.h"
 
 namespace lumafold {
 namespace {
@@ -11,65 +9,41 @@ constexpr std::int64_t kLevels = 255;
 constexpr std::int64_t kLastRising = 128;
 constexpr float kAboveAllLevels = 256;
 
-/// The thresholds before scaling. The falling half takes back what the rising one stored instead of working
-/// it out, so the curve is symmetric in frames whatever the step; past its end the first value stays.
-class ThresholdCurve {
-public:
-    float Next(std::int64_t level) {
-        if (level <= kLastRising) {
-            const auto threshold = static_cast<float>(2 * level);
-            history_[static_cast<std::size_t>(count_++)] = threshold;
-            return threshold;
-        }
-        --count_;
-        return history_[static_cast<std::size_t>(std::max<std::int64_t>(count_, 0))];
-    }
+} // namespace
 
-private:
-    std::array<float, kLastRising> history_{}; // a step of 1 fills it
-    std::int64_t count_ = 0;
-};
-
-/// Every channel below the threshold becomes 255 less itself.
-void TurnOver(DibHeader* picture, int threshold) {
+void SolarizeFilter(DibHeader& picture, int threshold) {
     if (threshold < 1) return;
-    const auto last = static_cast<std::uint8_t>(threshold - 1);
+    const auto last = static_cast<std::uint8_t>(std::min(threshold, 256) - 1);
     const RowView rows(picture);
     for (std::int32_t y = 0; y < rows.Height(); ++y) {
         std::uint8_t* row = rows.Row(y);
-        const std::size_t bytes = static_cast<std::size_t>(rows.Width()) * 3;
-        for (std::size_t i = 0; i < bytes; ++i) {
+        for (std::size_t i = 0; i < rows.RowBytes(); ++i)
             row[i] = static_cast<std::uint8_t>(row[i] ^ (row[i] <= last ? 0xFF : 0));
-        }
     }
 }
 
-OwnedDib SolarizedMix(const EffectRun& run, int level, int threshold) {
-    OwnedDib mix(DibCrossfade(run.Source(), run.Target(), level));
-    const LockedDib locked(mix.Get());
-    if (!locked) return {};
-    TurnOver(locked.Get(), threshold);
+std::optional<Solarize> Solarize::Plan(const PluginSettings& settings, CanvasSize) {
+    if (settings.TransitionSolarizeStep == 0) return {};
+    return Solarize(settings.TransitionSolarizeStep,
+                    static_cast<float>(static_cast<double>(settings.TransitionSolarizeIntensity) * 0.01));
+}
+
+std::int64_t Solarize::Frames() const { return LoopCount(step_, kLevels, step_); }
+
+/// The falling half takes the rising one's thresholds back in reverse, so that the curve is symmetric in
+/// frames whatever the step; past its end the first one stays.
+int Solarize::Threshold(std::int64_t index) const {
+    const std::int64_t rising = kLastRising / step_;
+    const std::int64_t taken = index < rising ? index : std::max<std::int64_t>(2 * rising - 1 - index, 0);
+    // A step beyond the rising half leaves nothing to take back.
+    const float threshold = rising == 0 ? 0.0F : static_cast<float>(2 * (taken + 1) * step_);
+    return static_cast<int>(std::min(threshold * factor_, kAboveAllLevels));
+}
+
+OwnedDib Solarize::Frame(const Gap& gap, std::int64_t index) const {
+    OwnedDib mix = DibCrossfade(gap.source, gap.target, static_cast<int>((index + 1) * step_));
+    if (mix) SolarizeFilter(*mix, Threshold(index));
     return mix;
-}
-
-} // namespace
-
-int Solarize(TransitionContext& context) {
-    EffectRun run(context);
-    const std::int64_t step = pluginSettings.TransitionSolarizeStep;
-    if (!run || step == 0) return kEffectFailed;
-    const auto factor =
-        static_cast<float>(static_cast<double>(pluginSettings.TransitionSolarizeIntensity) * 0.01);
-    ThresholdCurve curve;
-    for (std::int64_t level = step; level < kLevels; level += step) {
-        const auto threshold = static_cast<int>(std::min(curve.Next(level) * factor, kAboveAllLevels));
-        if (!run.Emit(SolarizedMix(run, static_cast<int>(level), threshold))) return kEffectFailed;
-    }
-    return kEffectDone;
-}
-std::int64_t SolarizeFrames(CanvasSize) {
-    const std::int64_t step = pluginSettings.TransitionSolarizeStep;
-    return step == 0 ? 0 : 1 + LoopCount(step, kLevels, step);
 }
 
 } // namespace lumafold

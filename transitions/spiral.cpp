@@ -1,27 +1,18 @@
-// Spiral out: the source turns and shrinks away over the target. Spiral in: the target turns and grows over
-// the source. Clockwise both; a frame is one step of the turn, and the whole way is one full turn.
+#include "transitions/spiral.h"
+
 #include <cmath>
+#include <numbers>
 
 #include "image/resample.h"
 #include "numbers/portable_math.h"
 #include "transitions/compositing.h"
-#include "transitions/effect_run.h"
-#include "transitions/effects.h"
-#include "transitions/sampling.h"
 
 namespace lumafold {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
 /// The entries of the list, all of them parts of a full turn.
 constexpr std::int32_t kStepDegrees[] = {1, 2, 3, 4, 5, 6, 8, 9, 10, 12, 15, 20, 24, 30, 40, 45, 60};
-
-/// How many steps make a full turn; 0 for an entry that is not there.
-std::int32_t StepsOfTurn() {
-    const std::uint32_t entry = pluginSettings.TransitionSpiralStep;
-    return entry < std::size(kStepDegrees) ? 360 / kStepDegrees[entry] : 0;
-}
+constexpr std::int32_t kFullTurn = 360;
 
 /// From a point of the frame to the point of the turning picture that it shows, both about the middle.
 struct Spin {
@@ -35,8 +26,8 @@ struct Spin {
             cosine = kQuarterCosines[quarter % 4];
             sine = kQuarterCosines[(quarter + 3) % 4];
         } else {
-            cosine = PortableCos(degrees * (kPi / 180));
-            sine = PortableSin(degrees * (kPi / 180));
+            cosine = PortableCos(degrees * (std::numbers::pi / 180));
+            sine = PortableSin(degrees * (std::numbers::pi / 180));
         }
     }
     SamplePoint At(double x, double y) const {
@@ -61,52 +52,6 @@ Columns Within(Columns columns, double slope, double base, double reach, double 
             std::min(column(std::max(a, b)) + 2, columns.to)};
 }
 
-/// The turning picture at its own size and halved again and again, so that it does not flicker when it is
-/// small.
-class Pyramid {
-public:
-    /// Levels down to the one that `smallest`, the smallest scale, asks for.
-    Pyramid(DibHandle picture, double smallest) {
-        OwnedDib halved;
-        bool good = Append(picture);
-        while (good && count_ < kMostLevels && Halves(count_ - 1, smallest)) {
-            halved = OwnedDib(DibScale(count_ == 1 ? picture : halved.Get(), 50, 50));
-            good = Append(halved.Get());
-        }
-        if (!good) count_ = 0;
-    }
-    explicit operator bool() const { return count_ > 0; }
-
-    /// How often the picture is halved for a scale.
-    std::int32_t LevelFor(double scale) const {
-        std::int32_t level = 0;
-        while (level + 1 < count_ && Halves(level, scale)) {
-            ++level;
-        }
-        return level;
-    }
-    const SamplePlane& Level(std::int32_t level) const { return levels_[static_cast<std::size_t>(level)]; }
-
-private:
-    static constexpr std::int32_t kMostLevels = 16; // no list entry asks for more than nine
-
-    bool Halves(std::int32_t level, double scale) const {
-        const SamplePlane& plane = Level(level);
-        return scale * (2 << level) <= 1 && plane.Width() >= 2 && plane.Height() >= 2;
-    }
-    bool Append(DibHandle picture) {
-        const LockedDib locked(picture);
-        if (!locked) return false;
-        SamplePlane plane(locked->biWidth, locked->biHeight);
-        if (!plane || !plane.Load(locked.Get(), SamplePlane::Border::Nearest)) return false;
-        levels_[static_cast<std::size_t>(count_++)] = std::move(plane);
-        return true;
-    }
-
-    std::array<SamplePlane, kMostLevels> levels_;
-    std::int32_t count_ = 0;
-};
-
 /// What one row of a frame shows of the turning picture.
 class SpinRow {
 public:
@@ -130,61 +75,49 @@ private:
     Columns columns_{};
 };
 
-/// The smooth spiral: a layer of the turning picture, laid over the other one through a mask with soft edges.
-class SmoothSpiral {
-public:
-    SmoothSpiral(DibHandle turning, const DibHeader* ground, double smallest)
-        : pyramid_(turning, smallest), ground_(ground), width_(ground->biWidth), height_(ground->biHeight) {}
-    explicit operator bool() const { return static_cast<bool>(pyramid_); }
-
-    OwnedDib Frame(const Spin& spin) const {
-        const OwnedDib layer(DibCreate(width_, height_, nullptr, 24)),
-            mask(DibCreate(width_, height_, nullptr, 24));
-        const LockedDib layerLock(layer.Get()), maskLock(mask.Get());
-        if (!layerLock || !maskLock) return {};
-        const RowView layerRows(layerLock.Get()), maskRows(maskLock.Get());
-        for (std::int32_t y = 0; y < height_; ++y) {
-            RenderRow(spin, y, layerRows.Row(y), maskRows.Row(y));
-        }
-        return OwnedDib(DibMaskBlend(layerLock.Get(), ground_, maskLock.Get()));
+/// One row of the turning picture, and of the mask that it is laid over the ground with.
+void RenderSmoothRow(const Pyramid& pyramid, const Spin& spin, CanvasSize size, std::int32_t y,
+                     std::uint8_t* colours, std::uint8_t* masks) {
+    const std::int32_t level = pyramid.LevelFor(spin.scale);
+    const SamplePlane& plane = pyramid.Level(level);
+    const WarpSampler sampler(plane, 0);
+    const double halfWidth = size.width / 2.0, halfHeight = size.height / 2.0, shrink = 1.0 / (1 << level);
+    const double right = plane.Width(), bottom = plane.Height();
+    const SpinRow row(spin, size.width, size.height, y);
+    const auto [from, to] = row.Reached();
+    for (std::int32_t x = from; x < to; ++x) {
+        const auto [u, v] = row.At(x);
+        // A soft edge, one pixel of the frame wide.
+        const double share = std::clamp((halfWidth - std::abs(u)) * spin.scale + 0.5, 0.0, 1.0) *
+                             std::clamp((halfHeight - std::abs(v)) * spin.scale + 0.5, 0.0, 1.0);
+        const double rounded = 255 * share + 0.5;
+        std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(rounded), 3);
+        // Held to the picture, which clamps the colours too.
+        const StillPoint path{{std::clamp((u + halfWidth) * shrink, 0.0, right),
+                               std::clamp((v + halfHeight) * shrink, 0.0, bottom)}};
+        sampler.Write(path, 1, colours + std::ptrdiff_t{3} * x);
     }
+}
 
-private:
-    void RenderRow(const Spin& spin, std::int32_t y, std::uint8_t* colours, std::uint8_t* masks) const {
-        const std::int32_t level = pyramid_.LevelFor(spin.scale);
-        const SamplePlane& plane = pyramid_.Level(level);
-        const WarpSampler sampler(plane, 0);
-        const double halfWidth = width_ / 2.0, halfHeight = height_ / 2.0, shrink = 1.0 / (1 << level);
-        const double right = plane.Width(), bottom = plane.Height();
-        const SpinRow row(spin, width_, height_, y);
-        const auto [from, to] = row.Reached();
-        for (std::int32_t x = from; x < to; ++x) {
-            const auto [u, v] = row.At(x);
-            // A soft edge, one pixel of the frame wide.
-            const double share = std::clamp((halfWidth - std::abs(u)) * spin.scale + 0.5, 0.0, 1.0) *
-                                 std::clamp((halfHeight - std::abs(v)) * spin.scale + 0.5, 0.0, 1.0);
-            const double rounded = 255 * share + 0.5;
-            std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(rounded), 3);
-            // Held to the picture, which clamps the colours too.
-            const StillPoint path{{std::clamp((u + halfWidth) * shrink, 0.0, right),
-                                   std::clamp((v + halfHeight) * shrink, 0.0, bottom)}};
-            sampler.Write(path, 1, colours + std::ptrdiff_t{3} * x);
-        }
-    }
+/// A layer of the turning picture, laid over the ground through a mask with soft edges.
+OwnedDib SmoothFrame(const Pyramid& pyramid, const DibHeader& ground, const Spin& spin) {
+    const CanvasSize size{ground.biWidth, ground.biHeight};
+    OwnedDib layer = DibCreate(size.width, size.height, nullptr, 24),
+             mask = DibCreate(size.width, size.height, nullptr, 24);
+    if (!layer || !mask) return {};
+    const RowView layerRows = layer.Rows(), maskRows = mask.Rows();
+    for (std::int32_t y = 0; y < size.height; ++y)
+        RenderSmoothRow(pyramid, spin, size, y, layerRows.Row(y), maskRows.Row(y));
+    return DibMaskBlend(*layer, ground, *mask);
+}
 
-    Pyramid pyramid_;
-    const DibHeader* ground_;
-    std::int32_t width_, height_;
-};
-
-/// The quick spiral: the nearest pixel of the turning picture, or the ground.
-OwnedDib QuickFrame(const EffectRun& run, const DibHeader* turning, DibHandle ground, const Spin& spin) {
-    OwnedDib frame(GlobalDuplicate(ground));
-    const LockedDib locked(frame.Get());
-    const std::int32_t width = run.Width(), height = run.Height();
-    if (!locked || !Covers24(turning, width, height) || !Covers24(locked.Get(), width, height)) return {};
+/// The nearest pixel of the turning picture, or the ground.
+OwnedDib QuickFrame(const DibHeader& turning, const DibHeader& ground, const Spin& spin) {
+    OwnedDib frame = DibCopy(ground);
+    if (!frame) return frame;
+    const std::int32_t width = ground.biWidth, height = ground.biHeight;
     const ConstRowView turningRows(turning);
-    const RowView rows(locked.Get());
+    const RowView rows = frame.Rows();
     for (std::int32_t y = 0; y < height; ++y) {
         const SpinRow row(spin, width, height, y);
         const auto [from, to] = row.Reached();
@@ -201,50 +134,62 @@ OwnedDib QuickFrame(const EffectRun& run, const DibHeader* turning, DibHandle gr
     return frame;
 }
 
-enum class Direction { In, Out };
-
-Spin SpinAt(Direction direction, std::int32_t k, std::int32_t steps) {
-    const double way = static_cast<double>(k) / steps;
-    return {k * (360 / steps), direction == Direction::In ? way : 1 - way};
-}
-
-int RunSmooth(EffectRun& run, DibHandle turning, const DibHeader* ground, Direction direction,
-              std::int32_t steps) {
-    const SmoothSpiral spiral(turning, ground, 1.0 / steps);
-    if (!spiral) return kEffectFailed;
-    for (std::int32_t k = 1; k < steps; ++k) {
-        if (!run.Emit(spiral.Frame(SpinAt(direction, k, steps)))) return kEffectFailed;
-    }
-    return kEffectDone;
-}
-
-int RunQuick(EffectRun& run, const DibHeader* turning, DibHandle ground, Direction direction,
-             std::int32_t steps) {
-    for (std::int32_t k = 1; k < steps; ++k) {
-        if (!run.Emit(QuickFrame(run, turning, ground, SpinAt(direction, k, steps)))) return kEffectFailed;
-    }
-    return kEffectDone;
-}
-
-int Spiral(TransitionContext& context, Direction direction) {
-    EffectRun run(context);
-    const std::int32_t steps = StepsOfTurn();
-    if (!run || steps == 0) return kEffectFailed;
-    const bool out = direction == Direction::Out;
-    if (pluginSettings.TransitionSpiralShear != 0) {
-        return RunSmooth(run, out ? context.image : context.nextImage, out ? run.Target() : run.Source(),
-                         direction, steps);
-    }
-    return RunQuick(run, out ? run.Source() : run.Target(), out ? context.nextImage : context.image,
-                    direction, steps);
-}
-
 } // namespace
 
-int SpiralIn(TransitionContext& context) { return Spiral(context, Direction::In); }
-std::int64_t SpiralInFrames(CanvasSize) { return StepsOfTurn(); }
+Pyramid::Pyramid(const DibHeader& picture, double smallest) {
+    OwnedDib halved;
+    bool good = Append(picture);
+    while (good && count_ < kMostLevels && Halves(count_ - 1, smallest)) {
+        halved = DibScale(count_ == 1 ? picture : *halved, 50, 50);
+        good = halved && Append(*halved);
+    }
+    if (!good) count_ = 0;
+}
 
-int SpiralOut(TransitionContext& context) { return Spiral(context, Direction::Out); }
-std::int64_t SpiralOutFrames(CanvasSize) { return StepsOfTurn(); }
+std::int32_t Pyramid::LevelFor(double scale) const {
+    std::int32_t level = 0;
+    while (level + 1 < count_ && Halves(level, scale))
+        ++level;
+    return level;
+}
+
+bool Pyramid::Halves(std::int32_t level, double scale) const {
+    const SamplePlane& plane = Level(level);
+    return scale * (2 << level) <= 1 && plane.Width() >= 2 && plane.Height() >= 2;
+}
+
+bool Pyramid::Append(const DibHeader& picture) {
+    SamplePlane plane(picture, SamplePlane::Border::Nearest);
+    if (!plane) return false;
+    levels_[static_cast<std::size_t>(count_++)] = std::move(plane);
+    return true;
+}
+
+template <SpiralWay Way>
+SpiralPainter<Way>::SpiralPainter(const Gap& gap, std::int32_t steps)
+    : turning_(Way == SpiralWay::Out ? gap.source : gap.target),
+      ground_(Way == SpiralWay::Out ? gap.target : gap.source), steps_(steps) {
+    if (gap.settings.TransitionSpiralShear != 0) smooth_.emplace(turning_, 1.0 / steps);
+}
+
+template <SpiralWay Way>
+OwnedDib SpiralPainter<Way>::Frame(std::int64_t index) const {
+    const auto k = static_cast<std::int32_t>(index + 1);
+    const double done = static_cast<double>(k) / steps_;
+    const Spin spin(k * (kFullTurn / steps_), Way == SpiralWay::In ? done : 1 - done);
+    return smooth_ ? SmoothFrame(*smooth_, ground_, spin) : QuickFrame(turning_, ground_, spin);
+}
+
+template <SpiralWay Way>
+std::optional<Spiral<Way>> Spiral<Way>::Plan(const PluginSettings& settings, CanvasSize) {
+    const std::uint32_t entry = settings.TransitionSpiralStep;
+    if (entry >= std::size(kStepDegrees)) return {};
+    return Spiral(kFullTurn / kStepDegrees[entry]);
+}
+
+template class SpiralPainter<SpiralWay::In>;
+template class SpiralPainter<SpiralWay::Out>;
+template class Spiral<SpiralWay::In>;
+template class Spiral<SpiralWay::Out>;
 
 } // namespace lumafold

@@ -5,13 +5,16 @@
 #include <array>
 #include <string_view>
 
+#include "platform/runner.h"
 #include "transitions/context.h"
+#include "transitions/gap.h"
 
 namespace lumafold {
 
 /// Appends the still frame and the frames between: 1, or 0 on any failure. Frames appended before stay in the
 /// list.
-using EffectFunction = int (*)(TransitionContext& context);
+using EffectFunction = int (*)(TransitionContext& context, const PluginSettings& settings,
+                               const Runner& runner);
 
 struct TransitionRow {
     EffectFunction effect;
@@ -22,9 +25,9 @@ struct TransitionRow {
 inline constexpr int kTransitionCount = 33;
 extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
 
-/// How many frames row `row` appends for a canvas of this size with the settings in force, the still frame
-/// included; 0 when the effect would fail.
-std::int64_t FrameCount(int row, std::int32_t width, std::int32_t height);
+/// How many frames row `row` appends for a canvas of this size, the still frame included; 0 when the effect
+/// cannot run with these settings, or there is no such row.
+std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canvas);
 
 /// The configuration keys the row's effect reads, separated by blanks.
 std::string_view TransitionSettings(int row);

@@ -4,6 +4,7 @@
 #include "ui/controls.h"
 #include "ui/dialogs.h"
 #include "ui/painting.h"
+#include "ui/session.h"
 
 namespace lumafold {
 namespace {
@@ -13,7 +14,7 @@ bool HasControl(const SettingDescriptor& row) {
 }
 
 void ShowSetting(HWND dialog, const SettingDescriptor& row) {
-    const std::uint32_t value = pluginSettings.*row.value;
+    const std::uint32_t value = Session().settings.*row.value;
     const HWND control = GetDlgItem(dialog, row.controlId);
     switch (row.kind) {
     case SettingKind::Choice:
@@ -36,7 +37,7 @@ void ShowSetting(HWND dialog, const SettingDescriptor& row) {
 }
 
 void TakeSetting(HWND dialog, const SettingDescriptor& row) {
-    std::uint32_t& value = pluginSettings.*row.value;
+    std::uint32_t& value = Session().settings.*row.value;
     switch (row.kind) {
     case SettingKind::Choice:
         value = static_cast<std::uint32_t>(ReadSelection(dialog, row.controlId, static_cast<int>(row.minimum),

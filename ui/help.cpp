@@ -2,6 +2,7 @@
 
 #include "resources/texts/strings.h"
 #include "ui/dialogs.h"
+#include "ui/messages.h"
 #include "ui/session.h"
 
 namespace lumafold {
@@ -13,7 +14,7 @@ void ShowHelp(HWND owner, const char* anchor) {
                   anchored ? anchor : "");
     const HostContext* host = Session().host;
     if (host != nullptr && host->callback != nullptr && Host(*host).ShowHelp(reference)) return;
-    ShowMessage(HandleOf(owner), LUMAFOLD_TEXT_HELP_ERROR);
+    ShowMessage(owner, LUMAFOLD_TEXT_HELP_ERROR);
 }
 
 } // namespace lumafold

@@ -1,12 +1,13 @@
 #include "ui/list_actions.h"
+#include "ui/messages.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "image/import.h"
 #include "platform/folders.h"
-#include "plugin/protocol/chosen_names.h"
 #include "platform/module_win32.h"
+#include "plugin/protocol/chosen_names.h"
 #include "resources/texts/resource_ids.h"
 #include "resources/texts/strings.h"
 #include "settings/list_file.h"
@@ -87,7 +88,7 @@ void SelectLast(HWND dialog) {
 void ShowString(HWND dialog, UINT number) {
     char text[260] = "";
     LoadStringA(ModuleInstance(), number, text, sizeof(text));
-    ShowMessage(HandleOf(dialog), text);
+    ShowMessage(dialog, text);
 }
 
 void AddImages(HWND dialog) {
@@ -104,7 +105,7 @@ void AddImages(HWND dialog) {
 void PasteImage(HWND dialog) {
     const DibHandle pasted = CallingHost().ClipboardPicture(HandleOf(dialog));
     if (pasted == 0) {
-        ShowMessage(HandleOf(dialog), LUMAFOLD_TEXT_CLIPBOARD_ERROR);
+        ShowMessage(dialog, LUMAFOLD_TEXT_CLIPBOARD_ERROR);
         return;
     }
     if (InsertPicture(dialog, InsertionIndex(dialog), LUMAFOLD_LABEL_CLIPBOARD, pasted)) SelectLast(dialog);
@@ -178,7 +179,7 @@ bool RestoreList(HWND dialog) {
 void SaveList(HWND dialog) {
     HWND list = ListOf(dialog);
     ListFileWriter file;
-    const int count = pluginSettings.PreserveListContents != 0 ? Ask(list, LB_GETCOUNT) : 0;
+    const int count = Session().settings.PreserveListContents != 0 ? Ask(list, LB_GETCOUNT) : 0;
     for (int i = count - 1; i >= 0; --i) {
         ImageEntry entry;
         if (ReadEntry(list, i, entry)) file.Add(entry.label);

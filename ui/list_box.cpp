@@ -242,7 +242,7 @@ void DrawListItem(const DRAWITEMSTRUCT& item) {
     ImageEntry entry;
     if (!ReadEntry(item.hwndItem, static_cast<int>(item.itemID), entry)) return;
     FillAround(item, DrawThumbnail(item, entry.image));
-    if (pluginSettings.ShowListLabels != 0) DrawLabel(item, FileNameOf(entry.label));
+    if (Session().settings.ShowListLabels != 0) DrawLabel(item, FileNameOf(entry.label));
 }
 
 void EnableDragging(HWND list) {

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
+#include "platform/gdi_win32.h"
 #include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
-#include "platform/gdi_win32.h"
 #include "ui/painting.h"
 
 namespace lumafold {

@@ -16,6 +16,7 @@
 #include "ui/list_actions.h"
 #include "ui/list_box.h"
 #include "ui/logo.h"
+#include "ui/messages.h"
 #include "ui/painting.h"
 #include "ui/session.h"
 
@@ -74,30 +75,30 @@ void Centre(HWND dialog) {
 
 void SettingsToControls(HWND dialog) {
     FillTransitions(GetDlgItem(dialog, LUMAFOLD_MAIN_TRANSITION));
-    Choose(dialog, LUMAFOLD_MAIN_TRANSITION, pluginSettings.TransitionType);
+    Choose(dialog, LUMAFOLD_MAIN_TRANSITION, Session().settings.TransitionType);
     for (const SettingDescriptor& row : SettingDescriptors()) {
         if (row.value == &PluginSettings::TransitionPalette) {
             FillChoices(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE), row.choices);
         }
     }
-    Choose(dialog, LUMAFOLD_MAIN_PALETTE, pluginSettings.TransitionPalette);
+    Choose(dialog, LUMAFOLD_MAIN_PALETTE, Session().settings.TransitionPalette);
     // Starting an up-down control writes into its edit box, so the numbers follow.
     StartSpin(dialog, LUMAFOLD_MAIN_DELAY);
     StartSpin(dialog, LUMAFOLD_MAIN_PAUSE);
-    SetClamped(dialog, LUMAFOLD_MAIN_DELAY, pluginSettings.TransitionDelay);
-    SetClamped(dialog, LUMAFOLD_MAIN_PAUSE, pluginSettings.TransitionPause);
+    SetClamped(dialog, LUMAFOLD_MAIN_DELAY, Session().settings.TransitionDelay);
+    SetClamped(dialog, LUMAFOLD_MAIN_PAUSE, Session().settings.TransitionPause);
     for (const CheckBox& box : kCheckBoxes) {
-        CheckDlgButton(dialog, box.id, pluginSettings.*box.value != 0 ? BST_CHECKED : BST_UNCHECKED);
+        CheckDlgButton(dialog, box.id, Session().settings.*box.value != 0 ? BST_CHECKED : BST_UNCHECKED);
     }
 }
 
 void ControlsToSettings(HWND dialog) {
-    pluginSettings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
-    pluginSettings.TransitionType = Choice(dialog, LUMAFOLD_MAIN_TRANSITION);
-    pluginSettings.TransitionDelay = ReadClamped(dialog, LUMAFOLD_MAIN_DELAY);
-    pluginSettings.TransitionPause = ReadClamped(dialog, LUMAFOLD_MAIN_PAUSE);
+    Session().settings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
+    Session().settings.TransitionType = Choice(dialog, LUMAFOLD_MAIN_TRANSITION);
+    Session().settings.TransitionDelay = ReadClamped(dialog, LUMAFOLD_MAIN_DELAY);
+    Session().settings.TransitionPause = ReadClamped(dialog, LUMAFOLD_MAIN_PAUSE);
     for (const CheckBox& box : kCheckBoxes) {
-        pluginSettings.*box.value = IsDlgButtonChecked(dialog, box.id) == BST_CHECKED ? 1 : 0;
+        Session().settings.*box.value = IsDlgButtonChecked(dialog, box.id) == BST_CHECKED ? 1 : 0;
     }
 }
 
@@ -106,17 +107,17 @@ void FollowCapabilities(HWND dialog) {
     const char* range = HostTakes(kHostTakesSupercompression) ? "1,1000,10" : "1,10000,100";
     SetDlgItemTextA(dialog, LUMAFOLD_MAIN_DELAY + LUMAFOLD_UPDOWN, range);
     SetDlgItemTextA(dialog, LUMAFOLD_MAIN_PAUSE + LUMAFOLD_UPDOWN, range);
-    ApplyCapabilities(pluginSettings, Session().host->capabilityFlags);
+    ApplyCapabilities(Session().settings, Session().host->capabilityFlags);
     if (!HostTakes(kHostTakesSupercompression)) Disable(dialog, LUMAFOLD_MAIN_SUPERCOMPRESS);
 }
 
 /// A list that cannot be restored ends the opening where it is.
 void Open(HWND dialog) {
     const Raised busy(Session().busy);
-    if (!ShiftIsDown()) LoadSettings(DataFolderPath(kConfigFileName), pluginSettings);
+    if (!ShiftIsDown()) LoadSettings(DataFolderPath(kConfigFileName), Session().settings);
     if (!HostTakes(kHostTakesTrueColour)) Disable(dialog, LUMAFOLD_MAIN_TRUE_COLOUR);
     if (!HasCallback()) {
-        ShowMessage(HandleOf(dialog), LUMAFOLD_TEXT_INTERNAL_ERROR);
+        ShowMessage(dialog, LUMAFOLD_TEXT_INTERNAL_ERROR);
         PostMessageA(dialog, WM_CLOSE, 0, 0);
         return;
     }
@@ -126,7 +127,7 @@ void Open(HWND dialog) {
     SetFocus(GetDlgItem(dialog, IDOK));
     SendDlgItemMessageA(dialog, LUMAFOLD_MAIN_LIST, LB_SETITEMHEIGHT, 0, kItemHeight);
     EnableWindow(GetDlgItem(dialog, LUMAFOLD_MAIN_PASTE), IsClipboardFormatAvailable(CF_DIB));
-    SetSwatch(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), pluginSettings.TransitionMattcolour);
+    SetSwatch(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), Session().settings.TransitionMattcolour);
     if (!ShiftIsDown() && !RestoreList(dialog)) return;
     EnableByCount(dialog);
     PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(LUMAFOLD_MAIN_CUSTOM_PALETTE, BN_CLICKED),
@@ -137,7 +138,7 @@ void Open(HWND dialog) {
 
 void Close(HWND dialog) {
     StopLogo(dialog, LUMAFOLD_MAIN_LOGO);
-    SaveSettings(DataFolderPath(kConfigFileName), pluginSettings);
+    SaveSettings(DataFolderPath(kConfigFileName), Session().settings);
     SaveList(dialog);
     // A host that destroys the dialog under a running build leaves it the pictures it is working on.
     if (!Session().building) FreeList(dialog);
@@ -151,7 +152,8 @@ void RunBuild(HWND dialog, TaskKind kind) {
     // The line that stands in for a second picture comes and goes above the selection.
     HWND list = GetDlgItem(dialog, LUMAFOLD_MAIN_LIST);
     const LRESULT selected = SendMessageA(list, LB_GETCURSEL, 0, 0);
-    BuildAnimation(images, HandleOf(dialog), *Session().host, kind);
+    BuildMessages messages(dialog);
+    BuildAnimation({images, HandleOf(dialog), *Session().host, kind, Session().settings, messages, Runner()});
     if (SendMessageA(list, LB_GETCURSEL, 0, 0) != selected) {
         SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
     }
@@ -159,9 +161,9 @@ void RunBuild(HWND dialog, TaskKind kind) {
 }
 
 void ChooseMatte(HWND dialog) {
-    COLORREF colour = pluginSettings.TransitionMattcolour;
+    COLORREF colour = Session().settings.TransitionMattcolour;
     if (!ChooseColour(dialog, colour)) return;
-    pluginSettings.TransitionMattcolour = colour;
+    Session().settings.TransitionMattcolour = colour;
     SetSwatch(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), colour);
 }
 
@@ -221,7 +223,7 @@ void NotifiedByList(HWND dialog, int code) {
 
 void NotifiedByPaletteCombo(HWND dialog, int code) {
     if (code != CBN_CLOSEUP) return;
-    pluginSettings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
+    Session().settings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
     // Swatches are drawn in the palette's colours.
     InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), nullptr, TRUE);
 }

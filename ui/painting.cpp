@@ -8,10 +8,10 @@
 
 #include "colour/nearest.h"
 #include "colour/palettes.h"
+#include "platform/gdi_win32.h"
 #include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
-#include "platform/gdi_win32.h"
 #include "ui/session.h"
 
 namespace lumafold {
@@ -94,7 +94,7 @@ bool PaintTexture(HDC context, const RECT& area) {
     return true;
 }
 
-bool IsPlain() { return ScreenDepth() <= kFewColours || pluginSettings.SolidBackground != 0; }
+bool IsPlain() { return ScreenDepth() <= kFewColours || Session().settings.SolidBackground != 0; }
 
 /// One tile of the background as a brush, or null.
 HBRUSH CreateTextureBrush(HDC context) {
@@ -156,7 +156,7 @@ void FillCorner(HDC context, const RECT& area, COLORREF colour) {
 void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
     Palette colours;
     const int count =
-        BuildFixedPalette(&colours, nullptr, static_cast<std::int32_t>(pluginSettings.TransitionPalette));
+        BuildFixedPalette(&colours, nullptr, static_cast<std::int32_t>(Session().settings.TransitionPalette));
     const OwnedGdi<HPALETTE> palette(CreateLogicalPalette(colours, count));
     const SelectedPalette realised(context, palette.Get());
     const Rgb nearest = colours[static_cast<std::size_t>(

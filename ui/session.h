@@ -1,4 +1,5 @@
-// What the open dialog's parts share: the host that called, the font of the list, and what is going on.
+// What the dialogs share: the settings, which outlive them, the host that called, the font of the list, and
+// what is going on.
 #pragma once
 
 #include <windows.h>
@@ -6,11 +7,15 @@
 #include <utility>
 
 #include "plugin/protocol/host.h"
+#include "settings/settings.h"
 
 namespace lumafold {
 
-/// Set while the main dialog runs. The context is the host's.
 struct DialogSession {
+    /// The one set of this process: it keeps its values from one opening of the dialog to the next.
+    PluginSettings settings;
+
+    // Set while the main dialog runs. The context is the host's.
     const HostContext* host = nullptr;
     HFONT listFont = nullptr;
     bool open = false;     ///< one dialog at a time, even when a host calls again from within a command

@@ -19,26 +19,30 @@ bool Blit(HDC context, const RECT& place, const DibHeader* picture) {
                          SRCCOPY) > 0;
 }
 
+/// Colours are averaged, not the indices that stand for them.
+OwnedDib ScaledColours(const DibHeader& picture, std::int32_t percent) {
+    const OwnedDib colours = DibToTrueColour(picture);
+    return colours ? DibScale(*colours, percent, percent) : OwnedDib();
+}
+
 } // namespace
 
 RECT DrawThumbnail(const DRAWITEMSTRUCT& item, DibHandle picture) {
     RECT room = item.rcItem;
     InflateRect(&room, -kMargin, -kMargin);
     const std::int32_t roomWidth = room.right - room.left, roomHeight = room.bottom - room.top;
-    std::int32_t width = 0, height = 0;
-    if (!DibQuery(picture, &width, &height, nullptr, nullptr)) return {};
-
-    const std::int32_t percent = FitPercent(width, height, roomWidth, roomHeight);
-    const OwnedDib scaled(percent < 100 ? DibScale(picture, percent, percent) : 0);
+    const ReadDib loaded(picture);
+    if (!loaded) return {};
+    const std::int32_t percent = FitPercent(loaded->biWidth, loaded->biHeight, roomWidth, roomHeight);
+    const OwnedDib scaled = percent < 100 ? ScaledColours(*loaded, percent) : OwnedDib();
     if (percent < 100 && !scaled) return {};
-    const LockedDib shown(scaled ? scaled.Get() : picture);
-    if (!shown) return {};
+    const DibHeader* shown = scaled ? &*scaled : loaded.Get();
 
     RECT place{room.left + FitOffset(roomWidth, shown->biWidth),
                room.top + FitOffset(roomHeight, shown->biHeight), 0, 0};
     place.right = place.left + shown->biWidth;
     place.bottom = place.top + shown->biHeight;
-    if (!Blit(item.hDC, place, shown.Get())) return {};
+    if (!Blit(item.hDC, place, shown)) return {};
     InflateRect(&place, 1, 1);
     FrameRect(item.hDC, &place, GetSysColorBrush(COLOR_BTNSHADOW));
     return place;

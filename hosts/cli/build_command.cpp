@@ -20,7 +20,9 @@
 #include "hosts/cli/peak_memory.h"
 #include "hosts/cli/picture_order.h"
 #include "hosts/cli/standard_streams.h"
+#include "hosts/common/processors.h"
 #include "hosts/common/report.h"
+#include "hosts/common/thread_pool.h"
 
 namespace lumafold {
 namespace {
@@ -31,7 +33,8 @@ class BuildRun {
 public:
     BuildRun(BuildOptions options, const Console& console)
         : options_(std::move(options)), console_(console),
-          kind_(KindOfOutput(options_.output, options_.format)) {}
+          kind_(KindOfOutput(options_.output, options_.format)),
+          pool_(static_cast<int>(options_.jobs.value_or(UsableProcessors()))) {}
 
     int Run() {
         CheckNames();
@@ -88,7 +91,6 @@ private:
             remarks_.emplace_back("a film is played once");
         // With both, changed pixels that are black would let the frame before shine through.
         if (settings_.TransitionTruecolour != 0 && !options_.supercompressAsked) settings_.Supercompress = 0;
-        pluginSettings = settings_;
     }
 
     // What can be known before any work is done.
@@ -119,7 +121,7 @@ private:
 
     void CheckRuns(MemoryList& list) {
         BuildEstimate estimate;
-        if (!EstimateBuild(list, Task(), estimate)) return;
+        if (!EstimateBuild(list, Task(), settings_, estimate)) return;
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         RemarkOnSize(estimate);
@@ -147,7 +149,8 @@ private:
         Progress progress(console_.err, StyleFor(console_.err, options_.talk));
         RecordingHost host(CapabilityFlags(kind_), progress, console_.err);
         const bool built =
-            BuildAnimation(list, 0, host.Context(), Task(), MemoryLimit()) != 0 && host.Complete();
+            BuildAnimation({list, 0, host.Context(), Task(), settings_, host, pool_, MemoryLimit()}) != 0 &&
+            host.Complete();
         progress.Clear();
         if (!built) return kFailed; // the engine has said why
         if (kind_ != OutputKind::Folder && kind_ != OutputKind::Y4m) MakePlayable(host.Result());
@@ -221,7 +224,8 @@ private:
     const BuildOptions options_;
     const Console& console_;
     const OutputKind kind_;
-    PluginSettings settings_;
+    PluginSettings settings_; // in force
+    const ThreadPool pool_;
     std::vector<std::string> remarks_;
 };
 

@@ -10,9 +10,9 @@
 
 #include "codecs/resize.h"
 #include "hosts/cli/command_words.h"
-#include "hosts/cli/memory_list.h"
 #include "hosts/cli/output_kind.h"
 #include "hosts/cli/progress.h"
+#include "hosts/common/memory_list.h"
 #include "settings/settings.h"
 
 namespace lumafold {

@@ -11,13 +11,6 @@
 namespace lumafold {
 namespace {
 
-bool CanRun(std::int32_t row, const PluginSettings& settings, std::int32_t width, std::int32_t height) {
-    const PluginSettings before = std::exchange(pluginSettings, settings);
-    const bool can = FrameCount(row, width, height) != 0;
-    pluginSettings = before;
-    return can;
-}
-
 std::vector<const SettingDescriptor*> SettingsOfRow(std::int32_t row) {
     std::vector<const SettingDescriptor*> found;
     std::istringstream keys{std::string(TransitionSettings(row))};
@@ -33,7 +26,7 @@ std::vector<const SettingDescriptor*> SettingsOfRow(std::int32_t row) {
 
 std::string WhyCannotRun(std::int32_t row, const PluginSettings& settings, std::int32_t width,
                          std::int32_t height) {
-    if (CanRun(row, settings, width, height)) return "";
+    if (FrameCount(row, settings, {width, height}) != 0) return "";
     // One setting, if its default alone would mend it; else all that the row reads.
     std::string all;
     for (const SettingDescriptor* setting : SettingsOfRow(row)) {
@@ -41,7 +34,7 @@ std::string WhyCannotRun(std::int32_t row, const PluginSettings& settings, std::
             std::string(setting->key) + "=" + ValueText(*setting, settings.*setting->value);
         PluginSettings mended = settings;
         mended.*setting->value = setting->defaultValue;
-        if (CanRun(row, mended, width, height)) {
+        if (FrameCount(row, mended, {width, height}) != 0) {
             all = text;
             break;
         }

@@ -13,7 +13,7 @@ constexpr PixelValue kPaper = MakeColour(0x1E, 0x20, 0x24);
 constexpr PixelValue kInk = MakeColour(0xB8, 0xBC, 0xC4);
 constexpr std::int32_t kMargin = 10, kLabelGap = 4;
 
-void DrawLabel(DibHeader* sheet, std::int32_t x, std::int32_t y, const std::string& label,
+void DrawLabel(DibHeader& sheet, std::int32_t x, std::int32_t y, const std::string& label,
                std::int32_t width) {
     const std::int32_t right = x + width;
     for (const char letter : label) {
@@ -72,25 +72,24 @@ public:
         : picture_(DibCreate(animation.width, animation.height, nullptr, 24)) {}
 
     bool Show(const AnimationFrame& frame) {
-        OwnedDib opaque(DibToTrueColour(frame.image.Get()));
+        OwnedDib opaque = frame.image ? DibToTrueColour(*frame.image) : OwnedDib();
         if (!opaque) return false;
         if (frame.transparentIndex < 0) {
             picture_ = std::move(opaque);
             return true;
         }
-        return Overlay(frame, opaque.Get());
+        return Overlay(frame, *opaque);
     }
-    DibHandle Picture() const { return picture_.Get(); }
+    const DibHeader& Picture() const { return *picture_; }
 
 private:
-    bool Overlay(const AnimationFrame& frame, DibHandle opaque) {
-        const LockedDib screen(picture_.Get()), indices(frame.image.Get()), colours(opaque);
-        if (!screen || !indices || !colours) return false;
-        for (std::int32_t y = 0; y < indices->biHeight; ++y) {
-            for (std::int32_t x = 0; x < indices->biWidth; ++x) {
-                if (DibGetPixel(indices.Get(), x, y) == static_cast<PixelValue>(frame.transparentIndex))
-                    continue;
-                DibSetPixel(screen.Get(), x, y, DibGetPixel(colours.Get(), x, y));
+    bool Overlay(const AnimationFrame& frame, const DibHeader& opaque) {
+        const DibHeader& indices = *frame.image;
+        if (!picture_) return false;
+        for (std::int32_t y = 0; y < indices.biHeight; ++y) {
+            for (std::int32_t x = 0; x < indices.biWidth; ++x) {
+                if (DibGetPixel(indices, x, y) == static_cast<PixelValue>(frame.transparentIndex)) continue;
+                DibSetPixel(*picture_, x, y, DibGetPixel(opaque, x, y));
             }
         }
         return true;
@@ -101,40 +100,34 @@ private:
 
 } // namespace
 
-OwnedDib ShrinkPicture(DibHandle picture, std::int32_t percent) {
-    OwnedDib colour(DibToTrueColour(picture));
-    std::int32_t width = 0, height = 0;
-    if (!colour || !DibQuery(colour.Get(), &width, &height, nullptr, nullptr)) return {};
-    if (percent >= 100) return colour;
+OwnedDib ShrinkPicture(const DibHeader& picture, std::int32_t percent) {
+    OwnedDib colour = DibToTrueColour(picture);
+    if (!colour || percent >= 100) return colour;
     // A very long side would leave nothing of the short one.
-    return OwnedDib(DibScale(colour.Get(), std::max(percent, (99 + width) / width),
-                             std::max(percent, (99 + height) / height)));
+    const auto least = [](std::int32_t side) { return (99 + side) / side; };
+    return DibScale(*colour, std::max(percent, least(colour->biWidth)),
+                    std::max(percent, least(colour->biHeight)));
 }
 
-OwnedDib SheetPicture(DibHandle picture) {
-    std::int32_t width = 0, height = 0;
-    if (!DibQuery(picture, &width, &height, nullptr, nullptr)) return {};
-    return ShrinkPicture(picture, FitPercent(width, height, kSheetCellWidth, kSheetCellHeight));
+OwnedDib SheetPicture(const DibHeader& picture) {
+    return ShrinkPicture(picture,
+                         FitPercent(picture.biWidth, picture.biHeight, kSheetCellWidth, kSheetCellHeight));
 }
 
 OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns) {
     if (cells.empty()) return {};
     const Grid grid(cells, columns);
-    OwnedDib sheet(DibCreate(grid.Width(), grid.Height(), nullptr, 24));
-    const LockedDib target(sheet.Get());
-    if (!target) return {};
-    DibFill(target.Get(), kPaper);
+    OwnedDib sheet = DibCreateFlat(grid.Width(), grid.Height(), kPaper);
+    if (!sheet) return sheet;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::int32_t x = kMargin + static_cast<std::int32_t>(i) % grid.columns * grid.StepX();
         const std::int32_t y = kMargin + static_cast<std::int32_t>(i) / grid.columns * grid.StepY();
-        DrawLabel(target.Get(), x, y + grid.cellHeight + kLabelGap, cells[i].label,
-                  grid.LabelWidth(cells, i));
+        DrawLabel(*sheet, x, y + grid.cellHeight + kLabelGap, cells[i].label, grid.LabelWidth(cells, i));
         if (!cells[i].picture) continue;
-        const OwnedDib picture(DibToTrueColour(cells[i].picture.Get()));
-        const LockedDib source(picture.Get());
+        const OwnedDib source = DibToTrueColour(*cells[i].picture);
         if (!source) return {};
-        DibCopyRect(target.Get(), x + (grid.cellWidth - source->biWidth) / 2,
-                    y + (grid.cellHeight - source->biHeight) / 2, source.Get(), 0, 0, source->biWidth,
+        DibCopyRect(*sheet, x + (grid.cellWidth - source->biWidth) / 2,
+                    y + (grid.cellHeight - source->biHeight) / 2, *source, 0, 0, source->biWidth,
                     source->biHeight);
     }
     return sheet;

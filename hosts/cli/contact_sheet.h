@@ -20,11 +20,11 @@ struct SheetCell {
 };
 
 /// A picture's copy at 24 bits, shrunk to fit a cell; none when memory is short.
-OwnedDib SheetPicture(DibHandle picture);
+OwnedDib SheetPicture(const DibHeader& picture);
 
 /// A picture's copy at 24 bits and `percent` of its size, but no side without a pixel; none when memory is
 /// short.
-OwnedDib ShrinkPicture(DibHandle picture, std::int32_t percent);
+OwnedDib ShrinkPicture(const DibHeader& picture, std::int32_t percent);
 
 /// The sheet at 24 bits, row by row from the upper left; none for no cells or when memory is short.
 OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns);

@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
+#include "codecs/files.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/paths.h"
-#include "codecs/files.h"
 
 namespace lumafold {
 namespace {

@@ -28,7 +28,7 @@ void TidyUp() {
     if (isatty(STDERR_FILENO) != 0) {
         [[maybe_unused]] const auto written = write(STDERR_FILENO, kLeaveBar, sizeof(kLeaveBar) - 1);
     }
-    RemovePendingTemporary();
+    RemovePendingTemporaries();
 }
 
 #ifdef _WIN32

@@ -1,14 +1,15 @@
-// The host that the command line is: one callback that answers every command, collects the animation, shows
-// the progress, and keeps a record of what was sent.
+// The host that the command line is: it collects the animation, shows the progress, prints why a build was
+// given up, and keeps a record of what was sent.
 #pragma once
 
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "build/build_observer.h"
 #include "hosts/cli/progress.h"
+#include "hosts/common/command_host.h"
 #include "hosts/common/task_collector.h"
-#include "plugin/protocol/host_protocol.h"
 
 namespace lumafold {
 
@@ -18,16 +19,12 @@ struct SentCommand {
     std::string text; ///< the caption, the comment, or the total in decimal digits; else ""
 };
 
-/// The callback has no place for an object, so there is one host at a time; it takes the engine's messages
-/// too, each as a line on `errors`.
-class RecordingHost {
+class RecordingHost final : public CommandHost, public BuildObserver {
 public:
-    RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors);
-    RecordingHost(const RecordingHost&) = delete;
-    RecordingHost& operator=(const RecordingHost&) = delete;
-    ~RecordingHost();
+    RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors)
+        : CommandHost(capabilityFlags), progress_(progress), errors_(errors),
+          task_(DelayUnitFor(capabilityFlags)) {}
 
-    const HostContext& Context() const { return context_; }
     /// Whole once the task was finished as complete; empty when there was none or it was abandoned.
     const Animation& Result() const { return animation_; }
     Animation& Result() { return animation_; }
@@ -35,19 +32,19 @@ public:
     /// Everything from the first caption on.
     const std::vector<SentCommand>& Commands() const { return commands_; }
 
+    void Fail(BuildFailure failure) override;
+
 private:
-    static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                               std::intptr_t lparam);
-    static void ShowLine(WindowHandle window, const char* text);
+    void Hear(HostCommand command, std::uint32_t wparam, std::intptr_t lparam) override;
+    bool CreateTask(const TaskRecord* task, TaskKind kind) override;
+    bool AddFrame(const TaskRecord* task, const ImageRecord* frame) override;
+    bool AddComment(const TaskRecord* task, const char* text) override;
+    bool FinishTask(const TaskRecord* task, TaskEnd end) override;
+    void Caption(const char* text) override { progress_.Caption(text); }
+    void Position(std::int32_t position, std::int32_t total) override { progress_.Position(position, total); }
 
-    std::int32_t Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
-    void Record(std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
-    bool FinishTask(const TaskRecord* task, bool complete);
-
-    HostContext context_{};
     Progress& progress_;
     std::ostream& errors_;
-    MessageHook messagesBefore_;
     TaskCollector task_;
     Animation animation_;
     bool complete_ = false;

@@ -12,7 +12,9 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
+#include "hosts/common/processors.h"
 #include "hosts/common/report.h"
+#include "hosts/common/thread_pool.h"
 #include "image/resample.h"
 #include "transitions/table.h"
 
@@ -31,7 +33,6 @@ public:
         : options_(std::move(options)), console_(console), settings_(options_.settings) {
         settings_.TransitionTruecolour = 1;
         settings_.Supercompress = 0;
-        pluginSettings = settings_;
     }
 
     int Run() {
@@ -65,8 +66,7 @@ private:
         const GapValues gap{0, static_cast<std::int32_t>(settings_.TransitionPause),
                             static_cast<std::int32_t>(settings_.TransitionDelay)};
         for (std::size_t i = 0; i < 2; ++i) {
-            OwnedDib picture =
-                percent < 100 ? ShrinkPicture(pictures[i].Get(), percent) : std::move(pictures[i]);
+            OwnedDib picture = percent < 100 ? ShrinkPicture(*pictures[i], percent) : std::move(pictures[i]);
             if (!picture || !list_.Add(std::move(picture), options_.images[i], gap))
                 throw Failure(kFailed, "not enough memory");
         }
@@ -78,14 +78,12 @@ private:
     std::int32_t SheetPercent(const OwnedDib (&pictures)[2]) const {
         std::int32_t width = 1, height = 1;
         for (const OwnedDib& picture : pictures) {
-            std::int32_t itsWidth = 0, itsHeight = 0;
-            DibQuery(picture.Get(), &itsWidth, &itsHeight, nullptr, nullptr);
-            width = std::max(width, itsWidth);
-            height = std::max(height, itsHeight);
+            width = std::max(width, picture->biWidth);
+            height = std::max(height, picture->biHeight);
         }
         // Divided instead of multiplied: the number of frames can be as large as it likes.
-        if (options_.transition &&
-            FrameCount(*options_.transition, width, height) <= kMostFrameBytes / 3 / width / height) {
+        if (options_.transition && FrameCount(*options_.transition, settings_, {width, height}) <=
+                                       kMostFrameBytes / 3 / width / height) {
             return 100;
         }
         return FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
@@ -125,15 +123,16 @@ private:
         const std::uint64_t limit = options_.memoryLimit.value_or(UsualMemoryLimit());
         SetTransition(0, row);
         BuildEstimate estimate;
-        if (!EstimateBuild(list_, TaskKind::Build, estimate)) throw Failure(kFailed, "not enough memory");
+        if (!EstimateBuild(list_, TaskKind::Build, settings_, estimate))
+            throw Failure(kFailed, "not enough memory");
         std::string why = WhyCannotRun(row, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         why = WhyTooLarge(estimate, limit);
         if (!why.empty())
             throw Failure(kFailed, std::string(TransitionName(row)) + " " + why + " (--memory-limit)");
-        const RecordingHost host(kHostTakesTrueColour, progress, console_.err);
+        RecordingHost host(kHostTakesTrueColour, progress, console_.err);
         std::vector<SheetCell> cells;
-        if (BuildAnimation(list_, 0, host.Context(), TaskKind::Build, limit) != 0) {
+        if (BuildAnimation({list_, 0, host.Context(), TaskKind::Build, settings_, host, pool_, limit}) != 0) {
             frames_ = host.Result().frames.size();
             cells = AnimationCells(host.Result(), most);
         }
@@ -161,7 +160,8 @@ private:
 
     const SheetOptions options_;
     const Console& console_;
-    PluginSettings settings_;
+    PluginSettings settings_; // in force
+    const ThreadPool pool_{UsableProcessors()};
     MemoryList list_{GapValues{}};
     std::size_t frames_ = 0; // of the transition drawn last
 };

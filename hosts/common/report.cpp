@@ -13,9 +13,9 @@ void MarkUsed(const AnimationFrame& frame, std::bitset<256>& used) {
     const GlobalLocked<const DibHeader> dib(frame.image.Get());
     if (!dib || dib->biBitCount > 8) return;
     for (std::int32_t y = 0; y < dib->biHeight; ++y) {
-        const std::uint8_t* row = ConstRowView(dib.Get()).Row(y);
+        const std::uint8_t* row = ConstRowView(*dib).Row(y);
         for (std::int32_t x = 0; x < dib->biWidth; ++x)
-            here.set(dib->biBitCount == 8 ? row[x] : DibGetPixel(dib.Get(), x, y));
+            here.set(dib->biBitCount == 8 ? row[x] : DibGetPixel(*dib, x, y));
     }
     if (frame.transparentIndex >= 0 && frame.transparentIndex < 256) {
         here.reset(static_cast<std::size_t>(frame.transparentIndex));

@@ -9,13 +9,12 @@ namespace {
 bool IsWholePicture(DibHandle handle) {
     const std::size_t bytes = GlobalBytes(handle);
     if (bytes < sizeof(DibHeader)) return false;
-    const LockedDib dib(handle);
+    const ReadDib dib(handle);
     if (!dib || dib->biSize != sizeof(DibHeader) || dib->biWidth < 1 || dib->biHeight < 1) return false;
     if (dib->biBitCount == 0 || DibRoundBitDepth(dib->biBitCount) != dib->biBitCount) return false;
-    // In 64 bits, whatever the sides: this may run on a 32-bit system.
-    const std::uint64_t stride =
-        (std::uint64_t{dib->biBitCount} * static_cast<std::uint64_t>(dib->biWidth) + 31) / 32 * 4;
-    return stride * static_cast<std::uint64_t>(dib->biHeight) <= bytes - std::min(bytes, DibRowsOffset(*dib));
+    const std::uint64_t rows =
+        DibStride(dib->biWidth, dib->biBitCount) * static_cast<std::uint64_t>(dib->biHeight);
+    return rows <= bytes - std::min(bytes, DibRowsOffset(*dib));
 }
 
 std::int32_t Hundredths(std::int32_t delay, DelayUnit unit) {

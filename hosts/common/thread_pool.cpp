@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <system_error>
+#ifdef _WIN32
+#include <float.h>
+#endif
 
 namespace lumafold {
 
@@ -24,13 +27,12 @@ ThreadPool::~ThreadPool() {
         worker.join();
 }
 
-void ThreadPool::Run(std::size_t count, const std::function<void(std::size_t)>& piece) {
+void ThreadPool::Run(std::size_t count, Piece piece, const void* work) const {
     if (workers_.empty() || count < 2) {
-        for (std::size_t i = 0; i < count; ++i)
-            piece(i);
+        Runner::Run(count, piece, work);
         return;
     }
-    Batch batch{piece, count};
+    Batch batch{piece, work, count};
     std::unique_lock lock(mutex_);
     batches_.push_back(&batch);
     workCame_.notify_all();
@@ -42,13 +44,13 @@ void ThreadPool::Run(std::size_t count, const std::function<void(std::size_t)>& 
 }
 
 /// Takes a piece, and runs it without the lock.
-void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) {
+void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const {
     const std::size_t index = batch.next++;
     ++batch.running;
     std::exception_ptr failure;
     lock.unlock();
     try {
-        batch.piece(index);
+        batch.piece(batch.work, index);
     } catch (...) {
         failure = std::current_exception();
     }
@@ -60,13 +62,16 @@ void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) {
     if (--batch.running == 0 && !batch.HasNext()) pieceEnded_.notify_all();
 }
 
-ThreadPool::Batch* ThreadPool::OpenBatch() {
+ThreadPool::Batch* ThreadPool::OpenBatch() const {
     const auto open =
         std::find_if(batches_.rbegin(), batches_.rend(), [](const Batch* one) { return one->HasNext(); });
     return open == batches_.rend() ? nullptr : *open;
 }
 
-void ThreadPool::Work() {
+void ThreadPool::Work() const {
+#ifdef _WIN32
+    _fpreset(); // the system starts threads with less precision than the first one has
+#endif
     std::unique_lock lock(mutex_);
     while (!ends_) {
         if (Batch* batch = OpenBatch()) {

@@ -4,31 +4,28 @@
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
-#include <functional>
-#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include "platform/runner.h"
+
 namespace lumafold {
 
 /// Runs pieces of work on the thread that asks and on workers beside it. A piece may itself run pieces.
-class ThreadPool {
+class ThreadPool final : public Runner {
 public:
     /// As many threads at once as `jobs` says, the asking one among them; fewer where the system gives no
     /// more.
     explicit ThreadPool(int jobs);
-    ThreadPool(const ThreadPool&) = delete;
-    ThreadPool& operator=(const ThreadPool&) = delete;
-    ~ThreadPool();
+    ~ThreadPool() override;
 
-    /// Calls `piece` with 0 to `count` - 1, each once, in any order, and returns when all have returned. When
-    /// one throws, no further ones are begun, and the first exception is thrown from here.
-    void Run(std::size_t count, const std::function<void(std::size_t)>& piece);
+    std::size_t Workers() const override { return workers_.size() + 1; }
 
 private:
     struct Batch {
-        const std::function<void(std::size_t)>& piece;
+        const Piece piece;
+        const void* const work;
         const std::size_t count;
         std::size_t next = 0, running = 0;
         std::exception_ptr failure{};
@@ -36,13 +33,15 @@ private:
         bool HasNext() const { return next < count; }
     };
 
-    void Work();
-    void RunNext(Batch& batch, std::unique_lock<std::mutex>& lock);
-    Batch* OpenBatch();
+    /// When a piece throws, no further ones are begun, and the first exception is thrown from here.
+    void Run(std::size_t count, Piece piece, const void* work) const override;
+    void Work() const;
+    void RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const;
+    Batch* OpenBatch() const;
 
-    std::mutex mutex_;
-    std::condition_variable workCame_, pieceEnded_;
-    std::vector<Batch*> batches_; // the latest is served first: those around it wait for it
+    mutable std::mutex mutex_;
+    mutable std::condition_variable workCame_, pieceEnded_;
+    mutable std::vector<Batch*> batches_; // the latest is served first: those around it wait for it
     bool ends_ = false;
     std::vector<std::thread> workers_;
 };

@@ -12,14 +12,6 @@
 namespace lumafold {
 namespace {
 
-HostCallbackObject* current = nullptr;
-
-/// What a command's last argument points to.
-template <typename T>
-T* At(std::intptr_t lparam) {
-    return reinterpret_cast<T*>(lparam); // NOLINT(performance-no-int-to-ptr): the protocol's own way
-}
-
 HWND WindowOf(std::uint32_t handle) {
     return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(handle)); // NOLINT(performance-no-int-to-ptr)
 }
@@ -32,106 +24,59 @@ PixelValue Matte() {
 }
 
 /// The plug-in frees the picture, so it gets a block of its own.
-DibHandle ClipboardPicture(HWND owner) {
-    if (IsClipboardFormatAvailable(CF_DIB) == 0 || OpenClipboard(owner) == 0) return 0;
+OwnedDib CopyOfClipboard(HWND owner) {
+    if (IsClipboardFormatAvailable(CF_DIB) == 0 || OpenClipboard(owner) == 0) return {};
     const HANDLE block = GetClipboardData(CF_DIB);
-    const auto copy = GlobalDuplicate(static_cast<GlobalHandle>(reinterpret_cast<std::uintptr_t>(block)));
+    OwnedDib copy(GlobalDuplicate(static_cast<GlobalHandle>(reinterpret_cast<std::uintptr_t>(block))));
     CloseClipboard();
     return copy;
 }
 
 } // namespace
 
-HostCallbackObject::HostCallbackObject(HostServices& services, std::uint32_t capabilityFlags)
-    : services_(services), task_(DelayUnitFor(capabilityFlags)) {
-    context_.callback = &Callback;
-    context_.capabilityFlags = capabilityFlags;
-    current = this;
-}
+void HostCallbackObject::HearFault(const char* what) { ReportFault(what); }
 
-HostCallbackObject::~HostCallbackObject() {
-    progress_.Close();
-    current = nullptr;
-}
-
-// The plug-in knows no exceptions, so none may reach it: what went wrong here is a command that failed.
-std::int32_t LUMAFOLD_CALL HostCallbackObject::Callback(TaskRecord* task, std::uint32_t command,
-                                                        std::uint32_t wparam, std::intptr_t lparam) {
-    if (current == nullptr) return 0;
-    try {
-        return current->Answer(task, command, wparam, lparam);
-    } catch (const std::exception& fault) {
-        ReportFault(fault.what());
-    } catch (...) {
-        ReportFault("unexpected fault");
-    }
-    return 0;
-}
-
-std::int32_t HostCallbackObject::Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                        std::intptr_t lparam) {
-    switch (static_cast<HostCommand>(command)) {
-    case HostCommand::CreateTask:
-        return Open(At<const TaskRecord>(lparam), TaskKind::Build) ? 1 : 0;
-    case HostCommand::CreateTestTask:
-        return Open(At<const TaskRecord>(lparam), TaskKind::Test) ? 1 : 0;
-    case HostCommand::AddFrame:
-        return task_.Add(task, At<const ImageRecord>(lparam)) ? 1 : 0;
-    case HostCommand::AddComment:
-        return task_.Comment(task, At<const char>(lparam)) ? 1 : 0;
-    case HostCommand::FinishTask:
-        return Finish(task, wparam == 1) ? 1 : 0;
-    case HostCommand::Caption:
-        progress_.Caption(services_.DialogInUse(), At<const char>(lparam));
-        return 1;
-    case HostCommand::Position:
-        progress_.Position(services_.DialogInUse(), static_cast<std::int32_t>(wparam), lparam);
-        return 1;
-    case HostCommand::ChooseFiles:
-        return ChooseFiles(WindowOf(wparam), At<char>(lparam)) ? 1 : 0;
-    case HostCommand::LoadImage:
-        return static_cast<std::int32_t>(LoadPicture(At<const char>(lparam)));
-    case HostCommand::ShowHelp:
-        return lparam != 0 && services_.ShowManual(At<const char>(lparam)) ? 1 : 0;
-    case HostCommand::ChooseColour:
-        return ChooseColour(At<ColourRecord>(lparam)) ? 1 : 0;
-    case HostCommand::ClipboardImage:
-        return static_cast<std::int32_t>(ClipboardPicture(WindowOf(wparam)));
-    }
-    return 0;
-}
-
-bool HostCallbackObject::Open(const TaskRecord* task, TaskKind kind) {
+bool HostCallbackObject::CreateTask(const TaskRecord* task, TaskKind kind) {
     // A task that the plug-in forgot to finish is in nobody's way.
     task_.Abandon();
     kind_ = kind;
     return task_.Open(task);
 }
 
-bool HostCallbackObject::Finish(const TaskRecord* task, bool complete) {
+bool HostCallbackObject::FinishTask(const TaskRecord* task, TaskEnd end) {
     if (!task_.IsOpen(task)) return false;
-    std::optional<Animation> animation = task_.Finish(task, complete);
+    std::optional<Animation> animation = task_.Finish(task, end == TaskEnd::Complete);
     progress_.Close();
     if (animation) services_.TakeAnimation(std::move(*animation), kind_);
     return true;
 }
 
-bool HostCallbackObject::ChooseFiles(HWND owner, char* names) {
+void HostCallbackObject::Caption(const char* text) { progress_.Caption(services_.DialogInUse(), text); }
+void HostCallbackObject::Position(std::int32_t position, std::int32_t total) {
+    progress_.Position(services_.DialogInUse(), position, total);
+}
+
+OwnedDib HostCallbackObject::ClipboardPicture(WindowHandle owner) { return CopyOfClipboard(WindowOf(owner)); }
+bool HostCallbackObject::ShowHelp(const char* reference) {
+    return reference != nullptr && services_.ShowManual(reference);
+}
+
+bool HostCallbackObject::ChooseFiles(WindowHandle owner, char* names) {
     if (names == nullptr) return false;
-    const std::vector<std::string> paths = services_.ChoosePictures(owner);
+    const std::vector<std::string> paths = services_.ChoosePictures(WindowOf(owner));
     const std::vector<char> buffer = ChosenNamesBuffer(paths);
     if (buffer.empty()) return false;
     std::memcpy(names, buffer.data(), buffer.size());
     return true;
 }
 
-DibHandle HostCallbackObject::LoadPicture(const char* path) {
+OwnedDib HostCallbackObject::LoadPicture(const char* path) {
     constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 27; // of a 32-bit program's memory
-    if (path == nullptr) return 0;
+    if (path == nullptr) return {};
     DecodedPicture decoded = DecodePictureFile(path, Matte(), kMostPixels);
     readError_ = decoded.picture ? "" : std::string(path) + ": " + decoded.error;
     if (!readError_.empty()) ReportFault(readError_.c_str());
-    return decoded.picture.Release();
+    return std::move(decoded.picture);
 }
 
 bool HostCallbackObject::ChooseColour(ColourRecord* record) {

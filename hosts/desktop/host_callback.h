@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "hosts/common/command_host.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/progress_window.h"
-#include "plugin/protocol/host.h"
 
 namespace lumafold {
 
@@ -27,32 +27,34 @@ protected:
     ~HostServices() = default;
 };
 
-/// The callback has no place for an object, so there is one of these at a time.
-class HostCallbackObject {
+class HostCallbackObject final : public CommandHost {
 public:
-    HostCallbackObject(HostServices& services, std::uint32_t capabilityFlags);
-    HostCallbackObject(const HostCallbackObject&) = delete;
-    HostCallbackObject& operator=(const HostCallbackObject&) = delete;
-    ~HostCallbackObject();
+    HostCallbackObject(HostServices& services, std::uint32_t capabilityFlags)
+        : CommandHost(capabilityFlags), services_(services), task_(DelayUnitFor(capabilityFlags)) {}
+    ~HostCallbackObject() override { progress_.Close(); }
 
-    const HostContext& Context() const { return context_; }
     /// From the first caption to the end of the task, or until the plug-in is back at its dialog.
     bool IsBuilding() const { return progress_.IsShown() || task_.IsOpen(); }
     /// Why the last picture could not be read; "" when it could.
     const std::string& LastReadError() const { return readError_; }
 
 private:
-    static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                               std::intptr_t lparam);
-    std::int32_t Answer(TaskRecord* task, std::uint32_t command, std::uint32_t wparam, std::intptr_t lparam);
-    bool Open(const TaskRecord* task, TaskKind kind);
-    bool Finish(const TaskRecord* task, bool complete);
-    bool ChooseFiles(HWND owner, char* names);
-    DibHandle LoadPicture(const char* path);
-    bool ChooseColour(ColourRecord* record);
+    void HearFault(const char* what) override;
+    bool CreateTask(const TaskRecord* task, TaskKind kind) override;
+    bool AddFrame(const TaskRecord* task, const ImageRecord* frame) override {
+        return task_.Add(task, frame);
+    }
+    bool AddComment(const TaskRecord* task, const char* text) override { return task_.Comment(task, text); }
+    bool FinishTask(const TaskRecord* task, TaskEnd end) override;
+    void Caption(const char* text) override;
+    void Position(std::int32_t position, std::int32_t total) override;
+    bool ChooseFiles(WindowHandle owner, char* names) override;
+    OwnedDib LoadPicture(const char* path) override;
+    OwnedDib ClipboardPicture(WindowHandle owner) override;
+    bool ShowHelp(const char* reference) override;
+    bool ChooseColour(ColourRecord* record) override;
 
     HostServices& services_;
-    HostContext context_{};
     TaskCollector task_;
     TaskKind kind_ = TaskKind::Build;
     ProgressWindow progress_;

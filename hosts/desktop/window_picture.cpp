@@ -8,18 +8,17 @@ OwnedDib WindowPicture(HWND window) {
     RECT area{};
     GetWindowRect(window, &area);
     const int width = area.right - area.left, height = area.bottom - area.top;
-    OwnedDib picture(DibCreate(width, height, nullptr, 24));
-    const LockedDib locked(picture.Get());
-    if (!locked) return OwnedDib();
+    OwnedDib picture = DibCreate(width, height, nullptr, 24);
+    if (!picture) return picture;
     const HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
     const OwnedGdi<HBITMAP> bitmap(CreateCompatibleBitmap(screen, width, height));
     {
         const SelectedGdi selected(memory, bitmap.Get());
         BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY);
     }
-    auto* info = reinterpret_cast<BITMAPINFO*>(locked.Get());
+    auto* info = reinterpret_cast<BITMAPINFO*>(&*picture);
     GetDIBits(memory, bitmap.Get(), 0, static_cast<UINT>(height),
-              reinterpret_cast<std::uint8_t*>(locked.Get()) + DibRowsOffset(*locked), info, DIB_RGB_COLORS);
+              picture.Rows().Stored(), info, DIB_RGB_COLORS);
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
     return picture;

@@ -6,7 +6,7 @@
 #include <cstddef>
 
 #include "image/dib.h"
-#include "platform/user.h"
+#include "platform/window_handle.h"
 
 #ifdef _WIN32
 #define LUMAFOLD_CALL __stdcall

@@ -256,7 +256,7 @@ private:
     }
 
     static std::string FramesText(int row) {
-        const std::int64_t frames = FrameCount(row, kUsualWidth, kUsualHeight) - 1;
+        const std::int64_t frames = FrameCount(row, PluginSettings(), {kUsualWidth, kUsualHeight}) - 1;
         if (frames == 0) return "No frames between the pictures";
         return std::to_string(frames) + " frames between two pictures of " + std::to_string(kUsualWidth) +
                " by " + std::to_string(kUsualHeight) + " with the settings as delivered";

@@ -185,7 +185,7 @@ std::uint64_t ChecksumOf(const RecordingHost& host) {
     for (const RecordedFrame& frame : host.frames) {
         const LockedDib image(frame.image.Get());
         Palette own;
-        DibGetPalette(image.Get(), own);
+        DibGetPalette(*image, own);
         const std::int32_t numbers[] = {frame.delay, frame.index, frame.transparentIndex};
         sum.Add(*image);
         sum.Add(own.data(), sizeof(own));

@@ -58,11 +58,11 @@ void ExpectPixels(const Bytes& file, int bits, const std::vector<std::vector<Pix
     std::vector<std::vector<PixelValue>> seen(static_cast<std::size_t>(dib->biHeight));
     for (int y = 0; y < dib->biHeight; ++y) {
         for (int x = 0; x < dib->biWidth; ++x)
-            seen[static_cast<std::size_t>(y)].push_back(DibGetPixel(dib.Get(), x, y));
+            seen[static_cast<std::size_t>(y)].push_back(DibGetPixel(*dib, x, y));
     }
     EXPECT_EQ(seen, rows);
     Palette palette;
-    if (DibGetPalette(dib.Get(), palette) > 0) {
+    if (DibGetPalette(*dib, palette) > 0) {
         EXPECT_EQ(palette[0], (Rgb{9, 8, 7}));
         EXPECT_EQ(palette[1], (Rgb{1, 2, 3}));
     }

@@ -83,7 +83,7 @@ void ExpectPicture(const JpegRecipe& recipe) {
                 {x, y}, {right - x, y},  {right - x, bottom - y}, {x, bottom - y},
                 {y, x}, {bottom - y, x}, {bottom - y, right - x}, {y, right - x}};
             const auto [seenX, seenY] = places[recipe.orientation - 1];
-            const PixelValue value = DibGetPixel(dib.Get(), seenX, seenY);
+            const PixelValue value = DibGetPixel(*dib, seenX, seenY);
             for (int c = 0; c < (grey ? 1 : 3); ++c) {
                 const int seen = static_cast<int>(grey ? value : value >> (8 * c) & 0xFF);
                 int wanted = LightAt(x, y, c);
@@ -95,7 +95,7 @@ void ExpectPicture(const JpegRecipe& recipe) {
     EXPECT_LE(worst, 10);
     if (grey) {
         Palette palette;
-        DibGetPalette(dib.Get(), palette);
+        DibGetPalette(*dib, palette);
         for (std::size_t i = 0; i < 256; ++i)
             EXPECT_EQ(palette[i].green, i);
     }

@@ -21,7 +21,7 @@ inline OwnedDib PictureOf(const std::vector<Rgb>& colours, std::int32_t height =
     const LockedDib dib(picture.Get());
     for (std::int32_t i = 0; i < width * height; ++i) {
         const Rgb c = colours[static_cast<std::size_t>(i)];
-        DibSetPixel(dib.Get(), i % width, i / width, MakeColour(c.red, c.green, c.blue));
+        DibSetPixel(*dib, i % width, i / width, MakeColour(c.red, c.green, c.blue));
     }
     return picture;
 }

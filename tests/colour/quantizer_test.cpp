@@ -108,7 +108,7 @@ Colours Define(const Pictures& pictures, int most) {
         const LockedDib dib(picture.Get());
         for (std::int32_t y = 0; y < dib->biHeight; ++y) {
             for (std::int32_t x = 0; x < dib->biWidth; ++x)
-                pixels.push_back(test::ToRgb(DibGetPixel(dib.Get(), x, y)));
+                pixels.push_back(test::ToRgb(DibGetPixel(*dib, x, y)));
         }
     }
     return Definition(pixels, most).palette;

@@ -44,7 +44,7 @@ OwnedDib Changed(DibHandle picture, std::uint32_t seed) {
         for (std::int32_t x = 0; x < dib->biWidth; ++x) {
             if ((random.Draw() >> 5) % rarity != 0) continue;
             const PixelValue bit = 1U << (random.Draw() >> 5) % std::min<unsigned>(dib->biBitCount, 24);
-            DibSetPixel(dib.Get(), x, y, DibGetPixel(dib.Get(), x, y) ^ bit);
+            DibSetPixel(*dib, x, y, DibGetPixel(*dib, x, y) ^ bit);
         }
     }
     return copy;

@@ -19,7 +19,7 @@ LUMAFOLD_FUZZ_TARGET(animations) {
         const LockedDib dib(frame.image.Get());
         Require(dib && dib->biWidth == read.animation->width && dib->biHeight == read.animation->height,
                 "frames are whole screens");
-        const ConstRowView rows(dib.Get());
+        const ConstRowView rows(*dib);
         Require(DibRowsOffset(*dib) + rows.StoredBytes() <= GlobalBytes(frame.image.Get()),
                 "with all their pixels");
         pixels += static_cast<std::uint64_t>(dib->biWidth) * static_cast<std::uint64_t>(dib->biHeight);

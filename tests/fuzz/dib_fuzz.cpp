@@ -21,12 +21,12 @@ LUMAFOLD_FUZZ_TARGET(dib) {
             const LockedDib dib(picture.Get());
             Require(dib->biSize == sizeof(DibHeader) && dib->biWidth > 0 && dib->biHeight > 0,
                     "a sound header");
-            const ConstRowView rows(dib.Get());
+            const ConstRowView rows(*dib);
             Require(DibRowsOffset(*dib) + rows.StoredBytes() <= GlobalBytes(picture.Get()), "a whole block");
             const OwnedDib colours(DibToTrueColour(picture.Get()));
             Require(static_cast<bool>(colours), "true colour");
             const LockedDib seen(colours.Get());
-            Require(DibGetPixel(seen.Get(), dib->biWidth - 1, dib->biHeight - 1) != kNoPixel,
+            Require(DibGetPixel(*seen, dib->biWidth - 1, dib->biHeight - 1) != kNoPixel,
                     "the last pixel");
         }
     }

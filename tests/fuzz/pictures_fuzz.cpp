@@ -15,6 +15,6 @@ LUMAFOLD_FUZZ_TARGET(pictures) {
     if (!decoded.picture) return;
     const LockedDib dib(decoded.picture.Get());
     Require(dib && dib->biWidth > 0 && dib->biHeight > 0, "a picture has pixels");
-    const ConstRowView rows(dib.Get());
+    const ConstRowView rows(*dib);
     Require(DibRowsOffset(*dib) + rows.StoredBytes() <= GlobalBytes(decoded.picture.Get()), "all of them");
 }

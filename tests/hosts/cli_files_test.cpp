@@ -75,7 +75,7 @@ int WriteTooMuch(const std::string& path, void (*onSignal)(int)) {
 TEST_F(Files, KeepTheOldBytesWhenTheNewDoNotFit) {
     ASSERT_TRUE(Write("a.gif", {5}));
     const auto removeAndLeave = [](int) {
-        RemovePendingTemporary();
+        RemovePendingTemporaries();
         _exit(3);
     };
     EXPECT_EQ(WriteTooMuch(Path("a.gif"), SIG_IGN), 2);

@@ -11,7 +11,7 @@ namespace {
 bool Shows(const OwnedDib& sheet, PixelValue colour) {
     const LockedDib dib(sheet.Get());
     for (int i = 0; i < dib->biWidth * dib->biHeight; ++i) {
-        if (DibGetPixel(dib.Get(), i % dib->biWidth, i / dib->biWidth) == colour) return true;
+        if (DibGetPixel(*dib, i % dib->biWidth, i / dib->biWidth) == colour) return true;
     }
     return false;
 }
@@ -39,7 +39,7 @@ TEST(ContactSheet, ShrinksLargePicturesAndKeepsAPixelOfTheLongest) {
         const LockedDib dib(small.Get());
         EXPECT_TRUE(dib->biWidth >= 1 && dib->biWidth <= std::max(kSheetCellWidth, 164)) << dib->biWidth;
         EXPECT_TRUE(dib->biHeight >= 1 && dib->biHeight <= 164) << dib->biHeight;
-        EXPECT_EQ(DibGetPixel(dib.Get(), 0, 0), 0x123456u);
+        EXPECT_EQ(DibGetPixel(*dib, 0, 0), 0x123456u);
     }
 }
 

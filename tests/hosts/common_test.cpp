@@ -14,11 +14,11 @@ namespace {
 
 TEST(ThreadPool, RunsEveryPieceOnceNestedOnesToo) {
     for (const int jobs : {1, 2, 5}) {
-        ThreadPool pool(jobs);
+        const ThreadPool pool(jobs);
         for (int round = 0; round < 50; ++round) {
             std::vector<std::atomic<int>> calls(40);
-            pool.Run(8, [&](std::size_t outer) {
-                pool.Run(5, [&](std::size_t inner) { ++calls[outer * 5 + inner]; });
+            pool.ForEach(8, [&](std::size_t outer) {
+                pool.ForEach(5, [&](std::size_t inner) { ++calls[outer * 5 + inner]; });
             });
             for (const auto& count : calls)
                 ASSERT_EQ(count, 1) << jobs;
@@ -27,9 +27,9 @@ TEST(ThreadPool, RunsEveryPieceOnceNestedOnesToo) {
 }
 
 TEST(ThreadPool, WorksAtOnceAndHandsFailuresToTheCaller) {
-    ThreadPool pool(2);
+    const ThreadPool pool(2);
     std::atomic<int> waiting = 0;
-    pool.Run(2, [&](std::size_t) {
+    pool.ForEach(2, [&](std::size_t) {
         ++waiting;
         while (waiting < 2)
             std::this_thread::yield();
@@ -38,7 +38,7 @@ TEST(ThreadPool, WorksAtOnceAndHandsFailuresToTheCaller) {
     for (const std::size_t failing : {0U, 7U}) {
         std::atomic<int> calls = 0;
         const auto run = [&] {
-            pool.Run(kMany, [&](std::size_t i) {
+            pool.ForEach(kMany, [&](std::size_t i) {
                 ++calls;
                 if (i == failing) throw std::runtime_error("lost");
             });

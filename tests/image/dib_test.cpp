@@ -38,7 +38,7 @@ TEST(Dib, HasThePackedLayout) {
         EXPECT_EQ(header->biSizeImage, static_cast<std::uint32_t>(stride * 3));
         EXPECT_GE(GlobalBytes(dib.Get()), static_cast<std::size_t>(40 + colours * 4 + stride * 3));
         // Top-down pictures, bottom-up rows: the first pixel is the first of the last stored row.
-        DibSetPixel(header.Get(), 0, 0, 1);
+        DibSetPixel(*header, 0, 0, 1);
         const auto* bytes = reinterpret_cast<const std::uint8_t*>(header.Get());
         const std::size_t table = bits <= 8 ? static_cast<std::size_t>(colours) * 4 : 0;
         const std::size_t channel = bits >= 24 ? 2 : 0; // red is the third byte
@@ -58,27 +58,27 @@ TEST(Dib, AccessorsPackEveryDepth) {
         const PixelValue mask = bits < 32 ? (PixelValue{1} << bits) - 1 : 0xFFFFFFFF;
         // One pixel changes and its neighbours in the same bytes do not.
         for (std::int32_t x = 0; x < 7; ++x) {
-            const PixelValue left = DibGetPixel(d.Get(), x - 1, 1), right = DibGetPixel(d.Get(), x + 1, 1);
-            DibSetPixel(d.Get(), x, 1, 0x1F2F3F5F);
-            EXPECT_EQ(DibGetPixel(d.Get(), x, 1), bits == 1 ? 1U : 0x1F2F3F5F & mask);
-            DibSetPixel(d.Get(), x, 1, 0);
-            EXPECT_EQ(DibGetPixel(d.Get(), x, 1), 0U);
-            EXPECT_EQ(DibGetPixel(d.Get(), x - 1, 1), left);
-            EXPECT_EQ(DibGetPixel(d.Get(), x + 1, 1), right);
-            DibSetPixel(d.Get(), x, 1, right == kNoPixel ? left : right);
+            const PixelValue left = DibGetPixel(*d, x - 1, 1), right = DibGetPixel(*d, x + 1, 1);
+            DibSetPixel(*d, x, 1, 0x1F2F3F5F);
+            EXPECT_EQ(DibGetPixel(*d, x, 1), bits == 1 ? 1U : 0x1F2F3F5F & mask);
+            DibSetPixel(*d, x, 1, 0);
+            EXPECT_EQ(DibGetPixel(*d, x, 1), 0U);
+            EXPECT_EQ(DibGetPixel(*d, x - 1, 1), left);
+            EXPECT_EQ(DibGetPixel(*d, x + 1, 1), right);
+            DibSetPixel(*d, x, 1, right == kNoPixel ? left : right);
         }
         const std::vector<std::uint8_t> before = BytesOf(dib.Get());
         for (const auto& [x, y] : {std::pair{-1, 0}, {7, 0}, {0, -1}, {0, 3}, {INT32_MIN, INT32_MAX}}) {
-            EXPECT_EQ(DibGetPixel(d.Get(), x, y), kNoPixel);
-            DibSetPixel(d.Get(), x, y, 1);
+            EXPECT_EQ(DibGetPixel(*d, x, y), kNoPixel);
+            DibSetPixel(*d, x, y, 1);
         }
-        DibSetPixel(d.Get(), 2, 2, kNoPixel);
+        DibSetPixel(*d, 2, 2, kNoPixel);
         EXPECT_EQ(BytesOf(dib.Get()), before);
     }
     const OwnedDib dib(DibCreate(2, 1, nullptr, 24));
     const LockedDib d(dib.Get());
-    DibSetPixel(d.Get(), 1, 0, 0x00102030);
-    const std::uint8_t* pixel = RowView(d.Get()).Row(0) + 3;
+    DibSetPixel(*d, 1, 0, 0x00102030);
+    const std::uint8_t* pixel = RowView(*d).Row(0) + 3;
     EXPECT_EQ(pixel[0], 0x10);
     EXPECT_EQ(pixel[1], 0x20);
     EXPECT_EQ(pixel[2], 0x30);
@@ -94,7 +94,7 @@ TEST(Dib, PaletteAndQuery) {
         const LockedDib d(dib.Get());
         Palette read;
         read.fill({9, 9, 9});
-        EXPECT_EQ(DibGetPalette(d.Get(), read), colours);
+        EXPECT_EQ(DibGetPalette(*d, read), colours);
         EXPECT_EQ(read[1], (colours > 0 ? Rgb{10, 20, 30} : Rgb{}));
         EXPECT_EQ(read[255], (colours == 256 ? Rgb{1, 2, 3} : Rgb{}));
         std::int32_t width = 0, height = 0;
@@ -123,16 +123,16 @@ TEST(Dib, CopyRectIsTheAccessors) {
             const OwnedDib fast = NoisePicture(33, 29, bits, 2), plain = NoisePicture(33, 29, bits, 2);
             const LockedDib s(source.Get()), f(fast.Get()), p(plain.Get());
             // At 32 bits white with a full top byte reads as no pixel, and is not copied.
-            std::memset(RowView(s.Get()).Row(5), 0xFF, 5);
-            DibCopyRect(f.Get(), dx, dy, s.Get(), sx, sy, w, h);
+            std::memset(RowView(*s).Row(5), 0xFF, 5);
+            DibCopyRect(*f, dx, dy, *s, sx, sy, w, h);
             for (std::int32_t y = 0; y < 29; ++y) {
                 for (std::int32_t x = 0; x < 33; ++x) {
                     const std::int64_t c = std::int64_t{x} - dx, r = std::int64_t{y} - dy;
                     if (c < 0 || c >= w || r < 0 || r >= h) continue;
                     const std::int64_t fromX = sx + c, fromY = sy + r;
                     if (fromX < 0 || fromX > 60 || fromY < 0 || fromY > 46) continue;
-                    DibSetPixel(p.Get(), x, y,
-                                DibGetPixel(s.Get(), static_cast<int>(fromX), static_cast<int>(fromY)));
+                    DibSetPixel(*p, x, y,
+                                DibGetPixel(*s, static_cast<int>(fromX), static_cast<int>(fromY)));
                 }
             }
             EXPECT_EQ(BytesOf(fast.Get()), BytesOf(plain.Get()));
@@ -141,9 +141,9 @@ TEST(Dib, CopyRectIsTheAccessors) {
     // Within one picture the order of the pixels shows: the first column runs along the row.
     const OwnedDib dib = NoisePicture(7, 1, 24, 3);
     const LockedDib d(dib.Get());
-    const PixelValue first = DibGetPixel(d.Get(), 0, 0);
-    DibCopyRect(d.Get(), 1, 0, d.Get(), 0, 0, 6, 1);
-    EXPECT_EQ(DibGetPixel(d.Get(), 6, 0), first);
+    const PixelValue first = DibGetPixel(*d, 0, 0);
+    DibCopyRect(*d, 1, 0, *d, 0, 0, 6, 1);
+    EXPECT_EQ(DibGetPixel(*d, 6, 0), first);
 }
 
 TEST(Dib, FillLeavesPaddingAlone) {
@@ -153,11 +153,11 @@ TEST(Dib, FillLeavesPaddingAlone) {
         const LockedDib p(plain.Get());
         for (std::int32_t y = 0; y < size.height; ++y) {
             for (std::int32_t x = 0; x < size.width; ++x) {
-                DibSetPixel(p.Get(), x, y, 0x123456);
+                DibSetPixel(*p, x, y, 0x123456);
             }
         }
         EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
-        DibFill(p.Get(), kNoPixel);
+        DibFill(*p, kNoPixel);
         EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
     }
 }

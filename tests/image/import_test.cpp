@@ -54,7 +54,7 @@ Bytes Pack(const Packing& packing, DibHandle picture) {
             bytes.push_back(0x5A);
     }
     Palette palette;
-    DibGetPalette(dib.Get(), palette);
+    DibGetPalette(*dib, palette);
     for (std::uint32_t i = 0; i < packing.tableEntries; ++i) {
         const Rgb entry = palette[i % 256];
         Put(bytes, static_cast<std::uint32_t>(entry.blue | entry.green << 8 | entry.red << 16), core ? 3 : 4);
@@ -67,7 +67,7 @@ Bytes Pack(const Packing& packing, DibHandle picture) {
         std::uint32_t partial = 0;
         int filled = 0;
         for (std::int32_t x = 0; x < width; ++x) {
-            PixelValue value = DibGetPixel(dib.Get(), x, packing.topDown ? row : height - 1 - row);
+            PixelValue value = DibGetPixel(*dib, x, packing.topDown ? row : height - 1 - row);
             if (packing.bits > 8) {
                 value = Scaled(RedOf(value), masks[0]) | Scaled(GreenOf(value), masks[1]) |
                         Scaled(BlueOf(value), masks[2]) | ~(masks[0] | masks[1] | masks[2]);
@@ -142,15 +142,15 @@ TEST(Import, GivesThePictureThatThePackingShows) {
             EXPECT_EQ(std::tuple(m->biSize, m->biWidth, m->biHeight, m->biBitCount, m->biCompression),
                       std::tuple(40U, width, height, bits, 0U));
             Palette expected, palette;
-            const int colours = DibGetPalette(o.Get(), expected);
-            EXPECT_EQ(DibGetPalette(m.Get(), palette), colours);
+            const int colours = DibGetPalette(*o, expected);
+            EXPECT_EQ(DibGetPalette(*m, palette), colours);
             for (int i = 0; i < colours; ++i) {
                 const auto at = static_cast<std::size_t>(i);
                 EXPECT_EQ(palette[at], at < packing.tableEntries ? expected[at] : Rgb{});
             }
             for (std::int32_t y = 0; y < height; ++y) {
                 for (std::int32_t x = 0; x < width; ++x) {
-                    ExpectColour(DibGetPixel(o.Get(), x, y), DibGetPixel(m.Get(), x, y), packing);
+                    ExpectColour(DibGetPixel(*o, x, y), DibGetPixel(*m, x, y), packing);
                 }
             }
         }

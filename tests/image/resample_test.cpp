@@ -181,8 +181,8 @@ TEST(Resample, CropPaintsTheOutside) {
              {Rect{-2, -2, 9, 8}, Rect{1, 1, 5, 4}, Rect{3, 2, 40, 3}, Rect{-9, -9, -3, -3}}) {
             for (const PixelValue fill : {0U, 1U}) {
                 const OwnedDib cut(DibCropRect(source.Get(), rect, fill));
-                for (std::int32_t y = 0; y < RectHeight(&rect); ++y) {
-                    for (std::int32_t x = 0; x < RectWidth(&rect); ++x) {
+                for (std::int32_t y = 0; y < RectHeight(rect); ++y) {
+                    for (std::int32_t x = 0; x < RectWidth(rect); ++x) {
                         const PixelValue v = PixelAt(source.Get(), rect.left + x, rect.top + y);
                         ASSERT_EQ(PixelAt(cut.Get(), x, y), v == kNoPixel ? fill : v);
                     }

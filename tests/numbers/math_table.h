@@ -37,18 +37,4 @@ constexpr Exponential kExponential[] = {
     {-0x1.45b64f69d6d72p4, 0.0, 0x1.8c769c4936a0dp-30},
 };
 
-struct Power {
-    double x, y, value;
-};
-constexpr Power kPower[] = {
-    {0x0.0000000000001p-1022, 0x1.3333333333333p-2, 0x1.bdb8cdadbe161p-323},
-    {5.0, 23.0, 0x1.52d02c7e14af6p53},
-    {0x1.2999a1192d8b5p0, 0x1.951fcd6112792p4, 0x1.6a20977559fb1p5},
-    {0x1.78be271376ffep-1, 0x1.42d0bdd843298p1, 0x1.d8659eb6f6d2bp-2},
-    {0x1.a4d74b2b1e706p-4, 0x1.b5b51ea91240dp0, 0x1.4ec1a5e191e19p-6},
-    {0x1.98aa0950de34ap-1, 0x1.0401c56026e14p-1, 0x1.c89df474637d3p-1},
-    {0x1.cfee2610cbbdcp-3, 0x1.14f440fb59752p-1, 0x1.caa3121250f17p-2},
-    {0x1.83d639fc89d92p-1, 0x1.50e26abce6646p1, 0x1.ecfcff2a17451p-2},
-};
-
 } // namespace lumafold::math_table

@@ -56,14 +56,14 @@ TEST(Art, TextureIsQuietAndHasNoSeam) {
     const OwnedDib texture = Bitmap("texture.bmp", kWidth, kHeight, 8);
     const LockedDib dib(texture.Get());
     Palette greys;
-    ASSERT_EQ(DibGetPalette(dib.Get(), greys), 256);
+    ASSERT_EQ(DibGetPalette(*dib, greys), 256);
     for (std::size_t level = 0; level < 256; ++level) {
         const auto grey = static_cast<std::uint8_t>(level);
         ASSERT_EQ(greys[level], (Rgb{grey, grey, grey}));
     }
     // Mean difference between neighbouring columns and rows; the last ones reach across the seam.
     const auto at = [&](int x, int y) {
-        return static_cast<int>(DibGetPixel(dib.Get(), x % kWidth, y % kHeight));
+        return static_cast<int>(DibGetPixel(*dib, x % kWidth, y % kHeight));
     };
     std::vector<double> columns(kWidth), rows(kHeight);
     int darkest = 255, lightest = 0;

@@ -11,7 +11,7 @@ void AddFrame(Animation& to, FrameKind kind, const std::function<unsigned(int x,
     const LockedDib lock(dib.Get());
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x)
-            DibSetPixel(lock.Get(), x, y, pixelAt(x, y));
+            DibSetPixel(*lock, x, y, pixelAt(x, y));
     }
     to.frames.push_back({std::move(dib), kind.delay, kind.transparent});
 }
@@ -107,7 +107,7 @@ std::vector<std::vector<PixelValue>> WantedScreens(const Animation& animation) {
         const LockedDib lock(frame.image.Get());
         for (std::int32_t y = 0; y < lock->biHeight; ++y) {
             for (std::int32_t x = 0; x < lock->biWidth; ++x) {
-                const PixelValue pixel = DibGetPixel(lock.Get(), x, y);
+                const PixelValue pixel = DibGetPixel(*lock, x, y);
                 if (static_cast<std::int32_t>(pixel) == frame.transparentIndex) continue;
                 PixelValue& shown = screen[static_cast<std::size_t>(y * animation.width + x)];
                 shown = pixel;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/user.h"
+#include "platform/window_handle.h"
 
 // A message box would wait for a click that nobody makes.
 static void PrintMessage(lumafold::WindowHandle, const char* text) {

@@ -36,7 +36,7 @@ OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::ui
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
             const PixelValue value = random.Draw() >> 4;
-            DibSetPixel(dib.Get(), x, y, bits <= 8 ? value & ((1U << bits) - 1) : value & 0xFFFFFF);
+            DibSetPixel(*dib, x, y, bits <= 8 ? value & ((1U << bits) - 1) : value & 0xFFFFFF);
         }
     }
     return picture;
@@ -72,7 +72,7 @@ void RunEffect(int row, DibHandle source, DibHandle target, EffectResult& result
 
 PixelValue PixelAt(DibHandle picture, std::int32_t x, std::int32_t y) {
     const LockedDib dib(picture);
-    return dib ? DibGetPixel(dib.Get(), x, y) : kNoPixel;
+    return dib ? DibGetPixel(*dib, x, y) : kNoPixel;
 }
 
 } // namespace lumafold::test

@@ -80,7 +80,7 @@ TEST(Compositing, CrossfadeOverAllPairs) {
     for (unsigned t = 0; t <= 255; ++t) {
         const OwnedDib faded(DibCrossfade(lockedA.Get(), lockedB.Get(), static_cast<int>(t)));
         const OwnedDib expected = Picture(256, 256, [&](int x, int y) {
-            return PlainMix(DibGetPixel(lockedA.Get(), x, y), DibGetPixel(lockedB.Get(), x, y), t);
+            return PlainMix(DibGetPixel(*lockedA, x, y), DibGetPixel(*lockedB, x, y), t);
         });
         ASSERT_EQ(DibChecksum(faded.Get()), DibChecksum(expected.Get())) << t;
     }
@@ -103,9 +103,9 @@ TEST(Compositing, MaskBlendIsTheDefinition) {
             SCOPED_TRACE(testing::Message() << width << " wide, mask " << &mask - masks);
             const OwnedDib blended(DibMaskBlend(lockedA.Get(), lockedB.Get(), m.Get()));
             const OwnedDib expected = Picture(width, 5, [&](int x, int y) {
-                const PixelValue weight = DibGetPixel(m.Get(), x, y),
+                const PixelValue weight = DibGetPixel(*m, x, y),
                                  share = m->biBitCount == 1 ? weight * 255 : weight & 0xFF;
-                return PlainMix(DibGetPixel(lockedB.Get(), x, y), DibGetPixel(lockedA.Get(), x, y), share);
+                return PlainMix(DibGetPixel(*lockedB, x, y), DibGetPixel(*lockedA, x, y), share);
             });
             ExpectSamePicture(blended.Get(), expected.Get());
         }

@@ -12,19 +12,19 @@ OwnedDib PlainRaster(const DibHeader* s, const DibHeader* t, int p, int n, bool 
         for (int c = -h; c <= w;) {
             for (const PixelValue paint : {0x000000U, 0xFFFFFFU}) {
                 for (int i = 0; i < n; ++i, ++c) {
-                    DibSetPixel(mask.Get(), mirrored ? w - (c + y) - 1 : c + y, y, paint);
+                    DibSetPixel(*mask, mirrored ? w - (c + y) - 1 : c + y, y, paint);
                 }
             }
         }
     }
     const int outX = mirrored ? w - shift : shift - w, outY = shift - h;
-    DibCopyRect(work.Get(), outX, outY, t, 0, 0, w, h);
+    DibCopyRect(*work, outX, outY, t, 0, 0, w, h);
     const OwnedDib firstPicture(DibMaskBlend(s, work.Get(), mask.Get()));
     const LockedDib first(firstPicture.Get());
     const OwnedDib turned =
-        Picture(w, h, [&](int x, int y) { return DibGetPixel(mask.Get(), x, y) ^ 0xFFFFFF; });
-    DibCopyRect(work.Get(), 0, 0, first.Get(), 0, 0, w, h);
-    DibCopyRect(work.Get(), -outX, -outY, t, 0, 0, w, h);
+        Picture(w, h, [&](int x, int y) { return DibGetPixel(*mask, x, y) ^ 0xFFFFFF; });
+    DibCopyRect(*work, 0, 0, *first, 0, 0, w, h);
+    DibCopyRect(*work, -outX, -outY, t, 0, 0, w, h);
     return OwnedDib(DibMaskBlend(first.Get(), work.Get(), LockedDib(turned.Get()).Get()));
 }
 

@@ -35,7 +35,7 @@ OwnedDib Picture(std::int32_t width, std::int32_t height, Pixel pixel) {
     const LockedDib dib(result.Get());
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
-            DibSetPixel(dib.Get(), x, y, pixel(x, y));
+            DibSetPixel(*dib, x, y, pixel(x, y));
         }
     }
     return result;
@@ -58,7 +58,7 @@ inline void ExpectSamePicture(DibHandle picture, DibHandle expected) {
     ASSERT_TRUE(a->biWidth == b->biWidth && a->biHeight == b->biHeight && a->biBitCount == b->biBitCount);
     for (std::int32_t y = 0; y < b->biHeight; ++y) {
         for (std::int32_t x = 0; x < b->biWidth; ++x) {
-            ASSERT_EQ(DibGetPixel(a.Get(), x, y), DibGetPixel(b.Get(), x, y)) << x << ", " << y;
+            ASSERT_EQ(DibGetPixel(*a, x, y), DibGetPixel(*b, x, y)) << x << ", " << y;
         }
     }
 }

@@ -13,17 +13,17 @@ OwnedDib PlainBlind(const DibHeader* source, const DibHeader* target, int p, boo
     const int w = source->biWidth, h = source->biHeight, half = h / 2, r = half * p / 100;
     OwnedDib picture(DibCreate(w, h, nullptr, 24));
     const LockedDib frame(picture.Get());
-    DibCopyRect(frame.Get(), 0, 0, source, 0, r, w, half - r);
-    DibCopyRect(frame.Get(), 0, half + r, source, 0, half, w, half - r + 1);
-    DibCopyRect(frame.Get(), 0, half - r, target, 0, 0, w, r);
-    DibCopyRect(frame.Get(), 0, half, target, 0, h - r, w, r);
+    DibCopyRect(*frame, 0, 0, source, 0, r, w, half - r);
+    DibCopyRect(*frame, 0, half + r, source, 0, half, w, half - r + 1);
+    DibCopyRect(*frame, 0, half - r, target, 0, 0, w, r);
+    DibCopyRect(*frame, 0, half, target, 0, h - r, w, r);
     for (int i = 0; shading && r > 1 && i < r; ++i) {
         const double t = PortableSin(static_cast<double>(r - i - 1) / r * 90 * kPi / 180);
         const auto shade =
             static_cast<unsigned>(std::clamp(300 - static_cast<int>((100 - p) * 0.01 * t * 255), 0, 255));
         for (int x = 0; x < w; ++x) {
             for (const int y : {half - i, half + i}) {
-                DibSetPixel(frame.Get(), x, y, PlainMix(0, DibGetPixel(frame.Get(), x, y), shade));
+                DibSetPixel(*frame, x, y, PlainMix(0, DibGetPixel(*frame, x, y), shade));
             }
         }
     }

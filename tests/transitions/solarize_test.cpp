@@ -38,7 +38,7 @@ TEST(Solarize, TurnsOverWhatLiesBelowTheThreshold) {
                     return level < c.thresholds[static_cast<std::size_t>(i - 1)] ? 255 - level : level;
                 };
                 return Picture(size.width, size.height, [&](int x, int y) {
-                    const PixelValue v = DibGetPixel(dib.Get(), x, y);
+                    const PixelValue v = DibGetPixel(*dib, x, y);
                     return MakeColour(turned(RedOf(v)), turned(GreenOf(v)), turned(BlueOf(v)));
                 });
             });

@@ -50,8 +50,8 @@ OwnedDib PlainGlow(DibHandle background, unsigned level, std::int32_t left, std:
     const LockedDib out(frame.Get());
     for (std::int32_t y = 0; y < 32; ++y) {
         for (std::int32_t x = 0; x < 32; ++x) {
-            DibSetPixel(out.Get(), left + x, top + y,
-                        PlainMix(DibGetPixel(out.Get(), left + x, top + y), 0xFFFFFF,
+            DibSetPixel(*out, left + x, top + y,
+                        PlainMix(DibGetPixel(*out, left + x, top + y), 0xFFFFFF,
                                  PixelAt(soft.Get(), x, y) & 0xFF));
         }
     }

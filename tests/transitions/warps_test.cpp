@@ -19,7 +19,7 @@ PlainPoint PlainImplode(bool burps, int p, int w, int h, int x, int y) {
     const double d = std::sqrt(dx * dx + dy * dy);
     if (d >= 1 || d == 0) return {x + 0.5, y + 0.5};
     const double weight = a * (1 - d * d) * (1 - d * d);
-    const double sampled = PortablePow(d, burps ? 1 + weight : 1 / (1 + weight));
+    const double sampled = std::pow(d, burps ? 1 + weight : 1 / (1 + weight));
     return {cx + right * sampled / d, cy + down * sampled / d};
 }
 

@@ -30,9 +30,8 @@ double Vignette(double x, double y) {
 } // namespace
 
 OwnedDib Paint(const Scene& scene, std::int32_t width, std::int32_t height) {
-    OwnedDib picture(DibCreate(width, height, nullptr, 24));
-    const LockedDib dib(picture.Get());
-    if (!dib) return {};
+    OwnedDib picture = DibCreate(width, height, nullptr, 24);
+    if (!picture) return picture;
     const double scale = kAspect / width;
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
@@ -40,7 +39,7 @@ OwnedDib Paint(const Scene& scene, std::int32_t width, std::int32_t height) {
             // One grain for all three channels: film has no coloured speckles, and it breaks up bands in the
             // sky.
             const double grain = (Random(x, y, 901) + Random(x, y, 902) - 1) * 0.010;
-            DibSetPixel(dib.Get(), x, y,
+            DibSetPixel(*picture, x, y,
                         MakeColour(Level(colour.red + grain), Level(colour.green + grain),
                                    Level(colour.blue + grain)));
         }

@@ -1,4 +1,4 @@
-#include "hosts/cli/memory_list.h"
+#include "hosts/common/memory_list.h"
 
 namespace lumafold {
 

@@ -1,0 +1,43 @@
+// What a build tells the person who waits for it. The engine shows nothing of its own accord: the plug-in has
+// message boxes and cursors, other hosts print a line or do nothing.
+#pragma once
+
+#include "resources/texts/strings.h"
+
+namespace lumafold {
+
+/// Why a build was given up.
+enum class BuildFailure {
+    Memory, ///< memory, an entry or a frame that could not be had, an effect that cannot run
+    Task,   ///< the host made no task
+    Frame,  ///< the host took not every frame
+};
+
+/// The English text; the plug-in takes what has a number from its string table.
+constexpr const char* TextOf(BuildFailure failure) {
+    switch (failure) {
+    case BuildFailure::Task:
+        return LUMAFOLD_TEXT_TASK_ERROR;
+    case BuildFailure::Frame:
+        return LUMAFOLD_TEXT_FRAME_ERROR;
+    case BuildFailure::Memory:
+        break;
+    }
+    return LUMAFOLD_TEXT_MEMORY_ERROR;
+}
+
+class BuildObserver {
+public:
+    BuildObserver() = default;
+    BuildObserver(const BuildObserver&) = delete;
+    BuildObserver& operator=(const BuildObserver&) = delete;
+    virtual ~BuildObserver() = default;
+
+    /// The build begins, and ends with everything put back: the time of the wait cursor.
+    virtual void Begin() {}
+    virtual void End() {}
+    /// Called once at most, and before everything is put back.
+    virtual void Fail(BuildFailure failure) = 0;
+};
+
+} // namespace lumafold

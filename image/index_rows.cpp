@@ -1,0 +1,40 @@
+#include "image/index_rows.h"
+
+namespace lumafold {
+
+void UnpackIndices(const std::uint8_t* row, int bits, std::span<std::uint8_t> indices) {
+    const std::size_t count = indices.size();
+    if (bits == 8) {
+        std::copy_n(row, count, indices.data());
+    } else if (bits == 4) {
+        for (std::size_t x = 0; x < count; ++x)
+            indices[x] = static_cast<std::uint8_t>(x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 0x0F);
+    } else {
+        for (std::size_t x = 0; x < count; ++x)
+            indices[x] = row[x / 8] >> (7 - x % 8) & 1;
+    }
+}
+
+void PackIndices(std::span<const std::uint8_t> indices, int bits, std::uint8_t* row) {
+    const std::size_t count = indices.size();
+    if (bits == 8) {
+        std::copy_n(indices.data(), count, row);
+    } else if (bits == 4) {
+        const auto pair = [&](std::size_t x, unsigned second) {
+            row[x / 2] = static_cast<std::uint8_t>((indices[x] << 4 & 0xF0) | (second & 0x0F));
+        };
+        for (std::size_t x = 0; x + 1 < count; x += 2)
+            pair(x, indices[x + 1]);
+        if (count % 2 != 0) pair(count - 1, 0);
+    } else {
+        for (std::size_t x = 0; x < count; x += 8) {
+            unsigned byte = 0;
+            const std::size_t used = std::min<std::size_t>(count - x, 8);
+            for (std::size_t i = 0; i < used; ++i)
+                byte |= indices[x + i] != 0 ? 0x80U >> i : 0;
+            row[x / 8] = static_cast<std::uint8_t>(byte);
+        }
+    }
+}
+
+} // namespace lumafold

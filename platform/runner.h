@@ -1,0 +1,37 @@
+// Who does the engine's work: n independent pieces, in any order. The engine starts no thread; whoever calls
+// it may lend a runner that has some. What runs at once never decides a byte.
+#pragma once
+
+#include <cstddef>
+#include <type_traits>
+
+namespace lumafold {
+
+/// Runs pieces on the caller's own thread, one after the other. Hosts with threads derive from it.
+class Runner {
+public:
+    Runner() = default;
+    Runner(const Runner&) = delete;
+    Runner& operator=(const Runner&) = delete;
+    virtual ~Runner() = default;
+
+    /// How many pieces may run at once, at least 1.
+    virtual std::size_t Workers() const { return 1; }
+
+    /// Calls `work(i)` for each i below `count`, and returns when all have ended. `work` must not throw, and
+    /// may run on several threads at once.
+    template <typename Work>
+    void ForEach(std::size_t count, const Work& work) const {
+        Run(
+            count, [](const void* w, std::size_t i) { (*static_cast<const Work*>(w))(i); }, &work);
+    }
+
+protected:
+    using Piece = void (*)(const void* work, std::size_t index);
+    virtual void Run(std::size_t count, Piece piece, const void* work) const {
+        for (std::size_t i = 0; i < count; ++i)
+            piece(work, i);
+    }
+};
+
+} // namespace lumafold
