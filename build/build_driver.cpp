@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cassert>
+#include <span>
 
 #include "build/estimate.h"
 #include "colour/palettes.h"
@@ -48,6 +49,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t kMostGapsAtOnce = 16;
+
     bool Fail(BuildFailure failure) {
         request_.observer.Fail(failure);
         return false;
@@ -59,7 +62,10 @@ private:
     bool PlaceImages();
     OwnedDib Place(DibHandle image) const;
     bool RenderGaps();
-    bool RenderGap(std::int32_t index);
+    std::size_t GapsAtOnce() const;
+    std::int32_t TransitionOf(std::int32_t index);
+    bool ReadGap(std::int32_t index, TransitionContext& context);
+    bool RenderGaps(std::span<TransitionContext> gaps);
     bool ChoosePalette();
     template <typename Work>
     bool ForEachFrame(Work work);
@@ -173,22 +179,38 @@ OwnedDib AnimationBuild::Place(DibHandle image) const {
 bool AnimationBuild::RenderGaps() {
     host_.ResetPosition();
     host_.Caption(LUMAFOLD_CAPTION_BUILDING);
-    for (std::int32_t i = 0; i < count_; ++i) {
-        host_.Position(i + 1, count_);
-        if (!RenderGap(i)) return false;
+    for (std::int32_t first = 0; first < count_;) {
+        std::array<TransitionContext, kMostGapsAtOnce> contexts;
+        std::size_t gaps = 0;
+        do {
+            host_.Position(first + 1, count_);
+            if (!ReadGap(first++, contexts[gaps++])) return false;
+        } while (gaps < GapsAtOnce() && first < count_ && RendersInTurn(contexts[gaps - 1].transition) &&
+                 RendersInTurn(TransitionOf(first)));
+        if (!RenderGaps({contexts.data(), gaps})) return false;
     }
     host_.ResetPosition();
     return frames_->count >= 2;
 }
 
+/// Gaps whose frames must be rendered in turn keep one worker busy each; all others use every worker.
+std::size_t AnimationBuild::GapsAtOnce() const {
+    return std::min(request_.runner.Workers(), kMostGapsAtOnce);
+}
+
+/// -1 where the line cannot be read.
+std::int32_t AnimationBuild::TransitionOf(std::int32_t index) {
+    ImageEntry entry;
+    return list_.Read(index, entry) ? entry.transition : -1;
+}
+
 /// The list wraps: before the first picture comes the last, and the last leads back to the first.
-bool AnimationBuild::RenderGap(std::int32_t index) {
+bool AnimationBuild::ReadGap(std::int32_t index, TransitionContext& context) {
     ImageEntry previous, next, current;
     if (!list_.Read((index + count_ - 1) % count_, previous) || !list_.Read((index + 1) % count_, next) ||
         !list_.Read(index, current)) {
         return false;
     }
-    TransitionContext context;
     std::memcpy(&context, &current, sizeof(context));
     context.nextImage = next.workImage;
     context.previousImage = previous.workImage;
@@ -196,12 +218,33 @@ bool AnimationBuild::RenderGap(std::int32_t index) {
     context.paletteBits = paletteBits_;
     context.palette = palette_;
     context.window = request_.window;
-    if (context.transition < 0 || context.transition >= kTransitionCount) return false;
-    const TransitionRow& row = TransitionTable[static_cast<std::size_t>(context.transition)];
-    const int done = row.effect(context, settings_, request_.runner);
-    assert(context.carryWord == carryWord_ && "no effect changes it");
-    carryWord_ = context.carryWord;
-    return done != 0;
+    return context.transition >= 0 && context.transition < kTransitionCount;
+}
+
+/// One gap with every worker, or several with one each; their frames are appended in order.
+bool AnimationBuild::RenderGaps(std::span<TransitionContext> gaps) {
+    const auto render = [&](TransitionContext& gap, const Runner& runner) {
+        const int done =
+            TransitionTable[static_cast<std::size_t>(gap.transition)].effect(gap, settings_, runner);
+        assert(gap.carryWord == carryWord_ && "no effect changes what it is given to pass on");
+        return done != 0;
+    };
+    if (gaps.size() == 1) {
+        if (!render(gaps[0], request_.runner)) return false;
+        carryWord_ = gaps[0].carryWord;
+        return true;
+    }
+    std::array<OwnedFrameList, kMostGapsAtOnce> lists;
+    std::atomic<bool> failed = false;
+    request_.runner.ForEach(gaps.size(), [&](std::size_t i) {
+        gaps[i].frames = &*lists[i];
+        if (!render(gaps[i], Runner())) failed = true;
+    });
+    for (std::size_t i = 0; i < gaps.size() && !failed; ++i) {
+        if (!FrameListTakeAll(*frames_, *lists[i])) failed = true;
+        carryWord_ = gaps[i].carryWord;
+    }
+    return !failed;
 }
 
 /// A palette for these very frames, darkest colour first, and behind it the slot for what is transparent.

@@ -30,6 +30,14 @@ bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
     return true;
 }
 
+bool FrameListTakeAll(FrameList& list, FrameList& from) {
+    FrameRecord record;
+    for (std::int32_t i = 0; FrameListGet(from, i, record); ++i) {
+        if (!FrameListAppend(list, record) || !FrameListPut(from, i, FrameRecord{})) return false;
+    }
+    return true;
+}
+
 bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record) {
     if (index < 0 || index >= list.count) return false;
     const GlobalLocked<const FrameRecord> records(list.handle);

@@ -95,11 +95,26 @@ void ReadInfoHeader(const ForeignBytes& block, ForeignShape& shape) {
     shape.compression = header.biCompression;
     shape.tableEntries = header.biClrUsed;
     if (shape.IsIndexed() && header.biClrUsed == 0) shape.tableEntries = std::uint64_t{1} << shape.bits;
-    // What this engine makes of 32 bits tells of one entry that has no place of its own.
-    if (shape.bits == 32 && header.biClrUsed == 1) shape.tableEntries = 0;
     if (shape.headerBytes == kMasksOffset && shape.HasMasks()) {
         shape.tableOffset += shape.compression == kAlphaBitFields ? 16 : 12;
     }
+}
+
+/// Finds the rows. A whole table is believed in wherever the block has room for it, as this engine lays
+/// pictures out whatever the count of used entries says; else the table that the count tells.
+bool PlaceRows(const ForeignBytes& block, ForeignShape& shape) {
+    // No size here is beyond 35 bits, so the products stay below 64.
+    shape.stride = DibStride(shape.width, static_cast<int>(shape.bits));
+    const std::uint64_t wholeTable = shape.IsIndexed() ? std::uint64_t{1} << shape.bits : 0;
+    for (const std::uint64_t entries : {wholeTable, shape.tableEntries}) {
+        shape.tableEntries = entries;
+        shape.rowsOffset = shape.tableOffset + entries * shape.tableEntryBytes;
+        if (block.Holds(shape.stride) && block.Holds(shape.rowsOffset) &&
+            block.Holds(shape.rowsOffset + shape.stride * static_cast<std::uint64_t>(shape.height))) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// What the block says of itself; none when it is no picture of a known kind or lacks bytes of it.
@@ -115,15 +130,7 @@ std::optional<ForeignShape> ReadShape(const ForeignBytes& block) {
         ReadInfoHeader(block, shape);
     }
     if (!IsKnownKind(shape) || shape.width <= 0 || shape.height <= 0) return {};
-    // No size here is beyond 35 bits, so the products stay below 64.
-    shape.rowsOffset = shape.tableOffset + shape.tableEntries * shape.tableEntryBytes;
-    shape.stride = DibStride(shape.width, static_cast<int>(shape.bits));
-    const auto height = static_cast<std::uint64_t>(shape.height);
-    if (!block.Holds(shape.stride) || !block.Holds(shape.rowsOffset) ||
-        !block.Holds(shape.rowsOffset + shape.stride * height)) {
-        return {};
-    }
-    return shape;
+    return PlaceRows(block, shape) ? std::optional(shape) : std::nullopt;
 }
 
 /// Every build makes 24 bits of every picture, so one that is too large for that is of no use.

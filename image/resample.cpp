@@ -129,7 +129,7 @@ private:
 };
 
 /// Linear interpolation of one line. The height pass looks one pixel beyond the source and so ramps towards
-/// white there; the width pass does not. Wanted.
+/// white there; the width pass does not (docs/quirks.md 1).
 template <typename Line>
 void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength,
                  std::int64_t percent, Axis axis) {

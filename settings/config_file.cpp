@@ -3,8 +3,8 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 
+#include "platform/local_time.h"
 #include "settings/line_reader.h"
 #include "settings/line_writer.h"
 
@@ -58,13 +58,10 @@ struct TimeText {
     char text[32];
 
     TimeText() {
-        const std::time_t now = std::time(nullptr);
-        const std::tm* known = std::localtime(&now);
-        const std::tm local = known != nullptr ? *known : std::tm{};
+        const LocalTime now = LocalTimeNow();
         constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * local.tm_wday,
-                      kMonths + 3 * local.tm_mon, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec,
-                      1900 + local.tm_year);
+        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.weekday,
+                      kMonths + 3 * (now.month - 1), now.day, now.hour, now.minute, now.second, now.year);
         text[24] = 0;
     }
 };

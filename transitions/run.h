@@ -75,11 +75,17 @@ auto StartPainter(const Family& family, const Gap& gap) {
     }
 }
 
+template <typename Family>
+using PainterOf = decltype(StartPainter(std::declval<const Family&>(), std::declval<const Gap&>()));
+/// Whether frames follow from their number, and so may be rendered in any order.
+template <typename Family>
+inline constexpr bool kAnyOrder = HasConstFrame<PainterOf<Family>>;
+
 template <typename Family, typename Painter>
 class PainterFrames final : public FrameSource {
 public:
     PainterFrames(const Family& family, Painter& painter) : family_(family), painter_(painter) {}
-    bool AnyOrder() const override { return HasConstFrame<Painter>; }
+    bool AnyOrder() const override { return kAnyOrder<Family>; }
     OwnedDib Frame(std::int64_t index) override { return painter_.Frame(index); }
     std::int32_t Delay(std::int64_t index, std::int32_t delay) override {
         if constexpr (HasDelay<Painter>) {

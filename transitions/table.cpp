@@ -26,11 +26,12 @@ struct Row {
     const char* name;
     EffectFunction effect;
     std::int64_t (*count)(const PluginSettings& settings, CanvasSize canvas);
+    bool inTurn;
     std::string_view keys;
 };
 template <typename Family>
 constexpr Row RowOf(const char* name, std::string_view keys) {
-    return {name, RunEffect<Family>, CountFrames<Family>, keys};
+    return {name, RunEffect<Family>, CountFrames<Family>, !kAnyOrder<Family>, keys};
 }
 
 #define LUMAFOLD_BAR_KEYS "TransitionAlphaBarCount TransitionAlphaTileStep RandomSeed"
@@ -109,6 +110,11 @@ constinit const std::array<TransitionRow, kTransitionCount> TransitionTable = []
 std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canvas) {
     const Row* known = RowAt(row);
     return known != nullptr ? known->count(settings, canvas) : 0;
+}
+
+bool RendersInTurn(int row) {
+    const Row* known = RowAt(row);
+    return known != nullptr && known->inTurn;
 }
 
 std::string_view TransitionSettings(int row) {

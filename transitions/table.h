@@ -29,6 +29,9 @@ extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
 /// cannot run with these settings, or there is no such row.
 std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canvas);
 
+/// Whether the row's frames follow from one another, so that one worker renders a gap.
+bool RendersInTurn(int row);
+
 /// The configuration keys the row's effect reads, separated by blanks.
 std::string_view TransitionSettings(int row);
 

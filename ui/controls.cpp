@@ -46,14 +46,15 @@ void StartSpin(HWND dialog, int editId) {
     SendMessageA(spin, UDM_SETPOS32, 0, static_cast<LPARAM>(range.start));
 }
 
-// Not the dialog manager's reading, which makes 0 of a number too large and would turn it into the minimum.
+// Not the dialog manager's reading, which makes 0 of a number too large and would turn it into the minimum:
+// what is beyond the largest signed number stays that.
 std::uint32_t ReadNumber(HWND dialog, int editId) {
     char text[32] = "";
     GetDlgItemTextA(dialog, editId, text, sizeof text);
     const char* digit = text + std::strspn(text, " \t");
     std::uint64_t number = 0;
     for (; *digit >= '0' && *digit <= '9'; ++digit)
-        number = std::min<std::uint64_t>(number * 10 + static_cast<unsigned>(*digit - '0'), UINT32_MAX);
+        number = std::min<std::uint64_t>(number * 10 + static_cast<unsigned>(*digit - '0'), INT32_MAX);
     return static_cast<std::uint32_t>(number);
 }
 

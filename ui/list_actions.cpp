@@ -67,13 +67,17 @@ bool InsertFile(HWND dialog, int index, const char* path) {
     return false;
 }
 
-/// All at the same place, so that the last name ends up first: wanted. False when the action ended early,
-/// after a message.
+/// All at the same place, so that the last name ends up first (docs/quirks.md 70). False when the action
+/// ended early, after a message.
 bool InsertFiles(HWND dialog, const ChosenNames& names) {
     const int index = InsertionIndex(dialog);
     for (std::size_t i = 0; i < names.Count(); ++i) {
         char path[kMaxPath];
-        if (names.Path(i, path) && !InsertFile(dialog, index, path)) return false;
+        if (!names.Path(i, path)) {
+            ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
+            return false;
+        }
+        if (!InsertFile(dialog, index, path)) return false;
     }
     return true;
 }

@@ -127,8 +127,8 @@ Passing ContinueDrag(HWND list, LPARAM lparam) {
 }
 
 /// The item goes to the target's place. Dragged down it therefore lands just above the item it was dropped
-/// on, and the selection rests on that one; dragged up it takes its place and keeps the selection. Both are
-/// wanted.
+/// on, and the selection rests on that one; dragged up it takes its place and keeps the selection
+/// (docs/quirks.md 71).
 void MoveItem(HWND list, int source, int target) {
     const auto length = Ask(list, LB_GETTEXTLEN, source);
     if (length < 0) return;
@@ -195,11 +195,21 @@ void PressRemove(HWND list) {
                  reinterpret_cast<LPARAM>(button));
 }
 
+LONG ClientWidth(HWND list) {
+    RECT client{};
+    GetClientRect(list, &client);
+    return client.right;
+}
+
 LRESULT CALLBACK ListProcedure(HWND list, UINT message, WPARAM wparam, LPARAM lparam) {
     if (EndsDragging(list, message, lparam)) GiveUpDrag(list);
     if (message == WM_KEYDOWN && wparam == VK_DELETE) PressRemove(list);
     if (FollowMouse(list, message, lparam) == Passing::Swallowed) return 0;
-    return CallWindowProcA(classProcedure, list, message, wparam, lparam);
+    const LONG width = ClientWidth(list);
+    const LRESULT answer = CallWindowProcA(classProcedure, list, message, wparam, lparam);
+    // Thumbnails stand amid their items, so all of them move when the scroll bar comes or goes.
+    if (ClientWidth(list) != width) InvalidateRect(list, nullptr, TRUE);
+    return answer;
 }
 
 } // namespace

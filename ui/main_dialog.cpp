@@ -103,7 +103,7 @@ void ControlsToSettings(HWND dialog) {
 }
 
 void FollowCapabilities(HWND dialog) {
-    // The pause's own range gives way too, so that it is at least 1 here: wanted.
+    // The pause's own range gives way too, so that it is at least 1 here (docs/quirks.md 72).
     const char* range = HostTakes(kHostTakesSupercompression) ? "1,1000,10" : "1,10000,100";
     SetDlgItemTextA(dialog, LUMAFOLD_MAIN_DELAY + LUMAFOLD_UPDOWN, range);
     SetDlgItemTextA(dialog, LUMAFOLD_MAIN_PAUSE + LUMAFOLD_UPDOWN, range);
@@ -144,10 +144,46 @@ void Close(HWND dialog) {
     if (!Session().building) FreeList(dialog);
 }
 
+/// The list is grey while a palette is computed, whatever it says.
+void EnableByPalette(HWND dialog) {
+    EnableWindow(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE),
+                 IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE) != BST_CHECKED);
+}
+
+/// While it lives no control takes a click or a key, since the host may turn the message loop during a build.
+/// Afterwards each is enabled as it was, or as its own rule says.
+class DisabledControls {
+public:
+    explicit DisabledControls(HWND dialog) : dialog_(dialog), focus_(GetFocus()) {
+        for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;
+             child = GetWindow(child, GW_HWNDNEXT)) {
+            if (count_ == std::size(disabled_) || IsWindowEnabled(child) == 0) continue;
+            disabled_[count_++] = child;
+            EnableWindow(child, FALSE);
+        }
+    }
+    DisabledControls(const DisabledControls&) = delete;
+    DisabledControls& operator=(const DisabledControls&) = delete;
+    ~DisabledControls() {
+        if (IsWindow(dialog_) == 0) return;
+        for (std::size_t i = 0; i < count_; ++i)
+            EnableWindow(disabled_[i], TRUE);
+        EnableByCount(dialog_);
+        EnableByPalette(dialog_);
+        if (GetActiveWindow() == dialog_) SetFocus(focus_);
+    }
+
+private:
+    HWND dialog_, focus_;
+    HWND disabled_[64];
+    std::size_t count_ = 0;
+};
+
 void RunBuild(HWND dialog, TaskKind kind) {
     const Raised building(Session().building);
     PauseLogo(dialog, LUMAFOLD_MAIN_LOGO);
     ControlsToSettings(dialog);
+    const DisabledControls disabled(dialog);
     ListBoxImages images(dialog);
     // The line that stands in for a second picture comes and goes above the selection.
     HWND list = GetDlgItem(dialog, LUMAFOLD_MAIN_LIST);
@@ -159,6 +195,8 @@ void RunBuild(HWND dialog, TaskKind kind) {
     }
     ResumeLogo(dialog, LUMAFOLD_MAIN_LOGO);
 }
+
+void RepaintMatte(HWND dialog) { InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), nullptr, TRUE); }
 
 void ChooseMatte(HWND dialog) {
     COLORREF colour = Session().settings.TransitionMattcolour;
@@ -205,8 +243,10 @@ void Act(HWND dialog, int id) {
         RunAboutBox(dialog);
         break;
     case LUMAFOLD_MAIN_CUSTOM_PALETTE:
-        EnableWindow(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE),
-                     IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE) != BST_CHECKED);
+        EnableByPalette(dialog);
+        [[fallthrough]];
+    case LUMAFOLD_MAIN_TRUE_COLOUR:
+        RepaintMatte(dialog); // shown in the palette that is in use
         break;
     default:
         break;
@@ -224,8 +264,7 @@ void NotifiedByList(HWND dialog, int code) {
 void NotifiedByPaletteCombo(HWND dialog, int code) {
     if (code != CBN_CLOSEUP) return;
     Session().settings.TransitionPalette = Choice(dialog, LUMAFOLD_MAIN_PALETTE);
-    // Swatches are drawn in the palette's colours.
-    InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), nullptr, TRUE);
+    RepaintMatte(dialog);
 }
 
 void NotifiedByTransitionCombo(HWND dialog, int code) {
@@ -272,6 +311,7 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
     switch (message) {
     case WM_INITDIALOG:
         Session().host = reinterpret_cast<const HostContext*>(lparam);
+        Session().dialog = dialog;
         Centre(dialog);
         SetForegroundWindow(dialog);
         Open(dialog);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
@@ -15,11 +16,15 @@ ImageEntry& EntryOf(HWND dialog) {
     return *reinterpret_cast<ImageEntry*>(GetWindowLongPtrA(dialog, DWLP_USER));
 }
 
-/// The template's caption has the place for the file's name.
+/// The template's caption has "%s" in the place of the file's name.
 void SetCaption(HWND dialog, const char* label) {
-    char format[64] = "", caption[sizeof(ImageEntry::label) + sizeof format];
-    GetWindowTextA(dialog, format, sizeof format);
-    std::snprintf(caption, sizeof caption, format, FileNameOf(label));
+    char pattern[64] = "", caption[sizeof(ImageEntry::label) + sizeof pattern];
+    GetWindowTextA(dialog, pattern, sizeof pattern);
+    char* place = std::strstr(pattern, "%s");
+    const char* behind = place != nullptr ? place + 2 : "";
+    if (place != nullptr) *place = '\0';
+    std::snprintf(caption, sizeof caption, "%s%s%s", pattern, place != nullptr ? FileNameOf(label) : "",
+                  behind);
     SetWindowTextA(dialog, caption);
 }
 

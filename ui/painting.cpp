@@ -120,10 +120,10 @@ HBRUSH BackgroundBrush(HDC context) {
     return brush ? brush.Get() : GetSysColorBrush(COLOR_BTNFACE);
 }
 
-bool IsOfClass(HWND control, const char* wanted) {
+bool IsOfClass(HWND control, const char* className) {
     char name[16] = "";
     return control != nullptr && GetClassNameA(control, name, sizeof name) != 0 &&
-           _stricmp(name, wanted) == 0;
+           _stricmp(name, className) == 0;
 }
 
 /// The colour that a swatch's caption names; false when it names none.
@@ -151,8 +151,15 @@ void FillCorner(HDC context, const RECT& area, COLORREF colour) {
     if (region) FillRgn(context, region.Get(), brush.Get());
 }
 
-/// The face is the colour as the selected fixed palette shows it; where that is another one, the colour
-/// itself fills the corner.
+/// Whether frames will get a fixed palette, as the main dialog's boxes say now.
+bool FixedPaletteInUse() {
+    HWND dialog = Session().dialog;
+    return IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE) != BST_CHECKED &&
+           IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_TRUE_COLOUR) != BST_CHECKED;
+}
+
+/// The face is the colour itself, on a screen of few colours by way of the selected palette. The corner shows
+/// what a fixed palette makes of it, while one is in use and that is another colour.
 void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
     Palette colours;
     const int count =
@@ -162,8 +169,8 @@ void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
     const Rgb nearest = colours[static_cast<std::size_t>(
         FindNearestColour(GetRValue(colour), GetGValue(colour), GetBValue(colour), colours, count))];
     const COLORREF shown = RGB(nearest.red, nearest.green, nearest.blue);
-    FillColour(context, area, shown | 0x02000000); // through the palette on a screen that has one
-    if (shown != colour) FillCorner(context, area, colour);
+    FillColour(context, area, ScreenDepth() > kFewColours ? colour : shown | 0x02000000);
+    if (shown != colour && FixedPaletteInUse()) FillCorner(context, area, shown);
 }
 
 /// The tinted texture, or a plain fill on few colours or when the settings ask for it.

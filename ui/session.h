@@ -17,6 +17,7 @@ struct DialogSession {
 
     // Set while the main dialog runs. The context is the host's.
     const HostContext* host = nullptr;
+    HWND dialog = nullptr;
     HFONT listFont = nullptr;
     bool open = false;     ///< one dialog at a time, even when a host calls again from within a command
     bool busy = false;     ///< an action waits for the host, which may pump messages: no other may begin

@@ -10,13 +10,19 @@ namespace {
 constexpr int kMargin = 6;
 
 /// A picture's header is laid out as the system's, and its colour table follows as the system expects.
-const BITMAPINFO* InfoOf(const DibHeader* picture) { return reinterpret_cast<const BITMAPINFO*>(picture); }
+const BITMAPINFO* InfoOf(const DibHeader& picture) { return reinterpret_cast<const BITMAPINFO*>(&picture); }
 
-bool Blit(HDC context, const RECT& place, const DibHeader* picture) {
-    const auto* rows = reinterpret_cast<const std::uint8_t*>(picture) + DibRowsOffset(*picture);
-    return StretchDIBits(context, place.left, place.top, picture->biWidth, picture->biHeight, 0, 0,
-                         picture->biWidth, picture->biHeight, rows, InfoOf(picture), DIB_RGB_COLORS,
-                         SRCCOPY) > 0;
+/// Draws the picture with its corner at the place's, as much of it as fits. False when nothing was drawn
+/// though there are pixels.
+bool Blit(HDC context, const RECT& place, const DibHeader& picture) {
+    if (picture.biWidth < 1 || picture.biHeight < 1) return true;
+    const int saved = SaveDC(context);
+    IntersectClipRect(context, place.left, place.top, place.right, place.bottom);
+    const bool drawn = StretchDIBits(context, place.left, place.top, picture.biWidth, picture.biHeight, 0, 0,
+                                     picture.biWidth, picture.biHeight, ConstRowView(picture).Stored(),
+                                     InfoOf(picture), DIB_RGB_COLORS, SRCCOPY) > 0;
+    RestoreDC(context, saved);
+    return drawn;
 }
 
 /// Colours are averaged, not the indices that stand for them.
@@ -35,13 +41,13 @@ RECT DrawThumbnail(const DRAWITEMSTRUCT& item, DibHandle picture) {
     if (!loaded) return {};
     const std::int32_t percent = FitPercent(loaded->biWidth, loaded->biHeight, roomWidth, roomHeight);
     const OwnedDib scaled = percent < 100 ? ScaledColours(*loaded, percent) : OwnedDib();
-    if (percent < 100 && !scaled) return {};
-    const DibHeader* shown = scaled ? &*scaled : loaded.Get();
+    // Without a smaller copy the picture itself is shown, from the corner of the room on.
+    const DibHeader& shown = scaled ? *scaled : *loaded;
 
-    RECT place{room.left + FitOffset(roomWidth, shown->biWidth),
-               room.top + FitOffset(roomHeight, shown->biHeight), 0, 0};
-    place.right = place.left + shown->biWidth;
-    place.bottom = place.top + shown->biHeight;
+    RECT place{room.left + FitOffset(roomWidth, shown.biWidth),
+               room.top + FitOffset(roomHeight, shown.biHeight), 0, 0};
+    place.right = std::min<LONG>(place.left + shown.biWidth, room.right);
+    place.bottom = std::min<LONG>(place.top + shown.biHeight, room.bottom);
     if (!Blit(item.hDC, place, shown)) return {};
     InflateRect(&place, 1, 1);
     FrameRect(item.hDC, &place, GetSysColorBrush(COLOR_BTNSHADOW));

@@ -41,6 +41,7 @@ int WINAPI PLUGINDoBuild(HWND parent, const lumafold::HostContext* context) {
         session.listFont = font.Get();
         lumafold::RunMainDialog(parent, context != nullptr ? *context : kNoContext);
         session.host = nullptr;
+        session.dialog = nullptr;
         session.listFont = nullptr;
     }
     if (IsWindow(parent) != 0) {

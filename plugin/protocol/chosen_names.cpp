@@ -36,15 +36,13 @@ ChosenNames::ChosenNames(const char* buffer, std::size_t bytes) {
     const char* first = strings.Next();
     if (first == nullptr) return;
     const char* name = strings.Next();
-    std::size_t prefix = 0;
     if (name == nullptr) {
         name = first;
     } else {
         folder_ = first;
-        prefix = std::strlen(first) + (NeedsSeparator(first) ? 1 : 0);
     }
     for (; name != nullptr && count_ < kMaxChosenNames; name = strings.Next()) {
-        if (prefix + std::strlen(name) < kMaxPath) names_[count_++] = name;
+        names_[count_++] = name;
     }
     // As bytes, not as letters of any language: the order must not depend on where it is made.
     std::sort(names_, names_ + count_, [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
@@ -54,14 +52,13 @@ std::size_t ChosenNames::Count() const { return count_; }
 
 bool ChosenNames::Path(std::size_t index, char (&path)[kMaxPath]) const {
     if (index >= count_) return false;
-    char* at = path;
-    if (folder_ != nullptr) {
-        const std::size_t length = std::strlen(folder_);
-        std::memcpy(at, folder_, length);
-        at += length;
-        if (NeedsSeparator(folder_)) *at++ = kSeparator;
-    }
-    std::memcpy(at, names_[index], std::strlen(names_[index]) + 1);
+    const std::size_t folder = folder_ == nullptr ? 0 : std::strlen(folder_);
+    const std::size_t separator = folder != 0 && NeedsSeparator(folder_) ? 1 : 0;
+    const std::size_t name = std::strlen(names_[index]);
+    if (folder + separator + name >= kMaxPath) return false;
+    if (folder != 0) std::memcpy(path, folder_, folder);
+    if (separator != 0) path[folder] = kSeparator;
+    std::memcpy(path + folder + separator, names_[index], name + 1);
     return true;
 }
 

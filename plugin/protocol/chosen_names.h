@@ -12,13 +12,13 @@ inline constexpr std::size_t kMaxPath = 261; ///< with its zero; what an entry's
 inline constexpr std::size_t kChosenNamesBytes = (kMaxChosenNames + 1) * kMaxPath + 1;
 
 /// The files of such a buffer as paths, names in ascending byte order. Reads nothing beyond `bytes`, whatever
-/// ends are missing; at most kMaxChosenNames names are taken, and paths that are too long are left out.
+/// ends are missing; at most kMaxChosenNames names are taken.
 class ChosenNames {
 public:
     ChosenNames(const char* buffer, std::size_t bytes);
 
     std::size_t Count() const;
-    /// False when the number is beyond the end or the path does not fit.
+    /// False when the number is beyond the end or the path is too long.
     bool Path(std::size_t index, char (&path)[kMaxPath]) const;
 
 private:
