@@ -10,6 +10,7 @@
 #include "colour/remap.h"
 #include "colour/supercompression.h"
 #include "image/resample.h"
+#include "platform/memory_room.h"
 #include "resources/texts/strings.h"
 #include "transitions/table.h"
 
@@ -392,6 +393,11 @@ void AnimationBuild::PutBack() {
 }
 
 } // namespace
+
+std::uint64_t UsualBudget() {
+    const std::uint64_t room = MemoryRoom();
+    return room - room / 8;
+}
 
 int BuildAnimation(const BuildRequest& request) {
     AnimationBuild build(request);

@@ -9,9 +9,9 @@
 
 namespace lumafold {
 
-/// What a build may hold at once where nobody says otherwise: inside a 32-bit host, which has pictures of its
-/// own and little room in one piece, this much; elsewhere what there is.
-inline constexpr std::uint64_t kUsualBudget = sizeof(void*) == 4 ? std::uint64_t{3} << 29 : UINT64_MAX;
+/// What a build may hold at once where nobody says otherwise, in bytes: most of what this process can still
+/// take, with an eighth left to the host and to gaps between blocks.
+std::uint64_t UsualBudget();
 
 /// All of it outlives the build, which keeps nothing. Builds of different lists may run at the same time.
 struct BuildRequest {
@@ -23,7 +23,7 @@ struct BuildRequest {
     BuildObserver& observer;
     const Runner& runner;
     /// Bytes. A build that needs more by its estimate is given up before it renders anything.
-    std::uint64_t budget = kUsualBudget;
+    std::uint64_t budget;
 };
 
 /// 1 when the task was made and every frame was added. Otherwise 0, after one failure was told, with the list

@@ -95,9 +95,9 @@ AlphaPiecesPainter::AlphaPiecesPainter(const Gap& gap, const PiecePlan& plan)
     : gap_(gap), plan_(plan), random_(gap.settings.RandomSeed),
       waiting_(static_cast<std::size_t>(plan.count)),
       fading_(static_cast<std::size_t>(std::min(plan.count, plan.limit))), canvas_(DibCopy(gap.source)),
-      block_(plan.look == PieceLook::Opaque
-                 ? DibCreateFlat(gap.size.width, gap.size.height, gap.settings.TransitionAlphaTileColor)
-                 : OwnedDib()) {
+      block_(plan.look == PieceLook::Opaque ? DibCreateFlat(gap.size.width, gap.size.height,
+                                                            gap.settings.TransitionAlphaTileColor & 0xFFFFFF)
+                                            : OwnedDib()) {
     if (waiting_) ListPieces(plan_.shape, gap.settings, gap.size, waiting_);
 }
 

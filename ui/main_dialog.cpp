@@ -189,7 +189,8 @@ void RunBuild(HWND dialog, TaskKind kind) {
     HWND list = GetDlgItem(dialog, LUMAFOLD_MAIN_LIST);
     const LRESULT selected = SendMessageA(list, LB_GETCURSEL, 0, 0);
     BuildMessages messages(dialog);
-    BuildAnimation({images, HandleOf(dialog), *Session().host, kind, Session().settings, messages, Runner()});
+    BuildAnimation({images, HandleOf(dialog), *Session().host, kind, Session().settings, messages, Runner(),
+                    UsualBudget()});
     if (SendMessageA(list, LB_GETCURSEL, 0, 0) != selected) {
         SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
     }

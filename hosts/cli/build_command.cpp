@@ -125,7 +125,7 @@ private:
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         RemarkOnSize(estimate);
-        why = WhyTooLarge(estimate, MemoryLimit());
+        why = WhyTooLarge(estimate, memoryLimit_);
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
     }
 
@@ -143,13 +143,11 @@ private:
                            std::to_string(std::lround(100 * (1 - part))) + " % of time and size");
     }
 
-    std::uint64_t MemoryLimit() const { return options_.memoryLimit.value_or(UsualMemoryLimit()); }
-
     int Build(MemoryList& list) {
         Progress progress(console_.err, StyleFor(console_.err, options_.talk));
         RecordingHost host(CapabilityFlags(kind_), progress, console_.err);
         const bool built =
-            BuildAnimation({list, 0, host.Context(), Task(), settings_, host, pool_, MemoryLimit()}) != 0 &&
+            BuildAnimation({list, 0, host.Context(), Task(), settings_, host, pool_, memoryLimit_}) != 0 &&
             host.Complete();
         progress.Clear();
         if (!built) return kFailed; // the engine has said why
@@ -173,7 +171,7 @@ private:
                "(--exact-delays keeps all as they are)");
     }
 
-    PackingOptions Packing() const { return {options_.quality, options_.effort, MemoryLimit()}; }
+    PackingOptions Packing() const { return {options_.quality, options_.effort, memoryLimit_}; }
 
     int Write(const RecordingHost& host) {
         std::string error = "not enough memory";
@@ -226,6 +224,7 @@ private:
     const OutputKind kind_;
     PluginSettings settings_; // in force
     const ThreadPool pool_;
+    const std::uint64_t memoryLimit_ = options_.memoryLimit ? *options_.memoryLimit : UsualMemoryLimit();
     std::vector<std::string> remarks_;
 };
 

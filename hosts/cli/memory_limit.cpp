@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "build/build_driver.h"
-#include "platform/physical_memory.h"
+#include "platform/memory_room.h"
 
 namespace lumafold {
 namespace {
@@ -24,7 +24,7 @@ std::string Text(std::uint64_t bytes) {
 
 } // namespace
 
-std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, kUsualBudget); }
+std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBudget()); }
 
 std::string WhyTooLarge(const BuildEstimate& estimate, std::uint64_t limit) {
     if (estimate.bytes <= limit) return "";

@@ -120,19 +120,19 @@ private:
 
     /// The frames of one transition and the picture it leads to.
     std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress) {
-        const std::uint64_t limit = options_.memoryLimit.value_or(UsualMemoryLimit());
         SetTransition(0, row);
         BuildEstimate estimate;
         if (!EstimateBuild(list_, TaskKind::Build, settings_, estimate))
             throw Failure(kFailed, "not enough memory");
         std::string why = WhyCannotRun(row, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
-        why = WhyTooLarge(estimate, limit);
+        why = WhyTooLarge(estimate, memoryLimit_);
         if (!why.empty())
             throw Failure(kFailed, std::string(TransitionName(row)) + " " + why + " (--memory-limit)");
         RecordingHost host(kHostTakesTrueColour, progress, console_.err);
         std::vector<SheetCell> cells;
-        if (BuildAnimation({list_, 0, host.Context(), TaskKind::Build, settings_, host, pool_, limit}) != 0) {
+        if (BuildAnimation(
+                {list_, 0, host.Context(), TaskKind::Build, settings_, host, pool_, memoryLimit_}) != 0) {
             frames_ = host.Result().frames.size();
             cells = AnimationCells(host.Result(), most);
         }
@@ -161,6 +161,7 @@ private:
     const SheetOptions options_;
     const Console& console_;
     PluginSettings settings_; // in force
+    const std::uint64_t memoryLimit_ = options_.memoryLimit ? *options_.memoryLimit : UsualMemoryLimit();
     const ThreadPool pool_{UsableProcessors()};
     MemoryList list_{GapValues{}};
     std::size_t frames_ = 0; // of the transition drawn last

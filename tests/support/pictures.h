@@ -2,8 +2,8 @@
 #pragma once
 
 #include "image/frame_list.h"
+#include "platform/runner.h"
 #include "settings/settings.h"
-#include "transitions/context.h"
 
 namespace lumafold::test {
 
@@ -14,7 +14,7 @@ OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::ui
 /// One colour at 24 bits.
 OwnedDib PlainPicture(std::int32_t width, std::int32_t height, PixelValue colour);
 
-/// One row of the table over source and target, with the settings in force.
+/// What one row of the table made of source and target.
 struct EffectResult {
     int returned = 0;
     OwnedFrameList frames;
@@ -25,22 +25,10 @@ struct EffectResult {
 };
 inline constexpr std::int32_t kTestPause = 77;
 inline constexpr std::int32_t kTestDelay = 9;
-void RunEffect(int row, DibHandle source, DibHandle target, EffectResult& result,
-               std::int32_t delay = kTestDelay);
+void RunEffect(int row, const PluginSettings& settings, const OwnedDib& source, const OwnedDib& target,
+               EffectResult& result, std::int32_t delay = kTestDelay, const Runner& runner = Runner());
 
 /// A pixel by its definition.
 PixelValue PixelAt(DibHandle picture, std::int32_t x, std::int32_t y);
-
-/// Restores pluginSettings when it goes.
-class SettingsGuard {
-public:
-    SettingsGuard() : saved_(pluginSettings) {}
-    SettingsGuard(const SettingsGuard&) = delete;
-    SettingsGuard& operator=(const SettingsGuard&) = delete;
-    ~SettingsGuard() { pluginSettings = saved_; }
-
-private:
-    const PluginSettings saved_;
-};
 
 } // namespace lumafold::test

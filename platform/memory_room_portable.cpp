@@ -1,6 +1,6 @@
 #include <unistd.h>
 
-#include "platform/physical_memory.h"
+#include "platform/memory_room.h"
 
 namespace lumafold {
 
@@ -9,5 +9,7 @@ std::uint64_t PhysicalMemory() {
     if (pages <= 0 || bytes <= 0) return UINT64_MAX;
     return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(bytes);
 }
+
+std::uint64_t MemoryRoom() { return UINT64_MAX; }
 
 } // namespace lumafold
