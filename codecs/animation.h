@@ -20,7 +20,8 @@ struct Animation {
     std::int32_t paletteBits = 8; ///< 1 to 8, as the task said
     Palette palette{};
     std::vector<AnimationFrame> frames;
-    std::string comment; ///< "" for none
+    std::string comment;    ///< "" for none
+    std::int32_t plays = 0; ///< how often it runs, 0 for ever
 };
 
 } // namespace lumafold

@@ -1,5 +1,6 @@
-// Picture files to Dibs: PNG, JPEG, GIF (its first frame) and BMP, told apart by their first bytes. Any file
-// may come in; what cannot be read is an error in one line, never a crash.
+// Picture files of the kinds in picture_kinds.h to Dibs, told apart by their first bytes; of files with many
+// frames or pages the first. Any file may come in; what cannot be read is an error in one line, never a
+// crash.
 #pragma once
 
 #include <cstddef>
@@ -18,8 +19,9 @@ struct DecodedPicture {
     std::string error; ///< what is wrong, without the file's name; "" on success
 };
 
-/// Palette and depth are kept where the format has them (1, 4, 8 bits); all else becomes 24 bits. Alpha is
-/// laid over `matte` (0x00BBGGRR), EXIF orientation is applied, 16-bit samples and CMYK are reduced.
+/// Palette and depth are kept where PNG, JPEG, GIF and BMP have them (1, 4, 8 bits); all else becomes 24
+/// bits. Colours are brought to sRGB where the file says that they are others, alpha is laid over `matte`
+/// (0x00BBGGRR), the orientation is applied, 16-bit samples and CMYK are reduced.
 /// `mostPixels` bounds width x height before anything is allocated.
 DecodedPicture DecodePicture(std::span<const std::uint8_t> file, PixelValue matte, std::uint64_t mostPixels);
 

@@ -187,9 +187,7 @@ void ConvertMasked(const StoredRows& rows, const BmpShape& shape, PixelValue mat
             const std::uint32_t pixel = MaskedPixel(rows.Row(y), x, shape.bits);
             Rgb colour{red.Of(pixel), green.Of(pixel), blue.Of(pixel)};
             if (alphaCounts) colour = LayOver(colour, alpha.Of(pixel), matte);
-            out[0] = colour.blue;
-            out[1] = colour.green;
-            out[2] = colour.red;
+            PutColour(out, colour);
         }
     }
 }

@@ -28,6 +28,11 @@ void CheckSize(std::uint64_t width, std::uint64_t height, const DecodeLimits& li
     }
 }
 
+void PutOverMatte(const std::uint8_t* rgba, std::size_t pixels, PixelValue matte, std::uint8_t* row) {
+    for (std::size_t i = 0; i < pixels; ++i, rgba += 4)
+        PutColour(row + 3 * i, LayOver(Rgb{rgba[0], rgba[1], rgba[2]}, rgba[3], matte));
+}
+
 Palette GreyRamp(int bits) {
     Palette ramp{};
     const unsigned last = (1U << bits) - 1;

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <span>
 #include <string>
 
+#include "codecs/decode.h"
 #include "image/dib.h"
 
 namespace lumafold {
@@ -42,8 +44,37 @@ constexpr Rgb LayOver(Rgb colour, unsigned alpha, PixelValue matte) {
             LayOver(colour.blue, alpha, BlueOf(matte), 255)};
 }
 
+/// A pixel of 24 bits as it is stored.
+inline void PutColour(std::uint8_t* pixel, Rgb colour) {
+    pixel[0] = colour.blue;
+    pixel[1] = colour.green;
+    pixel[2] = colour.red;
+}
+
+/// A pixel of red, green, blue and opacity whose colours were multiplied by it, as it was before.
+inline void Unmultiply(std::uint8_t* rgba) {
+    const unsigned alpha = rgba[3];
+    for (int c = 0; c < 3 && alpha != 0 && alpha != 255; ++c)
+        rgba[c] = static_cast<std::uint8_t>(std::min(255U, (rgba[c] * 255U + alpha / 2) / alpha));
+}
+
+/// Pixels of red, green, blue and opacity, a byte each, laid over the matte.
+void PutOverMatte(const std::uint8_t* rgba, std::size_t pixels, PixelValue matte, std::uint8_t* row);
+
 /// 2^bits greys from black to white.
 Palette GreyRamp(int bits);
+
+/// What `make` gives, or why it threw.
+template <typename Make>
+DecodedPicture PictureOrError(Make make) {
+    try {
+        return {make(), ""};
+    } catch (const DecodeError& failure) {
+        return {OwnedDib(), failure.text};
+    } catch (const std::bad_alloc&) {
+        return {OwnedDib(), "there is not enough memory for the picture"};
+    }
+}
 
 /// The picture being decoded, locked while this lives. Throws when there is no memory for it.
 class PictureBuilder {
@@ -68,5 +99,9 @@ OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limit
 OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 OwnedDib DecodeGif(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 OwnedDib DecodeBmp(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+OwnedDib DecodeWebp(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+OwnedDib DecodeTiff(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+/// HEIC and AVIF.
+OwnedDib DecodeHeif(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 
 } // namespace lumafold

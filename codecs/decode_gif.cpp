@@ -129,9 +129,7 @@ OwnedDib TrueColourPicture(const GifStill& still, PixelValue matte) {
                 x - still.left < still.width) {
                 colour = still.palette[still.indexes[(y - still.top) * still.width + x - still.left]];
             }
-            out[0] = colour.blue;
-            out[1] = colour.green;
-            out[2] = colour.red;
+            PutColour(out, colour);
         }
     }
     return picture.Finish();

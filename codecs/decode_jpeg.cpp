@@ -1,10 +1,13 @@
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include <jpeglib.h>
 
 #include <jerror.h>
 
+#include "codecs/colour_profile.h"
 #include "codecs/jump_guard.h"
 #include "codecs/orientation.h"
 
@@ -104,7 +107,14 @@ void ConvertRgb(const std::uint8_t* row, std::uint8_t* out, std::uint32_t width)
 }
 
 /// Files with an Adobe marker store the inks inverted, as light.
-void ConvertCmyk(const std::uint8_t* row, std::uint8_t* out, std::uint32_t width, bool inverted) {
+void ConvertCmyk(std::uint8_t* row, std::uint8_t* out, std::uint32_t width, bool inverted,
+                 const ToSrgb& toSrgb) {
+    if (toSrgb) {
+        for (std::size_t i = 0; inverted && i < std::size_t{4} * width; ++i)
+            row[i] ^= 255;
+        toSrgb.ConvertInks(row, out, width);
+        return;
+    }
     const unsigned flip = inverted ? 0 : 255;
     for (std::uint32_t x = 0; x < width; ++x, row += 4, out += 3) {
         const unsigned black = row[3] ^ flip;
@@ -114,6 +124,21 @@ void ConvertCmyk(const std::uint8_t* row, std::uint8_t* out, std::uint32_t width
     }
 }
 
+/// What the profile in the file says of the colours that are delivered.
+ToSrgb ReadColours(JpegReader& reader) {
+    JOCTET* profile = nullptr;
+    unsigned bytes = 0;
+    reader.Guarded([&] {
+        if (jpeg_read_icc_profile(&reader.Info(), &profile, &bytes) == 0) profile = nullptr;
+    });
+    const std::unique_ptr<JOCTET, decltype(&std::free)> owner(profile, std::free);
+    if (profile == nullptr) return {};
+    const J_COLOR_SPACE delivered = reader.Info().out_color_space;
+    return ToSrgb({profile, bytes}, {delivered == JCS_GRAYSCALE ? SampleLayout::Colours::Grey
+                                     : delivered == JCS_CMYK    ? SampleLayout::Colours::Cmyk
+                                                                : SampleLayout::Colours::Rgb});
+}
+
 } // namespace
 
 OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
@@ -121,7 +146,8 @@ OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limi
     jpeg_decompress_struct& info = reader.Info();
     reader.Guarded([&] {
         jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
-        jpeg_save_markers(&info, JPEG_APP0 + 1, 0xFFFF);
+        for (const int marker : {1, 2}) // EXIF, profile
+            jpeg_save_markers(&info, JPEG_APP0 + marker, 0xFFFF);
         jpeg_read_header(&info, TRUE);
     });
     CheckSize(info.image_width, info.image_height, limits);
@@ -130,7 +156,10 @@ OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limi
 
     const bool grey = info.out_color_space == JCS_GRAYSCALE;
     const std::uint32_t width = info.image_width, height = info.image_height;
-    PictureBuilder picture(width, height, grey ? GreyRamp(8) : Palette{}, grey ? 8 : 24);
+    const ToSrgb toSrgb = ReadColours(reader);
+    Palette palette = grey ? GreyRamp(8) : Palette{};
+    if (grey) toSrgb.Convert(palette);
+    PictureBuilder picture(width, height, palette, grey ? 8 : 24);
     std::vector<std::uint8_t> row(std::size_t{4} * width);
     reader.Guarded([&] {
         jpeg_start_decompress(&info);
@@ -143,9 +172,10 @@ OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limi
                 std::memcpy(out, to, width);
                 break;
             case JCS_CMYK:
-                ConvertCmyk(to, out, width, info.saw_Adobe_marker != 0);
+                ConvertCmyk(to, out, width, info.saw_Adobe_marker != 0, toSrgb);
                 break;
             default:
+                toSrgb.Convert(to, width);
                 ConvertRgb(to, out, width);
                 break;
             }

@@ -1,9 +1,11 @@
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
 #include <png.h>
 
+#include "codecs/colour_profile.h"
 #include "codecs/jump_guard.h"
 #include "codecs/orientation.h"
 
@@ -67,14 +69,18 @@ struct PngShape {
     bool Indexed() const { return colourType == PNG_COLOR_TYPE_PALETTE; }
     /// A transparent 16-bit grey has no entry of its own among 256, so such a picture needs true colour.
     bool GreyRampFits() const { return colourType == PNG_COLOR_TYPE_GRAY && !(depth == 16 && keyed); }
+    /// Whether pixels are indexes into a table, and colours change only there.
+    bool OnlyTable() const { return Indexed() || GreyRampFits(); }
 };
 
 PngShape ReadShape(PngReader& reader) {
     PngShape shape{};
     reader.Guarded([&] {
-        // Profiles and texts change no pixel here, and compressed ones may unpack to a great deal.
-        static const png_byte kIgnored[] = "iCCP\0tEXt\0zTXt\0iTXt";
-        png_set_keep_unknown_chunks(reader.Png(), PNG_HANDLE_CHUNK_NEVER, kIgnored, 4);
+        // Texts change no pixel, and compressed ones may unpack to a great deal. So may profiles: no more
+        // than 8 MB.
+        static const png_byte kIgnored[] = "tEXt\0zTXt\0iTXt";
+        png_set_keep_unknown_chunks(reader.Png(), PNG_HANDLE_CHUNK_NEVER, kIgnored, 3);
+        png_set_chunk_malloc_max(reader.Png(), 8'000'000);
         png_read_info(reader.Png(), reader.Info());
         png_get_IHDR(reader.Png(), reader.Info(), &shape.width, &shape.height, &shape.depth,
                      &shape.colourType, nullptr, nullptr, nullptr);
@@ -87,7 +93,42 @@ PngShape ReadShape(PngReader& reader) {
     return shape;
 }
 
-Palette ReadPalette(PngReader& reader, PixelValue matte) {
+/// The curve a gAMA chunk tells; 0 where it is sRGB's, to within what that chunk can tell, or nonsense.
+double GammaOf(png_fixed_point told) {
+    constexpr int kSrgb = 45455, kNear = kSrgb / 20, kLeast = 10000, kMost = 1000000;
+    if (told < kLeast || told > kMost || std::abs(told - kSrgb) <= kNear) return 0;
+    return 100000.0 / told;
+}
+
+/// A profile counts before the chunk that says sRGB, and that before gamma and primaries.
+ToSrgb ReadColours(PngReader& reader, const PngShape& shape) {
+    png_charp name = nullptr;
+    png_bytep profile = nullptr;
+    png_uint_32 bytes = 0;
+    int compression = 0, intent = 0;
+    png_fixed_point gamma = 0;
+    ColourNumbers numbers;
+    bool isSrgb = false, hasNumbers = false;
+    reader.Guarded([&] {
+        png_structp png = reader.Png();
+        png_infop info = reader.Info();
+        if (png_get_iCCP(png, info, &name, &compression, &profile, &bytes) == 0) profile = nullptr;
+        isSrgb = png_get_sRGB(png, info, &intent) != 0;
+        if (png_get_gAMA_fixed(png, info, &gamma) != 0) hasNumbers = true;
+        if (png_get_cHRM(png, info, &numbers.white[0], &numbers.white[1], &numbers.red[0], &numbers.red[1],
+                         &numbers.green[0], &numbers.green[1], &numbers.blue[0], &numbers.blue[1]) != 0) {
+            hasNumbers = true;
+        }
+    });
+    const SampleLayout layout{shape.Grey() ? SampleLayout::Colours::Grey : SampleLayout::Colours::Rgb,
+                              shape.OnlyTable() ? 1 : (shape.depth + 7) / 8, shape.Alpha()};
+    if (profile != nullptr) return ToSrgb({profile, bytes}, layout);
+    if (isSrgb || !hasNumbers) return {};
+    numbers.gamma = GammaOf(gamma);
+    return ToSrgb(numbers, layout);
+}
+
+Palette ReadPalette(PngReader& reader, const ToSrgb& toSrgb, PixelValue matte) {
     Palette palette{};
     png_colorp colours = nullptr;
     png_bytep alphas = nullptr;
@@ -96,17 +137,22 @@ Palette ReadPalette(PngReader& reader, PixelValue matte) {
         png_get_PLTE(reader.Png(), reader.Info(), &colours, &colourCount);
         png_get_tRNS(reader.Png(), reader.Info(), &alphas, &alphaCount, nullptr);
     });
-    for (int i = 0; i < colourCount && i < 256; ++i) {
-        const Rgb colour{colours[i].red, colours[i].green, colours[i].blue};
-        palette[static_cast<std::size_t>(i)] = LayOver(colour, i < alphaCount ? alphas[i] : 255U, matte);
+    const auto count = static_cast<std::size_t>(std::min(colourCount, 256));
+    for (std::size_t i = 0; i < count; ++i)
+        palette[i] = {colours[i].red, colours[i].green, colours[i].blue};
+    toSrgb.Convert(palette);
+    for (std::size_t i = 0; i < palette.size(); ++i) {
+        const bool hasAlpha = static_cast<int>(i) < alphaCount;
+        palette[i] = i < count ? LayOver(palette[i], hasAlpha ? alphas[i] : 255U, matte) : Rgb{};
     }
     return palette;
 }
 
-Palette ReadPalette(PngReader& reader, const PngShape& shape, PixelValue matte) {
-    if (shape.Indexed()) return ReadPalette(reader, matte);
+Palette ReadPalette(PngReader& reader, const PngShape& shape, const ToSrgb& toSrgb, PixelValue matte) {
+    if (shape.Indexed()) return ReadPalette(reader, toSrgb, matte);
     if (!shape.GreyRampFits()) return {};
     Palette ramp = GreyRamp(std::min(shape.depth, 8));
+    toSrgb.Convert(ramp);
     if (shape.keyed && shape.key.gray < 1U << shape.depth) ramp[shape.key.gray] = RgbOf(matte);
     return ramp;
 }
@@ -114,8 +160,9 @@ Palette ReadPalette(PngReader& reader, const PngShape& shape, PixelValue matte) 
 /// One row from what libpng delivers (bytes, or 16-bit samples high byte first) to the picture.
 class RowConverter {
 public:
-    RowConverter(const PngShape& shape, PixelValue matte, PictureBuilder& picture)
-        : shape_(shape), matte_(matte), picture_(picture), indexes_(shape.depth == 16 ? shape.width : 0) {}
+    RowConverter(const PngShape& shape, const ToSrgb& toSrgb, PixelValue matte, PictureBuilder& picture)
+        : shape_(shape), toSrgb_(toSrgb), matte_(matte), picture_(picture),
+          indexes_(shape.depth == 16 ? shape.width : 0) {}
 
     void Convert(std::int32_t y, const std::uint8_t* row) {
         if (picture_.Bits() == 24) {
@@ -140,16 +187,17 @@ private:
     void TrueColour(std::int32_t y, const std::uint8_t* row) {
         constexpr std::uint32_t kMost = Bytes == 1 ? 255 : 65535;
         const std::ptrdiff_t green = shape_.Grey() ? 0 : Bytes, blue = green * 2;
+        const std::ptrdiff_t step = blue + (shape_.Alpha() ? 2 : 1) * Bytes;
         std::uint8_t* out = picture_.Row(y);
-        for (std::uint32_t x = 0; x < shape_.width; ++x, out += 3) {
-            const std::uint32_t r = Sample<Bytes>(row), g = Sample<Bytes>(row + green),
-                                b = Sample<Bytes>(row + blue);
-            row += blue + Bytes;
+        const std::uint8_t* seen = Seen(row, static_cast<std::size_t>(step));
+        for (std::uint32_t x = 0; x < shape_.width; ++x, out += 3, row += step, seen += step) {
+            const std::uint32_t r = Sample<Bytes>(seen), g = Sample<Bytes>(seen + green),
+                                b = Sample<Bytes>(seen + blue);
             std::uint32_t alpha = kMost;
             if (shape_.Alpha()) {
-                alpha = Sample<Bytes>(row);
-                row += Bytes;
-            } else if (shape_.keyed && IsKey(r, g, b)) {
+                alpha = Sample<Bytes>(row + blue + Bytes);
+            } else if (shape_.keyed &&
+                       IsKey(Sample<Bytes>(row), Sample<Bytes>(row + green), Sample<Bytes>(row + blue))) {
                 alpha = 0;
             }
             out[0] = LayOver(b, alpha, BlueOf(matte_), kMost);
@@ -158,15 +206,24 @@ private:
         }
     }
 
+    /// The row in the colours of sRGB, good until the next call; which pixel is the key shows in `row` alone.
+    const std::uint8_t* Seen(const std::uint8_t* row, std::size_t pixelBytes) {
+        if (!toSrgb_) return row;
+        seen_.assign(row, row + pixelBytes * shape_.width);
+        toSrgb_.Convert(seen_.data(), shape_.width);
+        return seen_.data();
+    }
+
     bool IsKey(std::uint32_t r, std::uint32_t g, std::uint32_t b) const {
         if (shape_.Grey()) return r == shape_.key.gray;
         return r == shape_.key.red && g == shape_.key.green && b == shape_.key.blue;
     }
 
     const PngShape& shape_;
+    const ToSrgb& toSrgb_;
     PixelValue matte_;
     PictureBuilder& picture_;
-    std::vector<std::uint8_t> indexes_;
+    std::vector<std::uint8_t> indexes_, seen_;
 };
 
 /// Interlaced files come in several passes over all rows, so those need every row kept.
@@ -220,10 +277,11 @@ OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limit
     const PngShape shape = ReadShape(reader);
     // The header chunk may be preceded by others in a damaged file: what libpng read is what counts.
     CheckSize(shape.width, shape.height, limits);
-    const Palette palette = ReadPalette(reader, shape, limits.matte);
-    const bool indexed = shape.Indexed() || shape.GreyRampFits();
-    PictureBuilder picture(shape.width, shape.height, palette, indexed ? std::min(shape.depth, 8) : 24);
-    RowConverter converter(shape, limits.matte, picture);
+    const ToSrgb toSrgb = ReadColours(reader, shape);
+    const Palette palette = ReadPalette(reader, shape, toSrgb, limits.matte);
+    PictureBuilder picture(shape.width, shape.height, palette,
+                           shape.OnlyTable() ? std::min(shape.depth, 8) : 24);
+    RowConverter converter(shape, toSrgb, limits.matte, picture);
     ReadRows(reader, shape, converter);
     return Upright(picture.Finish(), ReadOrientation(reader));
 }

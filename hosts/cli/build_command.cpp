@@ -1,110 +1,177 @@
 #include "hosts/cli/build_command.h"
 
+#include <chrono>
+#include <cmath>
+
+#include <nlohmann/json.hpp>
+
 #include "build/build_driver.h"
+#include "codecs/delays.h"
 #include "codecs/files.h"
 #include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
+#include "hosts/cli/cannot_run.h"
 #include "hosts/cli/contact_sheet.h"
+#include "hosts/cli/failure.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
 #include "hosts/cli/output.h"
+#include "hosts/cli/peak_memory.h"
+#include "hosts/cli/picture_order.h"
+#include "hosts/cli/standard_streams.h"
+#include "hosts/common/processors.h"
 #include "hosts/common/report.h"
+#include "hosts/common/thread_pool.h"
 
 namespace lumafold {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 class BuildRun {
 public:
-    BuildRun(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
+    BuildRun(BuildOptions options, const Console& console)
+        : options_(std::move(options)), console_(console),
+          kind_(KindOfOutput(options_.output, options_.format)),
+          pool_(static_cast<int>(options_.jobs.value_or(UsableProcessors()))) {}
 
-    int Run(std::span<const std::string> words) {
-        WordsError mistake;
-        if (!ParseBuild(words, options_, mistake)) return Fail(mistake.status, mistake.text);
-        std::string error;
-        if (!options_.output.empty()) {
-            const auto kind = ClassifyOutput(options_.output, error);
-            if (!kind) return Fail(2, error);
-            kind_ = *kind;
-        }
-        if (!options_.sheet.empty() && LowerSuffix(options_.sheet) != ".png") {
-            return Fail(2, "--sheet " + options_.sheet + ": a contact sheet is a .png file");
-        }
-        if (options_.sheet == options_.output && !options_.sheet.empty()) {
-            return Fail(2, "--sheet " + options_.sheet + ": the animation goes there");
-        }
-        for (const std::string& warning : options_.warnings)
-            err_ << "lumafold: warning: " << warning << '\n';
-        PutSettingsInForce();
-        if (const int status = CheckFirst(); status != 0) return status;
+    int Run() {
+        CheckNames();
+        SettleSettings();
+        CheckWritable();
         MemoryList list(options_.defaults);
-        if (const int status = Load(list); status != 0) return status;
+        Load(list);
+        CheckRuns(list);
+        // What is wrong with a picture or a setting should stand alone, so these come after.
+        for (const std::string& warning : options_.warnings)
+            console_.Warn(warning);
         for (const std::string& remark : remarks_)
-            err_ << "lumafold: " << remark << '\n';
+            Remark(remark);
         return Build(list);
     }
 
 private:
-    int Fail(int status, const std::string& text) {
-        err_ << "lumafold: " << text << '\n';
-        return status;
+    bool WritesStream() const { return options_.output == kStandardStream; }
+    /// What is asked for besides the animation goes where that does not.
+    std::ostream& Out() const { return WritesStream() ? console_.err : console_.out; }
+
+    void Remark(const std::string& text) const {
+        if (options_.talk != Talk::Quiet) console_.Say(text);
     }
 
-    // Held back until the pictures are read: what is wrong with one of those should stand alone.
-    void Remark(const std::string& text) {
-        if (!options_.quiet) remarks_.push_back(text);
+    void CheckNames() const {
+        const std::string& sheet = options_.sheet;
+        if (!sheet.empty() && LowerSuffix(sheet) != "png")
+            Mistake("--sheet " + sheet + ": a contact sheet is a .png file");
+        if (WritesStream() && IsTerminal(console_.out))
+            Mistake("-o -: a terminal shows no pictures, send them to a file or a program");
+        if (!sheet.empty() && !options_.output.empty() && !WritesStream() && SameFile(sheet, options_.output))
+            Mistake("--sheet " + sheet + ": the animation goes there");
+        for (const ImageArgument& image : options_.images) {
+            if (!sheet.empty() && SameFile(sheet, image.path))
+                Mistake("--sheet " + sheet + ": is one of the pictures");
+            if (!options_.estimate && WouldReplace(options_.output, kind_, image.path))
+                Mistake("-o " + options_.output + ": would replace the picture " + image.path);
+        }
     }
 
-    void PutSettingsInForce() {
+    void SettleSettings() {
         settings_ = options_.settings;
         ApplyCapabilities(settings_, CapabilityFlags(kind_));
-        if (settings_.TransitionTruecolour != options_.settings.TransitionTruecolour) {
-            Remark("a GIF holds no true colour, so the frames get a palette");
-        }
+        if (settings_.TransitionTruecolour != options_.settings.TransitionTruecolour)
+            remarks_.emplace_back("a GIF holds no true colour, so the frames get a palette");
+        const bool reducesLittle = kind_ == OutputKind::Webp || kind_ == OutputKind::Y4m;
+        if (reducesLittle && !options_.paletteAsked) settings_.TransitionTruecolour = 1;
+        if (options_.quality && kind_ != OutputKind::Webp)
+            remarks_.emplace_back("--quality is for WebP files alone");
+        if (options_.effort && kind_ != OutputKind::Apng && kind_ != OutputKind::Mng)
+            remarks_.emplace_back("--effort is for PNG and MNG files alone");
+        if (options_.plays.times > 1 && kind_ == OutputKind::Y4m)
+            remarks_.emplace_back("a film is played once");
         // With both, changed pixels that are black would let the frame before shine through.
         if (settings_.TransitionTruecolour != 0 && !options_.supercompressAsked) settings_.Supercompress = 0;
     }
 
     // What can be known before any work is done.
-    int CheckFirst() {
-        if (options_.estimate) return 0;
-        if (const std::string why = WhyNotWritable(options_.output, kind_); !why.empty()) {
-            return Fail(1, "-o " + options_.output + ": " + why);
-        }
-        if (options_.sheet.empty()) return 0;
+    void CheckWritable() const {
+        if (options_.estimate) return;
+        if (const std::string why = WhyNotWritable(options_.output, kind_); !why.empty())
+            throw Failure(kFailed, "-o " + options_.output + ": " + why);
+        if (options_.sheet.empty()) return;
         const std::string why = WhyNoFileCanStandAt(options_.sheet);
-        return why.empty() ? 0 : Fail(1, "--sheet " + options_.sheet + ": " + why);
+        if (!why.empty()) throw Failure(kFailed, "--sheet " + options_.sheet + ": " + why);
     }
 
-    int Load(MemoryList& list) {
-        PictureLoader loader(settings_.TransitionMattcolour);
-        std::string error;
-        for (const ImageArgument& image : options_.images) {
-            OwnedDib picture = loader.Load(image.path, error);
-            if (!picture) return Fail(1, error);
-            if (!list.Add(std::move(picture), image.path, image.gap)) {
-                return Fail(1, image.path + ": not enough memory");
-            }
+    void Load(MemoryList& list) {
+        PictureLoader loader(settings_.TransitionMattcolour, options_.size, console_.in);
+        std::vector<std::int32_t> lines(options_.images.size(), -1); // where each picture stands first
+        for (const ShownPicture& shown : ShownPictures(options_)) {
+            const std::string& path = options_.images[shown.image].path;
+            ImageEntry earlier;
+            const bool again = list.Read(lines[shown.image], earlier);
+            OwnedDib picture = again ? loader.Copy(earlier.image, path) : loader.Load(path);
+            if (!again) lines[shown.image] = list.Count();
+            if (!list.Add(std::move(picture), path, shown.gap))
+                throw Failure(kFailed, path + ": not enough memory");
         }
-        return 0;
+    }
+
+    TaskKind Task() const { return options_.testBuild ? TaskKind::Test : TaskKind::Build; }
+
+    void CheckRuns(MemoryList& list) {
+        BuildEstimate estimate;
+        if (!EstimateBuild(list, Task(), settings_, estimate)) return;
+        std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
+        if (!why.empty()) throw Failure(kFailed, why);
+        RemarkOnSize(estimate);
+        why = WhyTooLarge(estimate, memoryLimit_);
+        if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
+    }
+
+    void RemarkOnSize(const BuildEstimate& estimate) {
+        constexpr std::int32_t kLarge = 1920;
+        const PictureSize canvas{estimate.width, estimate.height};
+        if (options_.size.kind != SizeRequest::Kind::Keep || std::max(canvas.width, canvas.height) <= kLarge)
+            return;
+        const PictureSize less = SizeFor({SizeRequest::Kind::AtMost, {kLarge, kLarge}}, canvas);
+        const double part = static_cast<double>(less.width) * less.height / canvas.width / canvas.height;
+        remarks_.push_back("the pictures are up to " + std::to_string(canvas.width) + "x" +
+                           std::to_string(canvas.height) + "; --max-size " + std::to_string(kLarge) +
+                           " would make it " + std::to_string(less.width) + "x" +
+                           std::to_string(less.height) + " and save about " +
+                           std::to_string(std::lround(100 * (1 - part))) + " % of time and size");
     }
 
     int Build(MemoryList& list) {
-        const TaskKind kind = options_.testBuild ? TaskKind::Test : TaskKind::Build;
-        const std::uint64_t limit = options_.memoryLimit.value_or(UsualMemoryLimit());
-        BuildEstimate estimate;
-        if (EstimateBuild(list, kind, settings_, estimate)) {
-            const std::string why = WhyTooLarge(estimate, limit);
-            if (!why.empty()) return Fail(1, "the animation " + why + " (--memory-limit)");
-        }
-        Progress progress(err_, StyleFor(err_, options_.quiet));
-        RecordingHost host(CapabilityFlags(kind_), progress, err_);
-        const BuildRequest request{list, 0, host.Context(), kind, settings_, host, Runner(), limit};
-        const bool built = BuildAnimation(request) != 0 && host.Complete();
+        Progress progress(console_.err, StyleFor(console_.err, options_.talk));
+        RecordingHost host(CapabilityFlags(kind_), progress, console_.err);
+        const bool built =
+            BuildAnimation({list, 0, host.Context(), Task(), settings_, host, pool_, memoryLimit_}) != 0 &&
+            host.Complete();
         progress.Clear();
-        if (!built) return 1; // the engine has said why
-        return options_.estimate ? Estimate(host) : Write(host);
+        if (!built) return kFailed; // the engine has said why
+        if (kind_ != OutputKind::Folder && kind_ != OutputKind::Y4m) MakePlayable(host.Result());
+        return Write(host);
     }
+
+    void MakePlayable(Animation& animation) const {
+        animation.plays = static_cast<std::int32_t>(options_.plays.times);
+        if (options_.delays == DelayRule::Exact) return;
+        std::vector<std::int32_t> delays;
+        for (const AnimationFrame& frame : animation.frames)
+            delays.push_back(frame.delay);
+        const std::size_t shorter = HoldShortFrames(delays);
+        for (std::size_t i = 0; i < delays.size(); ++i)
+            animation.frames[i].delay = delays[i];
+        if (shorter == 0) return;
+        Remark(std::to_string(shorter) + (shorter == 1 ? " frame stands" : " frames stand") +
+               " for 0.02 s instead of less, which browsers would make 0.1 s of, and those after it for the "
+               "less "
+               "(--exact-delays keeps all as they are)");
+    }
+
+    PackingOptions Packing() const { return {options_.quality, options_.effort, memoryLimit_}; }
 
     int Write(const RecordingHost& host) {
         std::string error = "not enough memory";
@@ -112,41 +179,59 @@ private:
         if (!options_.sheet.empty()) {
             const OwnedDib picture = AnimationSheet(host.Result());
             if (picture) sheet = EncodePng(picture.Get(), error);
-            if (sheet.empty()) return Fail(1, "--sheet " + options_.sheet + ": " + error);
+            if (sheet.empty()) throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
         }
         std::uint64_t bytes = 0;
-        const bool written = WriteOutput(options_.output, kind_, host, bytes, error);
+        const bool written = options_.estimate ? MeasureOutput(kind_, host, Packing(), bytes, error)
+                                               : WriteOutput(options_.output, kind_, host, Packing(),
+                                                             console_.out, bytes, error);
         if (Interrupted()) return kInterruptedStatus;
-        if (!written) return Fail(1, error);
-        if (!sheet.empty() && !WriteFileSafely(options_.sheet, sheet, error)) {
-            return Fail(1, "--sheet " + options_.sheet + ": " + error);
+        if (!written) throw Failure(kFailed, error);
+        if (!sheet.empty() && !WriteFileSafely(options_.sheet, sheet, error))
+            throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
+        Report(host.Result(), bytes);
+        return 0;
+    }
+
+    void Report(const Animation& animation, std::uint64_t bytes) const {
+        if (options_.json) {
+            Out() << JsonReport(animation, bytes) << std::endl;
+        } else if (options_.estimate) {
+            Out() << "nothing written: " << AnimationText(animation, bytes) << '\n';
+        } else if (options_.talk != Talk::Quiet) {
+            Out() << Printable("wrote " + (WritesStream() ? "to the standard output" : options_.output) +
+                               ": " + AnimationText(animation, bytes) +
+                               (options_.sheet.empty() ? "" : ", contact sheet " + options_.sheet))
+                  << '\n';
         }
-        if (options_.quiet) return 0;
-        out_ << "wrote " << options_.output << ": " << AnimationText(host.Result(), bytes)
-             << (options_.sheet.empty() ? "" : ", contact sheet " + options_.sheet) << '\n';
-        return 0;
     }
 
-    int Estimate(const RecordingHost& host) {
-        std::string error;
-        std::uint64_t bytes = 0;
-        if (!MeasureOutput(kind_, host, bytes, error)) return Fail(1, error);
-        out_ << "nothing written: " << AnimationText(host.Result(), bytes) << '\n';
-        return 0;
+    std::string JsonReport(const Animation& animation, std::uint64_t bytes) const {
+        nlohmann::ordered_json line;
+        if (!options_.estimate) line["file"] = options_.output;
+        line["frames"] = animation.frames.size();
+        line["width"] = animation.width;
+        line["height"] = animation.height;
+        line["size"] = bytes;
+        line["seconds"] = std::chrono::duration<double>(Clock::now() - begun_).count();
+        line["peakMemory"] = PeakMemory();
+        return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     }
 
-    std::ostream& out_;
-    std::ostream& err_;
-    BuildOptions options_;
+    const Clock::time_point begun_ = Clock::now();
+    const BuildOptions options_;
+    const Console& console_;
+    const OutputKind kind_;
     PluginSettings settings_; // in force
+    const ThreadPool pool_;
+    const std::uint64_t memoryLimit_ = options_.memoryLimit ? *options_.memoryLimit : UsualMemoryLimit();
     std::vector<std::string> remarks_;
-    OutputKind kind_ = OutputKind::Gif;
 };
 
 } // namespace
 
-int RunBuild(std::span<const std::string> words, std::ostream& out, std::ostream& err) {
-    return BuildRun(out, err).Run(words);
+int RunBuild(std::span<const std::string> words, const Console& console) {
+    return BuildRun(ParseBuild(words, console.in), console).Run();
 }
 
 } // namespace lumafold

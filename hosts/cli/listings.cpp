@@ -7,6 +7,7 @@
 #include "codecs/files.h"
 #include "colour/palettes.h"
 #include "hosts/cli/build_options.h"
+#include "hosts/cli/failure.h"
 #include "hosts/cli/names.h"
 #include "settings/config_file.h"
 #include "transitions/table.h"
@@ -70,11 +71,6 @@ void JsonOfSettings(const PluginSettings& settings, std::ostream& out) {
     out << all.dump(2) << '\n';
 }
 
-int Fail(std::ostream& err, int status, const std::string& text) {
-    err << "lumafold: " << text << '\n';
-    return status;
-}
-
 } // namespace
 
 void ListTransitions(std::ostream& out) {
@@ -97,17 +93,14 @@ void ListPalettes(std::ostream& out) {
     }
 }
 
-int RunSettings(std::span<const std::string> words, std::ostream& out, std::ostream& err) {
-    SettingsOptions options;
-    WordsError error;
-    if (!ParseSettings(words, options, error)) return Fail(err, error.status, error.text);
+int RunSettings(std::span<const std::string> words, const Console& console) {
+    const SettingsOptions options = ParseSettings(words);
     for (const std::string& warning : options.warnings)
-        err << "lumafold: warning: " << warning << '\n';
+        console.Warn(warning);
     FileError why = 0;
-    if (!options.write.empty() && !SaveSettings(options.write.c_str(), options.settings, &why)) {
-        return Fail(err, 1, "--write " + options.write + ": " + FileErrorText(why));
-    }
-    (options.json ? JsonOfSettings : TableOfSettings)(options.settings, out);
+    if (!options.write.empty() && !SaveSettings(options.write.c_str(), options.settings, &why))
+        throw Failure(kFailed, "--write " + options.write + ": " + FileErrorText(why));
+    (options.json ? JsonOfSettings : TableOfSettings)(options.settings, console.out);
     return 0;
 }
 

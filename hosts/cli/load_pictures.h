@@ -2,22 +2,31 @@
 #pragma once
 
 #include <cstdint>
+#include <istream>
 #include <string>
 
-#include "image/dib.h"
+#include "codecs/resize.h"
 
 namespace lumafold {
 
 class PictureLoader {
 public:
-    /// `matte` lies behind clear pixels.
-    explicit PictureLoader(PixelValue matte) : matte_(matte) {}
+    /// `matte` lies behind clear pixels, `size` is what every picture comes to; "-" is read from
+    /// `standardInput`.
+    PictureLoader(PixelValue matte, const SizeRequest& size, std::istream& standardInput)
+        : matte_(matte), size_(size), standardInput_(standardInput) {}
 
-    /// None, with `error` in one line that begins with the path.
-    OwnedDib Load(const std::string& path, std::string& error);
+    /// Throws Failure, with a line that begins with the path.
+    OwnedDib Load(const std::string& path);
+    /// Another one of a picture that was loaded from there, within the same bounds.
+    OwnedDib Copy(DibHandle picture, const std::string& path);
 
 private:
+    void Count(DibHandle picture);
+
     PixelValue matte_;
+    SizeRequest size_;
+    std::istream& standardInput_;
     std::uint64_t pixelsLeft_ = std::uint64_t{256} << 20;
 };
 

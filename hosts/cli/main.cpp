@@ -15,5 +15,5 @@ int _dowildcard = -1;
 int main(int count, char** words) {
     lumafold::WatchForInterrupts();
     const std::vector<std::string> args(words + std::min(count, 1), words + count);
-    return lumafold::RunCommandLine(args, std::cout, std::cerr);
+    return lumafold::RunCommandLine(args, {std::cin, std::cout, std::cerr});
 }

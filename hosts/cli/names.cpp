@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
+#include <cstdio>
 
 #include "image/dib.h"
 #include "transitions/table.h"
@@ -32,12 +32,33 @@ std::vector<std::string_view> PaletteNames() {
     return ChoicesOf(DescriptorOf(&PluginSettings::TransitionPalette));
 }
 
+bool IsOfWord(char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+           (letter >= '0' && letter <= '9');
+}
+
+/// "Soft iris (ellipse)" as soft, iris, ellipse.
+std::vector<std::string> WordsOf(std::string_view text) {
+    std::vector<std::string> words;
+    bool inside = false;
+    for (const char letter : text) {
+        if (!IsOfWord(letter)) {
+            inside = false;
+            continue;
+        }
+        if (!inside) words.emplace_back();
+        words.back() += Lower(letter);
+        inside = true;
+    }
+    return words;
+}
+
 // A number stands for itself where there is a name for it.
 std::optional<std::uint32_t> FindName(std::string_view text, std::span<const std::string_view> names) {
     if (const auto number = ParseNumber(text)) return *number < names.size() ? number : std::nullopt;
-    const std::string wanted = LowerAll(text);
+    const std::vector<std::string> words = WordsOf(text);
     const auto found = std::find_if(names.begin(), names.end(),
-                                    [&](std::string_view name) { return LowerAll(name) == wanted; });
+                                    [&](std::string_view name) { return WordsOf(name) == words; });
     if (found == names.end()) return std::nullopt;
     return static_cast<std::uint32_t>(found - names.begin());
 }
@@ -48,6 +69,26 @@ std::optional<unsigned> ParseByte(std::string_view text, int base) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
     if (error != std::errc{} || end != text.data() + text.size() || value > 255) return std::nullopt;
     return value;
+}
+
+/// How far a word may be from what was meant. Of three letters, one that is wrong leaves too little to tell.
+int MostDistance(std::string_view word) {
+    return word.size() < 4 ? 0 : 1 + static_cast<int>(word.size()) / 4;
+}
+
+/// From each word to the nearest of the name's; nothing when one of them is near none.
+std::optional<int> WordDistance(const std::vector<std::string>& words, std::string_view name) {
+    if (words.empty()) return std::nullopt;
+    const std::vector<std::string> known = WordsOf(name);
+    int sum = 0;
+    for (const std::string& word : words) {
+        int nearest = MostDistance(word) + 1;
+        for (const std::string& other : known)
+            nearest = std::min(nearest, EditDistance(word, other));
+        if (nearest > MostDistance(word)) return std::nullopt;
+        sum += nearest;
+    }
+    return sum;
 }
 
 // A part of the name is as good a hint as a slip of the finger: "IrisStep", "soft iris".
@@ -78,21 +119,28 @@ std::vector<std::string_view> ChoicesOf(const SettingDescriptor& setting) {
     return choices;
 }
 
+std::string ValueText(const SettingDescriptor& setting, std::uint32_t value) {
+    if (setting.kind != SettingKind::Colour) return std::to_string(value);
+    char text[16];
+    std::snprintf(text, sizeof(text), "0x%06X", static_cast<unsigned>(value));
+    return text;
+}
+
+std::string RangeText(const SettingDescriptor& setting) {
+    if (setting.kind == SettingKind::Fixed) return "always " + std::to_string(setting.minimum);
+    return ValueText(setting, setting.minimum) + " to " + ValueText(setting, setting.maximum);
+}
+
 std::optional<std::uint32_t> ParseNumber(std::string_view text) {
-    const bool negative = text.starts_with('-');
-    if (negative) text.remove_prefix(1);
     int base = 10;
     if (text.starts_with("0x") || text.starts_with("0X")) {
         text.remove_prefix(2);
         base = 16;
     }
-    std::uint64_t magnitude = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
     if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-    const std::uint64_t largest =
-        negative ? std::uint64_t{1} << 31 : std::numeric_limits<std::uint32_t>::max();
-    if (magnitude > largest) return std::nullopt;
-    return static_cast<std::uint32_t>(negative ? std::uint64_t{0} - magnitude : magnitude);
+    return number;
 }
 
 std::optional<std::int32_t> FindTransition(std::string_view text) {
@@ -145,15 +193,15 @@ int EditDistance(std::string_view one, std::string_view other) {
 std::string_view NearestName(std::string_view word, std::span<const std::string_view> known) {
     // A long word would cost a long table, and is no slip of a short name.
     if (word.empty() || word.size() > 100) return {};
+    const std::vector<std::string> words = WordsOf(word);
     std::string_view nearest;
-    // Of three letters, one that is wrong leaves too little to tell what was meant.
-    int nearestDistance = word.size() < 4 ? 0 : 1 + static_cast<int>(word.size()) / 4;
+    int nearestDistance = MostDistance(word) + 1;
     for (const std::string_view name : known) {
-        const int distance = EditDistance(word, name);
-        if (distance < nearestDistance || (nearest.empty() && distance == nearestDistance)) {
-            nearest = name;
-            nearestDistance = distance;
-        }
+        const int whole = EditDistance(word, name);
+        const int distance = std::min(whole, WordDistance(words, name).value_or(whole));
+        if (distance >= nearestDistance) continue;
+        nearest = name;
+        nearestDistance = distance;
     }
     return nearest.empty() ? FirstNameAround(word, known) : nearest;
 }

@@ -19,17 +19,22 @@ const SettingDescriptor& DescriptorOf(std::uint32_t PluginSettings::*value);
 /// The entries of a setting's drop-down list, in their order; none for other kinds.
 std::vector<std::string_view> ChoicesOf(const SettingDescriptor& setting);
 
-/// A whole number as a settings file may hold it: decimal or 0x..., from -2147483648 (kept in two's
-/// complement) to 4294967295. Nothing for any other text.
+/// "2 to 20" as a person reads a setting's range; colours in hexadecimal.
+std::string RangeText(const SettingDescriptor& setting);
+/// A setting's value in its own notation.
+std::string ValueText(const SettingDescriptor& setting, std::uint32_t value);
+
+/// A whole number from 0 to 4294967295, decimal or 0x...; nothing for any other text.
 std::optional<std::uint32_t> ParseNumber(std::string_view text);
 
-/// A row of the TransitionTable by its number or by its display name in any case.
+/// A row of the TransitionTable by its number or by its display name, of which case, blanks, hyphens and
+/// brackets do not count.
 std::optional<std::int32_t> FindTransition(std::string_view text);
 
 /// The display name of row `row`, which the table must have.
 const char* TransitionName(std::int32_t row);
 
-/// A fixed palette by its number or by its name in any case.
+/// A fixed palette by its number or by its name, as transitions are.
 std::optional<std::uint32_t> FindPalette(std::string_view text);
 
 /// "R,G,B" in decimal or "#RRGGBB" as 0x00BBGGRR.
@@ -38,7 +43,8 @@ std::optional<std::uint32_t> ParseColour(std::string_view text);
 /// Letters to insert, remove, replace or swap with their neighbour; case does not count.
 int EditDistance(std::string_view one, std::string_view other);
 
-/// The known name that is close to `word`, the first of the nearest; "" when none is.
+/// The known name that is close to `word`, as a whole or word by word, or that has it in it; the first of the
+/// nearest, "" when none is.
 std::string_view NearestName(std::string_view word, std::span<const std::string_view> known);
 
 /// ", did you mean ...?" for the end of an error line, or "".

@@ -3,14 +3,21 @@
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 #include "codecs/apng_writer.h"
 #include "codecs/files.h"
 #include "codecs/gif_writer.h"
 #include "codecs/mng_writer.h"
+#include "codecs/y4m_writer.h"
+#if LUMAFOLD_WEBP
+#include "codecs/webp_writer.h"
+#endif
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/paths.h"
-#include "settings/settings.h"
+#include "hosts/cli/standard_streams.h"
 
 namespace lumafold {
 namespace {
@@ -44,7 +51,8 @@ std::string WhyNoFolderAt(const std::string& path) {
     return WhyNoEntryIn(PathOf(path).lexically_normal().parent_path().parent_path());
 }
 
-std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, std::string& error) {
+std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation,
+                                 [[maybe_unused]] const PackingOptions& packing, std::string& error) {
     switch (kind) {
     case OutputKind::Gif:
         return EncodeGif(animation, error);
@@ -52,45 +60,88 @@ std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, st
         return EncodeApng(animation, error);
     case OutputKind::Mng:
         return EncodeMng(animation, error);
+    case OutputKind::Webp:
+#if LUMAFOLD_WEBP
+        return EncodeWebp(animation, {packing.quality}, error);
+#endif
+    case OutputKind::Y4m:
     case OutputKind::Folder:
         break;
     }
     return {};
 }
 
-bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation, std::uint64_t& bytes,
+/// A film goes on as it is made, for it may be very large.
+bool SendFilm(const Animation& animation, std::ostream& standardOutput, std::uint64_t& bytes,
+              std::string& error) {
+    const ByteSink send = [&](std::span<const std::uint8_t> piece) {
+        bytes += piece.size();
+        return WriteAll(standardOutput, piece, error);
+    };
+    return WriteY4m(animation, {}, send, error);
+}
+
+bool CollectFilm(const Animation& animation, std::uint64_t most, std::vector<std::uint8_t>& film,
+                 std::string& error) {
+    const ByteSink collect = [&](std::span<const std::uint8_t> piece) {
+        if (piece.size() > most - film.size()) return false;
+        film.insert(film.end(), piece.begin(), piece.end());
+        return true;
+    };
+    if (WriteY4m(animation, {}, collect, error)) return true;
+    if (film.size() > 0)
+        error = "the film is too large to be kept until it is whole, send it to a program with -o -";
+    return false;
+}
+
+bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation,
+               const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
                std::string& error) {
-    const std::vector<std::uint8_t> file = Encode(kind, animation, error);
+    bytes = 0;
+    if (kind == OutputKind::Y4m && path == kStandardStream)
+        return SendFilm(animation, standardOutput, bytes, error);
+    std::vector<std::uint8_t> file;
+    if (kind == OutputKind::Y4m) {
+        if (!CollectFilm(animation, packing.mostBytes, file, error)) file.clear();
+    } else {
+        file = Encode(kind, animation, packing, error);
+    }
     bytes = file.size();
+    if (!file.empty() && path == kStandardStream) return WriteAll(standardOutput, file, error);
     if (!file.empty() && WriteFileSafely(path, file, error)) return true;
     error = path + ": " + error;
     return false;
 }
 
+/// Absolute, without links as far as it is there, and as the system compares names.
+fs::path Settled(const std::string& name) {
+    std::error_code failure;
+    const fs::path path = fs::weakly_canonical(fs::absolute(PathOf(name), failure), failure);
+#ifdef _WIN32
+    std::wstring letters = path.native();
+    CharLowerW(letters.data());
+    return letters;
+#else
+    return path;
+#endif
+}
+
 } // namespace
 
-std::string LowerSuffix(const std::string& path) {
-    std::string suffix = NameOf(PathOf(path).extension());
-    for (char& letter : suffix)
-        letter = static_cast<char>(letter | (letter >= 'A' && letter <= 'Z' ? 0x20 : 0));
-    return suffix;
+bool SameFile(const std::string& one, const std::string& other) {
+    std::error_code failure;
+    if (fs::equivalent(PathOf(one), PathOf(other), failure)) return true;
+    const fs::path settled = Settled(one);
+    return !settled.empty() && settled == Settled(other);
 }
 
-std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
-    std::error_code ignored;
-    if (EndsInSeparator(path) || fs::is_directory(PathOf(path), ignored)) return OutputKind::Folder;
-    const std::string suffix = LowerSuffix(path);
-    if (suffix == ".gif") return OutputKind::Gif;
-    if (suffix == ".png" || suffix == ".apng") return OutputKind::Apng;
-    if (suffix == ".mng") return OutputKind::Mng;
-    error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
-            " means no known kind of file; known are .gif, .png, .mng, and a folder's name with / at its end";
-    return std::nullopt;
-}
-
-std::uint32_t CapabilityFlags(OutputKind kind) {
-    return kind == OutputKind::Gif ? kHostTakesSupercompression
-                                   : kHostTakesSupercompression | kHostTakesTrueColour;
+bool WouldReplace(const std::string& output, OutputKind kind, const std::string& input) {
+    if (output == kStandardStream || input == kStandardStream) return false;
+    if (kind != OutputKind::Folder) return SameFile(output, input);
+    const std::string name = NameOf(PathOf(input).filename());
+    const fs::path folder = PathOf(input).parent_path();
+    return name.starts_with("frame-") && name.ends_with(".bmp") &&
+           SameFile(output + "/.", (folder.empty() ? "." : NameOf(folder)) + "/.");
 }
 
 std::string WhyNoFileCanStandAt(const std::string& path) {
@@ -100,18 +151,30 @@ std::string WhyNoFileCanStandAt(const std::string& path) {
 }
 
 std::string WhyNotWritable(const std::string& path, OutputKind kind) {
+    if (path == kStandardStream) return "";
     return kind == OutputKind::Folder ? WhyNoFolderAt(path) : WhyNoFileCanStandAt(path);
 }
 
-bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host, std::uint64_t& bytes,
+bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host,
+                 const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
                  std::string& error) {
-    if (kind != OutputKind::Folder) return WriteFile(path, kind, host.Result(), bytes, error);
+    if (kind != OutputKind::Folder)
+        return WriteFile(path, kind, host.Result(), packing, standardOutput, bytes, error);
     return WriteFramesFolder(path, host.Result(), host.Commands(), bytes, error);
 }
 
-bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error) {
+bool MeasureOutput(OutputKind kind, const RecordingHost& host, const PackingOptions& packing,
+                   std::uint64_t& bytes, std::string& error) {
+    bytes = 0;
+    if (kind == OutputKind::Y4m) {
+        const ByteSink count = [&](std::span<const std::uint8_t> piece) {
+            bytes += piece.size();
+            return true;
+        };
+        return WriteY4m(host.Result(), {}, count, error);
+    }
     bytes = kind == OutputKind::Folder ? FramesFolderBytes(host.Result(), host.Commands())
-                                       : Encode(kind, host.Result(), error).size();
+                                       : Encode(kind, host.Result(), packing, error).size();
     return bytes != 0;
 }
 

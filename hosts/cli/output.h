@@ -1,35 +1,42 @@
-// Where an animation goes: which kind of output a name means, what it can take, and writing it, whole or not
-// at all.
+// Where an animation goes, and writing it there, whole or not at all.
 #pragma once
 
 #include <cstdint>
 #include <optional>
+#include <ostream>
+#include <span>
 #include <string>
 
+#include "hosts/cli/output_kind.h"
 #include "hosts/cli/recording_host.h"
 
 namespace lumafold {
-
-enum class OutputKind { Gif, Apng, Mng, Folder };
-
-/// The suffix of a file's name with its dot, in small letters.
-std::string LowerSuffix(const std::string& path);
-
-/// Nothing, with `error` in one line, for a name whose kind is not known.
-std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error);
-
-/// The capability flags of a host that writes this kind.
-std::uint32_t CapabilityFlags(OutputKind kind);
 
 /// Why nothing can be written there, as far as it can be known before; "" when nothing speaks against it.
 std::string WhyNotWritable(const std::string& path, OutputKind kind);
 std::string WhyNoFileCanStandAt(const std::string& path);
 
+/// Whether two names are one file's, though they may be written differently; of files that are not there yet,
+/// too.
+bool SameFile(const std::string& one, const std::string& other);
+
+/// Whether writing `kind` to `output` would replace the file `input`.
+bool WouldReplace(const std::string& output, OutputKind kind, const std::string& input);
+
+struct PackingOptions {
+    std::optional<int> quality;           ///< of a WebP, 0 to 100; without one it keeps every colour
+    std::optional<int> effort;            ///< of PNG and MNG files, 1 to 12
+    std::uint64_t mostBytes = UINT64_MAX; ///< that a film may take before it is written to a file
+};
+
 /// False with `error` in one line; what stood there before is then still there. `bytes` is what was written.
-bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host, std::uint64_t& bytes,
+/// `standardOutput` takes what goes to "-".
+bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host,
+                 const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
                  std::string& error);
 
 /// How many bytes that would write; false with `error` in one line where it could not.
-bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error);
+bool MeasureOutput(OutputKind kind, const RecordingHost& host, const PackingOptions& packing,
+                   std::uint64_t& bytes, std::string& error);
 
 } // namespace lumafold

@@ -6,24 +6,23 @@
 
 namespace lumafold {
 
-ProgressStyle StyleFor(const std::ostream& stream, bool quiet) {
-    if (quiet) return ProgressStyle::Silent;
-    return &stream == &std::cerr && isatty(STDERR_FILENO) != 0 ? ProgressStyle::Bar : ProgressStyle::Lines;
+ProgressStyle StyleFor(const std::ostream& stream, Talk talk) {
+    if (talk == Talk::Quiet) return ProgressStyle::Silent;
+    if (&stream == &std::cerr && isatty(STDERR_FILENO) != 0) return ProgressStyle::Bar;
+    return talk == Talk::Verbose ? ProgressStyle::Phases : ProgressStyle::Silent;
 }
 
 void Progress::Caption(std::string_view caption) {
     caption_ = caption;
-    position_ = total_ = tenthShown_ = 0;
+    position_ = total_ = 0;
     if (style_ == ProgressStyle::Bar) DrawBar();
-    if (style_ == ProgressStyle::Lines) stream_ << caption_ << std::endl;
+    if (style_ == ProgressStyle::Phases) stream_ << caption_ << std::endl;
 }
 
 void Progress::Position(std::int64_t position, std::int64_t total) {
-    if (total <= 0) position = total = tenthShown_ = 0;
-    position_ = std::clamp<std::int64_t>(position, 0, total);
-    total_ = total;
+    total_ = std::max<std::int64_t>(total, 0);
+    position_ = std::clamp<std::int64_t>(position, 0, total_);
     if (style_ == ProgressStyle::Bar) DrawBar();
-    if (style_ == ProgressStyle::Lines) WriteLine();
 }
 
 void Progress::DrawBar() {
@@ -39,15 +38,6 @@ void Progress::DrawBar() {
     const std::size_t rest = drawn_ - std::min(drawn_, line.size());
     drawn_ = line.size();
     stream_ << '\r' << line << std::string(rest, ' ') << std::flush;
-}
-
-// A log of hundreds of frames is told in tenths.
-void Progress::WriteLine() {
-    if (total_ == 0) return;
-    const std::int64_t tenth = position_ * 10 / total_;
-    if (tenth <= tenthShown_) return;
-    tenthShown_ = tenth;
-    stream_ << caption_ << ' ' << position_ << '/' << total_ << std::endl;
 }
 
 void Progress::Clear() {

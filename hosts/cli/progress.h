@@ -1,5 +1,5 @@
-// How far a build has come, for the person who waits: a bar under the host captions on a terminal, plain
-// lines in a log, nothing when silence was asked for.
+// How far a build has come, for the person who waits: a bar under the host captions on a terminal, a line
+// for each caption in a log.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,13 @@
 
 namespace lumafold {
 
-enum class ProgressStyle { Silent, Lines, Bar };
+/// How much a person wants to be told.
+enum class Talk { Usual, Quiet, Verbose };
 
-/// Silent when quiet; else a bar where `stream` is the terminal's.
-ProgressStyle StyleFor(const std::ostream& stream, bool quiet);
+enum class ProgressStyle { Silent, Phases, Bar };
+
+/// A bar where `stream` is the terminal's; elsewhere the phases for who asks for them. Nothing when quiet.
+ProgressStyle StyleFor(const std::ostream& stream, Talk talk);
 
 class Progress {
 public:
@@ -29,12 +32,11 @@ public:
 
 private:
     void DrawBar();
-    void WriteLine();
 
     std::ostream& stream_;
     ProgressStyle style_;
     std::string caption_;
-    std::int64_t position_ = 0, total_ = 0, tenthShown_ = 0;
+    std::int64_t position_ = 0, total_ = 0;
     std::size_t drawn_ = 0; ///< letters on the screen
 };
 

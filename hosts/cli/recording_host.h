@@ -27,6 +27,7 @@ public:
 
     /// Whole once the task was finished as complete; empty when there was none or it was abandoned.
     const Animation& Result() const { return animation_; }
+    Animation& Result() { return animation_; }
     bool Complete() const { return complete_; }
     /// Everything from the first caption on.
     const std::vector<SentCommand>& Commands() const { return commands_; }

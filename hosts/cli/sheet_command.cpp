@@ -4,13 +4,17 @@
 #include "codecs/files.h"
 #include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
+#include "hosts/cli/cannot_run.h"
 #include "hosts/cli/contact_sheet.h"
+#include "hosts/cli/failure.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
+#include "hosts/common/processors.h"
 #include "hosts/common/report.h"
+#include "hosts/common/thread_pool.h"
 #include "image/resample.h"
 #include "transitions/table.h"
 
@@ -25,142 +29,148 @@ std::string RowName(std::int32_t row) { return std::to_string(row) + "  " + Tran
 
 class SheetRun {
 public:
-    SheetRun(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
-
-    int Run(std::span<const std::string> words) {
-        WordsError mistake;
-        if (!ParseSheet(words, options_, mistake)) return Fail(mistake.status, mistake.text);
-        if (LowerSuffix(options_.output) != ".png") {
-            return Fail(2, "-o " + options_.output + ": a contact sheet is a .png file");
-        }
-        for (const std::string& warning : options_.warnings)
-            err_ << "lumafold: warning: " << warning << '\n';
-        settings_ = options_.settings;
+    SheetRun(SheetOptions options, const Console& console)
+        : options_(std::move(options)), console_(console), settings_(options_.settings) {
         settings_.TransitionTruecolour = 1;
         settings_.Supercompress = 0;
-        if (const std::string why = WhyNoFileCanStandAt(options_.output); !why.empty()) {
-            return Fail(1, "-o " + options_.output + ": " + why);
-        }
-        std::string error;
-        if (!Load(error)) return Fail(1, error);
-        const OwnedDib sheet = Draw(error);
-        return sheet ? Write(sheet.Get()) : Fail(1, error);
+    }
+
+    int Run() {
+        CheckOutput();
+        Load();
+        const OwnedDib sheet = Draw();
+        if (!sheet) throw Failure(kFailed, "not enough memory");
+        for (const std::string& warning : options_.warnings)
+            console_.Warn(warning);
+        Write(sheet.Get());
+        return 0;
     }
 
 private:
-    int Fail(int status, const std::string& text) {
-        err_ << "lumafold: " << text << '\n';
-        return status;
+    void CheckOutput() const {
+        const std::string& output = options_.output;
+        if (LowerSuffix(output) != "png") Mistake("-o " + output + ": a contact sheet is a .png file");
+        for (const std::string& image : options_.images) {
+            if (SameFile(output, image)) Mistake("-o " + output + ": would replace the picture " + image);
+        }
+        const std::string why = WhyNoFileCanStandAt(output);
+        if (!why.empty()) throw Failure(kFailed, "-o " + output + ": " + why);
     }
 
-    bool Load(std::string& error) {
-        PictureLoader loader(settings_.TransitionMattcolour);
+    void Load() {
+        PictureLoader loader(settings_.TransitionMattcolour, {}, console_.in);
         OwnedDib pictures[2];
-        std::int32_t width = 1, height = 1;
-        for (std::size_t i = 0; i < 2; ++i) {
-            pictures[i] = loader.Load(options_.images[i], error);
-            if (!pictures[i]) return false;
-            width = std::max(width, pictures[i]->biWidth);
-            height = std::max(height, pictures[i]->biHeight);
-        }
-        if (!options_.transition || FrameBytes(width, height) > kMostFrameBytes) {
-            const std::int32_t percent = FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
-            for (OwnedDib& picture : pictures)
-                picture = ShrinkPicture(*picture, percent);
-        }
-        error = "not enough memory";
+        for (std::size_t i = 0; i < 2; ++i)
+            pictures[i] = loader.Load(options_.images[i]);
+        const std::int32_t percent = SheetPercent(pictures);
         const GapValues gap{0, static_cast<std::int32_t>(settings_.TransitionPause),
                             static_cast<std::int32_t>(settings_.TransitionDelay)};
         for (std::size_t i = 0; i < 2; ++i) {
-            if (!pictures[i] || !list_.Add(std::move(pictures[i]), options_.images[i], gap)) return false;
+            OwnedDib picture = percent < 100 ? ShrinkPicture(*pictures[i], percent) : std::move(pictures[i]);
+            if (!picture || !list_.Add(std::move(picture), options_.images[i], gap))
+                throw Failure(kFailed, "not enough memory");
         }
-        return SetTransition(1, kRowNone);
+        SetTransition(1, kRowNone);
     }
 
-    std::int64_t FrameBytes(std::int32_t width, std::int32_t height) const {
-        return FrameCount(*options_.transition, settings_, {width, height}) * 3 * width * height;
+    /// How far the pictures are shrunk: into a cell where all transitions are shown, or where the frames of
+    /// the one would take too much.
+    std::int32_t SheetPercent(const OwnedDib (&pictures)[2]) const {
+        std::int32_t width = 1, height = 1;
+        for (const OwnedDib& picture : pictures) {
+            width = std::max(width, picture->biWidth);
+            height = std::max(height, picture->biHeight);
+        }
+        // Divided instead of multiplied: the number of frames can be as large as it likes.
+        if (options_.transition && FrameCount(*options_.transition, settings_, {width, height}) <=
+                                       kMostFrameBytes / 3 / width / height) {
+            return 100;
+        }
+        return FitPercent(width, height, kSheetCellWidth, kSheetCellHeight);
     }
 
-    bool SetTransition(std::int32_t line, std::int32_t row) {
+    void SetTransition(std::int32_t line, std::int32_t row) {
         ImageEntry entry;
-        if (!list_.Read(line, entry)) return false;
+        if (!list_.Read(line, entry)) return;
         entry.transition = row;
-        return list_.Write(line, entry);
+        list_.Write(line, entry);
     }
 
-    OwnedDib Draw(std::string& error) {
-        Progress progress(err_, StyleFor(err_, options_.quiet));
-        return options_.transition ? DrawOne(*options_.transition, progress, error)
-                                   : DrawAll(progress, error);
+    OwnedDib Draw() {
+        Progress progress(console_.err, StyleFor(console_.err, options_.talk));
+        if (!options_.transition) return DrawAll(progress);
+        return LayOutSheet(Cells(*options_.transition, kMostSheetCells, progress), kSheetColumns);
     }
 
-    OwnedDib DrawOne(std::int32_t row, Progress& progress, std::string& error) {
-        const std::vector<SheetCell> cells = Cells(row, kMostSheetCells, progress, error);
-        return LayOutSheet(cells, kSheetColumns);
-    }
-
-    OwnedDib DrawAll(Progress& progress, std::string& error) {
+    OwnedDib DrawAll(Progress& progress) {
         std::vector<SheetCell> all;
-        Progress unheard(err_, ProgressStyle::Silent);
+        Progress unheard(console_.err, ProgressStyle::Silent);
         progress.Caption("Drawing");
         for (std::int32_t row = 0; row < kTransitionCount; ++row) {
             progress.Position(row + 1, kTransitionCount);
-            std::vector<SheetCell> cells = Cells(row, kFramesOfRow, unheard, error);
-            if (cells.empty()) return {};
+            std::vector<SheetCell> cells = Cells(row, kFramesOfRow, unheard);
             for (SheetCell& cell : cells)
                 cell.label.clear();
             cells.resize(kFramesOfRow);
             cells[0].label = RowName(row) + "  (" + std::to_string(frames_) + " frames)";
             std::move(cells.begin(), cells.end(), std::back_inserter(all));
         }
-        error = "not enough memory";
         return LayOutSheet(all, kFramesOfRow);
     }
 
-    /// The frames of one transition and the picture it leads to; none, with `error`, when it failed.
-    std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress, std::string& error) {
-        error = "the transition \"" + std::string(TransitionName(row)) + "\" (row " + std::to_string(row) +
-                ") cannot be built with these settings";
-        RecordingHost host(kHostTakesTrueColour, progress, err_);
-        const BuildRequest request{list_,     0,    host.Context(), TaskKind::Build,
-                                   settings_, host, Runner(),       UsualMemoryLimit()};
-        if (!SetTransition(0, row) || BuildAnimation(request) == 0) return {};
-        frames_ = host.Result().frames.size();
+    /// The frames of one transition and the picture it leads to.
+    std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress) {
+        SetTransition(0, row);
+        BuildEstimate estimate;
+        if (!EstimateBuild(list_, TaskKind::Build, settings_, estimate))
+            throw Failure(kFailed, "not enough memory");
+        std::string why = WhyCannotRun(row, settings_, estimate.width, estimate.height);
+        if (!why.empty()) throw Failure(kFailed, why);
+        why = WhyTooLarge(estimate, memoryLimit_);
+        if (!why.empty())
+            throw Failure(kFailed, std::string(TransitionName(row)) + " " + why + " (--memory-limit)");
+        RecordingHost host(kHostTakesTrueColour, progress, console_.err);
+        std::vector<SheetCell> cells;
+        if (BuildAnimation(
+                {list_, 0, host.Context(), TaskKind::Build, settings_, host, pool_, memoryLimit_}) != 0) {
+            frames_ = host.Result().frames.size();
+            cells = AnimationCells(host.Result(), most);
+        }
         progress.Clear();
-        return AnimationCells(host.Result(), most);
+        if (cells.empty()) throw Failure(kFailed, std::string(TransitionName(row)) + ": not enough memory");
+        return cells;
     }
 
-    int Write(DibHandle sheet) {
+    void Write(DibHandle sheet) const {
         std::string error;
         const std::vector<std::uint8_t> file = EncodePng(sheet, error);
-        if (file.empty() || !WriteFileSafely(options_.output, file, error)) {
-            return Fail(1, "-o " + options_.output + ": " + error);
-        }
-        if (options_.quiet) return 0;
+        if (file.empty() || !WriteFileSafely(options_.output, file, error))
+            throw Failure(kFailed, "-o " + options_.output + ": " + error);
+        if (options_.talk == Talk::Quiet) return;
         std::int32_t width = 0, height = 0;
         DibQuery(sheet, &width, &height, nullptr, nullptr);
-        out_ << "wrote " << options_.output << ": "
-             << (options_.transition
-                     ? RowName(*options_.transition) + ", " + std::to_string(frames_) + " frames"
-                     : std::to_string(kTransitionCount) + " transitions")
-             << ", " << width << 'x' << height << ", " << SizeText(file.size()) << '\n';
-        return 0;
+        const std::string shown =
+            options_.transition ? RowName(*options_.transition) + ", " + std::to_string(frames_) + " frames"
+                                : std::to_string(kTransitionCount) + " transitions";
+        console_.out << "wrote " << Printable(options_.output) << ": " << shown << ", " << width << 'x'
+                     << height << ", " << SizeText(file.size()) << '\n';
     }
 
     static constexpr std::int32_t kRowNone = 14;
 
-    std::ostream& out_;
-    std::ostream& err_;
-    SheetOptions options_;
+    const SheetOptions options_;
+    const Console& console_;
     PluginSettings settings_; // in force
+    const std::uint64_t memoryLimit_ = options_.memoryLimit ? *options_.memoryLimit : UsualMemoryLimit();
+    const ThreadPool pool_{UsableProcessors()};
     MemoryList list_{GapValues{}};
     std::size_t frames_ = 0; // of the transition drawn last
 };
 
 } // namespace
 
-int RunSheet(std::span<const std::string> words, std::ostream& out, std::ostream& err) {
-    return SheetRun(out, err).Run(words);
+int RunSheet(std::span<const std::string> words, const Console& console) {
+    return SheetRun(ParseSheet(words), console).Run();
 }
 
 } // namespace lumafold

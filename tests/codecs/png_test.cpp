@@ -73,7 +73,7 @@ std::vector<std::uint8_t> Compose(const PngRecipe& recipe) {
                            3,   0,   0, 0,  1, 0, 0, 0, 0, 0, 0, 0,    0};
     exif[19] = static_cast<std::uint8_t>(recipe.orientation);
     if (recipe.orientation != 1) png_set_eXIf_1(png, info, sizeof exif, exif);
-    png_set_gAMA(png, info, 1.0);
+    png_set_gAMA(png, info, 1 / 2.2); // sRGB's: it changes nothing
     png_write_info(png, info);
     png_set_packing(png);
     const int passes = png_set_interlace_handling(png);

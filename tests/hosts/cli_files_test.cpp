@@ -8,6 +8,7 @@
 
 #include "codecs/decode.h"
 #include "codecs/files.h"
+#include "codecs/picture_kinds.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {
@@ -34,11 +35,11 @@ TEST_F(Files, ThatAreNoPicturesSaySo) {
     Put("empty", "");
     Put("text", "GIF is what this is about");
     fs::create_directory(Path("folder"));
-    const std::pair<const char*, const char*> cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"missing", "there is no such file or folder"},
         {"folder", "this is a folder"},
         {"empty", "the file is empty"},
-        {"text", "this is no PNG, JPEG, GIF or BMP picture"}};
+        {"text", "this is no " + ReadablePictureKinds("or") + " picture"}};
     for (const auto& [name, text] : cases) {
         const DecodedPicture got = DecodePictureFile(Path(name), 0, 1000);
         EXPECT_FALSE(got.picture);

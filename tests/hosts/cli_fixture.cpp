@@ -22,9 +22,27 @@ CommandLineTest::CommandLineTest() {
 
 CommandLineTest::~CommandLineTest() { fs::remove_all(PathOf(folder_)); }
 
-Ran CommandLineTest::Run(const std::vector<std::string>& args) const {
+std::vector<std::string> Words(const std::string& line) {
+    std::vector<std::string> words;
+    std::string word;
+    bool quoted = false;
+    for (const char letter : line + " ") {
+        if (letter == '\'') {
+            quoted = !quoted;
+        } else if (letter == ' ' && !quoted) {
+            if (!word.empty()) words.push_back(std::move(word));
+            word.clear();
+        } else {
+            word += letter;
+        }
+    }
+    return words;
+}
+
+Ran CommandLineTest::Run(const std::vector<std::string>& args, const std::string& in) const {
+    std::istringstream input(in);
     std::ostringstream out, err;
-    const int status = RunCommandLine(args, out, err);
+    const int status = RunCommandLine(args, {input, out, err});
     return {status, out.str(), err.str()};
 }
 

@@ -10,6 +10,9 @@
 
 namespace lumafold::test {
 
+/// The words of a line, between blanks or in single quotes.
+std::vector<std::string> Words(const std::string& line);
+
 struct Ran {
     int status;
     std::string out, err;
@@ -20,7 +23,8 @@ protected:
     CommandLineTest();
     ~CommandLineTest() override;
 
-    Ran Run(const std::vector<std::string>& args) const;
+    /// `in` is what stands on the standard input.
+    Ran Run(const std::vector<std::string>& args, const std::string& in = "") const;
     std::string Path(const std::string& name) const { return folder_ + "/" + name; }
     void Put(const std::string& name, const std::string& bytes) const;
     std::string Get(const std::string& name) const;

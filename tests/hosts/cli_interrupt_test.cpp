@@ -72,7 +72,7 @@ TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
     ASSERT_TRUE(SetConsoleCtrlHandler(&StayDeaf, TRUE));
     PutPicture("a.bmp", 320, 240, 1); // enough to be at it for a while
     for (const char* output : {"x.gif", "x/"}) {
-        StartedProgram program(std::string("\"") + LUMAFOLD_PROGRAM + "\" build \"" + Path("a.bmp") +
+        StartedProgram program(std::string("\"") + LUMAFOLD_PROGRAM + "\" build -v \"" + Path("a.bmp") +
                                "\" -o \"" + Path(output) + "\"");
         ASSERT_TRUE(program.ReadUntil("Building"));
         program.Interrupt();
@@ -104,8 +104,8 @@ TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
             WatchForInterrupts();
             InterruptAt buffer("Remapping");
             std::ostream screen(&buffer);
-            const std::vector<std::string> words{"build", Path("a.bmp"), "-o", Path(output)};
-            RunCommandLine(words, screen, screen);
+            const std::vector<std::string> words{"build", "-v", Path("a.bmp"), "-o", Path(output)};
+            RunCommandLine(words, {std::cin, screen, screen});
         };
         EXPECT_EXIT(build(), testing::ExitedWithCode(kInterruptedStatus), "");
     }

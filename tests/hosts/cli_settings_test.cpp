@@ -1,4 +1,6 @@
 // Settings files on the command line: what they set, what stands above them, and what is written.
+#include <sstream>
+
 #include <nlohmann/json.hpp>
 
 #include "hosts/cli/build_options.h"
@@ -8,16 +10,12 @@
 namespace lumafold::test {
 namespace {
 
-using Words = std::vector<std::string>;
-
 TEST_F(CommandLineTest, AConfigFileComesBeforeAllOtherOptions) {
     Put("a.ini", "TransitionType = 14\nTransitionPause=7 hundredths\nTransitionDelay = 3\nFastRemap=0\n"
                  "Supercompress = 1\nPatchLevel = 3\nTransitionIrisStep = 999\n");
-    BuildOptions options;
-    WordsError error;
-    const Words words = {"--set",    "TransitionDelay=4", "--palette=3", "a",    "b",
-                         "--config", Path("a.ini"),       "-o",          "x.gif"};
-    ASSERT_TRUE(ParseBuild(words, options, error)) << error.text;
+    std::istringstream in;
+    const BuildOptions options =
+        ParseBuild(Words("--set TransitionDelay=4 --palette=3 a b -o x.gif --config " + Path("a.ini")), in);
     EXPECT_EQ(options.images[0].gap.transition, 14);
     EXPECT_EQ(options.images[0].gap.pause, 7);
     EXPECT_EQ(options.images[0].gap.delay, 4);
@@ -26,10 +24,8 @@ TEST_F(CommandLineTest, AConfigFileComesBeforeAllOtherOptions) {
     EXPECT_EQ(options.settings.PatchLevel, 17U);
     EXPECT_EQ(options.settings.TransitionIrisStep, 999U);
     EXPECT_FALSE(options.supercompressAsked) << "every file holds all settings";
-    EXPECT_EQ(options.warnings, Words{});
-    SheetOptions sheet;
-    ASSERT_TRUE(ParseSheet(Words{"a", "b", "-o", "x.png", "--config=" + Path("a.ini")}, sheet, error));
-    EXPECT_EQ(sheet.settings.TransitionDelay, 3U);
+    EXPECT_TRUE(options.warnings.empty());
+    EXPECT_EQ(ParseSheet(Words("a b -o x.png --config=" + Path("a.ini"))).settings.TransitionDelay, 3U);
 }
 
 TEST_F(CommandLineTest, SettingsAreShownAsReadAndWrittenInTheSameForm) {
@@ -65,25 +61,23 @@ TEST_F(CommandLineTest, SettingsAreShownAsReadAndWrittenInTheSameForm) {
 TEST_F(CommandLineTest, SettingsFilesThatCannotBeReadOrWrittenSaySo) {
     Put("a.ini", "FastRemap=0\n");
     const struct {
-        Words words;
+        const char* line;
         int status;
         std::string err;
     } kCases[] = {
-        {{"build", "a", "b", "-o", "x.gif", "--config", "none.ini"},
-         1,
-         "--config none.ini: there is no such file or folder"},
-        {{"sheet", "a", "b", "-o", "x.png", "--config", "/"}, 1, "--config /: this is a folder"},
-        {{"settings", "--config=none.ini"}, 1, "--config none.ini: there is no such file or folder"},
-        {{"settings", "--write", "/"}, 1, "--write /: this is a folder"},
-        {{"settings", "--config"}, 2, "option --config needs a value"},
-        {{"settings", "--config=a", "--config=b"}, 2, "option --config is given twice: a and b"},
-        {{"settings", "a"}, 2, "settings takes no words after it: a"},
-        {{"settings", "--dither"}, 2, "unknown option --dither"},
-        {{"settings", "--jsn"}, 2, "unknown option --jsn, did you mean \"--json\"?"},
-        {{"build", "a", "b", "-o", "x.gif", "--json"}, 2, "unknown option --json"},
+        {"build a b -o x.gif --config none.ini", 1, "--config none.ini: there is no such file or folder"},
+        {"sheet a b -o x.png --config /", 1, "--config /: this is a folder"},
+        {"settings --config=none.ini", 1, "--config none.ini: there is no such file or folder"},
+        {"settings --write /", 1, "--write /: this is a folder"},
+        {"settings --config", 2, "option --config needs a value"},
+        {"settings --config=a --config=b", 2, "option --config is given twice: a and b"},
+        {"settings a", 2, "settings takes no words after it: a"},
+        {"settings --dither", 2, "unknown option --dither"},
+        {"settings --jsn", 2, "unknown option --jsn, did you mean \"--json\"?"},
+        {"palettes -- settings", 2, "palettes takes no words after it: settings"},
     };
     for (const auto& row : kCases) {
-        const Ran ran = Run(row.words);
+        const Ran ran = Run(Words(row.line));
         EXPECT_EQ(ran.status, row.status) << row.err;
         EXPECT_EQ(ran.err, "lumafold: " + row.err + "\n");
         EXPECT_EQ(ran.out, "");

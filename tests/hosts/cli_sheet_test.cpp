@@ -1,9 +1,9 @@
 // The contact sheet: what lies where, what it shows of frames that let others shine through, and the sheet of
 // the transitions.
-#include "hosts/cli/contact_sheet.h"
 #include "codecs/decode.h"
-#include "tests/support/animations.h"
+#include "hosts/cli/contact_sheet.h"
 #include "tests/hosts/cli_fixture.h"
+#include "tests/support/animations.h"
 
 namespace lumafold::test {
 namespace {
@@ -91,10 +91,14 @@ TEST_F(CommandLineTest, TheSheetOfOneTransitionAndItsFailures) {
     EXPECT_NE(ran.out.find(bytes), std::string::npos) << ran.out;
     const Ran failed = Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--set", "TransitionIrisStep=0"});
     EXPECT_EQ(failed.status, 1);
-    EXPECT_NE(failed.err.find("lumafold: the transition \"Soft iris (diamond)\" (row 22) cannot be built"),
-              std::string::npos)
-        << failed.err;
+    EXPECT_EQ(failed.err, "lumafold: Soft iris (diamond) cannot run with TransitionIrisStep=0\n");
+    const Ran large =
+        Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--transition", "1", "--memory-limit", "1", "--set",
+             "TransitionAlphaTileStep=5000000", "--set", "TransitionAlphaTileSize=1"});
+    EXPECT_EQ(large.status, 1);
+    EXPECT_NE(large.err.find("; the limit is 1.0 MB (--memory-limit)\n"), std::string::npos) << large.err;
     EXPECT_EQ(Run({"sheet", a, a, "-o", Path("x.gif")}).status, 2);
+    EXPECT_EQ(Run({"sheet", a, sheet, "-o", Path("./one.png")}).status, 2);
     EXPECT_EQ(Run({"sheet", a, Path("none.png"), "-o", Path("x.png")}).status, 1);
     EXPECT_EQ(Names(), (std::vector<std::string>{"a.bmp", "one.png"}));
 }

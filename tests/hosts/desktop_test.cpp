@@ -11,8 +11,8 @@
 #include "hosts/desktop/script_steps.h"
 #include "hosts/desktop/view_picture.h"
 #include "resources/texts/resource_ids.h"
-#include "tests/support/animations.h"
 #include "tests/hosts/cli_fixture.h"
+#include "tests/support/animations.h"
 
 namespace lumafold::test {
 namespace {

@@ -35,6 +35,19 @@ _lumafold_files() { # a folder, or a file with one of these suffixes
         done)
 }
 
+_lumafold_choices() { # contain|cover|stretch of an option, one a line
+    "$1" "$2" --help 2>/dev/null | sed -n "s/^  $3 \\([^ ]*\\).*/\\1/p" | tr '|' '\n'
+}
+
+_lumafold_takes_value() { "$1" "$2" --help 2>/dev/null | grep -q -e "^  $3 [^ ]"; }
+
+_lumafold_word() { # an option or a picture; with the variables of _lumafold
+    case $word in
+    -*) _lumafold_offer "$word" < <(_lumafold_options "$program" "$command") ;;
+    *) _lumafold_files "$bare" .png .jpg .jpeg .gif .bmp .webp .tif .tiff .heic .avif ;;
+    esac
+}
+
 _lumafold() {
     # The word as typed, for its quote decides how names are given; files are bash's business, which wants it bare.
     local program=$1 word=${COMP_WORDS[COMP_CWORD]} bare=$2 before=$3 command=${COMP_WORDS[1]}
@@ -57,17 +70,13 @@ _lumafold() {
         _lumafold_offer "$word" < <("$program" settings | sed '1d; s/ .*/=/')
         ;;
     -o | --output)
-        if [ "$command" = sheet ]; then _lumafold_files "$bare" .png; else _lumafold_files "$bare" .gif .png .mng; fi
+        if [ "$command" = sheet ]; then _lumafold_files "$bare" .png; else _lumafold_files "$bare" .gif .png .mng .webp .y4m; fi
         ;;
     --sheet) _lumafold_files "$bare" .png ;;
     --config | --write) _lumafold_files "$bare" "" ;;
-    --pause | --delay | --matte) COMPREPLY=() ;;
-    *)
-        case $word in
-        -*) _lumafold_offer "$word" < <(_lumafold_options "$program" "$command") ;;
-        *) _lumafold_files "$bare" .png .jpg .jpeg .gif .bmp ;;
-        esac
-        ;;
+    --format | --fit) _lumafold_offer "$word" < <(_lumafold_choices "$program" "$command" "$before") ;;
+    --[a-z]*) if _lumafold_takes_value "$program" "$command" "$before"; then COMPREPLY=(); else _lumafold_word; fi ;;
+    *) _lumafold_word ;;
     esac
 }
 

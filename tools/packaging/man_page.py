@@ -11,12 +11,16 @@ import sys
 SUMMARY = "turn still pictures into looping animations"
 DESCRIPTION = """\
 Lumafold carries each picture of a list into the next by one of 33 transitions, reduces all frames to one palette, and
-writes the animation as a GIF, an animated PNG, an MNG, or as one bitmap for each frame.
+writes the animation as a GIF, an animated PNG, an MNG, an animated WebP, a plain film, or as one bitmap for each frame.
 """
 EXAMPLES = [
     ("Two pictures to a GIF by a soft ellipse, each standing still for a second and a half:",
      'lumafold build --transition "Soft iris (ellipse)" --pause 150 a.png b.jpg -o loop.gif'),
     ("An animated PNG in true colour:", "lumafold build a.png b.png -o loop.png --true-colour"),
+    ("Photos made smaller, to a WebP that may lose what is hardly seen:",
+     "lumafold build *.jpg --max-size 600 --quality 80 -o photos.webp"),
+    ("A film, by way of another program:",
+     "lumafold build a.png b.png -o - --format y4m | ffmpeg -i - film.mp4"),
     ("How large a GIF in a fixed palette would be:",
      'lumafold build a.png b.png --palette "216-color safe" --no-dither --estimate'),
     ("What each transition does with two pictures:", "lumafold sheet a.png b.png -o all.png"),
@@ -26,6 +30,7 @@ EXAMPLES = [
 ]
 MEANINGS_AT = 26  # the column
 COMMAND = re.compile(r"^  (\w+) {2,}(\S.*)$")
+HEADING = re.compile(r"^(\S.*):$")
 
 
 class Page:
@@ -59,36 +64,42 @@ def told(program, *words):
 
 
 def parse_help(text):
-    """Returns (usages, paragraphs, options): lines of how to call it, prose, and [(option, meaning)]."""
-    usages, paragraphs, options = [], [], []
+    """Returns (usages, paragraphs, groups): lines of how to call it, prose, and [(heading, [[option, meaning]])]."""
+    usages, paragraphs, groups = [], [], []
     for block in re.split(r"\n\s*\n", text.strip("\n")):
         lines = block.split("\n")
         if lines[0].startswith("usage: "):
             usages = [line.removeprefix("usage: ").strip() for line in lines]
-        elif lines[0].startswith("  "):
-            for line in lines:
+        elif HEADING.match(lines[0]) and len(lines) > 1:
+            options = []
+            for line in lines[1:]:
                 if line.startswith("  -"):
                     aligned = line[MEANINGS_AT - 1:MEANINGS_AT] == " "
                     at = MEANINGS_AT if aligned else len(line)
                     options.append([line[:at].strip(), line[at:]])
-                elif not COMMAND.match(line):
+                else:
                     options[-1][1] += " " + line.strip()
-        else:
+            groups.append((HEADING.match(lines[0])[1], options))
+        elif not lines[0].startswith("  "):
             paragraphs.append(block)
-    return usages, paragraphs, options
+    return usages, paragraphs, groups
 
 
 def write_command(page, program, name):
-    _, paragraphs, options = parse_help(told(program, name, "--help"))
+    _, paragraphs, groups = parse_help(told(program, name, "--help"))
     page.request("SS", f"lumafold {name}")
     for number, paragraph in enumerate(paragraphs):
+        if paragraph.startswith("Exit status:"):
+            continue  # that has a section of its own
         if number > 0:
             page.request("PP")
-        page.text(re.sub(r"\nExit status:.*", "", paragraph))  # that has a section of its own
-    for option, meaning in options:
-        if option == "--help, --version":
-            meaning = "say how to use it, or which version it is"
-        page.item(option, meaning)
+        page.text(paragraph)
+    for heading, options in groups:
+        if len(groups) > 1:
+            page.request("PP")
+            page.request("I", heading)
+        for option, meaning in options:
+            page.item(option, meaning)
 
 
 def commands(program):
@@ -135,7 +146,7 @@ def main():
     page.text(DESCRIPTION)
     page.request("SH", "COMMANDS")
     for name, meaning in commands(program).items():
-        page.item(name, re.sub(r' \("lumafold .*? tells how\)', "", meaning))
+        page.item(name, meaning)
     page.request("SH", "OPTIONS")
     for name in ("build", "sheet", "settings"):
         write_command(page, program, name)

@@ -1,0 +1,122 @@
+#include "codecs/webp_writer.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include <webp/encode.h>
+#include <webp/mux.h>
+
+#include "codecs/frame_screens.h"
+
+namespace lumafold {
+namespace {
+
+constexpr const char* kFailed = "the WebP library could not write the animation";
+
+struct Picture : WebPPicture {
+    Picture(std::int32_t pictureWidth, std::int32_t pictureHeight) {
+        if (WebPPictureInit(this) == 0) throw AnimationError{kFailed};
+        use_argb = 1;
+        width = pictureWidth;
+        height = pictureHeight;
+        if (WebPPictureAlloc(this) == 0) throw std::bad_alloc();
+    }
+    Picture(const Picture&) = delete;
+    Picture& operator=(const Picture&) = delete;
+    ~Picture() { WebPPictureFree(this); }
+};
+
+WebPConfig ConfigOf(const WebpOptions& options) {
+    WebPConfig config;
+    if (WebPConfigInit(&config) == 0) throw AnimationError{kFailed};
+    config.lossless = options.quality ? 0 : 1;
+    if (options.quality) config.quality = static_cast<float>(std::clamp(*options.quality, 0, 100));
+    return config;
+}
+
+WebPAnimEncoder* NewEncoder(std::int32_t width, std::int32_t height, std::int32_t plays) {
+    if (width < 1 || height < 1) throw AnimationError{"the animation has no pixels"};
+    if (width > WebpWriter::kMostSide || height > WebpWriter::kMostSide)
+        throw AnimationError{"a side of a WebP animation may have 16383 pixels"};
+    WebPAnimEncoderOptions options;
+    if (WebPAnimEncoderOptionsInit(&options) == 0) throw AnimationError{kFailed};
+    constexpr std::int32_t kMostPlays = 65535;
+    options.anim_params.loop_count = std::clamp(plays, 0, kMostPlays);
+    WebPAnimEncoder* encoder = WebPAnimEncoderNew(width, height, &options);
+    if (encoder == nullptr) throw std::bad_alloc();
+    return encoder;
+}
+
+struct FreeEncoder {
+    void operator()(WebPAnimEncoder* encoder) const { WebPAnimEncoderDelete(encoder); }
+};
+
+} // namespace
+
+struct WebpWriter::State {
+    State(std::int32_t width, std::int32_t height, std::int32_t plays, const WebpOptions& options)
+        : config(ConfigOf(options)), encoder(NewEncoder(width, height, plays)), picture(width, height) {}
+
+    /// From here on what is added next is seen; null where nothing is.
+    void AddAt(WebPPicture* shown) {
+        if (WebPAnimEncoderAdd(encoder.get(), shown, milliseconds, &config) != 0) return;
+        if (shown != nullptr && shown->error_code == VP8_ENC_ERROR_OUT_OF_MEMORY) throw std::bad_alloc();
+        throw AnimationError{kFailed};
+    }
+
+    WebPConfig config;
+    std::unique_ptr<WebPAnimEncoder, FreeEncoder> encoder;
+    Picture picture;
+    int milliseconds = 0;
+};
+
+WebpWriter::WebpWriter(std::int32_t width, std::int32_t height, std::int32_t plays,
+                       const WebpOptions& options)
+    : state_(std::make_unique<State>(width, height, plays, options)) {}
+WebpWriter::WebpWriter(WebpWriter&&) noexcept = default;
+WebpWriter::~WebpWriter() = default;
+
+void WebpWriter::Add(std::span<const PixelValue> screen, std::int32_t delay) {
+    constexpr std::int32_t kMostDelay = 0xFFFFFF / 10;
+    Picture& picture = state_->picture;
+    for (int y = 0; y < picture.height; ++y) {
+        const PixelValue* from = screen.data() + static_cast<std::ptrdiff_t>(y) * picture.width;
+        std::uint32_t* to = picture.argb + static_cast<std::ptrdiff_t>(y) * picture.argb_stride;
+        std::transform(from, from + picture.width, to, [](PixelValue pixel) {
+            if (pixel == kNoPixel) return 0U;
+            return 0xFF000000U | RedOf(pixel) << 16 | GreenOf(pixel) << 8 | BlueOf(pixel);
+        });
+    }
+    state_->AddAt(&picture);
+    const std::int64_t next =
+        std::int64_t{state_->milliseconds} + std::int64_t{std::clamp(delay, 0, kMostDelay)} * 10;
+    if (next > std::numeric_limits<int>::max()) throw AnimationError{"the animation lasts too long"};
+    state_->milliseconds = static_cast<int>(next);
+}
+
+std::vector<std::uint8_t> WebpWriter::Finish() {
+    state_->AddAt(nullptr);
+    WebPData data;
+    WebPDataInit(&data);
+    const std::unique_ptr<WebPData, decltype(&WebPDataClear)> owner(&data, WebPDataClear);
+    if (WebPAnimEncoderAssemble(state_->encoder.get(), &data) == 0) throw AnimationError{kFailed};
+    return {data.bytes, data.bytes + data.size};
+}
+
+std::vector<std::uint8_t> EncodeWebp(const Animation& animation, const WebpOptions& options,
+                                     std::string& error) {
+    return FileOrError(
+        [&] {
+            CheckAnimation(animation, WebpWriter::kMostSide,
+                           "a side of a WebP animation may have 16383 pixels");
+            WebpWriter writer(animation.width, animation.height, animation.plays, options);
+            FrameScreens screens(animation);
+            for (std::size_t i = 0; i < animation.frames.size(); ++i)
+                writer.Add(screens.At(i), animation.frames[i].delay);
+            return writer.Finish();
+        },
+        error);
+}
+
+} // namespace lumafold

@@ -1,0 +1,51 @@
+#include "hosts/cli/console.h"
+
+#include <cstdio>
+
+namespace lumafold {
+namespace {
+
+std::string Escaped(unsigned char byte) {
+    if (byte == '\n') return "\\n";
+    if (byte == '\r') return "\\r";
+    if (byte == '\t') return "\\t";
+    char text[8];
+    std::snprintf(text, sizeof(text), "\\x%02X", byte);
+    return text;
+}
+
+unsigned char ByteAt(std::string_view text, std::size_t at) {
+    return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
+}
+
+/// How many bytes the letter at `at` has that may be shown as they are; 0 for none.
+std::size_t PrintableBytes(std::string_view text, std::size_t at) {
+    const unsigned char first = ByteAt(text, at);
+    if (first < 0x20 || first == 0x7F) return 0;
+    if (first < 0x80) return 1;
+#ifdef _WIN32
+    return 1; // a letter, or half of one, of the system's code page
+#else
+    const std::size_t bytes = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4) return 0;
+    for (std::size_t i = 1; i < bytes; ++i) {
+        if ((ByteAt(text, at + i) & 0xC0) != 0x80) return 0;
+    }
+    // U+0080 to U+009F steer terminals as an escape character does.
+    return first == 0xC2 && ByteAt(text, at + 1) < 0xA0 ? 0 : bytes;
+#endif
+}
+
+} // namespace
+
+std::string Printable(std::string_view text) {
+    std::string shown;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t bytes = PrintableBytes(text, at);
+        shown += bytes == 0 ? Escaped(ByteAt(text, at)) : std::string(text.substr(at, bytes));
+        at += bytes == 0 ? 1 : bytes;
+    }
+    return shown;
+}
+
+} // namespace lumafold

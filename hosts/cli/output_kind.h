@@ -1,0 +1,28 @@
+// The kinds of output there are, with the names and suffixes that choose them.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace lumafold {
+
+enum class OutputKind { Gif, Apng, Mng, Webp, Y4m, Folder };
+
+/// What --format and suffixes mean, "gif" for one; none for a word that no kind has.
+std::optional<OutputKind> OutputKindNamed(const std::string& name);
+
+/// The names that --format takes, with `separator` between them, and the suffixes with their dots.
+std::string FormatNames(const std::string& separator);
+std::string OutputSuffixes();
+
+/// The suffix of a file's name without its dot, in small letters.
+std::string LowerSuffix(const std::string& path);
+
+/// By `format` where there is one, else by the name: a folder where it ends as one's or is there as one, else
+/// by its suffix. "" is a GIF. Throws Failure, with "-o" in front, for a name whose kind is not known.
+OutputKind KindOfOutput(const std::string& path, std::optional<OutputKind> format);
+
+/// The capability flags of a host that writes this kind.
+std::uint32_t CapabilityFlags(OutputKind kind);
+
+} // namespace lumafold

@@ -1,0 +1,30 @@
+#include "hosts/cli/peak_memory.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <psapi.h>
+#else
+#include <sys/resource.h>
+#endif
+
+namespace lumafold {
+
+#ifdef _WIN32
+
+std::uint64_t PeakMemory() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    const BOOL told = GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+    return told != 0 ? counters.PeakWorkingSetSize : 0;
+}
+
+#else
+
+std::uint64_t PeakMemory() {
+    rusage usage{};
+    return getrusage(RUSAGE_SELF, &usage) == 0 ? static_cast<std::uint64_t>(usage.ru_maxrss) * 1024 : 0;
+}
+
+#endif
+
+} // namespace lumafold

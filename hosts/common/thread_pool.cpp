@@ -1,0 +1,85 @@
+#include "hosts/common/thread_pool.h"
+
+#include <algorithm>
+#include <system_error>
+#ifdef _WIN32
+#include <float.h>
+#endif
+
+namespace lumafold {
+
+ThreadPool::ThreadPool(int jobs) {
+    try {
+        for (int i = 1; i < jobs; ++i)
+            workers_.emplace_back(&ThreadPool::Work, this);
+    } catch (const std::system_error&) {
+        // Those that are there do all of it.
+    }
+}
+
+ThreadPool::~ThreadPool() {
+    {
+        const std::lock_guard lock(mutex_);
+        ends_ = true;
+    }
+    workCame_.notify_all();
+    for (std::thread& worker : workers_)
+        worker.join();
+}
+
+void ThreadPool::Run(std::size_t count, Piece piece, const void* work) const {
+    if (workers_.empty() || count < 2) {
+        Runner::Run(count, piece, work);
+        return;
+    }
+    Batch batch{piece, work, count};
+    std::unique_lock lock(mutex_);
+    batches_.push_back(&batch);
+    workCame_.notify_all();
+    while (batch.HasNext())
+        RunNext(batch, lock);
+    pieceEnded_.wait(lock, [&] { return batch.running == 0; });
+    std::erase(batches_, &batch);
+    if (batch.failure) std::rethrow_exception(batch.failure);
+}
+
+/// Takes a piece, and runs it without the lock.
+void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const {
+    const std::size_t index = batch.next++;
+    ++batch.running;
+    std::exception_ptr failure;
+    lock.unlock();
+    try {
+        batch.piece(batch.work, index);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    lock.lock();
+    if (failure) {
+        batch.next = batch.count;
+        if (!batch.failure) batch.failure = failure;
+    }
+    if (--batch.running == 0 && !batch.HasNext()) pieceEnded_.notify_all();
+}
+
+ThreadPool::Batch* ThreadPool::OpenBatch() const {
+    const auto open =
+        std::find_if(batches_.rbegin(), batches_.rend(), [](const Batch* one) { return one->HasNext(); });
+    return open == batches_.rend() ? nullptr : *open;
+}
+
+void ThreadPool::Work() const {
+#ifdef _WIN32
+    _fpreset(); // the system starts threads with less precision than the first one has
+#endif
+    std::unique_lock lock(mutex_);
+    while (!ends_) {
+        if (Batch* batch = OpenBatch()) {
+            RunNext(*batch, lock);
+        } else {
+            workCame_.wait(lock);
+        }
+    }
+}
+
+} // namespace lumafold

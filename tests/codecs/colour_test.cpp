@@ -1,0 +1,206 @@
+// Pictures whose files say that their colours are not those of sRGB.
+#include <gtest/gtest.h>
+
+#if LUMAFOLD_COLOUR_PROFILES
+#include <lcms2.h>
+
+#include <cmath>
+#include <functional>
+
+#include "codecs/decode.h"
+#include "tests/codecs/compose.h"
+#include "tests/support/checksum.h"
+#include "tests/support/colours.h"
+
+namespace lumafold::test {
+namespace {
+
+constexpr std::uint64_t kMany = 1 << 20;
+using Triple = std::array<double, 3>;
+
+/// A space of colours: how to make its profile, and by formula its light in that of sRGB's primaries.
+struct Space {
+    const char* name;
+    cmsCIExyYTRIPLE primaries;
+    double gamma; ///< 0 for sRGB's curve
+    Triple toSrgb[3];
+};
+/// The matrices are the products of the published ones to and from XYZ at D65.
+const Space kDisplayP3{
+    "Display P3",
+    {{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}},
+    0,
+    {{1.2249401, -0.2249402, 0}, {-0.0420570, 1.0420571, 0}, {-0.0196376, -0.0786361, 1.0982735}}};
+const Space kAdobeRgb{"Adobe RGB",
+                      {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}},
+                      563.0 / 256,
+                      {{1.3983557, -0.3983557, 0}, {0, 1, 0}, {0, -0.0429290, 1.0429290}}};
+const Space kSrgb{
+    "sRGB", {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}}, 0, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+
+FileBytes Saved(cmsHPROFILE profile) {
+    cmsUInt32Number bytes = 0;
+    cmsSaveProfileToMem(profile, nullptr, &bytes);
+    FileBytes saved(bytes);
+    cmsSaveProfileToMem(profile, saved.data(), &bytes);
+    cmsCloseProfile(profile);
+    return saved;
+}
+
+cmsToneCurve* CurveOf(double gamma) {
+    const cmsFloat64Number srgb[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    return gamma > 0 ? cmsBuildGamma(nullptr, gamma) : cmsBuildParametricToneCurve(nullptr, 4, srgb);
+}
+
+FileBytes ProfileOf(const Space& space) {
+    const cmsCIExyY white{0.3127, 0.3290, 1};
+    cmsToneCurve* curve = CurveOf(space.gamma);
+    cmsToneCurve* const curves[] = {curve, curve, curve};
+    FileBytes profile = Saved(cmsCreateRGBProfile(&white, &space.primaries, curves));
+    cmsFreeToneCurve(curve);
+    return profile;
+}
+
+double Light(double sample, double gamma) {
+    if (gamma > 0) return std::pow(sample, gamma);
+    return sample <= 0.04045 ? sample / 12.92 : std::pow((sample + 0.055) / 1.055, 2.4);
+}
+double SrgbSample(double light) {
+    light = std::clamp(light, 0.0, 1.0);
+    return 255 * (light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055);
+}
+
+/// The greatest difference between what was read and what the formulas say.
+double WorstDifference(const FileBytes& file, const RgbaPicture& picture, const Space& space) {
+    const DecodedPicture got = DecodePicture(file, 0, kMany);
+    EXPECT_EQ(got.error, "");
+    const LockedDib dib(got.picture.Get());
+    double worst = dib ? 0 : 1000;
+    for (int i = 0; dib && i < picture.width * picture.height; ++i) {
+        const std::uint8_t* rgba = picture.samples.data() + 4 * i;
+        const Rgb seen = ColourAt(dib.Get(), i % picture.width, i / picture.width);
+        const int channels[] = {seen.red, seen.green, seen.blue};
+        for (int c = 0; c < 3; ++c) {
+            double light = 0;
+            for (int k = 0; k < 3; ++k)
+                light += space.toSrgb[c][static_cast<std::size_t>(k)] * Light(rgba[k] / 255.0, space.gamma);
+            worst = std::max(worst, std::abs(channels[c] - SrgbSample(light)));
+        }
+    }
+    return worst;
+}
+
+TEST(ColourProfiles, BringEveryKindToSrgb) {
+    const RgbaPicture picture = SmoothPicture(37, 21, true);
+    for (const Space* space : {&kDisplayP3, &kAdobeRgb}) {
+        SCOPED_TRACE(space->name);
+        const FileBytes profile = ProfileOf(*space);
+        const ComposeOptions options{true, 1, profile};
+        EXPECT_LT(WorstDifference(ComposePng(picture, options), picture, *space), 1.1);
+        EXPECT_LT(WorstDifference(ComposeJpeg(picture, options), picture, *space), 4);
+#if LUMAFOLD_WEBP
+        EXPECT_LT(WorstDifference(ComposeWebp(picture, options), picture, *space), 1.1);
+#endif
+#if LUMAFOLD_TIFF
+        EXPECT_LT(WorstDifference(ComposeTiff(picture, {options}), picture, *space), 1.1);
+#endif
+#if LUMAFOLD_HEIF
+        EXPECT_LT(WorstDifference(ComposeHeif(picture, HeifKind::Heic, options), picture, *space), 14);
+        EXPECT_LT(WorstDifference(ComposeHeif(picture, HeifKind::Avif, options), picture, *space), 14);
+#endif
+    }
+}
+
+RgbaPicture EveryColour() {
+    RgbaPicture picture{64, 64, {}};
+    for (int i = 0; i < 64 * 64; ++i) {
+        for (const int shift : {0, 4, 8})
+            picture.samples.push_back(static_cast<std::uint8_t>((i >> shift & 15) * 17));
+        picture.samples.push_back(static_cast<std::uint8_t>(i % 7 == 0 ? 100 : 255));
+    }
+    return picture;
+}
+
+std::uint64_t ChecksumOf(const FileBytes& file) {
+    const DecodedPicture got = DecodePicture(file, 0x336699, kMany);
+    EXPECT_EQ(got.error, "");
+    return DibChecksum(got.picture.Get());
+}
+
+TEST(ColourProfiles, GiveTheSameBytesEverywhere) {
+    const RgbaPicture picture = EveryColour();
+    const FileBytes p3 = ProfileOf(kDisplayP3), adobe = ProfileOf(kAdobeRgb);
+    EXPECT_EQ(ChecksumOf(ComposePng(picture, {true, 1, p3})), 14776997739597892880U);
+    EXPECT_EQ(ChecksumOf(ComposePng(picture, {true, 1, adobe})), 7460228902631229100U);
+}
+
+TEST(ColourProfiles, ChangeNothingWhereTheySaySrgbOrNonsense) {
+    const RgbaPicture picture = EveryColour();
+    const std::uint64_t plain = ChecksumOf(ComposeJpeg(picture, {}));
+    const FileBytes srgb = ProfileOf(kSrgb),
+                    cmyk = Saved(cmsCreateInkLimitingDeviceLink(cmsSigCmykData, 250));
+    const FileBytes lab = Saved(cmsCreateLab4Profile(nullptr));
+    FileBytes cut = ProfileOf(kAdobeRgb);
+    cut.resize(cut.size() / 2);
+    for (const FileBytes& profile : {srgb, cmyk, lab, cut}) {
+        EXPECT_EQ(ChecksumOf(ComposeJpeg(picture, {true, 1, profile})), plain);
+    }
+}
+
+/// A 16 x 1 ramp with what `tell` puts into it.
+FileBytes Ramp(int type, int depth, const std::function<void(png_structp, png_infop)>& tell) {
+    return WrittenPng([&, type = type, depth = depth](png_structp png, png_infop info) {
+        png_set_IHDR(png, info, 16, 1, depth, type, PNG_INTERLACE_NONE, 0, 0);
+        png_color colours[16];
+        for (unsigned i = 0; i < 16; ++i) {
+            const auto grey = static_cast<png_byte>(i * 17);
+            colours[i] = {grey, grey, grey};
+        }
+        if (type == PNG_COLOR_TYPE_PALETTE) png_set_PLTE(png, info, colours, 16);
+        tell(png, info);
+        png_write_info(png, info);
+        FileBytes row;
+        const int samples = type == PNG_COLOR_TYPE_RGB ? 3 : 1;
+        for (int i = 0; i < 16 * samples * depth / 8; ++i) {
+            const int x = i / (samples * depth / 8);
+            row.push_back(static_cast<std::uint8_t>(type == PNG_COLOR_TYPE_PALETTE ? x : x * 17));
+        }
+        png_write_row(png, row.data());
+    });
+}
+
+TEST(PngColours, FollowGamma) {
+    for (const auto& [type, depth] : {std::pair{PNG_COLOR_TYPE_GRAY, 8},
+                                      {PNG_COLOR_TYPE_GRAY, 16},
+                                      {PNG_COLOR_TYPE_PALETTE, 8},
+                                      {PNG_COLOR_TYPE_RGB, 8},
+                                      {PNG_COLOR_TYPE_RGB, 16}}) {
+        const FileBytes file =
+            Ramp(type, depth, [](png_structp png, png_infop info) { png_set_gAMA(png, info, 1.0); });
+        const DecodedPicture got = DecodePicture(file, 0, kMany);
+        ASSERT_EQ(got.error, "");
+        const LockedDib dib(got.picture.Get());
+        for (int x = 0; x < 16; ++x)
+            EXPECT_NEAR(ColourAt(dib.Get(), x, 0).green, SrgbSample(x / 15.0), 1) << type << ' ' << depth;
+    }
+}
+
+TEST(PngColours, FollowPrimariesAlone) {
+    constexpr double kColour[] = {200, 100, 50};
+    const FileBytes file = Ramp(PNG_COLOR_TYPE_PALETTE, 8, [](png_structp png, png_infop info) {
+        png_color colours[16];
+        std::fill(std::begin(colours), std::end(colours), png_color{200, 100, 50});
+        png_set_PLTE(png, info, colours, 16);
+        png_set_cHRM(png, info, 0.3127, 0.3290, 0.64, 0.33, 0.21, 0.71, 0.15, 0.06);
+    });
+    const DecodedPicture got = DecodePicture(file, 0, kMany);
+    ASSERT_EQ(got.error, "");
+    const Rgb seen = ColourAt(LockedDib(got.picture.Get()).Get(), 0, 0);
+    const double red = 1.3983557 * Light(kColour[0] / 255, 0) - 0.3983557 * Light(kColour[1] / 255, 0);
+    EXPECT_NEAR(seen.red, SrgbSample(red), 1);
+    EXPECT_EQ(seen.green, 100);
+}
+
+} // namespace
+} // namespace lumafold::test
+#endif

@@ -1,0 +1,225 @@
+// What is written for players that know nothing of palettes: WebP animations as libwebp reads them, films by
+// the formulas of their colours, and the delays for both.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "codecs/delays.h"
+#include "codecs/y4m_writer.h"
+#include "tests/support/animations.h"
+#include "tests/support/pictures.h"
+
+#if LUMAFOLD_WEBP
+#include <webp/demux.h>
+
+#include "codecs/webp_writer.h"
+#endif
+
+namespace lumafold::test {
+namespace {
+
+using File = std::vector<std::uint8_t>;
+
+TEST(Delays, AreHeldAndTakenFromTheNext) {
+    struct Case {
+        std::vector<std::int32_t> told, held;
+        std::size_t count;
+    };
+    const Case cases[] = {
+        {{}, {}, 0},
+        {{8, 2, 50}, {8, 2, 50}, 0},
+        {{0, 1, 50}, {2, 2, 47}, 2},
+        {{0, 3, 3, 3}, {2, 2, 2, 3}, 1},
+        {{50, 1, 2, 0}, {47, 2, 2, 2}, 2}, // from the first again
+        {{-5, 1}, {2, 2}, 2},              // there is nothing to take
+    };
+    for (const Case& one : cases) {
+        std::vector<std::int32_t> delays = one.told;
+        EXPECT_EQ(HoldShortFrames(delays), one.count);
+        EXPECT_EQ(delays, one.held);
+    }
+    const std::int32_t mixed[] = {8, 50, -3, 100, 0}, none[] = {0, -1};
+    EXPECT_EQ(CommonDelay(mixed), 2);
+    EXPECT_EQ(CommonDelay(none), 0);
+}
+
+/// The text line, then the planes of every frame as one string each.
+struct Film {
+    std::string head;
+    std::vector<std::string> frames;
+};
+Film FilmOf(const Animation& animation, const Y4mOptions& options, std::size_t frameBytes) {
+    std::string file, error;
+    EXPECT_TRUE(WriteY4m(
+        animation, options,
+        [&](std::span<const std::uint8_t> bytes) {
+            file.append(bytes.begin(), bytes.end());
+            return true;
+        },
+        error))
+        << error;
+    Film film{file.substr(0, file.find('\n')), {}};
+    for (std::size_t at = film.head.size() + 1; at < file.size(); at += 6 + frameBytes) {
+        EXPECT_EQ(file.substr(at, 6), "FRAME\n");
+        film.frames.push_back(file.substr(at + 6, frameBytes));
+    }
+    return film;
+}
+
+/// Luma, blue and red difference by the definition, for a pixel of 0x00BBGGRR.
+std::array<double, 3> YuvOf(PixelValue pixel, double redShare, double blueShare) {
+    const double red = RedOf(pixel) / 255.0, blue = BlueOf(pixel) / 255.0;
+    const double luma =
+        redShare * red + blueShare * blue + (1 - redShare - blueShare) * GreenOf(pixel) / 255.0;
+    return {16 + 219 * luma, 128 + 112 * (blue - luma) / (1 - blueShare),
+            128 + 112 * (red - luma) / (1 - redShare)};
+}
+
+TEST(Y4mWriter, RepeatsStillsAtTheCommonRate) {
+    Animation animation = EmptyAnimation(5, 3, 8);
+    animation.palette = {Rgb{255, 0, 0}, Rgb{0, 255, 0}, Rgb{255, 255, 255}, Rgb{0, 0, 0}};
+    AddFrame(animation, {8, 24, 3, 4, 3},
+             [](int x, int) { return x == 2 ? 3U : 0U; }); // a hole, a column left out
+    AddFrame(animation, {8, 0}, [](int, int) { return 3U; });
+    AddFrame(animation, {8, 16}, [](int, int) { return 2U; });
+    const Film film = FilmOf(animation, {Y4mOptions::Chroma::Half420, {}, MakeColour(0, 0, 255)}, 15 + 2 * 6);
+    EXPECT_EQ(film.head, "YUV4MPEG2 W5 H3 F25:2 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED XCOLORMATRIX=BT601");
+    ASSERT_EQ(film.frames.size(), 5U);
+    EXPECT_EQ(film.frames[0], film.frames[2]);
+    EXPECT_EQ(film.frames[3], film.frames[4]);
+    EXPECT_EQ(film.frames[3], std::string(15, '\xEB') + std::string(12, '\x80'));
+    EXPECT_EQ(film.frames[0].substr(0, 5), "\x51\x51\x29\x51\x29") << "red, and the blue behind";
+    EXPECT_EQ(film.frames[0].substr(15, 3), std::string("\x5A\xA5\xF0")) << "two of red, one of each, blue";
+}
+
+TEST(Y4mWriter, FollowsTheMatrix) {
+    Animation animation = EmptyAnimation(64, 64, 8);
+    AddFrame(animation, {24, 5}, [](int x, int y) {
+        const auto step = [](int i) { return static_cast<unsigned>(i % 16 * 17); };
+        return MakeColour(step(x), step(y), step(x / 16 * 4 + y / 16));
+    });
+    for (const auto& [matrix, red, blue] :
+         {std::tuple{YuvMatrix::Bt601, 0.299, 0.114}, {YuvMatrix::Bt709, 0.2126, 0.0722}}) {
+        const Film film = FilmOf(animation, {Y4mOptions::Chroma::Full444, matrix}, 3 * 4096);
+        ASSERT_EQ(film.frames.size(), 1U);
+        const LockedDib dib(animation.frames[0].image.Get());
+        for (std::size_t i = 0; i < 4096; ++i) {
+            const auto wanted =
+                YuvOf(DibGetPixel(dib.Get(), static_cast<int>(i % 64), static_cast<int>(i / 64)), red, blue);
+            for (std::size_t plane = 0; plane < 3; ++plane) {
+                const double got = static_cast<std::uint8_t>(film.frames[0][plane * 4096 + i]);
+                ASSERT_NEAR(got, wanted[plane], 0.52) << i << " in plane " << plane;
+            }
+        }
+    }
+}
+
+TEST(Y4mWriter, TellsWhatKeepsItFromWriting) {
+    Animation animation = EmptyAnimation(4, 4, 8);
+    const auto failure = [&](int mostPieces) {
+        std::string error;
+        int pieces = 0;
+        EXPECT_FALSE(WriteY4m(
+            animation, {}, [&](auto) { return ++pieces <= mostPieces; }, error));
+        return error;
+    };
+    EXPECT_EQ(failure(9), "the animation has no frames");
+    AddFrame(animation, {8, 0}, [](int, int) { return 0U; });
+    EXPECT_EQ(failure(9), "no frame of the animation is seen for any time");
+    AddFrame(animation, {8, 9}, [](int, int) { return 0U; });
+    for (const int pieces : {0, 1})
+        EXPECT_EQ(failure(pieces), "not all of the film could be written");
+}
+
+#if LUMAFOLD_WEBP
+struct Played {
+    std::uint32_t plays = 1000;
+    int width = 0, height = 0;
+    std::vector<std::pair<int, std::vector<PixelValue>>> screens; ///< until when in milliseconds
+};
+
+Played Play(const File& file) {
+    const WebPData data{file.data(), file.size()};
+    WebPAnimDecoderOptions options;
+    WebPAnimDecoderOptionsInit(&options);
+    WebPAnimDecoder* decoder = WebPAnimDecoderNew(&data, &options);
+    Played played;
+    WebPAnimInfo info;
+    EXPECT_TRUE(decoder != nullptr && WebPAnimDecoderGetInfo(decoder, &info) != 0);
+    if (decoder == nullptr) return played;
+    played.plays = info.loop_count;
+    played.width = static_cast<int>(info.canvas_width);
+    played.height = static_cast<int>(info.canvas_height);
+    while (WebPAnimDecoderHasMoreFrames(decoder) != 0) {
+        std::uint8_t* rgba = nullptr;
+        int until = 0;
+        EXPECT_NE(WebPAnimDecoderGetNext(decoder, &rgba, &until), 0);
+        std::vector<PixelValue> screen;
+        for (int i = 0; i < played.width * played.height; ++i, rgba += 4)
+            screen.push_back(rgba[3] == 0 ? kNoPixel : MakeColour(rgba[0], rgba[1], rgba[2]));
+        played.screens.emplace_back(until, screen);
+    }
+    WebPAnimDecoderDelete(decoder);
+    return played;
+}
+
+/// What is on screen at a moment; the last screen ends at its `until`.
+const std::vector<PixelValue>& At(const Played& played, int moment) {
+    for (const auto& [until, screen] : played.screens) {
+        if (moment < until) return screen;
+    }
+    return played.screens.back().second;
+}
+
+TEST(WebpWriter, ShowsEveryFrameWithoutLoss) {
+    for (auto& [name, animation] : AnimationCases()) {
+        SCOPED_TRACE(name);
+        animation.plays = 7;
+        std::string error;
+        const Played played = Play(EncodeWebp(animation, {}, error));
+        ASSERT_EQ(error, "");
+        EXPECT_EQ(played.width, animation.width);
+        EXPECT_EQ(played.height, animation.height);
+        const auto wanted = WantedScreens(animation);
+        if (std::all_of(wanted.begin(), wanted.end(), [&](auto& screen) { return screen == wanted[0]; })) {
+            ASSERT_EQ(played.screens.size(), 1U) << "a still picture, which has no time";
+            EXPECT_EQ(played.screens[0].second, wanted[0]);
+            continue;
+        }
+        EXPECT_EQ(played.plays, 7U);
+        int began = 0;
+        for (std::size_t i = 0; i < wanted.size(); ++i) {
+            const int lasts = std::max(animation.frames[i].delay, 0) * 10;
+            if (lasts > 0) {
+                EXPECT_EQ(At(played, began), wanted[i]) << i;
+                EXPECT_EQ(At(played, began + lasts - 1), wanted[i]) << i;
+            }
+            began += lasts;
+        }
+        EXPECT_EQ(played.screens.back().first, began);
+    }
+}
+
+TEST(WebpWriter, IsSmallerWithLoss) {
+    Animation animation;
+    animation.width = 90;
+    animation.height = 60;
+    for (const unsigned seed : {1U, 2U})
+        animation.frames.push_back({BusyPicture(90, 60, seed), 10, -1});
+    std::string error;
+    std::size_t last = EncodeWebp(animation, {}, error).size();
+    for (const int quality : {90, 40, 0}) {
+        const File file = EncodeWebp(animation, {quality}, error);
+        ASSERT_EQ(error, "");
+        EXPECT_LT(file.size(), last);
+        EXPECT_EQ(Play(file).screens.size(), 2U);
+        last = file.size();
+    }
+    animation.width = 16384;
+    EXPECT_TRUE(EncodeWebp(animation, {}, error).empty());
+    EXPECT_NE(error.find("16383"), std::string::npos);
+}
+#endif
+
+} // namespace
+} // namespace lumafold::test
