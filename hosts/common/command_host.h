@@ -22,6 +22,9 @@ protected:
     virtual void Hear(HostCommand, std::uint32_t, std::intptr_t) {}
     /// Hears why an answer was given up.
     virtual void HearFault(const char*) {}
+    /// What the plug-in gets; by default what the functions below say.
+    virtual std::int32_t Answer(TaskRecord* task, HostCommand command, std::uint32_t wparam,
+                                std::intptr_t lparam);
 
     // Pointers are the plug-in's and may be null.
     virtual bool CreateTask(const TaskRecord* task, TaskKind kind) = 0;
@@ -40,7 +43,6 @@ protected:
 private:
     static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
                                                std::intptr_t lparam);
-    std::int32_t Answer(TaskRecord* task, HostCommand command, std::uint32_t wparam, std::intptr_t lparam);
 
     HostContext context_{};
     CommandHost* before_;

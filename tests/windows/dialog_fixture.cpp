@@ -50,7 +50,6 @@ void DialogTest::Reload() {
         doBuild_ = reinterpret_cast<decltype(PLUGINDoBuild)*>(
             reinterpret_cast<void*>(GetProcAddress(library_, "PLUGINDoBuild")));
     } else {
-        SetMessageHook(nullptr);
         doBuild_ = PLUGINDoBuild;
     }
 }

@@ -49,13 +49,13 @@ TEST_F(EntryDialogs, DefaultsFollowTheUserButForOverriddenEntries) {
     EXPECT_EQ(Text(LUMAFOLD_OVERRIDE_DELAY + LUMAFOLD_UPDOWN), "1,1000,100");
     EXPECT_EQ(Text(LUMAFOLD_OVERRIDE_PAUSE + LUMAFOLD_UPDOWN), "0,1000,100");
     Choose(LUMAFOLD_OVERRIDE_TRANSITION, 3);
-    Type(LUMAFOLD_OVERRIDE_DELAY, "5000"); // as typed
-    Type(LUMAFOLD_OVERRIDE_PAUSE, "0");
+    Type(LUMAFOLD_OVERRIDE_DELAY, "5000");       // as typed
+    Type(LUMAFOLD_OVERRIDE_PAUSE, "4000000000"); // up to what an entry holds
     Click(LUMAFOLD_ID_HELP);
     EXPECT_EQ(host.Texts(9), std::vector<std::string>{"LUMAFOLD.HTML#OVERRIDE"});
     Click(IDOK);
     EXPECT_EQ(Caption(), "Lumafold");
-    EXPECT_EQ(Of(1), Values(3, 0, 5000, kEntryOverride));
+    EXPECT_EQ(Of(1), Values(3, INT32_MAX, 5000, kEntryOverride));
 
     DoubleClickItem(0);
     Choose(LUMAFOLD_OVERRIDE_TRANSITION, 5);
@@ -67,7 +67,7 @@ TEST_F(EntryDialogs, DefaultsFollowTheUserButForOverriddenEntries) {
     Type(LUMAFOLD_MAIN_PAUSE, "90");
     Choose(LUMAFOLD_MAIN_TRANSITION, 20);
     EXPECT_EQ(Of(0), Values(20, 90, 9, 0));
-    EXPECT_EQ(Of(1), Values(3, 0, 5000, kEntryOverride));
+    EXPECT_EQ(Of(1), Values(3, INT32_MAX, 5000, kEntryOverride));
 
     // Without a change in the box, coming back to it is enough.
     ImageEntry entry = Entry(0);

@@ -56,7 +56,6 @@ protected:
     /// Makes each allocation of a session fail in turn, until one gets through. How many there were.
     template <typename Session>
     int FailEach(Session session) {
-        const SettingsGuard guard;
         const std::string list = ReadFileBytes(files.List());
         session(); // what is made once and kept
         const int objects = GdiObjects();

@@ -68,6 +68,16 @@ TEST_F(ListDialog, KeepsWhatCameBeforeAFileThatCannotBeRead) {
     EXPECT_EQ(Names(), "m a");
     EXPECT_EQ(host.Count(8), 2);
     ExpectButtons(true);
+    // A path that no entry has room for is one that cannot be read, and ends the action like any other.
+    host.commands.clear();
+    AddBuffer(pictures.Path() +
+              std::string("\0"
+                          "0",
+                          2) +
+              std::string(261, 'x') + std::string("\0a\0\0", 4));
+    EXPECT_EQ(AnswerMessage(), "Error reading file");
+    EXPECT_EQ(host.Count(8), 1) << "the one before it";
+    EXPECT_EQ(AnswerMessage(), "");
     AddBuffer(""); // a cancel is silent
     EXPECT_EQ(Names(), "m a");
     Close();

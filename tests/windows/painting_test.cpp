@@ -105,10 +105,59 @@ TEST_F(Painting, ScalesAndCentresThumbnails) {
     Close();
 }
 
+TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
+    // Two entries far apart in the table alternate: their colours average to one, their indices to a third
+    // entry.
+    OwnedDib striped = NoisePicture(600, 300, 8, 5);
+    for (int y = 0; y < 300; ++y) {
+        for (int x = 0; x < 600; ++x)
+            DibSetPixel(*striped, x, y, x % 2 == 0 ? 10 : 250);
+    }
+    Palette palette;
+    DibGetPalette(*striped, palette);
+    const auto mean = [](int a, int b) { return (a + b) / 2; };
+    const Rgb a = palette[10], b = palette[250];
+    const COLORREF mixed = RGB(mean(a.red, b.red), mean(a.green, b.green), mean(a.blue, b.blue));
+    const std::string path = pictures.Add("striped.bmp", striped);
+    std::string lines;
+    for (int i = 0; i < 5; ++i)
+        lines += path + "\r\n";
+    WriteFileBytes(files.List(), lines);
+    WriteFileBytes(files.Settings(), "ShowListLabels = 0\r\n");
+    Open();
+    const HWND list = Control(LUMAFOLD_MAIN_LIST);
+    const auto thumbnail = [&](const Snapshot& shown) {
+        RECT client;
+        GetClientRect(list, &client);
+        LONG first = -1, last = -1;
+        for (LONG x = 0; x < client.right; ++x) {
+            const COLORREF colour = shown.At(list, {x, 50});
+            const auto near = [&](int channel, int other) { return std::abs(channel - other) < 70; };
+            if (!near(GetRValue(colour), GetRValue(mixed)) || !near(GetGValue(colour), GetGValue(mixed)) ||
+                !near(GetBValue(colour), GetBValue(mixed))) {
+                continue;
+            }
+            if (first < 0) first = x;
+            last = x;
+        }
+        return std::pair(first, client.right - 1 - last);
+    };
+    for (const bool removed : {false, true}) {
+        if (removed) Click(LUMAFOLD_MAIN_REMOVE); // with four items the scroll bar goes
+        ui.Settle();
+        const auto [left, right] = thumbnail(Snapshot(Dialog()));
+        EXPECT_GE(left, 0);
+        EXPECT_LE(std::abs(left - right), 1)
+            << "not amid its item, " << (removed ? "four" : "five") << " items";
+    }
+    Close();
+}
+
 TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
     for (const bool plain : {false, true}) {
-        WriteFileBytes(files.Settings(), std::string("TransitionMattcolour = 255\r\nSolidBackground = ") +
-                                             (plain ? "1\r\n" : "0\r\n"));
+        WriteFileBytes(files.Settings(),
+                       std::string("TransitionMattcolour = 13421821\r\nSolidBackground = ") +
+                           (plain ? "1\r\n" : "0\r\n"));
         Open();
         const Snapshot shown = Take();
         // The strips along the border are bare.
@@ -123,7 +172,17 @@ TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
         for (LONG y = 0; y + 250 < client.bottom; ++y)
             EXPECT_EQ(at(2, y), at(2, y + 250)) << y;
         EXPECT_EQ(different > 0, !plain);
-        EXPECT_EQ(shown.At(Control(LUMAFOLD_MAIN_MATTE), {20, 10}), 0x0000FFU);
+        // The face is the colour itself; its corner tells what a fixed palette makes of it, once one is in
+        // use.
+        const auto swatch = [&](const Snapshot& taken, POINT point) {
+            return taken.At(Control(LUMAFOLD_MAIN_MATTE), point);
+        };
+        EXPECT_EQ(swatch(shown, {20, 10}), 0xCCCCFDU);
+        EXPECT_EQ(swatch(shown, {6, 6}), 0xCCCCFDU);
+        Click(LUMAFOLD_MAIN_CUSTOM_PALETTE);
+        const Snapshot fixed = Take();
+        EXPECT_EQ(swatch(fixed, {20, 10}), 0xCCCCFDU);
+        EXPECT_NE(swatch(fixed, {6, 6}), 0xCCCCFDU);
         Close();
     }
 }

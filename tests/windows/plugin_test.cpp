@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "lumafold_version.h"
-#include "plugin/dll/entry_points.h"
 #include "platform/module_win32.h"
+#include "plugin/dll/entry_points.h"
 #include "tests/windows/live_objects.h"
 
 namespace lumafold {

@@ -12,24 +12,13 @@ namespace {
 
 constexpr std::size_t kFileHeaderBytes = 14;
 
-template <typename T>
-const T* At(std::intptr_t address) {
-    return reinterpret_cast<const T*>(address); // NOLINT(performance-no-int-to-ptr)
-}
-
 /// A block that no counter made to fail, with these bytes.
-std::int32_t ForeignBlock(const void* bytes, std::size_t count) {
+OwnedDib ForeignBlock(const void* bytes, std::size_t count) {
     const HGLOBAL block = GlobalAlloc(GHND, count);
     std::memcpy(GlobalLock(block), bytes, count);
     GlobalUnlock(block);
     allocation_hooks::CountBlock(+1);
-    return static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(block));
-}
-
-std::int32_t LoadBitmapFile(const std::string& path) {
-    const std::string bytes = ReadFileBytes(path);
-    if (bytes.size() <= kFileHeaderBytes || bytes.compare(0, 2, "BM") != 0) return 0;
-    return ForeignBlock(bytes.data() + kFileHeaderBytes, bytes.size() - kFileHeaderBytes);
+    return OwnedDib(static_cast<DibHandle>(reinterpret_cast<std::uintptr_t>(block)));
 }
 
 } // namespace
@@ -42,32 +31,42 @@ std::vector<std::string> ScriptedHost::Texts(std::uint32_t command) const {
     return texts;
 }
 
-std::int32_t ScriptedHost::Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
+void ScriptedHost::Hear(HostCommand command, std::uint32_t wparam, std::intptr_t lparam) {
+    RecordingHost::Hear(command, wparam, lparam);
+    if (command == HostCommand::LoadImage || command == HostCommand::ShowHelp)
+        commands.back().text = reinterpret_cast<const char*>(lparam); // NOLINT(performance-no-int-to-ptr)
+}
+
+std::int32_t ScriptedHost::Answer(TaskRecord* sent, HostCommand command, std::uint32_t wparam,
                                   std::intptr_t lparam) {
-    const std::int32_t recorded = RecordingHost::Answer(sent, command, wparam, lparam);
-    if (command == 11) std::memcpy(&colour, At<char>(lparam), sizeof(colour));
-    if (const auto forced = answer ? answer(command) : std::nullopt) return *forced;
-    switch (command) {
-    case 7:
-        std::memcpy(const_cast<char*>(At<char>(lparam)), files.data(), files.size());
-        return files.empty() ? 0 : 1;
-    case 8:
-        return LoadBitmapFile(At<char>(lparam));
-    case 9:
-        return helps ? 1 : 0;
-    case 11:
-        if (chosen) const_cast<ColourRecord*>(At<ColourRecord>(lparam))->colour = *chosen;
-        return chosen ? 1 : 0;
-    case 14:
-        return clipboard.empty() ? 0 : ForeignBlock(clipboard.data(), clipboard.size());
-    default:
-        return recorded;
-    }
+    if (command == HostCommand::ChooseColour)
+        colour = *reinterpret_cast<const ColourRecord*>(lparam); // NOLINT(performance-no-int-to-ptr)
+    const auto forced = answer ? answer(static_cast<std::uint32_t>(command)) : std::nullopt;
+    return forced ? *forced : RecordingHost::Answer(sent, command, wparam, lparam);
+}
+
+bool ScriptedHost::ChooseFiles(WindowHandle, char* names) {
+    std::memcpy(names, files.data(), files.size());
+    return !files.empty();
+}
+
+OwnedDib ScriptedHost::LoadPicture(const char* path) {
+    const std::string bytes = ReadFileBytes(path);
+    if (bytes.size() <= kFileHeaderBytes || bytes.compare(0, 2, "BM") != 0) return {};
+    return ForeignBlock(bytes.data() + kFileHeaderBytes, bytes.size() - kFileHeaderBytes);
+}
+
+OwnedDib ScriptedHost::ClipboardPicture(WindowHandle) {
+    return clipboard.empty() ? OwnedDib() : ForeignBlock(clipboard.data(), clipboard.size());
+}
+
+bool ScriptedHost::ChooseColour(ColourRecord* record) {
+    if (chosen) record->colour = *chosen;
+    return chosen.has_value();
 }
 
 std::string BytesOf(const OwnedDib& picture) {
-    const LockedDib dib(picture.Get());
-    return {reinterpret_cast<const char*>(dib.Get()), GlobalBytes(picture.Get())};
+    return {reinterpret_cast<const char*>(&*picture), GlobalBytes(picture.Get())};
 }
 
 void FillClipboard(HWND owner, const OwnedDib& picture) {
@@ -79,11 +78,10 @@ void FillClipboard(HWND owner, const OwnedDib& picture) {
 }
 
 std::string PictureFolder::Add(const std::string& name, const OwnedDib& picture) const {
-    const LockedDib dib(picture.Get());
     BITMAPFILEHEADER header{};
     static_assert(sizeof(header) == kFileHeaderBytes);
     header.bfType = 0x4D42;
-    header.bfOffBits = static_cast<DWORD>(kFileHeaderBytes + DibRowsOffset(*dib));
+    header.bfOffBits = static_cast<DWORD>(kFileHeaderBytes + DibRowsOffset(*picture));
     header.bfSize = static_cast<DWORD>(kFileHeaderBytes + GlobalBytes(picture.Get()));
     WriteFileBytes(path_ + name,
                    std::string(reinterpret_cast<const char*>(&header), sizeof(header)) + BytesOf(picture));

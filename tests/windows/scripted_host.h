@@ -29,9 +29,17 @@ public:
     /// Is asked first, on the host's thread; no value leaves the command to the script above.
     std::function<std::optional<std::int32_t>(std::uint32_t command)> answer;
 
+    HostContext context = Context(); ///< what the plug-in is given
+
 private:
-    std::int32_t Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
+    void Hear(HostCommand command, std::uint32_t wparam, std::intptr_t lparam) override;
+    std::int32_t Answer(TaskRecord* task, HostCommand command, std::uint32_t wparam,
                         std::intptr_t lparam) override;
+    bool ChooseFiles(WindowHandle owner, char* names) override;
+    OwnedDib LoadPicture(const char* path) override;
+    OwnedDib ClipboardPicture(WindowHandle owner) override;
+    bool ShowHelp(const char*) override { return helps; }
+    bool ChooseColour(ColourRecord* record) override;
 };
 
 std::string BytesOf(const OwnedDib& picture);
