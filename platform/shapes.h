@@ -14,14 +14,13 @@ struct ShapePoint {
     std::int32_t x, y;
 };
 
-/// A black canvas of 24-bit pixels over the rows of a picture, white pen and brush in hand. Coordinates are
-/// top-down; what lies outside is clipped. Rows are stored bottom-up, 4-byte padded, `width` and `height` >
-/// 0.
+/// A canvas of one byte a pixel, 0 black and 255 white, with white pen and brush in hand. Rows run from the
+/// top without padding; what lies outside is clipped. `width` and `height` are above 0.
 class ShapeCanvas {
 public:
-    /// `rows` stays the caller's and must outlive the canvas; it is all black afterwards (padding included).
-    /// `window` gives the drawing context to be compatible with; 0 is the screen. Check it before use.
-    ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* rows);
+    /// `pixels` must be all black; they stay the caller's and must outlive the canvas. `window` gives the
+    /// drawing context to be compatible with; 0 is the screen. Check it before use.
+    ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* pixels);
     ShapeCanvas(const ShapeCanvas&) = delete;
     ShapeCanvas& operator=(const ShapeCanvas&) = delete;
     ~ShapeCanvas(); // NOLINT(performance-trivially-destructible): not where the system draws
@@ -35,7 +34,7 @@ public:
     /// Even-odd interior and the outline, closed by itself. At most 128 points.
     void Polygon(std::span<const ShapePoint> points);
 
-    /// Brings what was drawn between picture rows `top` and `bottom` (not included) into `rows`; more may be
+    /// Brings what was drawn between rows `top` and `bottom` (not included) into the pixels; more may be
     /// drawn afterwards. False when the platform could not.
     bool Finish(std::int32_t top, std::int32_t bottom);
     bool Finish() { return Finish(0, height_); }
@@ -43,8 +42,7 @@ public:
 private:
     bool usable_ = false;
     std::int32_t width_, height_;
-    std::size_t stride_;
-    std::uint8_t* rows_;
+    std::uint8_t* pixels_;
     [[maybe_unused]] void* context_ = nullptr; // these are the platform's, where it draws by itself
     [[maybe_unused]] void* bitmap_ = nullptr;
     [[maybe_unused]] void* previousBitmap_ = nullptr;

@@ -13,8 +13,7 @@ constexpr std::uint8_t kWhite = 255;
 /// The pixels of one canvas, white paint only. Whatever lies outside is left out here, after its shape is
 /// decided.
 struct Surface {
-    std::uint8_t* rows;
-    std::size_t stride;
+    std::uint8_t* pixels;
     std::int64_t width, height;
 
     void Span(std::int64_t y, std::int64_t left, std::int64_t right) const {
@@ -22,8 +21,7 @@ struct Surface {
         left = std::max<std::int64_t>(left, 0);
         right = std::min(right, width);
         if (left >= right) return;
-        std::uint8_t* row = rows + static_cast<std::size_t>(height - 1 - y) * stride;
-        std::memset(row + left * 3, kWhite, static_cast<std::size_t>(right - left) * 3);
+        std::memset(pixels + y * width + left, kWhite, static_cast<std::size_t>(right - left));
     }
     void Dot(std::int64_t x, std::int64_t y) const { Span(y, x, x + 1); }
 };
@@ -141,17 +139,13 @@ void WalkEllipse(const Surface& surface, std::int64_t left, std::int64_t top, st
 
 } // namespace
 
-ShapeCanvas::ShapeCanvas(WindowHandle, std::int32_t width, std::int32_t height, std::uint8_t* rows)
-    : width_(width), height_(height), stride_((static_cast<std::size_t>(width) * 3 + 3) / 4 * 4),
-      rows_(rows) {
-    std::memset(rows_, 0, stride_ * static_cast<std::size_t>(height_));
-    usable_ = true;
-}
+ShapeCanvas::ShapeCanvas(WindowHandle, std::int32_t width, std::int32_t height, std::uint8_t* pixels)
+    : usable_(true), width_(width), height_(height), pixels_(pixels) {}
 
 ShapeCanvas::~ShapeCanvas() = default;
 
 void ShapeCanvas::FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
-    const Surface surface{rows_, stride_, width_, height_};
+    const Surface surface{pixels_, width_, height_};
     const std::int32_t end = std::min(bottom, height_);
     for (std::int32_t y = std::max(top, 0); y < end; ++y) {
         surface.Span(y, left, right);
@@ -159,7 +153,7 @@ void ShapeCanvas::FillRect(std::int32_t left, std::int32_t top, std::int32_t rig
 }
 
 void ShapeCanvas::Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
-    const Surface surface{rows_, stride_, width_, height_};
+    const Surface surface{pixels_, width_, height_};
     const std::int64_t width = std::abs(std::int64_t{right} - left);
     const std::int64_t height = std::abs(std::int64_t{bottom} - top);
     if (width == 0 || height == 0 || (width == 1 && height == 1)) return;
@@ -177,7 +171,7 @@ void ShapeCanvas::Ellipse(std::int32_t left, std::int32_t top, std::int32_t righ
 
 void ShapeCanvas::Polygon(std::span<const ShapePoint> points) {
     if (points.size() < 2 || points.size() > kMaxPoints) return;
-    const Surface surface{rows_, stride_, width_, height_};
+    const Surface surface{pixels_, width_, height_};
     FillInterior(surface, points);
     for (std::size_t i = 0; i < points.size(); ++i) {
         DrawLine(surface, points[i], points[i + 1 < points.size() ? i + 1 : 0]);

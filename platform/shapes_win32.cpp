@@ -1,4 +1,4 @@
-#include <cstring>
+#include <algorithm>
 
 #include <windows.h>
 
@@ -35,10 +35,8 @@ HBITMAP CreateSection(HDC context, std::int32_t width, std::int32_t height, void
 
 } // namespace
 
-ShapeCanvas::ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* rows)
-    : width_(width), height_(height), stride_((static_cast<std::size_t>(width) * 3 + 3) / 4 * 4),
-      rows_(rows) {
-    std::memset(rows_, 0, stride_ * static_cast<std::size_t>(height_));
+ShapeCanvas::ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* pixels)
+    : width_(width), height_(height), pixels_(pixels) {
     const HDC context = MemoryContextLike(window);
     if (context == nullptr) return;
     context_ = context;
@@ -91,12 +89,14 @@ void ShapeCanvas::Polygon(std::span<const ShapePoint> points) {
 bool ShapeCanvas::Finish(std::int32_t top, std::int32_t bottom) {
     if (!usable_) return false;
     GdiFlush(); // what was asked for may not have been drawn yet
-    if (top < 0) top = 0;
-    if (bottom > height_) bottom = height_;
-    if (top >= bottom) return true;
-    const std::size_t first = static_cast<std::size_t>(height_ - bottom) * stride_;
-    std::memcpy(rows_ + first, static_cast<const std::uint8_t*>(bits_) + first,
-                static_cast<std::size_t>(bottom - top) * stride_);
+    // The section is stored bottom-up with padded rows, three equal bytes a pixel.
+    const std::ptrdiff_t stride = (std::ptrdiff_t{3} * width_ + 3) / 4 * 4;
+    for (std::int32_t y = std::max(top, 0); y < std::min(bottom, height_); ++y) {
+        const std::uint8_t* drawn = static_cast<const std::uint8_t*>(bits_) + (height_ - 1 - y) * stride;
+        std::uint8_t* row = pixels_ + std::ptrdiff_t{y} * width_;
+        for (std::int32_t x = 0; x < width_; ++x)
+            row[x] = drawn[std::ptrdiff_t{3} * x];
+    }
     return true;
 }
 

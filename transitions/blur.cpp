@@ -1,16 +1,12 @@
 // The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole picture work
-// in floats, sixteen bytes at once, with a bound on their error: a value too near a step to be sure of is
-// computed again by the definition, so every byte is the definition's. Grey pictures, which masks are, take
-// one channel.
+// in floats, many bytes at once, with a bound on their error: a value too near a step to be sure of is
+// computed again by the definition, so every byte is the definition's. Where all taps see one value, as they
+// do nearly everywhere in a mask, nothing is summed.
 #include <cmath>
 
 #include "numbers/portable_math.h"
+#include "platform/simd.h"
 #include "transitions/compositing.h"
-#include "transitions/grey.h"
-
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace lumafold {
 namespace {
@@ -62,257 +58,273 @@ std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrd
     return static_cast<std::uint8_t>(std::min(static_cast<int>(value), 255));
 }
 
-/// What the passes share: the kernel in floats, and how far a float sum may be from the definition's.
+/// What the passes share: the kernel in floats, and how far a float sum may be from the definition's. Weights
+/// at the same distance before and behind the middle are the same sum of samples, so two taps take one
+/// multiplication.
 class FastBlur {
 public:
-    explicit FastBlur(const Array<double>& weights)
-        : kernel_(weights), floats_(static_cast<std::size_t>(std::max(kernel_.last - kernel_.first, 1))) {
-        for (std::int32_t k = kernel_.first; floats_ && k < kernel_.last; ++k) {
-            floats_[static_cast<std::size_t>(k - kernel_.first)] = static_cast<float>(kernel_.weights[k]);
-        }
-        margin_ = static_cast<float>(kernel_.last - kernel_.first + 8) * 256.0F * 0x1p-24F;
-        // A window of one value must give that value back before it may be copied.
-        flatIsIdentity_ = kernel_.last > kernel_.first;
-        for (int v = 0; v < 256 && flatIsIdentity_; ++v) {
+    /// `weights` has an odd number of taps and outlives this. Check it before use.
+    explicit FastBlur(const Array<double>& weights) : kernel_(weights) {
+        for (reach_ = kernel_.half; reach_ > 0 && kernel_.weights[kernel_.half + reach_] == 0;)
+            --reach_;
+        floats_ = Array<float>(static_cast<std::size_t>(reach_) + 1);
+        for (std::size_t k = 0; k < floats_.size(); ++k)
+            floats_[k] = static_cast<float>(kernel_.weights[kernel_.half + static_cast<std::int32_t>(k)]);
+        margin_ = static_cast<float>(reach_ + 9) * 256.0F * 0x1p-24F;
+        keepsAll_ = true;
+        for (int v = 0; v < 256; ++v) {
             double level = 0;
-            for (std::int32_t k = kernel_.first; k < kernel_.last; ++k) {
+            for (std::int32_t k = kernel_.first; k < kernel_.last; ++k)
                 level += kernel_.weights[k] * v;
-            }
             level += 0.5;
-            flatIsIdentity_ = static_cast<int>(level) == v;
+            keepsAll_ = keepsAll_ && static_cast<int>(level) == v;
         }
     }
-
     explicit operator bool() const { return static_cast<bool>(floats_); }
 
-    /// Rows of `count` pixels of `channels` interleaved bytes, from `in` to `out`.
-    bool Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-              std::int32_t count, std::int32_t rows, std::int32_t channels) const;
-    /// Columns: `rows` rows of `bytes` bytes, every byte its own column.
-    bool Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-                 std::int32_t bytes, std::int32_t rows) const;
+    const Kernel& Taps() const { return kernel_; }
+    /// The farthest tap that weighs anything.
+    std::int32_t Reach() const { return reach_; }
+    /// Of the middle tap, and of those at distances from 1 to the reach.
+    const float* Weights() const { return floats_.data(); }
+    /// Of the sums, in levels, where all taps fall inside.
+    float Margin() const { return margin_; }
+    /// Whether all taps fall inside a line of `count` pixels around those from `first` to `last`.
+    bool IsWhole(std::int32_t first, std::int32_t last, std::int32_t count) const {
+        return first >= kernel_.half && last < count - kernel_.half;
+    }
+    /// Whether values that all taps see come out as they are. At the border, where up to half a level over
+    /// the weight inside is added, black and white do: nothing passes white.
+    bool Keeps(const std::uint8_t* values, std::int32_t count, bool whole, float leastWeight) const {
+        if (whole || !keepsAll_) return keepsAll_;
+        return leastWeight > 0.51F && std::all_of(values, values + count, [](std::uint8_t value) {
+                   return value == 0 || value == 255;
+               });
+    }
 
 private:
-    static constexpr std::int32_t kLanes = 16;
-    static constexpr std::int32_t kStrip = 64;
-
-    unsigned SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse, float margin,
-                      std::uint8_t* out) const;
-    void Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
-             float* floats) const;
-    void Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out, std::ptrdiff_t outStride,
-               std::int32_t rows, float* floats) const;
-
     Kernel kernel_;
+    std::int32_t reach_ = 0;
     Array<float> floats_;
     float margin_ = 0;
-    bool flatIsIdentity_ = false;
+    bool keepsAll_ = false; ///< where all taps fall inside
 };
 
-void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i) {
-        floats[i] = bytes[i];
+/// What a sum at each position of a line is multiplied with: 1, or at the borders the inverse of the weights
+/// inside.
+struct Inverses {
+    Array<float> values; ///< `channels` equal ones a pixel, and kMostLanes more
+    float most = 1;
+
+    Inverses(const FastBlur& blur, std::int32_t count, std::int32_t channels)
+        : values(static_cast<std::size_t>(count) * static_cast<std::size_t>(channels) + kMostLanes) {
+        std::fill(values.begin(), values.end(), 1.0F);
+        for (std::int32_t x = 0; values && x < count; ++x) {
+            const TapRange range = TapsInside(blur.Taps(), count, x);
+            if (range.whole) continue;
+            double used = 0;
+            for (std::int32_t k = range.first; k < range.last; ++k)
+                used += blur.Taps().weights[k];
+            const auto inverse = static_cast<float>(1.0 / used);
+            most = std::max(most, inverse);
+            std::fill_n(values.begin() + std::ptrdiff_t{x} * channels, channels, inverse);
+        }
     }
+    static constexpr std::size_t kMostLanes = 32;
+};
+
+/// Rows of bytes, the pixels of a row side by side.
+template <typename Byte>
+struct Lines {
+    Byte* first;
+    std::ptrdiff_t stride;
+    std::int32_t width, height, channels;
+
+    Byte* Row(std::int32_t y) const { return first + stride * y; }
+    std::int32_t RowBytes() const { return width * channels; }
+};
+
+LUMAFOLD_IN_CALLER void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
+    for (std::int32_t i = 0; i < count; ++i)
+        floats[i] = bytes[i];
 }
 
 bool AreEqual(const std::uint8_t* bytes, std::int32_t count) {
     return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
 }
 
-/// Sixteen neighbouring sums from floats at `taps`, a tap every `step`. A set bit of the result marks a byte
-/// that the margin leaves open.
-#ifdef __SSE2__
-unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse,
-                            float margin, std::uint8_t* out) const {
-    __m128 sums[4] = {_mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps()};
-    const float* weight = floats_.data() + (range.first - kernel_.first);
-    for (std::int32_t k = range.first; k < range.last; ++k, taps += step, ++weight) {
-        const __m128 w = _mm_set1_ps(*weight);
-        for (int j = 0; j < 4; ++j) {
-            sums[j] = _mm_add_ps(sums[j], _mm_mul_ps(w, _mm_loadu_ps(taps + 4 * j)));
-        }
-    }
-    const __m128 half = _mm_set1_ps(0.5F), scale = _mm_set1_ps(inverse);
-    const __m128 low = _mm_set1_ps(margin), high = _mm_set1_ps(1.0F - margin);
-    __m128i levels[4];
-    unsigned open = 0;
+/// kLanes neighbouring sums around floats at `middle`, a tap every `step`, in four vectors.
+template <int kLanes>
+LUMAFOLD_IN_CALLER void SumTaps(const FastBlur& blur, const float* middle, std::ptrdiff_t step, float* out) {
+    constexpr int kFloats = kLanes / 4;
+    using Vector [[gnu::vector_size(kFloats * sizeof(float))]] = float;
+    const float* weights = blur.Weights();
+    Vector sums[4];
     for (int j = 0; j < 4; ++j) {
-        const __m128 value = _mm_mul_ps(_mm_add_ps(sums[j], half), scale);
-        levels[j] = _mm_cvttps_epi32(value);
-        const __m128 rest = _mm_sub_ps(value, _mm_cvtepi32_ps(levels[j]));
-        const __m128 near = _mm_or_ps(_mm_cmplt_ps(rest, low), _mm_cmpgt_ps(rest, high));
-        open |= static_cast<unsigned>(_mm_movemask_ps(near)) << (4 * j);
+        Vector tap;
+        std::memcpy(&tap, middle + kFloats * j, sizeof(tap));
+        sums[j] = weights[0] * tap;
     }
-    const __m128i bytes =
-        _mm_packus_epi16(_mm_packs_epi32(levels[0], levels[1]), _mm_packs_epi32(levels[2], levels[3]));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
-    return open;
-}
-#else
-unsigned FastBlur::SumLanes(const float* taps, std::ptrdiff_t step, TapRange range, float inverse,
-                            float margin, std::uint8_t* out) const {
-    float sums[kLanes] = {};
-    const float* weight = floats_.data() + (range.first - kernel_.first);
-    for (std::int32_t k = range.first; k < range.last; ++k, taps += step, ++weight) {
-        for (std::int32_t j = 0; j < kLanes; ++j)
-            sums[j] += *weight * taps[j];
-    }
-    unsigned open = 0;
-    for (std::int32_t j = 0; j < kLanes; ++j) {
-        const float value = (sums[j] + 0.5F) * inverse;
-        const auto level = static_cast<std::int32_t>(value);
-        const float rest = value - static_cast<float>(level);
-        open |= (rest < margin || rest > 1.0F - margin ? 1U : 0U) << j;
-        out[j] = static_cast<std::uint8_t>(std::min(level, 255));
-    }
-    return open;
-}
-#endif
-
-void FastBlur::Row(const std::uint8_t* in, std::uint8_t* out, std::int32_t count, std::int32_t channels,
-                   float* floats) const {
-    const auto exact = [&](std::int32_t byte) {
-        out[byte] = ExactByte(kernel_, in + byte % channels, channels, count, byte / channels);
-    };
-    const std::int32_t half = kernel_.half;
-    const std::int32_t bytes = count * channels;
-    const std::int32_t begin = std::min(half, count) * channels;
-    const std::int32_t end = std::max(count - half, std::min(half, count)) * channels;
-    for (std::int32_t i = 0; i < begin; ++i) {
-        exact(i);
-    }
-    for (std::int32_t i = end; i < bytes; ++i) {
-        exact(i);
-    }
-    if (end - begin < kLanes) {
-        for (std::int32_t i = begin; i < end; ++i) {
-            exact(i);
+    const float *before = middle - step, *after = middle + step;
+    for (std::int32_t k = 1; k <= blur.Reach(); ++k, before -= step, after += step) {
+        for (int j = 0; j < 4; ++j) {
+            Vector left, right;
+            std::memcpy(&left, before + kFloats * j, sizeof(left));
+            std::memcpy(&right, after + kFloats * j, sizeof(right));
+            sums[j] += weights[k] * (left + right);
         }
-        return;
     }
+    std::memcpy(out, sums, sizeof(sums));
+}
 
-    // In one channel a window of equal bytes, which masks are full of, need not be summed.
-    const bool mayCopy = channels == 1 && flatIsIdentity_;
-    if (mayCopy && AreEqual(in, bytes)) {
-        std::memcpy(out + begin, in + begin, static_cast<std::size_t>(end - begin));
-        return;
+LUMAFOLD_IN_CALLER bool IsOpen(float value, float margin) {
+    const float rest = value - static_cast<float>(static_cast<std::int32_t>(value));
+    return (rest < margin) | (rest > 1.0F - margin);
+}
+
+/// kLanes bytes of the result, of which the first `count` are used: those that the margin leaves open are
+/// `exact(lane)`.
+template <int kLanes, typename Exact>
+LUMAFOLD_IN_CALLER void BlurBlock(const FastBlur& blur, const float* middle, std::ptrdiff_t step,
+                                  const float* inverses, float margin, std::uint8_t* out, std::int32_t count,
+                                  const Exact& exact) {
+    float values[kLanes];
+    SumTaps<kLanes>(blur, middle, step, values);
+    std::uint8_t levels[kLanes];
+    int open = 0;
+    for (int i = 0; i < kLanes; ++i) {
+        values[i] = (values[i] + 0.5F) * inverses[i];
+        open |= static_cast<int>(IsOpen(values[i], margin));
+        levels[i] = static_cast<std::uint8_t>(std::min(static_cast<std::int32_t>(values[i]), 255));
     }
-    ToFloats(in, floats, bytes);
-    const TapRange all{kernel_.first, kernel_.last, true};
-    for (std::int32_t i = begin;;) {
-        if (mayCopy && AreEqual(in + i - half, kLanes + 2 * half)) {
-            std::memcpy(out + i, in + i, kLanes);
-        } else {
-            const float* taps = floats + i + static_cast<std::ptrdiff_t>(channels) * (kernel_.first - half);
-            unsigned open = SumLanes(taps, channels, all, 1.0F, margin_, out + i);
-            for (std::int32_t lane = 0; open != 0; ++lane, open >>= 1) {
-                if ((open & 1) != 0) exact(i + lane);
+    for (std::int32_t i = 0; open != 0 && i < count; ++i) {
+        if (IsOpen(values[i], margin)) levels[i] = exact(i);
+    }
+    std::memcpy(out, levels, static_cast<std::size_t>(count));
+}
+
+/// Blurs every row.
+struct RowPass {
+    const FastBlur& blur;
+    Lines<const std::uint8_t> in;
+    Lines<std::uint8_t> out;
+    const Inverses& inverses;
+    float* floats; ///< of one row, with zeros as far as taps and lanes go beyond it
+
+    template <int kLanes>
+    LUMAFOLD_IN_CALLER void Run() const {
+        const std::int32_t bytes = in.RowBytes(), channels = in.channels, reach = blur.Reach();
+        const float borderMargin = 2 * blur.Margin() * inverses.most;
+        float* const line = floats + std::ptrdiff_t{reach} * channels;
+        for (std::int32_t y = 0; y < in.height; ++y) {
+            const std::uint8_t* row = in.Row(y);
+            std::uint8_t* target = out.Row(y);
+            if (StaysFlat(row, 0, bytes)) {
+                std::memcpy(target, row, static_cast<std::size_t>(bytes));
+                continue;
             }
-        }
-        if (i + kLanes == end) break;
-        // The last block reaches back over the one before, so that it is whole too.
-        i = std::min(i + kLanes, end - kLanes);
-    }
-}
-
-bool FastBlur::Rows(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                    std::ptrdiff_t outStride, std::int32_t count, std::int32_t rows,
-                    std::int32_t channels) const {
-    const auto bytes = static_cast<std::size_t>(count) * static_cast<std::size_t>(channels);
-    Array<float> floats(bytes + kLanes);
-    if (!floats) return false;
-    for (std::int32_t y = 0; y < rows; ++y) {
-        Row(in + inStride * y, out + outStride * y, count, channels, floats.data());
-    }
-    return true;
-}
-
-/// kStrip columns, held as floats so that the window slides down within the nearest cache.
-void FastBlur::Strip(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                     std::ptrdiff_t outStride, std::int32_t rows, float* floats) const {
-    const std::int32_t half = kernel_.half;
-    const std::int32_t window = 2 * half + 1;
-    const bool useRuns = flatIsIdentity_ && window < 255 && rows >= window;
-    std::uint8_t runs[kStrip] = {};
-    std::int32_t entered = 0;
-    for (std::int32_t y = 0; y < rows; ++y) {
-        // Rows enter the window one ahead of their use.
-        for (; entered < rows && entered <= y + half; ++entered) {
-            const std::uint8_t* row = in + inStride * entered;
-            ToFloats(row, floats + static_cast<std::ptrdiff_t>(entered) * kStrip, kStrip);
-            const std::uint8_t* above = entered > 0 ? row - inStride : row;
-            for (std::int32_t i = 0; i < kStrip; ++i) {
-                const int run = row[i] == above[i] ? runs[i] : 0;
-                runs[i] = static_cast<std::uint8_t>(run < 255 ? run + 1 : 255);
-            }
-        }
-        const TapRange range = TapsInside(kernel_, rows, y);
-        float inverse = 1.0F, margin = margin_;
-        if (!range.whole) {
-            double used = 0;
-            for (std::int32_t k = range.first; k < range.last; ++k) {
-                used += kernel_.weights[k];
-            }
-            inverse = static_cast<float>(1.0 / used);
-            margin = 2 * margin_ * inverse;
-        }
-        const float* taps = floats + static_cast<std::ptrdiff_t>(y - half + range.first) * kStrip;
-        std::uint8_t* target = out + outStride * y;
-        for (std::int32_t i = 0; i < kStrip; i += kLanes) {
-            if (useRuns && range.whole) {
-                int shortest = 255;
-                for (std::int32_t lane = 0; lane < kLanes; ++lane) {
-                    shortest = std::min<int>(shortest, runs[i + lane]);
-                }
-                if (shortest >= window) {
-                    std::memcpy(target + i, in + inStride * y + i, kLanes);
+            ToFloats(row, line, bytes);
+            for (std::int32_t i = 0; i < bytes; i += kLanes) {
+                const std::int32_t count = std::min(kLanes, bytes - i);
+                if (StaysFlat(row, i, count)) {
+                    std::memcpy(target + i, row + i, static_cast<std::size_t>(count));
                     continue;
                 }
-            }
-            unsigned open = SumLanes(taps + i, kStrip, range, inverse, margin, target + i);
-            for (std::int32_t lane = 0; open != 0; ++lane, open >>= 1) {
-                if ((open & 1) != 0) target[i + lane] = ExactByte(kernel_, in + i + lane, inStride, rows, y);
+                const bool whole = blur.IsWhole(i / channels, (i + count - 1) / channels, in.width);
+                BlurBlock<kLanes>(
+                    blur, line + i, channels, &inverses.values[static_cast<std::size_t>(i)],
+                    whole ? blur.Margin() : borderMargin, target + i, count, [&](std::int32_t lane) {
+                        const std::int32_t at = i + lane;
+                        return ExactByte(blur.Taps(), row + at % channels, channels, in.width, at / channels);
+                    });
             }
         }
     }
-}
 
-bool FastBlur::Columns(const std::uint8_t* in, std::ptrdiff_t inStride, std::uint8_t* out,
-                       std::ptrdiff_t outStride, std::int32_t bytes, std::int32_t rows) const {
-    Array<float> floats(static_cast<std::size_t>(rows) * kStrip);
-    if (!floats) return false;
-    if (bytes < kStrip) {
-        for (std::int32_t y = 0; y < rows; ++y) {
-            for (std::int32_t i = 0; i < bytes; ++i)
-                out[outStride * y + i] = ExactByte(kernel_, in + i, inStride, rows, y);
+    /// Only looked for in one channel, since masks are mostly flat.
+    bool StaysFlat(const std::uint8_t* row, std::int32_t first, std::int32_t count) const {
+        if (in.channels != 1) return false;
+        const std::int32_t from = std::max(first - blur.Reach(), 0),
+                           to = std::min(first + count + blur.Reach(), in.width);
+        return AreEqual(row + from, to - from) &&
+               blur.Keeps(row + first, 1, blur.IsWhole(first, first + count - 1, in.width),
+                          1 / inverses.most);
+    }
+};
+
+/// Blurs every column, kLanes bytes side by side at once. They are held as floats so that the window slides
+/// down within the nearest cache.
+struct ColumnPass {
+    const FastBlur& blur;
+    Lines<const std::uint8_t> in;
+    Lines<std::uint8_t> out;
+    const Inverses& inverses;
+    float* floats; ///< of Inverses::kMostLanes columns, with rows of zeros as far as taps go beyond them
+
+    template <int kLanes>
+    LUMAFOLD_IN_CALLER void Run() const {
+        for (std::int32_t i = 0; i < in.RowBytes(); i += kLanes)
+            Strip<kLanes>(i, std::min(kLanes, in.RowBytes() - i));
+    }
+
+    template <int kLanes>
+    LUMAFOLD_IN_CALLER void Strip(std::int32_t first, std::int32_t count) const {
+        const std::int32_t reach = blur.Reach();
+        std::int32_t converted = 0, entered = 0, equal = 0;
+        for (std::int32_t y = 0; y < in.height; ++y) {
+            const bool whole = blur.IsWhole(y, y, in.height);
+            const std::int32_t top = std::max(y - reach, 0), end = std::min(y + reach + 1, in.height);
+            for (; entered < end; ++entered)
+                equal = entered > 0 && IsAsAbove(in.Row(entered) + first, count) ? equal + 1 : 1;
+            if (equal >= end - top && blur.Keeps(in.Row(y) + first, count, whole, 1 / inverses.most)) {
+                std::memcpy(out.Row(y) + first, in.Row(y) + first, static_cast<std::size_t>(count));
+                continue;
+            }
+            for (converted = std::max(converted, top); converted < end; ++converted)
+                ToFloats(in.Row(converted) + first, floats + std::ptrdiff_t{reach + converted} * kLanes,
+                         count);
+            float border[kLanes];
+            std::fill(border, border + kLanes, inverses.values[static_cast<std::size_t>(y)]);
+            BlurBlock<kLanes>(blur, floats + std::ptrdiff_t{reach + y} * kLanes, kLanes, border,
+                              whole ? blur.Margin() : 2 * blur.Margin() * border[0], out.Row(y) + first,
+                              count, [&](std::int32_t lane) {
+                                  return ExactByte(blur.Taps(), in.first + first + lane, in.stride, in.height,
+                                                   y);
+                              });
         }
-        return true;
     }
-    for (std::int32_t i = 0;;) {
-        Strip(in + i, inStride, out + i, outStride, rows, floats.data());
-        if (i + kStrip == bytes) return true;
-        i = std::min(i + kStrip, bytes - kStrip);
-    }
-}
 
-bool BlurGrey(const FastBlur& blur, const ConstRowView& source, const RowView& target) {
-    const std::int32_t width = source.Width(), height = source.Height();
-    const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    Array<std::uint8_t> before(pixels), after(pixels);
-    if (!before || !after) return false;
-    GatherGrey(source, before.data());
-    if (!blur.Rows(before.data(), width, after.data(), width, width, height, 1)) return false;
-    if (!blur.Columns(after.data(), width, before.data(), width, width, height)) return false;
-    SpreadGrey(before.data(), target);
+    /// Only looked for in one channel.
+    bool IsAsAbove(const std::uint8_t* bytes, std::int32_t count) const {
+        return in.channels == 1 &&
+               std::memcmp(bytes, bytes - in.stride, static_cast<std::size_t>(count)) == 0;
+    }
+};
+
+/// Both passes; false when memory is short.
+bool BlurLines(const FastBlur& blur, const Lines<const std::uint8_t>& in, const Lines<std::uint8_t>& out) {
+    const auto bytes = static_cast<std::size_t>(in.RowBytes()), rows = static_cast<std::size_t>(in.height),
+               reach = static_cast<std::size_t>(blur.Reach()),
+               channels = static_cast<std::size_t>(in.channels);
+    Array<std::uint8_t> between(bytes * rows);
+    const Inverses across(blur, in.width, in.channels), down(blur, in.height, 1);
+    Array<float> line(bytes + 2 * reach * channels + Inverses::kMostLanes),
+        strip((rows + 2 * reach) * Inverses::kMostLanes);
+    if (!between || !across.values || !down.values || !line || !strip) return false;
+    const Lines<std::uint8_t> middle{between.data(), in.RowBytes(), in.width, in.height, in.channels};
+    WithWidestLanes(RowPass{blur, in, middle, across, line.data()});
+    WithWidestLanes(ColumnPass{blur,
+                               {middle.first, middle.stride, middle.width, middle.height, middle.channels},
+                               out,
+                               down,
+                               strip.data()});
     return true;
 }
 
-bool BlurColour(const FastBlur& blur, const ConstRowView& source, const RowView& target) {
-    const std::int32_t width = source.Width(), height = source.Height(), bytes = width * 3;
-    Array<std::uint8_t> between(source.RowBytes() * static_cast<std::size_t>(height));
-    if (!between) return false;
-    if (!blur.Rows(source.Row(0), -source.Stride(), between.data(), bytes, width, height, 3)) return false;
-    return blur.Columns(between.data(), bytes, target.Row(0), -target.Stride(), bytes, height);
+/// Radius and sigma in tenths of a pixel. None is a kernel that cannot be had, which leaves no taps.
+Array<double> KernelOf(std::int32_t radius, std::int32_t sigma) {
+    const double taps = 2 * std::ceil(radius * 0.1) + 1;
+    return GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps), sigma * 0.1);
 }
 
 } // namespace
@@ -352,19 +364,29 @@ void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint
 
 OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int32_t sigma) {
     if (picture.biBitCount != 24) return {};
-    // The padding behind the pixels stays that of the picture.
-    OwnedDib result = DibCopy(picture);
-    if (!result || picture.biWidth < 1 || picture.biHeight < 1) return result;
-
-    const double reach = std::ceil(radius * 0.1);
-    const double taps = 2 * reach + 1;
-    // A kernel that cannot be had leaves no taps, and the passes give black (docs/quirks.md 11).
-    const Array<double> weights =
-        GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps), sigma * 0.1);
+    OwnedDib result = DibCreate(picture.biWidth, picture.biHeight, nullptr, 24);
+    const Array<double> weights = KernelOf(radius, sigma);
+    // Without taps the passes would give black, which a new picture is.
+    if (!result || !weights || picture.biWidth < 1 || picture.biHeight < 1) return result;
     const FastBlur blur(weights);
-    if (!blur) return {};
     const ConstRowView from(picture);
-    if (!(IsGrey(from) ? BlurGrey : BlurColour)(blur, from, result.Rows())) return {};
+    const RowView to = result.Rows();
+    const std::int32_t width = from.Width(), height = from.Height();
+    if (!blur || !BlurLines(blur, {from.Row(0), -from.Stride(), width, height, 3},
+                            {to.Row(0), -to.Stride(), width, height, 3}))
+        return {};
+    return result;
+}
+
+Mask MaskGaussianBlur(const Mask& mask, std::int32_t radius, std::int32_t sigma) {
+    const std::int32_t width = mask.Width(), height = mask.Height();
+    Mask result(width, height);
+    const Array<double> weights = KernelOf(radius, sigma);
+    if (!result || !weights) return result;
+    const FastBlur blur(weights);
+    if (!blur ||
+        !BlurLines(blur, {mask.Row(0), width, width, height, 1}, {result.Row(0), width, width, height, 1}))
+        return {};
     return result;
 }
 

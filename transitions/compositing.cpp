@@ -1,6 +1,5 @@
 #include "transitions/compositing.h"
 
-#include "transitions/grey.h"
 #include "transitions/mix_bytes.h"
 
 namespace lumafold {
@@ -14,59 +13,58 @@ PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
     return MakeColour(channel(0), channel(8), channel(16));
 }
 
-/// The mask's bytes weigh the very bytes they stand beside.
-void BlendBytes(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
+/// Pixels that are blended at once.
+constexpr std::size_t kBlock = 16;
+
+/// White in the mask is `a`. Four pixels of the mask become three words, since a byte at a time takes twice
+/// as long.
+void BlendBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
                 const std::uint8_t* __restrict mask, std::uint8_t* __restrict out) {
-    for (std::size_t i = 0; i < kBlockBytes; ++i) {
-        out[i] = Mix(b[i], a[i], mask[i]);
+    std::uint32_t words[kBlock / 4 * 3];
+    for (std::size_t i = 0; i < kBlock / 4; ++i, mask += 4) {
+        const std::uint32_t m0 = mask[0], m1 = mask[1], m2 = mask[2], m3 = mask[3];
+        words[3 * i] = m0 * 0x010101 | m1 << 24;
+        words[3 * i + 1] = m1 * 0x0101 | m2 * 0x01010000;
+        words[3 * i + 2] = m2 | m3 * 0x01010100;
     }
+    std::uint8_t weights[3 * kBlock];
+    std::memcpy(weights, words, sizeof(weights));
+    for (std::size_t i = 0; i < 3 * kBlock; ++i)
+        out[i] = Mix(b[i], a[i], weights[i]);
 }
 
-/// A mask that is not grey weighs by its red.
-std::array<std::uint8_t, kBlockBytes> SpreadRed(const std::uint8_t* mask) {
-    std::array<std::uint8_t, kBlockBytes> spread;
-    for (std::size_t i = 0; i < kBlockBytes; i += 3) {
-        spread[i] = spread[i + 1] = spread[i + 2] = mask[i + 2];
+/// How many pixels from the first on are in whole blocks of this value.
+std::size_t FlatPixels(const std::uint8_t* mask, std::size_t pixels, std::uint8_t value) {
+    const std::uint64_t pattern = value * 0x0101010101010101ULL;
+    std::size_t flat = 0;
+    for (; flat + kBlock <= pixels; flat += kBlock) {
+        std::uint64_t words[2];
+        std::memcpy(words, mask + flat, kBlock);
+        if (((words[0] ^ pattern) | (words[1] ^ pattern)) != 0) break;
     }
-    return spread;
+    return flat;
 }
 
-/// The same, pixel by pixel, for the end of a row.
-void BlendPixels(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
-                 std::size_t bytes) {
-    for (std::size_t i = 0; i < bytes; i += 3) {
-        for (std::size_t c = 0; c < 3; ++c) {
-            out[i + c] = Mix(b[i + c], a[i + c], mask[i + 2]);
-        }
-    }
-}
-
-bool IsAll(const std::uint8_t* block, std::uint64_t pattern) {
-    std::uint64_t words[kBlockBytes / 8];
-    std::memcpy(words, block, kBlockBytes);
-    std::uint64_t differs = 0;
-    for (const std::uint64_t word : words) {
-        differs |= word ^ pattern;
-    }
-    return differs == 0;
-}
-
-/// Masks are mostly flat: whole blocks of one picture or the other are copied.
+/// Masks are mostly flat: runs of one picture or the other are copied. The ranges must not overlap.
 void BlendRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
-              std::size_t bytes) {
-    std::size_t i = 0;
-    for (; i + kBlockBytes < bytes; i += kBlockBytes) {
-        if (IsAll(mask + i, 0)) {
-            std::memcpy(out + i, b + i, kBlockBytes);
-        } else if (IsAll(mask + i, ~std::uint64_t{0})) {
-            std::memcpy(out + i, a + i, kBlockBytes);
-        } else if (IsGreyBlock(mask + i)) {
-            BlendBytes(a + i, b + i, mask + i, out + i);
+              std::size_t pixels) {
+    for (std::size_t i = 0; i < pixels;) {
+        if (mask[i] == 0 || mask[i] == 255) {
+            const std::size_t flat = FlatPixels(mask + i, pixels - i, mask[i]);
+            std::memcpy(out + 3 * i, (mask[i] == 0 ? b : a) + 3 * i, 3 * flat);
+            i += flat;
+            if (flat != 0) continue;
+        }
+        if (i + kBlock > pixels && pixels >= kBlock) i = pixels - kBlock; // the last block reaches back
+        if (i + kBlock <= pixels) {
+            BlendBlock(a + 3 * i, b + 3 * i, mask + i, out + 3 * i);
+            i += kBlock;
         } else {
-            BlendBytes(a + i, b + i, SpreadRed(mask + i).data(), out + i);
+            for (std::size_t c = 0; c < 3; ++c)
+                out[3 * i + c] = Mix(b[3 * i + c], a[3 * i + c], mask[i]);
+            ++i;
         }
     }
-    BlendPixels(a + i, b + i, mask + i, out + i, bytes - i);
 }
 
 PixelValue BlendPixel(PixelValue a, PixelValue b, PixelValue mask, bool oneBit) {
@@ -109,8 +107,13 @@ OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& m
     if (Covers24(a, width, height) && Covers24(b, width, height) && Covers24(mask, width, height)) {
         const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
         const RowView rows = out.Rows();
-        for (std::int32_t y = 0; y < height; ++y)
-            BlendRow(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), rows.RowBytes());
+        Array<std::uint8_t> reds(static_cast<std::size_t>(width));
+        if (!reds) return {};
+        for (std::int32_t y = 0; y < height; ++y) {
+            for (std::size_t x = 0; x < reds.size(); ++x)
+                reds[x] = rowsMask.Row(y)[3 * x + 2];
+            BlendRow(rowsA.Row(y), rowsB.Row(y), reds.data(), rows.Row(y), reds.size());
+        }
     } else {
         const bool oneBit = mask.biBitCount == 1;
         ForEachPixel(*out, [&](std::int32_t x, std::int32_t y) {
@@ -118,6 +121,27 @@ OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& m
         });
     }
     return out;
+}
+
+OwnedDib MaskBlend(const DibHeader& a, const DibHeader& b, const Mask& mask, std::int32_t left,
+                   std::int32_t top) {
+    OwnedDib out = DibCreate(a.biWidth, a.biHeight, nullptr, 24);
+    if (!out) return out;
+    const ConstRowView rowsA(a), rowsB(b);
+    const RowView rows = out.Rows();
+    for (std::int32_t y = 0; y < rows.Height(); ++y)
+        BlendRow(rowsA.Row(y), rowsB.Row(y), mask.Row(top + y) + left, rows.Row(y),
+                 static_cast<std::size_t>(rows.Width()));
+    return out;
+}
+
+void MaskBlendBox(const DibHeader& a, const DibHeader& b, const Mask& mask, const Rect& box, DibHeader& out) {
+    const ConstRowView rowsA(a), rowsB(b);
+    const RowView rows(out);
+    const std::ptrdiff_t left = std::ptrdiff_t{3} * box.left;
+    for (std::int32_t y = 0; y < mask.Height(); ++y)
+        BlendRow(rowsA.Row(box.top + y) + left, rowsB.Row(box.top + y) + left, mask.Row(y),
+                 rows.Row(box.top + y) + left, static_cast<std::size_t>(mask.Width()));
 }
 
 } // namespace lumafold

@@ -9,11 +9,11 @@ namespace {
 constexpr std::int32_t kSigma = 100; // tenths of a pixel
 
 /// `inside` seen through the blurred mask, `outside` around it. No mask gives no frame.
-OwnedDib SoftFrame(const OwnedDib& mask, std::uint32_t radius, const DibHeader& inside,
+OwnedDib SoftFrame(const Mask& mask, std::uint32_t radius, const DibHeader& inside,
                    const DibHeader& outside) {
     if (!mask) return {};
-    const OwnedDib soft = DibGaussianBlur(*mask, static_cast<std::int32_t>(radius), kSigma);
-    return soft ? DibMaskBlend(inside, outside, *soft) : OwnedDib();
+    const Mask soft = MaskGaussianBlur(mask, static_cast<std::int32_t>(radius), kSigma);
+    return soft ? MaskBlend(inside, outside, soft) : OwnedDib();
 }
 
 /// Frames of a shape that opens in steps; the ellipse opens to 100 % and beyond, the diamond stops short of

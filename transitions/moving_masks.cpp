@@ -35,7 +35,7 @@ struct Teeth {
     std::int64_t Breadth() const { return 2 * count * halfWidth; }
 };
 
-OwnedDib SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::int64_t count) {
+Mask SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::int64_t count) {
     const std::int64_t along = Along(travel, frame);
     const Teeth teeth(count, Across(travel, frame));
     const Extent canvas = Place(travel, teeth.Breadth(), 6 * along);
@@ -53,7 +53,7 @@ OwnedDib SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::in
     });
 }
 
-OwnedDib SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
+Mask SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     const std::int64_t across = 2 * Across(travel, frame), along = 2 * Along(travel, frame);
     const Extent canvas = Place(travel, across, 2 * along);
     return DrawHalvedMask(window, canvas.x, canvas.y, [=](ShapeCanvas& shapes) {
@@ -62,8 +62,8 @@ OwnedDib SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     });
 }
 
-OwnedDib Blurred(const OwnedDib& mask, std::uint32_t radius) {
-    return mask ? DibGaussianBlur(*mask, static_cast<std::int32_t>(radius), kSigma) : OwnedDib();
+Mask Blurred(const Mask& mask, std::uint32_t radius) {
+    return mask ? MaskGaussianBlur(mask, static_cast<std::int32_t>(radius), kSigma) : Mask();
 }
 
 std::int64_t FramesUpTo100(std::int64_t step) { return LoopCount(step, 100, step); }
@@ -77,24 +77,24 @@ float Advance(float offset, std::int32_t distance, std::int64_t step) {
 
 } // namespace
 
-OwnedDib SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count) {
+Mask SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count) {
     return SpikeMask(window, frame, Travel::Down, count);
 }
-OwnedDib SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count) {
+Mask SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count) {
     return SpikeMask(window, frame, Travel::Right, count);
 }
-OwnedDib SlideMaskVertical(WindowHandle window, CanvasSize frame) {
+Mask SlideMaskVertical(WindowHandle window, CanvasSize frame) {
     return SlideMask(window, frame, Travel::Down);
 }
-OwnedDib SlideMaskHorizontal(WindowHandle window, CanvasSize frame) {
+Mask SlideMaskHorizontal(WindowHandle window, CanvasSize frame) {
     return SlideMask(window, frame, Travel::Right);
 }
 
-MovingMask::MovingMask(const Gap& gap, OwnedDib mask, Travel travel, std::int64_t step)
+MovingMask::MovingMask(const Gap& gap, Mask mask, Travel travel, std::int64_t step)
     : gap_(gap), mask_(std::move(mask)), travel_(travel) {
     if (!mask_) return;
     const std::int32_t distance =
-        travel == Travel::Down ? mask_->biHeight - gap.size.height : mask_->biWidth - gap.size.width;
+        travel == Travel::Down ? mask_.Height() - gap.size.height : mask_.Width() - gap.size.width;
     auto offset = static_cast<float>(distance);
     for (std::size_t i = 0; i < static_cast<std::size_t>(FramesUpTo100(step)); ++i) {
         offset = Advance(offset, distance, step);
@@ -105,11 +105,9 @@ MovingMask::MovingMask(const Gap& gap, OwnedDib mask, Travel travel, std::int64_
 OwnedDib MovingMask::Frame(std::int64_t index) const {
     const std::int32_t offset = offsets_[static_cast<std::size_t>(index)];
     const bool down = travel_ == Travel::Down;
-    const std::int32_t left = down ? (mask_->biWidth - gap_.size.width) / 2 : offset;
-    const std::int32_t top = down ? offset : (mask_->biHeight - gap_.size.height) / 2;
-    const OwnedDib window =
-        DibCropRect(*mask_, {left, top, left + gap_.size.width, top + gap_.size.height}, 0);
-    return window ? DibMaskBlend(gap_.target, gap_.source, *window) : OwnedDib();
+    const std::int32_t left = down ? (mask_.Width() - gap_.size.width) / 2 : offset;
+    const std::int32_t top = down ? offset : (mask_.Height() - gap_.size.height) / 2;
+    return MaskBlend(gap_.target, gap_.source, mask_, left, top);
 }
 
 template <Travel kTravel>
@@ -130,7 +128,7 @@ std::int64_t Spikes<kTravel>::Frames() const {
 
 template <Travel kTravel>
 MovingMask Spikes<kTravel>::Start(const Gap& gap) const {
-    const OwnedDib mask = SpikeMask(gap.window, gap.size, kTravel, count_);
+    const Mask mask = SpikeMask(gap.window, gap.size, kTravel, count_);
     return {gap, Blurred(mask, gap.settings.TransitionSpikeRadius), kTravel, step_};
 }
 
@@ -150,7 +148,7 @@ std::int64_t SoftSlide<kTravel>::Frames() const {
 
 template <Travel kTravel>
 MovingMask SoftSlide<kTravel>::Start(const Gap& gap) const {
-    const OwnedDib mask = SlideMask(gap.window, gap.size, kTravel);
+    const Mask mask = SlideMask(gap.window, gap.size, kTravel);
     return {gap, Blurred(mask, gap.settings.TransitionSoftSlideRadius), kTravel, step_};
 }
 

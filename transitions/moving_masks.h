@@ -3,6 +3,7 @@
 #pragma once
 
 #include "transitions/gap.h"
+#include "transitions/mask.h"
 
 namespace lumafold {
 
@@ -11,24 +12,24 @@ enum class Travel { Right, Down };
 
 /// White above, or left of, `count` teeth whose tips point along the travel; a frame is one of `frame`'s
 /// size. The mask is three frames long and a little broader than the frame where the teeth need it.
-OwnedDib SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count);
-OwnedDib SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count);
+Mask SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count);
+Mask SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count);
 
 /// Two frames long, the upper, or left, one white and the other black.
-OwnedDib SlideMaskVertical(WindowHandle window, CanvasSize frame);
-OwnedDib SlideMaskHorizontal(WindowHandle window, CanvasSize frame);
+Mask SlideMaskVertical(WindowHandle window, CanvasSize frame);
+Mask SlideMaskHorizontal(WindowHandle window, CanvasSize frame);
 
 /// The frames through a moving window on a mask.
 class MovingMask {
 public:
     /// Empty when there is no mask. `step` is the percentage of the way a frame, above 0.
-    MovingMask(const Gap& gap, OwnedDib mask, Travel travel, std::int64_t step);
+    MovingMask(const Gap& gap, Mask mask, Travel travel, std::int64_t step);
     explicit operator bool() const { return static_cast<bool>(mask_); }
     OwnedDib Frame(std::int64_t index) const;
 
 private:
     const Gap& gap_;
-    OwnedDib mask_;
+    Mask mask_;
     Travel travel_;
     std::array<std::int32_t, 100> offsets_{}; ///< of the window along the travel, a frame each
 };

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "image/resample.h"
 #include "transitions/compositing.h"
+#include "transitions/shape_masks.h"
 
 namespace lumafold {
 
@@ -27,20 +27,15 @@ Rect Splat::Box(CanvasSize picture) const {
 }
 
 SplatCanvas::SplatCanvas(WindowHandle window, CanvasSize picture)
-    : picture_(DibCreate(std::int64_t{2} * picture.width, std::int64_t{2} * picture.height, nullptr, 24)) {
-    if (picture_) {
-        shapes_.emplace(window, picture_->biWidth, picture_->biHeight, picture_.Rows().Stored());
-    }
+    : pixels_(std::int64_t{2} * picture.width, std::int64_t{2} * picture.height) {
+    if (pixels_) shapes_.emplace(window, pixels_.Width(), pixels_.Height(), pixels_.Row(0));
 }
 
-OwnedDib PaintballMask(SplatCanvas& canvas, const Splat& splat, const Rect& box) {
+Mask PaintballMask(SplatCanvas& canvas, const Splat& splat, const Rect& box) {
     const auto at = [](std::int64_t v) { return static_cast<std::int32_t>(v); };
     canvas.Shapes().Ellipse(at(splat.x - splat.radius), at(splat.y - splat.radius),
                             at(splat.x + splat.radius), at(splat.y + splat.radius));
-    const Rect fine = {box.left * 2, box.top * 2, box.right * 2, box.bottom * 2};
-    if (!canvas.Shapes().Finish(fine.top, fine.bottom)) return {};
-    const OwnedDib part = DibCropRect(canvas.Picture(), fine, 0);
-    return part ? DibScale(*part, 50, 50) : OwnedDib();
+    return canvas.Shapes().Finish(2 * box.top, 2 * box.bottom) ? Halved(canvas.Pixels(), box) : Mask();
 }
 
 FreeCells::FreeCells(std::int64_t count) : cells_(static_cast<std::size_t>(count)), count_(cells_.size()) {
@@ -66,22 +61,14 @@ Paintball::Painter::Painter(const SplatGrid& grid, const Gap& gap)
     : grid_(grid), gap_(gap), random_(gap.settings.RandomSeed), cells_(grid.Cells()),
       canvas_(gap.window, gap.size), current_(DibCopy(gap.source)) {}
 
-/// Source and target within the box, blended through the mask there, laid over the current picture.
-bool Paintball::Painter::BlendBox(const OwnedDib& mask, const Rect& box) {
-    if (!mask) return false;
-    const OwnedDib source = DibCropRect(gap_.source, box, 0), target = DibCropRect(gap_.target, box, 0);
-    if (!source || !target) return false;
-    const OwnedDib blended = DibMaskBlend(*target, *source, *mask);
-    if (!blended) return false;
-    DibCopyRect(*current_, box.left, box.top, *blended, 0, 0, blended->biWidth, blended->biHeight);
-    return true;
-}
-
 OwnedDib Paintball::Painter::Frame(std::int64_t) {
     const Splat splat(grid_, cells_.Take(random_), gap_.size);
     const Rect box = splat.Box(gap_.size);
-    const bool reached = box.left < box.right && box.top < box.bottom;
-    if (reached && !BlendBox(PaintballMask(canvas_, splat, box), box)) return {};
+    if (box.left < box.right && box.top < box.bottom) {
+        const Mask mask = PaintballMask(canvas_, splat, box);
+        if (!mask) return {};
+        MaskBlendBox(gap_.target, gap_.source, mask, box, *current_);
+    }
     return DibCopy(*current_);
 }
 

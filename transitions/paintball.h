@@ -4,6 +4,7 @@
 
 #include "platform/shapes.h"
 #include "transitions/gap.h"
+#include "transitions/mask.h"
 #include "transitions/random.h"
 
 namespace lumafold {
@@ -37,15 +38,15 @@ public:
     explicit operator bool() const { return shapes_ && *shapes_; }
 
     ShapeCanvas& Shapes() { return *shapes_; }
-    const DibHeader& Picture() const { return *picture_; }
+    const Mask& Pixels() const { return pixels_; }
 
 private:
-    OwnedDib picture_;
-    std::optional<ShapeCanvas> shapes_; ///< draws into picture_
+    Mask pixels_;
+    std::optional<ShapeCanvas> shapes_; ///< draws into pixels_
 };
 
 /// Adds a splat and returns the mask of all within `box`, its part of the picture: white where splats are.
-OwnedDib PaintballMask(SplatCanvas& canvas, const Splat& splat, const Rect& box);
+Mask PaintballMask(SplatCanvas& canvas, const Splat& splat, const Rect& box);
 
 /// The cells not hit yet, in reading order.
 class FreeCells {
@@ -70,8 +71,6 @@ public:
         std::int32_t Delay(std::int64_t index, std::int32_t delay);
 
     private:
-        bool BlendBox(const OwnedDib& mask, const Rect& box);
-
         const SplatGrid& grid_;
         const Gap& gap_;
         Random random_;

@@ -17,9 +17,28 @@ HalfAxes Proportional(std::int64_t width, std::int64_t height, std::int64_t long
     return {static_cast<std::int32_t>(x * p / 100), static_cast<std::int32_t>(y * p / 100)};
 }
 
+/// `width` pixels from twice as many of each of two rows.
+void HalveRow(const std::uint8_t* __restrict upper, const std::uint8_t* __restrict lower,
+              std::uint8_t* __restrict out, std::int32_t width) {
+    const auto average = [](unsigned a, unsigned b) { return (a + b) / 2; };
+    for (std::int32_t x = 0; x < width; ++x) {
+        out[x] = static_cast<std::uint8_t>(
+            average(average(upper[2 * x], upper[2 * x + 1]), average(lower[2 * x], lower[2 * x + 1])));
+    }
+}
+
 } // namespace
 
-OwnedDib EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+Mask Halved(const Mask& fine, const Rect& box) {
+    Mask half(RectWidth(box), RectHeight(box));
+    for (std::int32_t y = 0; half && y < half.Height(); ++y) {
+        const std::uint8_t* upper = fine.Row(2 * (box.top + y)) + std::ptrdiff_t{2} * box.left;
+        HalveRow(upper, upper + fine.Width(), half.Row(y), half.Width());
+    }
+    return half;
+}
+
+Mask EllipseMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
     const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
     return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
         const auto longer =
@@ -29,7 +48,7 @@ OwnedDib EllipseMask(WindowHandle window, std::int32_t width, std::int32_t heigh
     });
 }
 
-OwnedDib DiamondMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
+Mask DiamondMask(WindowHandle window, std::int32_t width, std::int32_t height, std::int64_t percent) {
     const std::int64_t w = std::int64_t{2} * width, h = std::int64_t{2} * height;
     return DrawHalvedMask(window, w, h, [=](ShapeCanvas& canvas) {
         const HalfAxes r = Proportional(w, h, std::max(w, h), percent);

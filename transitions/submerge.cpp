@@ -5,18 +5,30 @@ namespace {
 
 constexpr std::int64_t kSurface = 255; // above the luminance of every pixel, white's too
 
-/// How far the water is chosen at once: whole pixels and whole words.
-constexpr std::size_t kBlockBytes = 48;
-using WaterBlock = std::array<std::uint8_t, kBlockBytes>;
-
 /// Water where the luminance is below `level`, the pixels elsewhere; by masks, so that sixteen go at once.
-void ChooseBytes(const std::uint8_t* __restrict luminance, std::uint8_t level, const WaterBlock& water,
-                 const std::uint8_t* __restrict pixels, std::uint8_t* __restrict out, std::size_t bytes) {
+void ChooseBytes(const std::uint8_t* __restrict luminance, std::uint8_t level,
+                 const std::uint8_t* __restrict water, const std::uint8_t* __restrict pixels,
+                 std::uint8_t* __restrict out, std::size_t bytes) {
     for (std::size_t i = 0; i < bytes; ++i) {
         const auto below = static_cast<std::uint8_t>(luminance[i] < level ? 0xFF : 0);
         out[i] = static_cast<std::uint8_t>((water[i] & below) | (pixels[i] & ~below));
     }
 }
+
+/// What each channel adds to the luminance.
+struct LuminanceShares {
+    std::array<std::uint8_t, 256> red, green, blue;
+};
+constexpr LuminanceShares kShares = [] {
+    LuminanceShares shares{};
+    for (std::size_t i = 0; i < 256; ++i) {
+        const auto level = static_cast<std::uint8_t>(i);
+        shares.red[i] = Luminance({level, 0, 0});
+        shares.green[i] = Luminance({0, level, 0});
+        shares.blue[i] = Luminance({0, 0, level});
+    }
+    return shares;
+}();
 
 /// Frames of one half, down or up.
 std::int64_t HalfFrames(std::int64_t step) { return LoopCount(step, kSurface, step); }
@@ -30,25 +42,25 @@ LuminancePlane::LuminancePlane(const DibHeader& picture)
     std::uint8_t* out = bytes_.data();
     for (std::int32_t y = 0; bytes_ && y < rows.Height(); ++y) {
         const std::uint8_t* row = rows.Row(y);
-        for (std::size_t i = 0; i < rowBytes_; i += 3, out += 3)
-            out[0] = out[1] = out[2] = Luminance(LoadRgb(row + i));
+        for (std::size_t i = 0; i < rowBytes_; i += 3, out += 3) {
+            const Rgb pixel = LoadRgb(row + i);
+            out[0] = out[1] = out[2] = static_cast<std::uint8_t>(
+                kShares.red[pixel.red] + kShares.green[pixel.green] + kShares.blue[pixel.blue]);
+        }
     }
 }
 
 OwnedDib SubmergeFrame(const DibHeader& picture, const LuminancePlane& luminance, int level,
                        PixelValue colour) {
     OwnedDib frame = DibCreate(picture.biWidth, picture.biHeight, nullptr, 24);
-    if (!frame) return frame;
-    WaterBlock water;
-    StoreColours(water.data(), kBlockBytes / 3, colour == kNoPixel ? 0 : colour);
+    Array<std::uint8_t> water(ConstRowView(picture).RowBytes());
+    if (!frame || !water) return {};
+    StoreColours(water.data(), static_cast<std::size_t>(picture.biWidth), colour == kNoPixel ? 0 : colour);
     const ConstRowView from(picture);
     const RowView to = frame.Rows();
-    for (std::int32_t y = 0; y < to.Height(); ++y) {
-        for (std::size_t i = 0; i < to.RowBytes(); i += kBlockBytes) {
-            ChooseBytes(luminance.Row(y) + i, static_cast<std::uint8_t>(level), water, from.Row(y) + i,
-                        to.Row(y) + i, std::min(kBlockBytes, to.RowBytes() - i));
-        }
-    }
+    for (std::int32_t y = 0; y < to.Height(); ++y)
+        ChooseBytes(luminance.Row(y), static_cast<std::uint8_t>(level), water.data(), from.Row(y), to.Row(y),
+                    to.RowBytes());
     return frame;
 }
 

@@ -17,15 +17,14 @@ constexpr std::int32_t kGlowRadius = 32, kGlowSigma = 10; // tenths of a pixel
 constexpr std::int64_t kGlowFirst = 50, kGlowFull = 100, kGlowEnd = 29;
 
 /// A small diamond of grey `level` on black, softened.
-OwnedDib GlowingDot(unsigned level) {
-    OwnedDib dot = DibCreate(kGlowSize, kGlowSize, nullptr, 24);
+Mask GlowingDot(std::uint8_t level) {
+    Mask dot(kGlowSize, kGlowSize);
     if (!dot) return dot;
     for (std::int32_t dy = -kGlowReach; dy <= kGlowReach; ++dy) {
         const std::int32_t reach = kGlowReach - std::abs(dy);
-        for (std::int32_t dx = -reach; dx <= reach; ++dx)
-            DibSetPixel(*dot, kGlowSize / 2 + dx, kGlowSize / 2 + dy, MakeColour(level, level, level));
+        std::fill_n(dot.Row(kGlowSize / 2 + dy) + kGlowSize / 2 - reach, 2 * reach + 1, level);
     }
-    return DibGaussianBlur(*dot, kGlowRadius, kGlowSigma);
+    return MaskGaussianBlur(dot, kGlowRadius, kGlowSigma);
 }
 
 PixelValue Lightened(PixelValue colour, unsigned weight) {
@@ -33,33 +32,31 @@ PixelValue Lightened(PixelValue colour, unsigned weight) {
     return MakeColour(channel(RedOf(colour)), channel(GreenOf(colour)), channel(BlueOf(colour)));
 }
 
-/// Lightens the middle of the picture by the dot.
-void LayGlow(const DibHeader& dot, DibHeader& picture) {
-    const std::int32_t left = (picture.biWidth - dot.biWidth) / 2,
-                       top = (picture.biHeight - dot.biHeight) / 2;
-    for (std::int32_t y = 0; y < dot.biHeight; ++y) {
-        for (std::int32_t x = 0; x < dot.biWidth; ++x) {
-            const PixelValue below = DibGetPixel(picture, left + x, top + y);
-            DibSetPixel(picture, left + x, top + y, Lightened(below, RedOf(DibGetPixel(dot, x, y))));
+/// The background with its middle lightened by the dot.
+OwnedDib GlowFrame(const DibHeader& background, std::uint8_t level) {
+    const Mask dot = GlowingDot(level);
+    OwnedDib frame = DibCopy(background);
+    if (!dot || !frame) return {};
+    const std::int32_t left = (frame->biWidth - kGlowSize) / 2, top = (frame->biHeight - kGlowSize) / 2;
+    for (std::int32_t y = 0; y < kGlowSize; ++y) {
+        for (std::int32_t x = 0; x < kGlowSize; ++x) {
+            const PixelValue below = DibGetPixel(*frame, left + x, top + y);
+            DibSetPixel(*frame, left + x, top + y, Lightened(below, dot.Row(y)[x]));
         }
     }
+    return frame;
 }
 
 } // namespace
 
 OwnedDib UnpluggedTVFrame(const DibHeader& background, const DibHeader& picture, const TvScreen& screen) {
+    if (screen.glow) return GlowFrame(background, static_cast<std::uint8_t>(*screen.glow * 255 / 100));
     const auto percent = [](std::int64_t p) { return static_cast<std::int32_t>(std::max(p, kThinnest)); };
-    const OwnedDib piece = screen.glow
-                               ? GlowingDot(static_cast<unsigned>(*screen.glow * 255 / 100))
-                               : DibScale(picture, percent(screen.horizontal), percent(screen.vertical));
+    const OwnedDib piece = DibScale(picture, percent(screen.horizontal), percent(screen.vertical));
     OwnedDib frame = DibCopy(background);
     if (!piece || !frame) return {};
-    if (screen.glow) {
-        LayGlow(*piece, *frame);
-    } else {
-        DibCopyRect(*frame, (frame->biWidth - piece->biWidth) / 2, (frame->biHeight - piece->biHeight) / 2,
-                    *piece, 0, 0, piece->biWidth, piece->biHeight);
-    }
+    DibCopyRect(*frame, (frame->biWidth - piece->biWidth) / 2, (frame->biHeight - piece->biHeight) / 2,
+                *piece, 0, 0, piece->biWidth, piece->biHeight);
     return frame;
 }
 

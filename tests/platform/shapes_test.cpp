@@ -16,25 +16,18 @@
 namespace lumafold {
 namespace {
 
-/// A picture's rows, filled with something that is neither black nor white.
+/// Black pixels to draw on.
 struct Paper {
     std::int32_t width, height;
-    std::size_t stride = (static_cast<std::size_t>(width) * 3 + 3) / 4 * 4;
-    std::vector<std::uint8_t> rows =
-        std::vector<std::uint8_t>(stride * static_cast<std::size_t>(height), 0x5A);
+    std::vector<std::uint8_t> pixels =
+        std::vector<std::uint8_t>(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
 
-    /// Top row first: '#' white, '.' black, '?' anything else, also in the padding.
+    /// Top row first: '#' white, '.' black, '?' anything else.
     std::string Text() const {
         std::string text;
-        for (std::int32_t y = height - 1; y >= 0; --y) {
-            const std::uint8_t* row = rows.data() + static_cast<std::size_t>(y) * stride;
-            for (std::int32_t x = 0; x < width; ++x) {
-                const int sum = row[x * 3] + row[x * 3 + 1] + row[x * 3 + 2];
-                text += sum == 0 ? '.' : sum == 765 ? '#' : '?';
-            }
-            const bool clean =
-                std::all_of(row + width * 3, row + stride, [](std::uint8_t b) { return b == 0; });
-            text += clean ? "\n" : "?\n";
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            text += pixels[i] == 0 ? '.' : pixels[i] == 255 ? '#' : '?';
+            if ((i + 1) % static_cast<std::size_t>(width) == 0) text += '\n';
         }
         return text;
     }
@@ -43,7 +36,7 @@ struct Paper {
 template <typename Draw>
 std::string Drawn(std::int32_t width, std::int32_t height, Draw draw) {
     Paper paper{width, height};
-    ShapeCanvas canvas(0, width, height, paper.rows.data());
+    ShapeCanvas canvas(0, width, height, paper.pixels.data());
     if (!canvas) return "no canvas";
     draw(canvas);
     return canvas.Finish() ? paper.Text() : "not finished";
@@ -75,7 +68,7 @@ TEST(Shapes, RectanglesLeaveTheirEndOut) {
 
 TEST(Shapes, ALaterFinishBringsWhatWasAdded) {
     Paper paper{4, 4};
-    ShapeCanvas canvas(0, 4, 4, paper.rows.data());
+    ShapeCanvas canvas(0, 4, 4, paper.pixels.data());
     ASSERT_TRUE(canvas);
     EXPECT_EQ(paper.Text(), Lines(".... .... .... ...."));
     canvas.FillRect(0, 0, 2, 4);
@@ -88,18 +81,18 @@ TEST(Shapes, ALaterFinishBringsWhatWasAdded) {
 
 TEST(Shapes, CanvasesGiveBackWhatTheyTake) {
     const std::int64_t blocks = allocation_hooks::LiveBlocks();
-    std::uint8_t rows[4];
+    std::uint8_t pixel = 0;
     for (int i = 0; i < 20000; ++i) { // more than the system has handles for
-        ShapeCanvas canvas(0, 1, 1, rows);
+        ShapeCanvas canvas(0, 1, 1, &pixel);
         ASSERT_TRUE(canvas) << i;
     }
     EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
 #ifdef _WIN32
     for (int i = 0; i < 20000; ++i) {
-        ShapeCanvas canvas(0xFFF0, 1, 1, rows); // no such window
+        ShapeCanvas canvas(0xFFF0, 1, 1, &pixel); // no such window
         ASSERT_FALSE(canvas);
         EXPECT_FALSE(canvas.Finish());
-        ShapeCanvas tooLarge(0, 0x7FFFFFFF, 0, rows); // no bitmap has no rows
+        ShapeCanvas tooLarge(0, 0x7FFFFFFF, 0, &pixel); // no bitmap has no rows
         ASSERT_FALSE(tooLarge);
     }
 #endif

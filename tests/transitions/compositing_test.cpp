@@ -11,43 +11,49 @@ OwnedDib MaskPicture(std::int32_t width, std::int32_t height) {
     });
 }
 
+/// Its one channel, as the effects hold it.
+Mask MaskOf(const DibHeader& picture) {
+    Mask mask(picture.biWidth, picture.biHeight);
+    for (std::int32_t y = 0; y < mask.Height(); ++y) {
+        for (std::int32_t x = 0; x < mask.Width(); ++x)
+            mask.Row(y)[x] = static_cast<std::uint8_t>(DibGetPixel(picture, x, y));
+    }
+    return mask;
+}
+
 /// Every line along one axis by the definition of a row.
-void PlainPass(const Array<double>& kernel, DibHeader* dib, bool wide) {
-    const std::int32_t lines = wide ? dib->biHeight : dib->biWidth,
-                       count = wide ? dib->biWidth : dib->biHeight;
+void PlainPass(const Array<double>& kernel, DibHeader& dib, bool wide) {
+    const std::int32_t lines = wide ? dib.biHeight : dib.biWidth, count = wide ? dib.biWidth : dib.biHeight;
     std::vector<std::uint8_t> line(static_cast<std::size_t>(count) * 3), result(line.size());
     for (std::int32_t at = 0; at < lines; ++at) {
-        for (std::size_t i = 0; i < line.size(); ++i) {
-            const auto along = static_cast<std::int32_t>(i / 3);
-            const PixelValue pixel = DibGetPixel(dib, wide ? along : at, wide ? at : along);
-            line[i] = static_cast<std::uint8_t>(pixel >> (8 * (i % 3)));
-        }
+        for (std::int32_t i = 0; i < count; ++i)
+            StoreColour(&line[static_cast<std::size_t>(i) * 3],
+                        DibGetPixel(dib, wide ? i : at, wide ? at : i));
         BlurRow(kernel, line.data(), result.data(), count);
-        for (std::int32_t i = 0; i < count; ++i) {
-            const std::uint8_t* pixel = &result[static_cast<std::size_t>(i) * 3];
-            DibSetPixel(dib, wide ? i : at, wide ? at : i, MakeColour(pixel[0], pixel[1], pixel[2]));
-        }
+        for (std::int32_t i = 0; i < count; ++i)
+            DibSetPixel(dib, wide ? i : at, wide ? at : i,
+                        LoadColour(&result[static_cast<std::size_t>(i) * 3]));
     }
 }
 
 TEST(Compositing, BlurIsTheDefinition) {
-    for (const CanvasSize size : {CanvasSize{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {90, 40}}) {
+    for (const CanvasSize size : {CanvasSize{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {130, 70}}) {
         for (const std::int32_t radius : {0, 2, 25, 32, 100, 400, 2000}) {
-            for (const bool mask : {false, true}) {
-                SCOPED_TRACE(testing::Message() << size.width << ", radius " << radius << ", mask " << mask);
-                const std::int32_t sigma = radius == 32 ? 10 : 100;
-                OwnedDib source =
-                    mask ? MaskPicture(size.width, size.height) : BusyPicture(size.width, size.height, 4);
-                const OwnedDib expected(GlobalDuplicate(source.Get()));
-                const OwnedDib blurred(DibGaussianBlur(source.Get(), radius, sigma));
-                const Array<double> kernel =
-                    GaussianKernel(2 * static_cast<std::int32_t>(std::ceil(radius * 0.1)) + 1, sigma * 0.1);
-                const LockedDib e(expected.Get());
-                PlainPass(kernel, e.Get(), true);
-                ExpectSamePicture(source.Get(), expected.Get()); // what was given is blurred horizontally
-                PlainPass(kernel, e.Get(), false);
-                ExpectSamePicture(blurred.Get(), expected.Get());
+            SCOPED_TRACE(testing::Message() << size.width << " wide, radius " << radius);
+            const std::int32_t sigma = radius == 32 ? 10 : 100;
+            const Array<double> kernel =
+                GaussianKernel(2 * static_cast<std::int32_t>(std::ceil(radius * 0.1)) + 1, sigma * 0.1);
+            OwnedDib plainMask = MaskPicture(size.width, size.height),
+                     plain = BusyPicture(size.width, size.height, 4);
+            const Mask blurredMask = MaskGaussianBlur(MaskOf(*plainMask), radius, sigma);
+            const OwnedDib blurred = DibGaussianBlur(*plain, radius, sigma);
+            for (const bool wide : {true, false}) {
+                PlainPass(kernel, *plainMask, wide);
+                PlainPass(kernel, *plain, wide);
             }
+            ExpectSamePicture(*blurred, *plain);
+            const Mask expected = MaskOf(*plainMask);
+            EXPECT_TRUE(std::equal(expected.Row(0), expected.Row(size.height), blurredMask.Row(0)));
         }
     }
 }
@@ -76,51 +82,63 @@ TEST(Compositing, CrossfadeOverAllPairs) {
         return MakeColour(u, u, 255 - u);
     });
     const OwnedDib b = Picture(256, 256, [](int, int y) { return static_cast<unsigned>(y) * 0x010101; });
-    const LockedDib lockedA(a.Get()), lockedB(b.Get());
     for (unsigned t = 0; t <= 255; ++t) {
-        const OwnedDib faded(DibCrossfade(lockedA.Get(), lockedB.Get(), static_cast<int>(t)));
+        const OwnedDib faded = DibCrossfade(*a, *b, static_cast<int>(t));
         const OwnedDib expected = Picture(256, 256, [&](int x, int y) {
-            return PlainMix(DibGetPixel(*lockedA, x, y), DibGetPixel(*lockedB, x, y), t);
+            return PlainMix(DibGetPixel(*a, x, y), DibGetPixel(*b, x, y), t);
         });
         ASSERT_EQ(DibChecksum(faded.Get()), DibChecksum(expected.Get())) << t;
     }
     // Equal colours may lose a level.
     const OwnedDib grey = PlainPicture(1, 1, MakeColour(100, 100, 100));
-    const OwnedDib faded(DibCrossfadeHandles(grey.Get(), grey.Get(), 128));
-    EXPECT_EQ(PixelAt(faded.Get(), 0, 0), MakeColour(99, 99, 99));
-    EXPECT_EQ(DibCrossfadeHandles(grey.Get(), 0, 128), 0U);
+    EXPECT_EQ(DibGetPixel(*DibCrossfade(*grey, *grey, 128), 0, 0), MakeColour(99, 99, 99));
 }
 
-/// Masks of every kind, at every width up to 40 so that every alignment and every block's end occurs.
+/// Masks of every kind, at every width up to 70 so that every alignment and every block's end occurs.
 TEST(Compositing, MaskBlendIsTheDefinition) {
-    for (std::int32_t width = 1; width <= 40; ++width) {
+    for (std::int32_t width = 1; width <= 70; ++width) {
         const OwnedDib a = BusyPicture(width, 5, 1), b = NoisePicture(width, 5, 24, 2);
         const OwnedDib masks[] = {PlainPicture(width, 5, 0),    PlainPicture(width, 5, 0xFFFFFF),
                                   MaskPicture(width, 5),        BusyPicture(width, 5, 3),
                                   NoisePicture(width, 5, 8, 3), NoisePicture(width, 5, 1, 3)};
         for (const OwnedDib& mask : masks) {
-            const LockedDib lockedA(a.Get()), lockedB(b.Get()), m(mask.Get());
             SCOPED_TRACE(testing::Message() << width << " wide, mask " << &mask - masks);
-            const OwnedDib blended(DibMaskBlend(lockedA.Get(), lockedB.Get(), m.Get()));
+            const bool oneBit = mask->biBitCount == 1;
             const OwnedDib expected = Picture(width, 5, [&](int x, int y) {
-                const PixelValue weight = DibGetPixel(*m, x, y),
-                                 share = m->biBitCount == 1 ? weight * 255 : weight & 0xFF;
-                return PlainMix(DibGetPixel(*lockedB, x, y), DibGetPixel(*lockedA, x, y), share);
+                const PixelValue weight = DibGetPixel(*mask, x, y);
+                return PlainMix(DibGetPixel(*b, x, y), DibGetPixel(*a, x, y),
+                                oneBit ? weight * 255 : weight & 0xFF);
             });
-            ExpectSamePicture(blended.Get(), expected.Get());
+            ExpectSamePicture(*DibMaskBlend(*a, *b, *mask), *expected);
+            if (!oneBit) ExpectSamePicture(*MaskBlend(*a, *b, MaskOf(*mask)), *expected);
+        }
+    }
+}
+
+TEST(Compositing, MasksBlendThroughAWindowAndIntoABox) {
+    const OwnedDib a = PlainPicture(20, 9, 0xFFFFFF), b = PlainPicture(20, 9, 0);
+    const OwnedDib large = NoisePicture(41, 30, 8, 5), small = NoisePicture(7, 4, 8, 6);
+    const OwnedDib window = MaskBlend(*a, *b, MaskOf(*large), 21, 17);
+    OwnedDib box = PlainPicture(20, 9, 0x123456);
+    MaskBlendBox(*a, *b, MaskOf(*small), {13, 5, 20, 9}, *box);
+    for (std::int32_t y = 0; y < 9; ++y) {
+        for (std::int32_t x = 0; x < 20; ++x) {
+            EXPECT_EQ(DibGetPixel(*window, x, y), DibGetPixel(*large, 21 + x, 17 + y) * 0x010101);
+            EXPECT_EQ(DibGetPixel(*box, x, y),
+                      x < 13 || y < 5 ? 0x123456 : DibGetPixel(*small, x - 13, y - 5) * 0x010101);
         }
     }
 }
 
 TEST(Compositing, MissingPixelsAreWhite) {
     const OwnedDib large = PlainPicture(4, 4, MakeColour(10, 20, 30)), small = PlainPicture(2, 2, 0);
-    const LockedDib a(large.Get()), b(small.Get());
-    const OwnedDib faded(DibCrossfade(a.Get(), b.Get(), 255));
-    EXPECT_EQ(PixelAt(faded.Get(), 1, 1), 0U);
-    EXPECT_EQ(PixelAt(faded.Get(), 2, 1), 0xFFFFFFU);
-    const OwnedDib blended(DibMaskBlend(a.Get(), b.Get(), b.Get()));
-    EXPECT_EQ(PixelAt(blended.Get(), 1, 1), 0U);
-    EXPECT_EQ(PixelAt(blended.Get(), 2, 1), MakeColour(10, 20, 30)); // beyond the mask, too, weight is white
+    const OwnedDib faded = DibCrossfade(*large, *small, 255);
+    EXPECT_EQ(DibGetPixel(*faded, 1, 1), 0U);
+    EXPECT_EQ(DibGetPixel(*faded, 2, 1), 0xFFFFFFU);
+    const OwnedDib blended = DibMaskBlend(*large, *small, *small);
+    EXPECT_EQ(DibGetPixel(*blended, 1, 1), 0U);
+    // Beyond the mask, too, weight is white.
+    EXPECT_EQ(DibGetPixel(*blended, 2, 1), MakeColour(10, 20, 30));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/support/failing_memory.h"
+#include "tests/support/thread_runner.h"
 #include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
@@ -120,7 +121,8 @@ TEST_P(EveryRow, RendersTheSameEverywhereAndInAnyOrder) {
     const std::uint64_t before = DibChecksum(source.Get()) ^ DibChecksum(target.Get());
     const Runner inTurn;
     const BackwardRunner backward;
-    for (const Runner* runner : {&inTurn, static_cast<const Runner*>(&backward)}) {
+    const ThreadRunner threads(3);
+    for (const Runner* runner : std::initializer_list<const Runner*>{&inTurn, &backward, &threads}) {
         EffectResult result;
         RunEffect(Row(), settings, source, target, result, kTestDelay, *runner);
         ASSERT_EQ(result.returned, 1);
