@@ -82,7 +82,7 @@ BENCHMARK(Scale)->Arg(50)->Arg(37)->Arg(150);
 
 void Mask(benchmark::State& state) {
     for (auto _ : state) {
-        const OwnedDib mask(EllipseMask(0, kWidth, kHeight, 60));
+        const OwnedDib mask = EllipseMask(0, kWidth, kHeight, 60);
         benchmark::DoNotOptimize(mask.Get());
     }
     CountPixels(state);
