@@ -78,7 +78,7 @@ double WorstDifference(const FileBytes& file, const RgbaPicture& picture, const 
     double worst = dib ? 0 : 1000;
     for (int i = 0; dib && i < picture.width * picture.height; ++i) {
         const std::uint8_t* rgba = picture.samples.data() + 4 * i;
-        const Rgb seen = ColourAt(dib.Get(), i % picture.width, i / picture.width);
+        const Rgb seen = ColourAt(*dib, i % picture.width, i / picture.width);
         const int channels[] = {seen.red, seen.green, seen.blue};
         for (int c = 0; c < 3; ++c) {
             double light = 0;
@@ -181,7 +181,7 @@ TEST(PngColours, FollowGamma) {
         ASSERT_EQ(got.error, "");
         const LockedDib dib(got.picture.Get());
         for (int x = 0; x < 16; ++x)
-            EXPECT_NEAR(ColourAt(dib.Get(), x, 0).green, SrgbSample(x / 15.0), 1) << type << ' ' << depth;
+            EXPECT_NEAR(ColourAt(*dib, x, 0).green, SrgbSample(x / 15.0), 1) << type << ' ' << depth;
     }
 }
 
@@ -195,7 +195,7 @@ TEST(PngColours, FollowPrimariesAlone) {
     });
     const DecodedPicture got = DecodePicture(file, 0, kMany);
     ASSERT_EQ(got.error, "");
-    const Rgb seen = ColourAt(LockedDib(got.picture.Get()).Get(), 0, 0);
+    const Rgb seen = ColourAt(*got.picture, 0, 0);
     const double red = 1.3983557 * Light(kColour[0] / 255, 0) - 0.3983557 * Light(kColour[1] / 255, 0);
     EXPECT_NEAR(seen.red, SrgbSample(red), 1);
     EXPECT_EQ(seen.green, 100);

@@ -105,7 +105,7 @@ TEST(Y4mWriter, FollowsTheMatrix) {
         const LockedDib dib(animation.frames[0].image.Get());
         for (std::size_t i = 0; i < 4096; ++i) {
             const auto wanted =
-                YuvOf(DibGetPixel(dib.Get(), static_cast<int>(i % 64), static_cast<int>(i / 64)), red, blue);
+                YuvOf(DibGetPixel(*dib, static_cast<int>(i % 64), static_cast<int>(i / 64)), red, blue);
             for (std::size_t plane = 0; plane < 3; ++plane) {
                 const double got = static_cast<std::uint8_t>(film.frames[0][plane * 4096 + i]);
                 ASSERT_NEAR(got, wanted[plane], 0.52) << i << " in plane " << plane;

@@ -21,7 +21,7 @@ OwnedDib Halves(std::int32_t width, std::int32_t height) {
     const LockedDib dib(picture.Get());
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = width / 2; x < width; ++x)
-            DibSetPixel(dib.Get(), x, y, kRight);
+            DibSetPixel(*dib, x, y, kRight);
     }
     return picture;
 }
@@ -62,7 +62,7 @@ TEST(Resize, FitsInCutsOrStretches) {
         const LockedDib dib(got.picture.Get());
         std::string seen;
         for (const int x : {0, to.width / 4, to.width * 3 / 4 - 1, to.width - 1}) {
-            const PixelValue value = DibGetPixel(dib.Get(), x, y);
+            const PixelValue value = DibGetPixel(*dib, x, y);
             seen += value == kLeft ? 'l' : value == kRight ? 'r' : value == kMatte ? 'm' : '?';
         }
         return seen;
@@ -81,12 +81,12 @@ TEST(Resize, KeepsTheTopAndCutsEvenly) {
     {
         const LockedDib dib(picture.Get());
         for (std::int32_t i = 0; i < 8 * 64; ++i)
-            DibSetPixel(dib.Get(), i % 8, i / 8, static_cast<PixelValue>(i / 8 / 16 * 80));
+            DibSetPixel(*dib, i % 8, i / 8, static_cast<PixelValue>(i / 8 / 16 * 80));
     }
     const DecodedPicture got = Resized(std::move(picture), {Kind::Exact, {8, 32}, Fit::Cover}, kMany);
     const LockedDib dib(got.picture.Get());
-    EXPECT_EQ(DibGetPixel(dib.Get(), 4, 0), 80U);
-    EXPECT_EQ(DibGetPixel(dib.Get(), 4, 31), 160U);
+    EXPECT_EQ(DibGetPixel(*dib, 4, 0), 80U);
+    EXPECT_EQ(DibGetPixel(*dib, 4, 31), 160U);
 }
 
 TEST(Resize, MixesLightInsteadOfSamples) {
@@ -97,7 +97,7 @@ TEST(Resize, MixesLightInsteadOfSamples) {
         {
             const LockedDib dib(picture.Get());
             for (std::int32_t i = 0; i < 64 * 64; ++i)
-                DibSetPixel(dib.Get(), i % 64, i / 64,
+                DibSetPixel(*dib, i % 64, i / 64,
                             (i % 64 + i / 64) % 2 == 0 ? 0
                             : bits == 1                ? 1
                                                        : 0xFFFFFF);
@@ -105,7 +105,7 @@ TEST(Resize, MixesLightInsteadOfSamples) {
         const DecodedPicture got = Resized(std::move(picture), {Kind::Scale, {}, Fit::Contain, 25}, kMany);
         const LockedDib dib(got.picture.Get());
         ASSERT_EQ(dib->biBitCount, 24);
-        EXPECT_NEAR(ColourAt(dib.Get(), 8, 8).green, 188, 1);
+        EXPECT_NEAR(ColourAt(*dib, 8, 8).green, 188, 1);
     }
 }
 
@@ -120,8 +120,8 @@ TEST(Resize, TakesVeryTallPicturesToOneRow) {
                                        {Kind::Exact, {kLargestSide, 1}, Fit::Stretch}, kMany);
     ASSERT_EQ(got.error, "");
     const LockedDib dib(got.picture.Get());
-    EXPECT_EQ(DibGetPixel(dib.Get(), 0, 0), kLeft);
-    EXPECT_EQ(DibGetPixel(dib.Get(), kLargestSide - 1, 0), kLeft);
+    EXPECT_EQ(DibGetPixel(*dib, 0, 0), kLeft);
+    EXPECT_EQ(DibGetPixel(*dib, kLargestSide - 1, 0), kLeft);
 }
 
 } // namespace

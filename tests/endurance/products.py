@@ -9,7 +9,6 @@ import subprocess
 import tempfile
 
 LUMAFOLD = os.environ["LUMAFOLD"]
-LIST_WRITER = os.environ["LUMAFOLD_LIST_WRITER"]
 FAILING_CALLS = os.environ["LUMAFOLD_FAILING_CALLS"]
 
 # Thousands of flushed files; what they are flushed to makes no difference to what is tested.
@@ -38,12 +37,10 @@ def contents(folder):
 
 
 class Product:
-    """`former` and `next` are the words of two programs that write `target` in the folder they run in. Those that are
-    no more than a test's own say nothing and listen to nothing."""
+    """`former` and `next` are the words of two programs that write `target` in the folder they run in."""
 
     def __init__(self, target, former, following):
         self.target, self.former, self.next = target, former, following
-        self.is_real = former[0] == LUMAFOLD
 
     def __str__(self):
         return self.target
@@ -97,13 +94,9 @@ def products():
     def settings(*values):
         return [LUMAFOLD, "settings", "--write", "kept.ini", *(word for value in values for word in ("--set", value))]
 
-    def image_list(picture, count):
-        return [LIST_WRITER, "list.txt", *[f"../in/{picture}.bmp"] * count]
-
     yield from (Product(target, build(target, *"abc"), build(target, *"de"))
                 for target in ("x.gif", "x.png", "x.mng", "x/"))
     yield Product("kept.ini", settings(), settings("RandomSeed=777", "TransitionIrisStep=9"))
-    yield Product("list.txt", image_list("a", 2000), image_list("d", 3000))
 
 
 class Workplace:

@@ -1,11 +1,14 @@
 #include "platform/files.h"
 #include "platform/folders.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -157,6 +160,31 @@ TEST_F(PlatformFiles, BehindLinksAreReplacedAndKeepTheirMode) {
     for (const char* link : {"folder/first", "second", "dangling", "loop"})
         EXPECT_TRUE(fs::is_symlink(folder_.Path(link))) << link;
     EXPECT_EQ(folder_.Names().size(), 7U);
+}
+
+// What a signal handler removes while one file is written and another could not be: the first one's
+// temporary.
+TEST_F(PlatformFiles, OneWritersFailureLeavesTheOthersTemporaryKnown) {
+    const std::string path = folder_.Path("large.bin"), text(std::size_t{32} << 20, 'x');
+    FileError stored = 0;
+    // A writer may be done before it is seen.
+    for (int attempt = 0; attempt < 20 && stored == 0; ++attempt) {
+        std::atomic<bool> ended = false;
+        const std::jthread writer([&] {
+            stored = Store(path, text);
+            ended = true;
+        });
+        const auto seen = [&] {
+            const Names names = folder_.Names();
+            return std::any_of(names.begin(), names.end(),
+                               [](const auto& name) { return name.ends_with(".tmp"); });
+        };
+        while (!ended && !seen())
+            std::this_thread::yield();
+        EXPECT_EQ(Store(folder_.Path("missing/a.ini"), "new"), ENOENT);
+        RemovePendingTemporaries();
+    }
+    EXPECT_EQ(stored, ENOENT) << "its temporary was still there";
 }
 
 /// An environment variable, or none, while it lives.
