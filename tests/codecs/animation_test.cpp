@@ -195,7 +195,7 @@ TEST(ApngWriter, IsAStillPictureToo) {
     AddFrame(animation, {8, 5}, [](int x, int y) { return static_cast<unsigned>(x * y); });
     const DecodedPicture still = DecodePicture(WriteAndRead(kApng, animation), 0, 100);
     ASSERT_EQ(still.error, "");
-    EXPECT_EQ(ColourAt(LockedDib(still.picture.Get()).Get(), 2, 1), animation.palette[2]);
+    EXPECT_EQ(ColourAt(*still.picture, 2, 1), animation.palette[2]);
 }
 
 TEST(GifWriter, IsExact) {

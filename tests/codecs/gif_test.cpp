@@ -22,7 +22,7 @@ void ExpectPicture(std::span<const std::uint8_t> file, int width, int height, in
     EXPECT_EQ(dib->biBitCount, bits);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x)
-            ASSERT_EQ(ColourAt(dib.Get(), x, y), wantedAt(x, y)) << x << ", " << y;
+            ASSERT_EQ(ColourAt(*dib, x, y), wantedAt(x, y)) << x << ", " << y;
     }
 }
 
