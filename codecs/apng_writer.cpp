@@ -22,10 +22,11 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngFrame& frame, st
     return data.U8(static_cast<std::uint32_t>(Dispose::None)).U8(static_cast<std::uint32_t>(blend));
 }
 
-std::vector<std::uint8_t> Encode(const Animation& animation) {
+std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
     // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is packed.
     const bool still = animation.frames.size() == 1;
-    const PngFrames frames(animation, still ? PngFrames::Packing::Tight : PngFrames::Packing::WholeBytes);
+    const PngFrames frames(animation, still ? PngFrames::Packing::Tight : PngFrames::Packing::WholeBytes,
+                           progress);
     ChunkWriter file("\x89PNG\r\n\x1A\n");
     file.Put("IHDR", frames.Header({0, 0, animation.width, animation.height}));
     file.Put("acTL",
@@ -48,8 +49,9 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeApng(const Animation& animation, std::string& error) {
-    return FileOrError([&] { return Encode(animation); }, error);
+std::vector<std::uint8_t> EncodeApng(const Animation& animation, std::string& error,
+                                     const FrameProgress& progress) {
+    return FileOrError([&] { return Encode(animation, progress); }, error);
 }
 
 } // namespace lumafold

@@ -172,7 +172,7 @@ void PutHead(GifBytes& file, const Animation& animation, int bits) {
     }
 }
 
-std::vector<std::uint8_t> Encode(const Animation& animation) {
+std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
     CheckAnimation(animation, kMostSide, "GIF cannot hold sides above 65535 pixels");
     if (HasTrueColour(animation)) throw AnimationError{"GIF cannot hold true-colour frames"};
     const FrameReader reader(animation, FrameReader::Values::Indexes);
@@ -180,12 +180,13 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
     GifBytes file;
     PutHead(file, animation, tableBits);
     Screen screen(animation.width, animation.height);
-    for (const AnimationFrame& frame : animation.frames) {
+    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
+        GoOnWith(i, animation.frames.size(), progress);
+        const AnimationFrame& frame = animation.frames[i];
         const FramePixels pixels = reader.Read(frame);
         const Rect changed = screen.Show(pixels);
         // The first frame stays whole: viewers take it for the picture itself.
-        const Rect rect =
-            &frame == &animation.frames.front() ? Rect{0, 0, pixels.width, pixels.height} : changed;
+        const Rect rect = i == 0 ? Rect{0, 0, pixels.width, pixels.height} : changed;
         PutFrame(file, PackBest(screen, rect, frame.transparentIndex, 1 << tableBits), rect, frame.delay);
     }
     file.U8(0x3B);
@@ -194,8 +195,9 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeGif(const Animation& animation, std::string& error) {
-    return FileOrError([&] { return Encode(animation); }, error);
+std::vector<std::uint8_t> EncodeGif(const Animation& animation, std::string& error,
+                                    const FrameProgress& progress) {
+    return FileOrError([&] { return Encode(animation, progress); }, error);
 }
 
 } // namespace lumafold

@@ -60,8 +60,8 @@ void PutPicture(ChunkWriter& file, const PngFrames& frames, const PngFrame& pict
     file.Put("IEND");
 }
 
-std::vector<std::uint8_t> Encode(const Animation& animation) {
-    const PngFrames frames(animation, PngFrames::Packing::Tight);
+std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
+    const PngFrames frames(animation, PngFrames::Packing::Tight, progress);
     ChunkWriter file("\x8AMNG\r\n\x1A\n");
     file.Put("MHDR", Header(animation, frames));
     file.Put("TERM", EndlessLoop());
@@ -80,8 +80,9 @@ std::vector<std::uint8_t> Encode(const Animation& animation) {
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error) {
-    return FileOrError([&] { return Encode(animation); }, error);
+std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error,
+                                    const FrameProgress& progress) {
+    return FileOrError([&] { return Encode(animation, progress); }, error);
 }
 
 } // namespace lumafold

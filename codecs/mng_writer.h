@@ -6,10 +6,12 @@
 #include <vector>
 
 #include "codecs/animation.h"
+#include "codecs/frame_progress.h"
 
 namespace lumafold {
 
 /// The whole file in memory, or empty with `error` set (no frames, sides above 1000000, no memory).
-std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error);
+std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error,
+                                    const FrameProgress& progress = {});
 
 } // namespace lumafold

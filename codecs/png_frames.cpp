@@ -74,7 +74,8 @@ void ChunkWriter::PutComment(const std::string& text) {
     Put(utf8 ? "iTXt" : "tEXt", data);
 }
 
-PngFrames::PngFrames(const Animation& animation, Packing packing) : packing_(packing) {
+PngFrames::PngFrames(const Animation& animation, Packing packing, const FrameProgress& progress)
+    : packing_(packing) {
     CheckAnimation(animation, kMostSide, "PNG cannot hold sides above 1000000 pixels");
     auto values = HasTrueColour(animation) ? FrameReader::Values::Colours : FrameReader::Values::Indexes;
     if (!Survey(animation, values)) {
@@ -83,7 +84,7 @@ PngFrames::PngFrames(const Animation& animation, Packing packing) : packing_(pac
         if (!Survey(animation, values))
             throw AnimationError{"every colour is in use, and none left for holes"};
     }
-    Cut(animation, values);
+    Cut(animation, values, progress);
 }
 
 /// Reads every frame once to know which values occur. False when holes are needed and cannot be had.
@@ -140,10 +141,11 @@ PixelValue PngFrames::IndexInFile(PixelValue index) const {
     return transparent_ - index;
 }
 
-void PngFrames::Cut(const Animation& animation, FrameReader::Values values) {
+void PngFrames::Cut(const Animation& animation, FrameReader::Values values, const FrameProgress& progress) {
     const FrameReader reader(animation, values);
     Screen screen(animation.width, animation.height);
     for (const AnimationFrame& frame : animation.frames) {
+        GoOnWith(frames_.size(), animation.frames.size(), progress);
         const Rect changed = screen.Show(reader.Read(frame));
         // The first frame is whole: it is what is seen where animations are not understood.
         frames_.push_back(frames_.empty() ? Pack(screen, screen.Whole(), Kept::Drawn)

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "codecs/frame_changes.h"
+#include "codecs/frame_progress.h"
 
 namespace lumafold {
 
@@ -49,7 +50,7 @@ public:
     enum class Packing { Tight, WholeBytes };
 
     /// Throws for an animation that cannot be written.
-    PngFrames(const Animation& animation, Packing packing);
+    PngFrames(const Animation& animation, Packing packing, const FrameProgress& progress);
 
     const std::vector<PngFrame>& Get() const { return frames_; }
     bool HaveHoles() const;
@@ -65,7 +66,7 @@ private:
     enum class Kept { Drawn, LeftOut };
     bool Survey(const Animation& animation, FrameReader::Values values);
     bool ChooseTransparent(const Animation& animation, const std::vector<bool>& used);
-    void Cut(const Animation& animation, FrameReader::Values values);
+    void Cut(const Animation& animation, FrameReader::Values values, const FrameProgress& progress);
     PngFrame PackBest(const Screen& screen, const Rect& rect) const;
     PngFrame Pack(const Screen& screen, const Rect& rect, Kept kept) const;
     PixelValue IndexInFile(PixelValue index) const;

@@ -34,32 +34,49 @@ private:
     }
 };
 
-/// The chunks of a file one after the other, each as it should be.
+/// Whether a picture can do without this chunk. Frames of animations come in such ones too, but there a
+/// missing one would be seen.
+bool IsDispensable(std::string_view type) {
+    return (type.front() & 0x20) != 0 && type != "fcTL" && type != "fdAT";
+}
+
+/// The chunks of a file one after the other, each as it should be. Damaged ones that a picture can do without
+/// are left out.
 class ChunkReader {
 public:
     explicit ChunkReader(std::span<const std::uint8_t> file)
         : rest_(file.subspan(std::min(kSignatureBytes, file.size()))) {}
 
     bool Next(Chunk& chunk) {
+        bool whole = false;
+        while (!whole) {
+            if (rest_.empty()) return false;
+            whole = Take(chunk);
+        }
+        return true;
+    }
+
+private:
+    /// False for one that is left out.
+    bool Take(Chunk& chunk) {
         constexpr std::size_t kAround = 12; // length, type, checksum
-        if (rest_.empty()) return false;
         if (rest_.size() < kAround) throw DecodeError{kEndsTooEarly};
         const Chunk head{"", rest_};
         const std::size_t length = head.U32(0);
         if (length > rest_.size() - kAround) throw DecodeError{kEndsTooEarly};
         const auto sum =
             static_cast<std::uint32_t>(crc32(0, rest_.data() + 4, static_cast<uInt>(length + 4)));
-        if (sum != head.U32(8 + length)) throw DecodeError{"the data is damaged (checksum)"};
+        const bool whole = sum == head.U32(8 + length);
         chunk = {{reinterpret_cast<const char*>(rest_.data()) + 4, 4}, rest_.subspan(8, length)};
         // Types are letters, and messages name them.
         if (!std::all_of(chunk.type.begin(), chunk.type.end(),
                          [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }))
             throw DecodeError{"the data is damaged (no chunk where one must be)"};
         rest_ = rest_.subspan(length + kAround);
-        return true;
+        if (!whole && !IsDispensable(chunk.type)) throw DecodeError{"the data is damaged (checksum)"};
+        return whole;
     }
 
-private:
     std::span<const std::uint8_t> rest_;
 };
 
@@ -349,10 +366,14 @@ private:
 } // namespace
 
 bool IsAnimatedPng(std::span<const std::uint8_t> file) {
-    ChunkReader chunks(file);
-    Chunk chunk;
-    while (chunks.Next(chunk) && chunk.type != "IDAT") {
-        if (chunk.type == "acTL") return true;
+    try {
+        ChunkReader chunks(file);
+        Chunk chunk;
+        while (chunks.Next(chunk) && chunk.type != "IDAT") {
+            if (chunk.type == "acTL") return true;
+        }
+    } catch (const DecodeError&) {
+        // What is wrong with the file is for the decoder of stills to find, and perhaps to bear.
     }
     return false;
 }

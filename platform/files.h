@@ -1,5 +1,6 @@
 // Files as the house reads and writes them. What is written takes its name only when all of it is on the
 // disk, so whatever happens leaves the old file or the new one. No exceptions; failure is an error number.
+// Names are UTF-8 on Windows, and elsewhere the bytes that the system has.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +17,7 @@ using FileError = int;
 #ifdef _WIN32
 inline constexpr char kFolderSeparator = '\\';
 /// Longest path with its zero.
-inline constexpr std::size_t kPathBytes = 260;
+inline constexpr std::size_t kPathBytes = 2048;
 #else
 inline constexpr char kFolderSeparator = '/';
 inline constexpr std::size_t kPathBytes = 4096;

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "platform/file_system.h"
+#include "platform/wide_name_win32.h"
 
 namespace lumafold::file_system {
 namespace {
@@ -38,7 +39,8 @@ HANDLE Handle(File file) { return reinterpret_cast<HANDLE>(file); }
 FileError Result(BOOL returned) { return returned != FALSE ? 0 : LastError(); }
 
 FileError Open(const char* path, DWORD access, DWORD how, File& file) {
-    const HANDLE handle = CreateFileA(path, access, kShare, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle =
+        CreateFileW(WideName(path), access, kShare, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
     file = handle == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<File>(handle);
     return handle == INVALID_HANDLE_VALUE ? LastError() : 0;
 }
@@ -93,7 +95,7 @@ std::uint64_t LikelyBytes(File file) {
 }
 
 Standing Inspect(const char* path) {
-    const DWORD attributes = GetFileAttributesA(path);
+    const DWORD attributes = GetFileAttributesW(WideName(path));
     if (attributes == INVALID_FILE_ATTRIBUTES) return {};
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {Kind::Folder, attributes};
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return {Kind::ReadOnly, attributes};
@@ -102,7 +104,7 @@ Standing Inspect(const char* path) {
     return {ordinary ? Kind::Ordinary : Kind::Special, attributes};
 }
 
-void TakeMode(const char* path, std::uint32_t mode) { SetFileAttributesA(path, mode); }
+void TakeMode(const char* path, std::uint32_t mode) { SetFileAttributesW(WideName(path), mode); }
 
 // The system follows links by itself where it opens what stands there.
 FileError FollowLinks(const char* path, char (&target)[kPathBytes]) {
@@ -112,12 +114,13 @@ FileError FollowLinks(const char* path, char (&target)[kPathBytes]) {
 }
 
 FileError Replace(const char* from, const char* target) {
-    return Result(MoveFileExA(from, target, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+    return Result(
+        MoveFileExW(WideName(from), WideName(target), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
-void Remove(const char* path) noexcept { DeleteFileA(path); }
+void Remove(const char* path) noexcept { DeleteFileW(WideName(path)); }
 
-void MakeFolder(const char* path) { CreateDirectoryA(path, nullptr); }
+void MakeFolder(const char* path) { CreateDirectoryW(WideName(path), nullptr); }
 
 bool IsSeparator(char letter) { return letter == '\\' || letter == '/' || letter == ':'; }
 

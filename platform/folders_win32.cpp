@@ -7,14 +7,15 @@
 namespace lumafold::file_system {
 
 bool ApplicationDataFolder(char (&folder)[kPathBytes]) {
-    static_assert(kPathBytes >= MAX_PATH);
     LPITEMIDLIST list = nullptr;
     if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_APPDATA, &list))) return false;
-    char path[MAX_PATH];
-    const bool known = SHGetPathFromIDListA(list, path) != FALSE;
+    wchar_t path[MAX_PATH];
+    const bool known = SHGetPathFromIDListW(list, path) != FALSE;
     CoTaskMemFree(list);
-    if (known) lstrcpynA(folder, path, static_cast<int>(kPathBytes));
-    return known;
+    // UTF-8 never takes more than three bytes for one of these.
+    static_assert(kPathBytes >= 3 * MAX_PATH);
+    return known && WideCharToMultiByte(CP_UTF8, 0, path, -1, folder, static_cast<int>(kPathBytes), nullptr,
+                                        nullptr) != 0;
 }
 
 } // namespace lumafold::file_system

@@ -20,6 +20,7 @@
 #include "hosts/cli/peak_memory.h"
 #include "hosts/cli/picture_order.h"
 #include "hosts/cli/standard_streams.h"
+#include "hosts/common/paths.h"
 #include "hosts/common/processors.h"
 #include "hosts/common/report.h"
 #include "hosts/common/thread_pool.h"

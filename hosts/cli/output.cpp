@@ -16,19 +16,22 @@
 #include "codecs/webp_writer.h"
 #endif
 #include "hosts/cli/frames_folder.h"
-#include "hosts/cli/paths.h"
 #include "hosts/cli/standard_streams.h"
+#include "hosts/common/paths.h"
 
 namespace lumafold {
 namespace {
 
 namespace fs = std::filesystem;
 
+/// False leaves why in errno.
+bool MayMakeEntriesIn(const fs::path& folder) {
 #ifdef _WIN32
-constexpr int kMakeEntries = W_OK; // there is no search permission, and asking for it is an error
+    return _waccess(folder.c_str(), W_OK) == 0; // there is no search permission
 #else
-constexpr int kMakeEntries = W_OK | X_OK;
+    return access(folder.c_str(), W_OK | X_OK) == 0;
 #endif
+}
 
 std::string WhyNoEntryIn(const fs::path& folder) {
     std::error_code error;
@@ -37,7 +40,7 @@ std::string WhyNoEntryIn(const fs::path& folder) {
     if (status.type() == fs::file_type::not_found) return "the folder " + name + " does not exist";
     if (error) return error.message();
     if (status.type() != fs::file_type::directory) return name + " is not a folder";
-    if (access(name.c_str(), kMakeEntries) != 0)
+    if (!MayMakeEntriesIn(folder.empty() ? "." : folder))
         return std::string("cannot write into ") + name + ": " + std::strerror(errno);
     return {};
 }

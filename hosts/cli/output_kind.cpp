@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "hosts/cli/failure.h"
-#include "hosts/cli/paths.h"
+#include "hosts/common/paths.h"
 #include "settings/settings.h"
 
 namespace lumafold {
@@ -45,13 +45,6 @@ std::optional<OutputKind> OutputKindNamed(const std::string& name) {
 std::string FormatNames(const std::string& separator) { return Joined("", separator); }
 
 std::string OutputSuffixes() { return Joined(".", ", "); }
-
-std::string LowerSuffix(const std::string& path) {
-    std::string suffix = NameOf(PathOf(path).extension());
-    for (char& letter : suffix)
-        letter = static_cast<char>(letter | (letter >= 'A' && letter <= 'Z' ? 0x20 : 0));
-    return suffix.empty() ? suffix : suffix.substr(1);
-}
 
 OutputKind KindOfOutput(const std::string& path, std::optional<OutputKind> format) {
     if (path == "-") {

@@ -15,9 +15,6 @@ std::optional<OutputKind> OutputKindNamed(const std::string& name);
 std::string FormatNames(const std::string& separator);
 std::string OutputSuffixes();
 
-/// The suffix of a file's name without its dot, in small letters.
-std::string LowerSuffix(const std::string& path);
-
 /// By `format` where there is one, else by the name: a folder where it ends as one's or is there as one, else
 /// by its suffix. "" is a GIF. Throws Failure, with "-o" in front, for a name whose kind is not known.
 OutputKind KindOfOutput(const std::string& path, std::optional<OutputKind> format);

@@ -12,6 +12,7 @@
 #include "hosts/cli/names.h"
 #include "hosts/cli/output.h"
 #include "hosts/cli/recording_host.h"
+#include "hosts/common/paths.h"
 #include "hosts/common/processors.h"
 #include "hosts/common/report.h"
 #include "hosts/common/thread_pool.h"

@@ -14,7 +14,7 @@ POINT PointOf(LPARAM lparam) {
 } // namespace
 
 bool Canvas::Make(HWND parent) {
-    return View::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
+    return View::Make(parent, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, {});
 }
 
 void Canvas::Show(Document* document) {
@@ -36,7 +36,8 @@ int Canvas::Zoom() const {
     RECT window{};
     GetWindowRect(window_, &window);
     return FittingZoom(document_->GetAnimation().width, document_->GetAnimation().height,
-                       window.right - window.left - 2 * kMargin, window.bottom - window.top - 2 * kMargin);
+                       window.right - window.left - 2 * At(kMargin),
+                       window.bottom - window.top - 2 * At(kMargin));
 }
 
 void Canvas::Fit() {
@@ -73,7 +74,7 @@ LRESULT Canvas::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Drag(message, lparam);
         return 0;
     case WM_LBUTTONDBLCLK:
-        SendMessageA(GetParent(window_), WM_COMMAND, fit_ ? HOST_ZOOM_ACTUAL : HOST_ZOOM_FIT, 0);
+        SendMessageW(GetParent(window_), WM_COMMAND, fit_ ? HOST_ZOOM_ACTUAL : HOST_ZOOM_FIT, 0);
         return 0;
     case WM_MOUSEWHEEL:
         Wheel(wparam, lparam);
@@ -93,23 +94,26 @@ void Canvas::Paint(HDC context, const RECT& area) {
 }
 
 void Canvas::PaintWelcome(HDC context, const RECT& area) const {
-    const int middle = (area.top + area.bottom) / 2;
-    const HICON icon = LoadIconA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(HOST_ICON));
+    const int middle = (area.top + area.bottom) / 2, size = At(48);
+    auto* icon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(HOST_ICON),
+                                               IMAGE_ICON, size, size, LR_SHARED));
     if (icon != nullptr)
-        DrawIconEx(context, area.right / 2 - 24, middle - 96, icon, 48, 48, 0, nullptr, DI_NORMAL);
-    RECT line{area.left + 8, middle - 38, area.right - 8, middle - 8};
-    Text(context, headline_, line, Face::Title, kBright, DT_CENTER | DT_SINGLELINE);
-    line = {area.left + 40, middle - 4, area.right - 40, middle + 40};
-    Text(context, notice_, line, Face::Plain, kDim, DT_CENTER | DT_WORDBREAK);
-    line = {area.left + 8, middle + 48, area.right - 8, middle + 66};
+        DrawIconEx(context, (area.right - size) / 2, middle - At(96), icon, size, size, 0, nullptr,
+                   DI_NORMAL);
+    const auto line = [&](const std::string& text, int top, int bottom, Face face, COLORREF colour,
+                          UINT format) {
+        Text(context, text, {area.left + At(20), middle + At(top), area.right - At(20), middle + At(bottom)},
+             look_->Font(face), colour, DT_CENTER | format);
+    };
+    line(headline_, -38, -6, Face::Title, kBright, DT_SINGLELINE);
+    line(notice_, -2, 42, Face::Plain, kDim, DT_WORDBREAK);
     if (canMake_) {
-        Text(context, "Press F5 to make an animation from your pictures", line, Face::Bold, kAccent,
-             DT_CENTER | DT_SINGLELINE);
+        line("Press F5 to make an animation, or drop your pictures here", 46, 66, Face::Bold, kAccent,
+             DT_SINGLELINE);
+        line("Drop an animation to play it", 70, 90, Face::Plain, kDim, DT_SINGLELINE);
+    } else {
+        line("Drop an animation here to play it", 46, 66, Face::Bold, kAccent, DT_SINGLELINE);
     }
-    line = {area.left + 8, middle + 70, area.right - 8, middle + 88};
-    Text(context,
-         canMake_ ? "or drop an animation file here to play it" : "Drop an animation file here to play it",
-         line, canMake_ ? Face::Plain : Face::Bold, canMake_ ? kDim : kAccent, DT_CENTER | DT_SINGLELINE);
 }
 
 POINT Canvas::Origin(const RECT& area) const {
@@ -174,10 +178,10 @@ void Canvas::Scroll(int bar, WPARAM wparam) {
     int to = info.nPos;
     switch (LOWORD(wparam)) {
     case SB_LINEUP:
-        to -= 24;
+        to -= At(24);
         break;
     case SB_LINEDOWN:
-        to += 24;
+        to += At(24);
         break;
     case SB_PAGEUP:
         to -= static_cast<int>(info.nPage);
@@ -194,6 +198,8 @@ void Canvas::Scroll(int bar, WPARAM wparam) {
     ScrollTo(bar == SB_HORZ ? to : scroll_.x, bar == SB_VERT ? to : scroll_.y);
 }
 
+void Canvas::Pan(int across, int down) { ScrollTo(scroll_.x + across * At(48), scroll_.y + down * At(48)); }
+
 void Canvas::ScrollTo(int x, int y) {
     scroll_ = {x, y};
     UpdateScrollBars();
@@ -209,7 +215,7 @@ void Canvas::Drag(UINT message, LPARAM lparam) {
         dragFrom_ = at;
         dragScroll_ = scroll_;
         SetCapture(window_);
-        SetCursor(LoadCursorA(nullptr, IDC_SIZEALL));
+        SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32646)));
     } else if (message == WM_MOUSEMOVE && dragging_) {
         ScrollTo(dragScroll_.x + dragFrom_.x - at.x, dragScroll_.y + dragFrom_.y - at.y);
     } else if (message != WM_MOUSEMOVE && dragging_) {
@@ -224,11 +230,11 @@ void Canvas::Wheel(WPARAM wparam, LPARAM lparam) {
     ScreenToClient(window_, &at);
     if ((LOWORD(wparam) & MK_CONTROL) != 0) {
         ZoomAround(NextZoom(Zoom(), direction), at);
-        SendMessageA(GetParent(window_), WM_COMMAND, MAKEWPARAM(0, 0), 0);
+        SendMessageW(GetParent(window_), WM_COMMAND, MAKEWPARAM(0, 0), 0);
     } else if ((LOWORD(wparam) & MK_SHIFT) != 0) {
-        ScrollTo(scroll_.x - direction * 48, scroll_.y);
+        ScrollTo(scroll_.x - direction * At(48), scroll_.y);
     } else {
-        ScrollTo(scroll_.x, scroll_.y - direction * 48);
+        ScrollTo(scroll_.x, scroll_.y - direction * At(48));
     }
 }
 

@@ -10,7 +10,9 @@ namespace lumafold {
 
 class Canvas : public View<Canvas> {
 public:
-    static constexpr char kClassName[] = "LumafoldHostCanvas";
+    static constexpr wchar_t kClassName[] = L"LumafoldHostCanvas";
+
+    ~Canvas() { Destroy(); }
 
     bool Make(HWND parent);
     /// Null shows what to do first. The document is the owner's.
@@ -22,7 +24,8 @@ public:
     bool Fits() const { return fit_; }
     void Fit();
     void SetZoom(int percent);
-    Backdrop GetBackdrop() const { return backdrop_; }
+    /// By steps, as the wheel does it.
+    void Pan(int across, int down);
     void SetBackdrop(Backdrop backdrop);
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);

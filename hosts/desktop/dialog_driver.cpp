@@ -1,5 +1,6 @@
 #include "hosts/desktop/dialog_driver.h"
 
+#include "hosts/common/wide_text.h"
 #include "hosts/desktop/script_steps.h"
 
 namespace lumafold {
@@ -7,14 +8,6 @@ namespace {
 
 constexpr char kDialogClass[] = "#32770";
 constexpr int kMessageText = 0xFFFF;
-
-std::string TextOf(HWND window) {
-    const LRESULT length = SendMessageA(window, WM_GETTEXTLENGTH, 0, 0);
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    const LRESULT got = SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-    text.resize(static_cast<std::size_t>(got));
-    return text;
-}
 
 std::string ClassOf(HWND window) {
     char name[64] = "";
@@ -48,7 +41,7 @@ Found LookForDialogs() {
 }
 
 void Notify(HWND control, WORD code) {
-    SendMessageA(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
+    SendMessageW(GetParent(control), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
                  reinterpret_cast<LPARAM>(control));
 }
 
@@ -59,17 +52,17 @@ bool SetCheckBox(HWND control, const std::string& value, std::string& error) {
         error = "a check box is 0 or 1";
         return false;
     }
-    if (ControlValue(control) != value) SendMessageA(control, BM_CLICK, 0, 0);
+    if (ControlValue(control) != value) SendMessageW(control, BM_CLICK, 0, 0);
     if (ControlValue(control) == value) return true;
     error = "the check box did not take it";
     return false;
 }
 
 bool SetCombo(HWND control, const std::string& value, std::string& error) {
-    LRESULT row = SendMessageA(control, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                               reinterpret_cast<LPARAM>(value.c_str()));
+    LRESULT row = SendMessageW(control, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                               reinterpret_cast<LPARAM>(Wide(value).c_str()));
     if (row == CB_ERR) row = WholeNumber(value).value_or(-1);
-    if (row < 0 || SendMessageA(control, CB_SETCURSEL, static_cast<WPARAM>(row), 0) == CB_ERR) {
+    if (row < 0 || SendMessageW(control, CB_SETCURSEL, static_cast<WPARAM>(row), 0) == CB_ERR) {
         error = "the list has no such entry";
         return false;
     }
@@ -80,19 +73,27 @@ bool SetCombo(HWND control, const std::string& value, std::string& error) {
 
 } // namespace
 
+std::string TextOf(HWND window) {
+    const LRESULT length = SendMessageW(window, WM_GETTEXTLENGTH, 0, 0);
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    const LRESULT got = SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<std::size_t>(got));
+    return Utf8(text);
+}
+
 HWND DialogInFront() { return LookForDialogs().dialog; }
 
 std::optional<std::string> DismissMessageBox() {
     const HWND box = LookForDialogs().messageBox;
     if (box == nullptr) return std::nullopt;
     std::string text = TextOf(GetDlgItem(box, kMessageText));
-    SendMessageA(box, WM_COMMAND, IDOK, 0);
+    SendMessageW(box, WM_COMMAND, IDOK, 0);
     return text;
 }
 
 std::string ControlValue(HWND control) {
     if (ClassOf(control) == "Button" && !IsSwatch(control))
-        return SendMessageA(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? "1" : "0";
+        return SendMessageW(control, BM_GETCHECK, 0, 0) == BST_CHECKED ? "1" : "0";
     return TextOf(control);
 }
 
@@ -103,7 +104,7 @@ bool SetControlValue(HWND control, const std::string& value, std::string& error)
         return false;
     }
     if (type == "Edit") {
-        SetWindowTextA(control, value.c_str()); // tells its owner by itself
+        SetWindowTextW(control, Wide(value).c_str()); // tells its owner by itself
         return true;
     }
     if (type == "ComboBox") return SetCombo(control, value, error);
@@ -114,17 +115,17 @@ bool SetControlValue(HWND control, const std::string& value, std::string& error)
 
 bool IsSwatch(HWND control) { return ClassOf(control) == "Button" && ButtonKind(control) == BS_OWNERDRAW; }
 
-void Click(HWND control) { SendMessageA(control, BM_CLICK, 0, 0); }
-void PostClick(HWND control) { PostMessageA(control, BM_CLICK, 0, 0); }
+void Click(HWND control) { SendMessageW(control, BM_CLICK, 0, 0); }
+void PostClick(HWND control) { PostMessageW(control, BM_CLICK, 0, 0); }
 
 bool SelectListItem(HWND list, int index) {
-    if (SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(index), 0) == LB_ERR) return false;
+    if (SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(index), 0) == LB_ERR) return false;
     Notify(list, LBN_SELCHANGE);
     return true;
 }
 
 void PostDoubleClick(HWND list) {
-    PostMessageA(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), LBN_DBLCLK),
+    PostMessageW(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), LBN_DBLCLK),
                  reinterpret_cast<LPARAM>(list));
 }
 

@@ -13,6 +13,9 @@ HWND DialogInFront();
 /// The text of an open message box of the plug-in, which is then told to close.
 std::optional<std::string> DismissMessageBox();
 
+/// The title of a window, or the text of a control, whatever letters its maker took.
+std::string TextOf(HWND window);
+
 /// What a control shows: an edit box's or list's text, "1" or "0" of a check box.
 std::string ControlValue(HWND control);
 /// Gives an edit box its text, a check box its state ("0", "1"), a list its entry by text or by number, each

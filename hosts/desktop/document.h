@@ -5,12 +5,14 @@
 #include <memory>
 
 #include "codecs/frame_screens.h"
+#include "hosts/desktop/file_size.h"
 #include "hosts/desktop/playback.h"
 
 namespace lumafold {
 
 enum class Origin { Build, Test, File };
 
+/// On a screen of 96 dots an inch.
 inline constexpr std::int32_t kThumbnailHeight = 60, kMostThumbnailWidth = 108;
 
 struct Thumbnail {
@@ -22,22 +24,28 @@ struct Thumbnail {
 class Document {
 public:
     /// Throws AnimationError for an animation that cannot be shown, and std::bad_alloc.
-    Document(Animation animation, std::string name, Origin origin);
+    Document(Animation animation, std::string name, Origin origin, std::string path = "");
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
-    const Animation& GetAnimation() const { return animation_; }
+    const Animation& GetAnimation() const { return *animation_; }
+    /// For who works with it on another thread, where the document may be closed meanwhile. Nobody changes
+    /// it.
+    const std::shared_ptr<const Animation>& Shared() const { return animation_; }
     const std::string& Name() const { return name_; }
+    /// Where the file is that it came from or was saved to last; "" for none.
+    const std::string& Path() const { return path_; }
     Origin GetOrigin() const { return origin_; }
     /// Whether closing it would lose work. Tests are made to be looked at.
     bool IsUnsaved() const { return unsaved_; }
-    /// `bytes` is the file's size, 0 when it is not one file.
-    void MarkSaved(std::string name, std::uint64_t bytes);
+    void MarkSaved(const std::string& path, std::uint64_t bytes);
 
     Playback& Player() { return playback_; }
     const Playback& Player() const { return playback_; }
     const ScreenPixels& Screen() { return screens_.At(playback_.Current()); }
 
+    /// In pixels, for the screen that they are shown on; those drawn before are forgotten.
+    void SetThumbnailHeight(std::int32_t height);
     std::size_t ThumbnailsDrawn() const { return thumbnailsDrawn_; }
     /// Draws the next few; false when there are no more to draw.
     bool DrawThumbnails(std::size_t count);
@@ -49,15 +57,15 @@ public:
     std::string DurationText() const;
     bool HasTrueColour() const { return trueColour_; }
 
-    /// "1.2 MB", "about 1.2 MB", or "" while nobody has measured: the file that saving as GIF, or in true
-    /// colour as PNG, would write, or the one that was saved last.
+    /// "1.2 MB", "about 1.2 MB", or "" while it is not known: the file that saving would write, or the one
+    /// that was saved last.
     std::string FileSizeText() const;
-    /// Writes it in memory; of a long animation only the beginning, and takes the rest to be like it.
-    void MeasureFile();
+    bool IsMeasured() const { return size_.bytes > 0; }
+    void TakeSize(const FileSize& size) { size_ = size; }
 
 private:
-    Animation animation_;
-    std::string name_;
+    std::shared_ptr<const Animation> animation_;
+    std::string name_, path_;
     Origin origin_;
     bool unsaved_;
     bool trueColour_;
@@ -65,9 +73,9 @@ private:
     Playback playback_;
     FrameScreens screens_, thumbnailScreens_;
     std::vector<Thumbnail> thumbnails_;
+    std::int32_t thumbnailHeight_ = 0;
     std::size_t thumbnailsDrawn_ = 0;
-    std::uint64_t fileBytes_ = 0;
-    bool measured_ = false, estimated_ = false;
+    FileSize size_;
 };
 
 /// What the window's title says: "* NAME [test] - 51 frames, 640x480, 216 colors, 5.50 s, 1.2 MB".

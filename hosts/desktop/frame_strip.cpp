@@ -8,10 +8,12 @@ constexpr int kGap = 6, kLabel = 15;
 } // namespace
 
 bool FrameStrip::Make(HWND parent) {
-    return View::Make(parent, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_HSCROLL, 0, {});
+    return View::Make(parent, L"", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_HSCROLL, 0, {});
 }
 
-int FrameStrip::Height() { return kThumbnailHeight + 4 * kGap + kLabel + GetSystemMetrics(SM_CYHSCROLL); }
+int FrameStrip::Height() const {
+    return At(kThumbnailHeight + 4 * kGap + kLabel) + GetSystemMetrics(SM_CYHSCROLL);
+}
 
 void FrameStrip::Show(const Document* document) {
     document_ = document;
@@ -52,11 +54,11 @@ LRESULT FrameStrip::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
 }
 
 int FrameStrip::CellWidth() const {
-    return document_ != nullptr ? document_->ThumbnailOf(0).width + 2 * kGap + 2 : 1;
+    return document_ != nullptr ? document_->ThumbnailOf(0).width + 2 * At(kGap) + 2 : 1;
 }
 
 int FrameStrip::ContentWidth() const {
-    return document_ != nullptr ? CellWidth() * static_cast<int>(document_->Player().Count()) + kGap : 0;
+    return document_ != nullptr ? CellWidth() * static_cast<int>(document_->Player().Count()) + At(kGap) : 0;
 }
 
 void FrameStrip::Paint(HDC context, const RECT& area) {
@@ -65,10 +67,10 @@ void FrameStrip::Paint(HDC context, const RECT& area) {
     const int width = CellWidth();
     const auto count = static_cast<int>(document_->Player().Count());
     for (int index = std::max(0, scroll_ / width); index < count; ++index) {
-        const int left = kGap / 2 + index * width - scroll_;
+        const int left = At(kGap) / 2 + index * width - scroll_;
         if (left >= area.right) break;
         PaintCell(context, static_cast<std::size_t>(index),
-                  {left, kGap, left + width, kGap + kThumbnailHeight + 2 * kGap + kLabel});
+                  {left, At(kGap), left + width, At(kGap + kThumbnailHeight + 2 * kGap + kLabel)});
     }
 }
 
@@ -76,7 +78,7 @@ void FrameStrip::PaintCell(HDC context, std::size_t index, const RECT& cell) con
     const bool current = index == document_->Player().Current();
     const Thumbnail& thumbnail = document_->ThumbnailOf(index);
     const int x = (cell.left + cell.right - thumbnail.width) / 2;
-    const int y = cell.top + 3 + (kThumbnailHeight - thumbnail.height) / 2;
+    const int y = cell.top + 3 + (At(kThumbnailHeight) - thumbnail.height) / 2;
     const RECT picture{x, y, x + thumbnail.width, y + thumbnail.height};
     if (thumbnail.pixels.empty()) {
         Fill(context, picture, kCell);
@@ -84,8 +86,8 @@ void FrameStrip::PaintCell(HDC context, std::size_t index, const RECT& cell) con
         Pixels(context, x, y, thumbnail.width, thumbnail.height, thumbnail.pixels);
     }
     if (current) Frame(context, {x - 3, y - 3, picture.right + 3, picture.bottom + 3}, kAccent, 2);
-    const RECT label{cell.left, cell.bottom - kLabel - 4, cell.right, cell.bottom};
-    Text(context, std::to_string(index + 1), label, current ? Face::Bold : Face::Plain,
+    const RECT label{cell.left, cell.bottom - At(kLabel + 4), cell.right, cell.bottom};
+    Text(context, std::to_string(index + 1), label, look_->Font(current ? Face::Bold : Face::Plain),
          current ? kAccent : kDim, DT_CENTER | DT_SINGLELINE | DT_VCENTER);
 }
 
@@ -130,9 +132,9 @@ void FrameStrip::Choose(LPARAM lparam) {
     const HWND owner = GetParent(window_);
     SetFocus(owner);
     if (document_ == nullptr) return;
-    const int index = (static_cast<short>(LOWORD(lparam)) + scroll_ - kGap / 2) / CellWidth();
+    const int index = (static_cast<short>(LOWORD(lparam)) + scroll_ - At(kGap) / 2) / CellWidth();
     if (index >= 0 && index < static_cast<int>(document_->Player().Count()))
-        SendMessageA(owner, kChosen, static_cast<WPARAM>(index), 0);
+        SendMessageW(owner, kChosen, static_cast<WPARAM>(index), 0);
 }
 
 } // namespace lumafold

@@ -9,12 +9,14 @@ namespace lumafold {
 
 class FrameStrip : public View<FrameStrip> {
 public:
-    static constexpr char kClassName[] = "LumafoldHostFrames";
+    static constexpr wchar_t kClassName[] = L"LumafoldHostFrames";
     /// The owner is sent this with the frame's index when the person chose one.
     static constexpr UINT kChosen = WM_APP + 1;
 
+    ~FrameStrip() { Destroy(); }
+
     bool Make(HWND parent);
-    static int Height();
+    int Height() const;
     void Show(const Document* document);
     /// After the current frame changed, or pictures were drawn.
     void Follow();

@@ -3,8 +3,9 @@
 #include <cstring>
 
 #include "codecs/decode.h"
+#include "hosts/desktop/surroundings.h"
+#include "hosts/desktop/system_paths.h"
 #include "platform/folders.h"
-#include "plugin/protocol/chosen_names.h"
 #include "settings/config_file.h"
 
 #undef LoadImage // a command here
@@ -14,13 +15,6 @@ namespace {
 
 HWND WindowOf(std::uint32_t handle) {
     return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(handle)); // NOLINT(performance-no-int-to-ptr)
-}
-
-/// The colour behind clear parts of pictures is the plug-in's: the one that it saved last.
-PixelValue Matte() {
-    PluginSettings saved;
-    LoadSettings(DataFolderPath(kConfigFileName), saved);
-    return saved.TransitionMattcolour & 0xFFFFFF;
 }
 
 /// The plug-in frees the picture, so it gets a block of its own.
@@ -34,6 +28,12 @@ OwnedDib CopyOfClipboard(HWND owner) {
 
 } // namespace
 
+PixelValue HostCallbackObject::SavedMatte() {
+    PluginSettings saved;
+    LoadSettings(DataFolderPath(kConfigFileName), saved);
+    return saved.TransitionMattcolour & 0xFFFFFF;
+}
+
 void HostCallbackObject::HearFault(const char* what) { ReportFault(what); }
 
 bool HostCallbackObject::CreateTask(const TaskRecord* task, TaskKind kind) {
@@ -46,23 +46,32 @@ bool HostCallbackObject::CreateTask(const TaskRecord* task, TaskKind kind) {
 bool HostCallbackObject::FinishTask(const TaskRecord* task, TaskEnd end) {
     if (!task_.IsOpen(task)) return false;
     std::optional<Animation> animation = task_.Finish(task, end == TaskEnd::Complete);
+    const Surroundings ours(Whose::Program);
     progress_.Close();
     if (animation) services_.TakeAnimation(std::move(*animation), kind_);
     return true;
 }
 
-void HostCallbackObject::Caption(const char* text) { progress_.Caption(services_.DialogInUse(), text); }
+void HostCallbackObject::Caption(const char* text) {
+    const Surroundings ours(Whose::Program);
+    progress_.Caption(services_.DialogInUse(), text);
+}
+
 void HostCallbackObject::Position(std::int32_t position, std::int32_t total) {
+    const Surroundings ours(Whose::Program);
     progress_.Position(services_.DialogInUse(), position, total);
 }
 
 OwnedDib HostCallbackObject::ClipboardPicture(WindowHandle owner) { return CopyOfClipboard(WindowOf(owner)); }
+
 bool HostCallbackObject::ShowHelp(const char* reference) {
+    const Surroundings ours(Whose::Program);
     return reference != nullptr && services_.ShowManual(reference);
 }
 
 bool HostCallbackObject::ChooseFiles(WindowHandle owner, char* names) {
     if (names == nullptr) return false;
+    const Surroundings ours(Whose::Program);
     const std::vector<std::string> paths = services_.ChoosePictures(WindowOf(owner));
     const std::vector<char> buffer = ChosenNamesBuffer(paths);
     if (buffer.empty()) return false;
@@ -73,7 +82,7 @@ bool HostCallbackObject::ChooseFiles(WindowHandle owner, char* names) {
 OwnedDib HostCallbackObject::LoadPicture(const char* path) {
     constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 27; // of a 32-bit program's memory
     if (path == nullptr) return {};
-    DecodedPicture decoded = DecodePictureFile(path, Matte(), kMostPixels);
+    DecodedPicture decoded = DecodePictureFile(path, matte_, kMostPixels);
     readError_ = decoded.picture ? "" : std::string(path) + ": " + decoded.error;
     if (!readError_.empty()) ReportFault(readError_.c_str());
     return std::move(decoded.picture);
@@ -81,24 +90,11 @@ OwnedDib HostCallbackObject::LoadPicture(const char* path) {
 
 bool HostCallbackObject::ChooseColour(ColourRecord* record) {
     if (record == nullptr) return false;
+    const Surroundings ours(Whose::Program);
     std::uint32_t colour = record->colour & 0xFFFFFF;
     if (!services_.ChooseColour(WindowOf(record->owner), colour, record->customColours)) return false;
     record->colour = colour & 0xFFFFFF;
     return true;
-}
-
-std::vector<char> ChosenNamesBuffer(const std::vector<std::string>& paths) {
-    if (paths.empty() || paths.size() > kMaxChosenNames) return {};
-    const auto folderOf = [](const std::string& path) { return path.substr(0, path.find_last_of('\\') + 1); };
-    const std::string folder = folderOf(paths.front());
-    std::string names = paths.size() == 1 ? paths.front() : folder;
-    for (std::size_t i = 0; i < paths.size(); ++i) {
-        if (paths[i].size() >= kMaxPath || folderOf(paths[i]) != folder) return {};
-        if (paths.size() > 1) (names += '\0') += paths[i].substr(folder.size());
-    }
-    names.append(2, '\0');
-    if (names.size() > kChosenNamesBytes) return {};
-    return {names.begin(), names.end()};
 }
 
 } // namespace lumafold

@@ -30,7 +30,8 @@ protected:
 class HostCallbackObject final : public CommandHost {
 public:
     HostCallbackObject(HostServices& services, std::uint32_t capabilityFlags)
-        : CommandHost(capabilityFlags), services_(services), task_(DelayUnitFor(capabilityFlags)) {}
+        : CommandHost(capabilityFlags), services_(services), task_(DelayUnitFor(capabilityFlags)),
+          matte_(SavedMatte()) {}
     ~HostCallbackObject() override { progress_.Close(); }
 
     /// From the first caption to the end of the task, or until the plug-in is back at its dialog.
@@ -39,6 +40,7 @@ public:
     const std::string& LastReadError() const { return readError_; }
 
 private:
+    static PixelValue SavedMatte();
     void HearFault(const char* what) override;
     bool CreateTask(const TaskRecord* task, TaskKind kind) override;
     bool AddFrame(const TaskRecord* task, const ImageRecord* frame) override {
@@ -59,10 +61,7 @@ private:
     TaskKind kind_ = TaskKind::Build;
     ProgressWindow progress_;
     std::string readError_;
+    PixelValue matte_; ///< behind clear parts of pictures: the plug-in's, as it was saved last
 };
-
-/// The buffer of the choose-files command for these paths, ended as the plug-in expects; empty when they are
-/// not in one folder, too many, or too long.
-std::vector<char> ChosenNamesBuffer(const std::vector<std::string>& paths);
 
 } // namespace lumafold

@@ -1,48 +1,94 @@
 #include "hosts/desktop/host_settings.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
+#include "codecs/files.h"
 #include "platform/folders.h"
 
 namespace lumafold {
 namespace {
 
-constexpr char kFile[] = "LUMAFOLD_HOST.INI", kSection[] = "Host";
+using Values = std::map<std::string, std::string>;
 
-std::string Read(const char* key) {
-    char text[512] = "";
-    GetPrivateProfileStringA(kSection, key, "", text, sizeof(text), DataFolderPath(kFile));
-    return text;
+/// The lines that have a value, by their keys. Sections are not told apart: there is one.
+Values ReadValues(const std::string& path) {
+    Values values;
+    std::vector<std::uint8_t> bytes;
+    std::string error, line;
+    if (!ReadWholeFile(path, bytes, error)) return values;
+    bytes.push_back('\n');
+    for (const std::uint8_t byte : bytes) {
+        if (byte != '\n' && byte != '\r') {
+            line += static_cast<char>(byte);
+            continue;
+        }
+        const std::size_t equals = line.find('=');
+        if (equals != std::string::npos) values[line.substr(0, equals)] = line.substr(equals + 1);
+        line.clear();
+    }
+    return values;
 }
 
-std::uint32_t ReadNumber(const char* key, std::uint32_t otherwise) {
-    return GetPrivateProfileIntA(kSection, key, static_cast<INT>(otherwise), DataFolderPath(kFile));
+std::uint32_t Number(const Values& values, const std::string& key, std::uint32_t otherwise) {
+    const auto found = values.find(key);
+    return found == values.end()
+               ? otherwise
+               : static_cast<std::uint32_t>(std::strtoul(found->second.c_str(), nullptr, 10));
 }
 
-void Write(const char* key, const std::string& value) {
-    WritePrivateProfileStringA(kSection, key, value.c_str(), DataFolderPath(kFile));
+/// Numbered from 1.
+std::vector<std::string> Files(const Values& values, const std::string& key) {
+    std::vector<std::string> files;
+    for (auto found = values.find(key + "1"); found != values.end() && !found->second.empty();
+         found = values.find(key + std::to_string(files.size() + 1)))
+        files.push_back(found->second);
+    return files;
 }
 
-/// The system makes the file, but not the folder it is in.
-void MakeFolder() {
-    const std::string path = DataFolderPath(kFile);
-    CreateDirectoryA(path.substr(0, path.find_last_of("\\/")).c_str(), nullptr);
+std::string FileLines(const std::string& key, const std::vector<std::string>& files) {
+    std::string lines;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        lines += key + std::to_string(i + 1) + "=" + files[i] + "\r\n";
+    return lines;
+}
+
+std::string ColoursLine(const std::array<std::uint32_t, 16>& colours) {
+    std::string line = "CustomColours=";
+    char text[16];
+    for (std::size_t i = 0; i < colours.size(); ++i) {
+        std::snprintf(text, sizeof(text), "%s%06X", i > 0 ? "," : "", static_cast<unsigned>(colours[i]));
+        line += text;
+    }
+    return line + "\r\n";
 }
 
 } // namespace
 
-void HostSettings::Load() {
-    const std::string place = Read("Window");
-    RECT read{};
-    if (std::sscanf(place.c_str(), "%ld,%ld,%ld,%ld", &read.left, &read.top, &read.right, &read.bottom) == 4)
+void HostSettings::RememberRecent(const std::string& path) {
+    std::erase(recentFiles, path);
+    recentFiles.insert(recentFiles.begin(), path);
+    if (recentFiles.size() > kMostRecent) recentFiles.resize(kMostRecent);
+}
+
+void HostSettings::Load(const std::string& path) {
+    const Values values = ReadValues(path);
+    const auto text = [&](const char* key) {
+        const auto found = values.find(key);
+        return found == values.end() ? std::string() : found->second;
+    };
+    WindowSides read;
+    if (std::sscanf(text("Window").c_str(), "%d,%d,%d,%d", &read.left, &read.top, &read.right,
+                    &read.bottom) == 4)
         window = read;
-    maximised = ReadNumber("Maximised", 0) == 1;
+    maximised = Number(values, "Maximised", maximised ? 1 : 0) == 1;
     capabilities =
-        ReadNumber("Capabilities", capabilities) & (kHostTakesSupercompression | kHostTakesTrueColour);
+        Number(values, "Capabilities", capabilities) & (kHostTakesSupercompression | kHostTakesTrueColour);
     if (capabilities == 0) capabilities = kHostTakesSupercompression;
-    checkerboard = ReadNumber("Checkerboard", 1) != 0;
-    const std::string colours = Read("CustomColours");
+    checkerboard = Number(values, "Checkerboard", checkerboard ? 1 : 0) != 0;
+    const std::string colours = text("CustomColours");
     const char* at = colours.c_str();
     hasCustomColours = !colours.empty();
     for (std::uint32_t& colour : customColours) {
@@ -50,25 +96,25 @@ void HostSettings::Load() {
         colour = static_cast<std::uint32_t>(std::strtoul(at, &end, 16)) & 0xFFFFFF;
         at = *end == ',' ? end + 1 : end;
     }
+    openFiles = Files(values, "Open");
+    recentFiles = Files(values, "Recent");
+    recentFiles.resize(std::min(recentFiles.size(), kMostRecent));
 }
 
-void HostSettings::Save() const {
-    MakeFolder();
-    char text[64];
-    std::snprintf(text, sizeof(text), "%ld,%ld,%ld,%ld", window.left, window.top, window.right,
-                  window.bottom);
-    Write("Window", text);
-    Write("Maximised", maximised ? "1" : "0");
-    Write("Capabilities", std::to_string(capabilities));
-    Write("Checkerboard", checkerboard ? "1" : "0");
-    if (!hasCustomColours) return;
-    std::string colours;
-    for (const std::uint32_t colour : customColours) {
-        std::snprintf(text, sizeof(text), "%s%06X", colours.empty() ? "" : ",",
-                      static_cast<unsigned>(colour));
-        colours += text;
-    }
-    Write("CustomColours", colours);
+void HostSettings::Save(const std::string& path) const {
+    char place[64];
+    std::snprintf(place, sizeof(place), "%d,%d,%d,%d", window.left, window.top, window.right, window.bottom);
+    std::string text = "[Host]\r\nWindow=" + std::string(place) + "\r\n";
+    text += std::string("Maximised=") + (maximised ? "1" : "0") + "\r\n";
+    text += "Capabilities=" + std::to_string(capabilities) + "\r\n";
+    text += std::string("Checkerboard=") + (checkerboard ? "1" : "0") + "\r\n";
+    if (hasCustomColours) text += ColoursLine(customColours);
+    text += FileLines("Open", openFiles) + FileLines("Recent", recentFiles);
+    std::string error;
+    MakeFoldersAbove(path.c_str());
+    WriteFileSafely(path, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, error);
 }
+
+std::string HostSettingsPath() { return DataFolderPath("LUMAFOLD_HOST.INI"); }
 
 } // namespace lumafold

@@ -4,6 +4,11 @@
 #define HOST_ICON 1
 #define HOST_MENU 1
 #define HOST_ACCELERATORS 1
+/// The first one is the program's, and holds for the plug-in too.
+#define HOST_CONTROLS_MANIFEST 2
+/// One for each size of icons: the strip's number is this and the size.
+#define HOST_TOOLBAR_ICONS 1000
+#define HOST_TOOLBAR_FADED_ICONS 1500
 
 #define HOST_RUN_PLUGIN 100
 #define HOST_OPEN 101
@@ -11,6 +16,7 @@
 #define HOST_SAVE_FRAMES 103
 #define HOST_CLOSE 104
 #define HOST_EXIT 105
+#define HOST_RECENT_NONE 109
 
 #define HOST_COPY 110
 
@@ -19,12 +25,18 @@
 #define HOST_PLAY 122
 #define HOST_NEXT 123
 #define HOST_LAST 124
+#define HOST_TEN_BACK 125
+#define HOST_TEN_ON 126
 
 #define HOST_ZOOM_FIT 130
 #define HOST_ZOOM_IN 131
 #define HOST_ZOOM_OUT 132
 #define HOST_ZOOM_ACTUAL 133
 #define HOST_CHECKERBOARD 134
+#define HOST_PAN_LEFT 135
+#define HOST_PAN_RIGHT 136
+#define HOST_PAN_UP 137
+#define HOST_PAN_DOWN 138
 
 #define HOST_NEXT_DOCUMENT 140
 #define HOST_PREVIOUS_DOCUMENT 141
@@ -35,3 +47,6 @@
 
 #define HOST_MANUAL 160
 #define HOST_ABOUT 161
+
+// Nine in a row.
+#define HOST_RECENT 170

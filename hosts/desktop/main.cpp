@@ -3,11 +3,16 @@
 
 #include <commctrl.h>
 #include <objbase.h>
+#include <shellapi.h>
 
 #include <cstdio>
 
 #include "codecs/files.h"
+#include "hosts/common/wide_text.h"
+#include "hosts/desktop/person.h"
 #include "hosts/desktop/script_runner.h"
+#include "hosts/desktop/surroundings.h"
+#include "hosts/desktop/system_paths.h"
 
 namespace lumafold {
 
@@ -18,17 +23,27 @@ struct Words {
     std::string script, log, problem;
 };
 
-Words ReadWords(int count, char** words) {
+std::vector<std::string> CommandLineWords() {
+    int count = 0;
+    wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> all;
+    for (int i = 1; words != nullptr && i < count; ++i)
+        all.push_back(Utf8(words[i]));
+    LocalFree(words);
+    return all;
+}
+
+Words ReadWords(const std::vector<std::string>& words) {
     Words read;
-    for (int i = 1; i < count; ++i) {
-        const std::string word = words[i];
-        const bool script = word == "--script", log = word == "--log";
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const bool script = words[i] == "--script", log = words[i] == "--log";
         if (!script && !log) {
-            read.files.push_back(word);
-        } else if (i + 1 == count) {
-            read.problem = word + " needs a file's name";
+            read.files.push_back(FullPath(words[i]));
+        } else if (i + 1 == words.size()) {
+            read.problem = words[i] + " needs a file's name";
         } else {
-            (script ? read.script : read.log) = words[++i];
+            (script ? read.script : read.log) = words[i + 1];
+            ++i;
         }
     }
     return read;
@@ -37,7 +52,7 @@ Words ReadWords(int count, char** words) {
 /// A program with windows has no text output of its own, only what it was given or its starter's console.
 void PrepareErrors(const Words& words) {
     if (!words.log.empty()) {
-        std::freopen(words.log.c_str(), "w", stderr);
+        _wfreopen(Wide(words.log).c_str(), L"w", stderr);
         return;
     }
     const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
@@ -56,29 +71,41 @@ bool ReadScript(const std::string& path, std::vector<ScriptStep>& steps) {
 
 void RunMessageLoop(const MainWindow& window) {
     MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (window.TranslateKey(message)) continue;
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
     }
 }
 
+/// The files named, or else those that were open the last time and are still there.
+std::vector<std::string> FirstFiles(const std::vector<std::string>& named, const HostSettings& settings) {
+    if (!named.empty()) return named;
+    std::vector<std::string> files = settings.openFiles;
+    std::erase_if(files, [](const std::string& path) { return !FileExists(path.c_str()); });
+    return files;
+}
+
 void RunForPerson(const PluginLibrary& plugin, const std::vector<std::string>& files, int show) {
+    const std::string path = HostSettingsPath();
     HostSettings settings;
-    settings.Load();
-    MainWindow window(plugin, settings, nullptr);
+    settings.Load(path);
+    Person person(settings);
+    MainWindow window(plugin, settings, person, path);
     if (!window.Make(show)) return;
-    for (const std::string& file : files)
-        window.OpenFile(file);
+    const std::vector<std::string> recent = settings.recentFiles;
+    for (const std::string& file : FirstFiles(files, settings))
+        window.Files().Open(file);
+    if (files.empty()) settings.recentFiles = recent; // opening them again was nobody's wish
     RunMessageLoop(window);
-    settings.Save();
+    settings.Save(path);
 }
 
 // A script finds the same program on every machine: nothing is kept, nothing is taken from before.
 int RunForScript(const PluginLibrary& plugin, std::vector<ScriptStep> steps, int show) {
     HostSettings settings;
-    Unattended answers;
-    MainWindow window(plugin, settings, &answers);
+    ScriptAnswers answers;
+    MainWindow window(plugin, settings, answers, "");
     if (!window.Make(show)) {
         ReportFault("the window cannot be opened; is there a screen?");
         return 1;
@@ -94,6 +121,7 @@ int Run(const Words& words, int show) {
         ReportFault(words.problem.c_str());
         return 2;
     }
+    const Surroundings ours(Whose::Program);
     INITCOMMONCONTROLSEX controls{sizeof(INITCOMMONCONTROLSEX), ICC_BAR_CLASSES | ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
     std::vector<ScriptStep> steps;
@@ -110,7 +138,7 @@ int Run(const Words& words, int show) {
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int show) {
     CoInitialize(nullptr);
-    const int status = lumafold::Run(lumafold::ReadWords(__argc, __argv), show);
+    const int status = lumafold::Run(lumafold::ReadWords(lumafold::CommandLineWords()), show);
     CoUninitialize();
     return status;
 }

@@ -1,107 +1,88 @@
-// The program's window: open animations at the left, the current one large, its frames below; and the host
-// that the plug-in talks to.
+// The program's window: open animations at the left, the current one large, its frames below.
 #pragma once
 
-#include <array>
-#include <memory>
 #include <optional>
 
 #include "hosts/desktop/canvas.h"
 #include "hosts/desktop/document_list.h"
 #include "hosts/desktop/frame_strip.h"
-#include "hosts/desktop/host_callback.h"
-#include "hosts/desktop/host_settings.h"
-#include "hosts/desktop/plugin_library.h"
+#include "hosts/desktop/plugin_session.h"
+#include "hosts/desktop/status_bar.h"
 #include "hosts/desktop/toolbar.h"
 
 namespace lumafold {
 
-/// What is answered when nobody sits there: scripts fill it, and read what happened.
-struct Unattended {
-    std::vector<std::string> pictures;   ///< for the next choice of files, then none
-    std::optional<std::uint32_t> colour; ///< for the next choice of a colour, then none
-    std::vector<std::string> messages;   ///< what a person would have been told
-    std::string manual;                  ///< the last reference asked for
-};
-
-class MainWindow : public Window<MainWindow>, public HostServices {
+class MainWindow : public Window<MainWindow>, private DocumentWatcher {
 public:
-    static constexpr char kClassName[] = "LumafoldHost";
+    static constexpr wchar_t kClassName[] = L"LumafoldHost";
 
-    /// All outlive the window; `unattended` is null where a person sits.
-    MainWindow(const PluginLibrary& plugin, HostSettings& settings, Unattended* unattended)
-        : plugin_(plugin), settings_(settings), unattended_(unattended) {}
+    /// All outlive the window. The settings are kept where `settingsPath` says when the system ends the
+    /// program; "" for nowhere.
+    MainWindow(const PluginLibrary& plugin, HostSettings& settings, Attendant& attendant,
+               std::string settingsPath);
+    ~MainWindow() { Destroy(); }
 
     bool Make(int show);
     /// Offers a message of the program's loop to the keyboard shortcuts first.
     bool TranslateKey(MSG& message) const;
 
-    /// False when that was told to the person.
-    bool OpenFile(const std::string& path);
-    bool SaveCurrent(const std::string& path);
-    bool SaveCurrentFrames(const std::string& folder);
-    /// Returns when the plug-in's dialog is closed.
-    void RunPlugin();
-    bool IsRunningPlugin() const { return host_ != nullptr; }
-    bool IsBuilding() const { return host_ && host_->IsBuilding(); }
+    FileActions& Files() { return files_; }
+    DocumentSet& Documents() { return documents_; }
+    PluginSession& Plugin() { return session_; }
 
-    std::size_t DocumentCount() const { return documents_.size(); }
-    Document* Current();
-    void Select(std::size_t index);
     void GoTo(std::size_t frame);
     void SetZoom(int percent); ///< 0 fits
     void SetCapabilities(std::uint32_t flags);
-    /// False when the person changed his mind.
-    bool Close(std::size_t index);
-    void CloseWithoutAsking(std::size_t index);
 
     LRESULT Handle(UINT message, WPARAM wparam, LPARAM lparam);
 
 private:
-    void TakeAnimation(Animation animation, TaskKind kind) override;
-    HWND DialogInUse() override;
-    std::vector<std::string> ChoosePictures(HWND owner) override;
-    bool ShowManual(const std::string& reference) override;
-    bool ChooseColour(HWND owner, std::uint32_t& colour, std::uint32_t* custom) override;
+    static constexpr UINT kMeasured = WM_APP + 10; ///< from the thread that measures files
+
+    void BeforeClosing() override;
+    void CurrentChanged() override;
+    void StateChanged() override;
 
     LRESULT Create();
+    void TakeLook(int dotsPerInch);
+    void ChangeScreen(int dotsPerInch, const RECT& place);
     void Layout();
     void Command(int command);
+    void FileCommand(int command);
     void ViewCommand(int command);
-    void Tell(const std::string& text, UINT icon);
-    bool Add(Animation animation, const std::string& name, Origin origin);
-    void ShowCurrent();
-    void ShowState();
+    void RunPlugin();
+    void OpenRecent(std::size_t index);
+    void Drop(HDROP drop);
+    void Timer(WPARAM timer);
     void ShowStatus();
     void ShowFrame();
     void Play(bool play);
     void Tick();
     void Idle();
+    void TakeMeasured();
     void PrepareMenu(HMENU menu) const;
-    void OpenChosen();
-    bool SaveChosen(std::size_t index);
-    void SaveFramesChosen();
-    void CopyFrame();
-    void Drop(HDROP drop);
-    bool CloseAll();
-    void RememberPlace();
+    void ListRecent(HMENU menu) const;
+    void Remember();
+    bool MayLeave();
     void Leave();
     void About();
     void Wheel(WPARAM wparam, LPARAM lparam) const;
 
     const PluginLibrary& plugin_;
     HostSettings& settings_;
-    Unattended* unattended_;
-    std::unique_ptr<HostCallbackObject> host_;
+    Attendant& attendant_;
+    std::string settingsPath_;
+    DocumentSet documents_{*this};
+    FileActions files_;
+    PluginSession session_;
+    std::optional<Look> look_;
     Toolbar toolbar_;
+    StatusBar status_;
     Canvas canvas_;
     FrameStrip strip_;
     DocumentList list_;
-    HWND status_ = nullptr;
-    std::array<std::string, 7> statusShown_; ///< by its parts
     HACCEL keys_ = nullptr;
-    std::vector<std::unique_ptr<Document>> documents_;
-    std::size_t current_ = 0, made_ = 0;
+    SizeMeasurer measurer_; ///< ends before the window that it tells
 };
 
 } // namespace lumafold

@@ -1,20 +1,26 @@
 #include "hosts/desktop/painting.h"
 
+#include "hosts/common/wide_text.h"
+
 namespace lumafold {
 namespace {
 
-HFONT MakeFont(int height, int weight) {
-    return CreateFontA(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH | FF_SWISS, "Tahoma");
+BITMAPINFO TopDown(int width, int height) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(info.bmiHeader);
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    return info;
+}
+
+bool Holds(const std::vector<std::uint32_t>& pixels, int width, int height) {
+    return width > 0 && height > 0 &&
+           pixels.size() >= static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
 
 } // namespace
-
-HFONT Font(Face face) {
-    static const OwnedGdi<HFONT> plain(MakeFont(11, FW_NORMAL)), bold(MakeFont(11, FW_BOLD)),
-        title(MakeFont(20, FW_NORMAL));
-    return (face == Face::Plain ? plain : face == Face::Bold ? bold : title).Get();
-}
 
 PaintBuffer::PaintBuffer(HWND window) : window_(window) {
     const HDC screen = BeginPaint(window, &paint_);
@@ -38,7 +44,7 @@ PaintBuffer::~PaintBuffer() {
 
 void Fill(HDC context, const RECT& area, COLORREF colour) {
     SetBkColor(context, colour);
-    ExtTextOutA(context, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr);
+    ExtTextOutW(context, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr);
     SetBkMode(context, TRANSPARENT);
 }
 
@@ -51,26 +57,29 @@ void Frame(HDC context, const RECT& area, COLORREF colour, int thickness) {
         Fill(context, side, colour);
 }
 
-void Text(HDC context, const std::string& text, RECT area, Face face, COLORREF colour, UINT format) {
-    const SelectedGdi font(context, Font(face));
+void Text(HDC context, const std::string& text, RECT area, HFONT font, COLORREF colour, UINT format) {
+    const SelectedGdi selected(context, font);
     SetTextColor(context, colour);
     SetBkMode(context, TRANSPARENT);
-    DrawTextA(context, text.c_str(), static_cast<int>(text.size()), &area,
+    const std::wstring wide = Wide(text);
+    DrawTextW(context, wide.c_str(), static_cast<int>(wide.size()), &area,
               format | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
 void Pixels(HDC context, int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels) {
-    if (width < 1 || height < 1 ||
-        pixels.size() < static_cast<std::size_t>(width) * static_cast<std::size_t>(height))
-        return;
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    if (!Holds(pixels, width, height)) return;
+    const BITMAPINFO info = TopDown(width, height);
     SetDIBitsToDevice(context, x, y, static_cast<DWORD>(width), static_cast<DWORD>(height), 0, 0, 0,
                       static_cast<UINT>(height), pixels.data(), &info, DIB_RGB_COLORS);
+}
+
+void ScaledPixels(HDC context, const RECT& place, int width, int height,
+                  const std::vector<std::uint32_t>& pixels) {
+    if (!Holds(pixels, width, height)) return;
+    const BITMAPINFO info = TopDown(width, height);
+    SetStretchBltMode(context, HALFTONE);
+    StretchDIBits(context, place.left, place.top, place.right - place.left, place.bottom - place.top, 0, 0,
+                  width, height, pixels.data(), &info, DIB_RGB_COLORS, SRCCOPY);
 }
 
 } // namespace lumafold

@@ -1,4 +1,4 @@
-// How the program looks: its colours and fonts, painting without flicker, pixels and text.
+// How the program looks: its colours, painting without flicker, pixels and text.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/desktop/look.h"
 #include "platform/gdi_win32.h"
 
 namespace lumafold {
@@ -16,10 +17,6 @@ inline constexpr COLORREF kWorkspace = RGB(46, 50, 58), kStripBack = RGB(34, 37,
                           kAccent = RGB(255, 170, 60), kPanel = RGB(246, 247, 249),
                           kPanelLine = RGB(214, 218, 224), kPanelText = RGB(32, 36, 44),
                           kPanelDim = RGB(110, 118, 132), kChosenCard = RGB(255, 238, 212);
-
-enum class Face { Plain, Bold, Title };
-/// The program's fonts, which live as long as it does.
-HFONT Font(Face face);
 
 /// A window being painted into memory and shown at once when this ends.
 class PaintBuffer {
@@ -44,9 +41,12 @@ private:
 void Fill(HDC context, const RECT& area, COLORREF colour);
 /// A frame of `thickness` pixels inside the rectangle.
 void Frame(HDC context, const RECT& area, COLORREF colour, int thickness = 1);
-/// `format` as DrawText takes it; text that does not fit ends in an ellipsis.
-void Text(HDC context, const std::string& text, RECT area, Face face, COLORREF colour, UINT format);
+/// `text` is UTF-8, `format` as DrawText takes it; text that does not fit ends in an ellipsis.
+void Text(HDC context, const std::string& text, RECT area, HFONT font, COLORREF colour, UINT format);
 /// Pixels as 0x00RRGGBB, row by row from the top.
 void Pixels(HDC context, int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels);
+/// The same, scaled into a place of another size.
+void ScaledPixels(HDC context, const RECT& place, int width, int height,
+                  const std::vector<std::uint32_t>& pixels);
 
 } // namespace lumafold

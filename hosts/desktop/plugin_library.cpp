@@ -2,6 +2,11 @@
 
 #include <vector>
 
+#include "hosts/common/wide_text.h"
+#include "hosts/desktop/surroundings.h"
+#include "hosts/desktop/system_paths.h"
+#include "platform/files.h"
+
 namespace lumafold {
 namespace {
 
@@ -17,13 +22,6 @@ std::string FieldText(const char* text, std::size_t room) {
 
 } // namespace
 
-std::string ProgramFolder() {
-    char path[MAX_PATH] = "";
-    const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
-    const std::string whole(path, length < MAX_PATH ? length : 0);
-    return whole.substr(0, whole.find_last_of("\\/") + 1);
-}
-
 PluginLibrary::~PluginLibrary() {
     if (module_ != nullptr) FreeLibrary(module_);
 }
@@ -34,11 +32,12 @@ bool PluginLibrary::Fail(const std::string& problem) {
 }
 
 bool PluginLibrary::Load() {
-    const std::string path = ProgramFolder() + kLibraryName;
-    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+    const std::string folder = ProgramFolder(), path = folder + kLibraryName;
+    // By its full path or not at all: a bare name would be looked for elsewhere too.
+    if (folder.empty() || !FileExists(path.c_str()))
         return Fail(std::string(kLibraryName) +
-                    " is not there. It belongs into the folder of this program:\n" + ProgramFolder());
-    module_ = LoadLibraryA(path.c_str());
+                    " is not there. It belongs into the folder of this program:\n" + folder);
+    module_ = LoadLibraryExW(Wide(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (module_ == nullptr)
         return Fail(path + " cannot be loaded (error " + std::to_string(GetLastError()) +
                     "). It may be damaged, or made for another kind of Windows.");
@@ -71,6 +70,7 @@ bool PluginLibrary::Describe(DescribeFunction describe) {
 }
 
 void PluginLibrary::Run(HWND parent, const HostContext& context) const {
+    const Surroundings its(Whose::Plugin);
     if (build_ != nullptr) build_(parent, &context);
 }
 

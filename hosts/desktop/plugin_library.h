@@ -42,7 +42,4 @@ private:
     std::uint32_t version_ = 0;
 };
 
-/// The folder that the program was started from, with "\" at its end.
-std::string ProgramFolder();
-
 } // namespace lumafold

@@ -5,7 +5,9 @@
 namespace lumafold {
 namespace {
 
-constexpr int kWidth = 340, kHeight = 104;
+/// Of the inside.
+constexpr int kWidth = 334, kHeight = 70, kButtonRoom = 38, kButtonWidth = 84, kButtonHeight = 26,
+              kMargin = 18;
 constexpr UINT_PTR kWatchTimer = 1;
 constexpr DWORD kBetweenPumps = 15; ///< milliseconds: pumping for every one of a thousand frames would show
 
@@ -13,7 +15,7 @@ constexpr DWORD kBetweenPumps = 15; ///< milliseconds: pumping for every one of 
 
 void ProgressWindow::Caption(HWND owner, const char* text) {
     Open(owner);
-    caption_ = text != nullptr ? text : "";
+    SetCaption(text);
     position_ = total_ = 0;
     painted_ = GetTickCount() - kBetweenPumps;
     Pump();
@@ -34,21 +36,40 @@ void ProgressWindow::Close() {
     if (ownerWasEnabled_ && IsWindow(owner_)) EnableWindow(owner_, TRUE);
     ownerWasEnabled_ = false;
     DestroyWindow(window_);
+    button_ = nullptr;
 }
 
 void ProgressWindow::Open(HWND owner) {
     if (window_ != nullptr) return;
-    RECT around{};
-    GetWindowRect(owner != nullptr ? owner : GetDesktopWindow(), &around);
-    const int x = (around.left + around.right - kWidth) / 2, y = (around.top + around.bottom - kHeight) / 2;
-    if (!Make(owner, "Lumafold", WS_POPUP | WS_CAPTION, WS_EX_DLGMODALFRAME, {x, y, x + kWidth, y + kHeight}))
-        return;
+    if (!Make(owner, L"Lumafold", WS_POPUP | WS_CAPTION | WS_CLIPCHILDREN, WS_EX_DLGMODALFRAME, {})) return;
     owner_ = owner;
     ownerWasEnabled_ = owner != nullptr && IsWindowEnabled(owner);
     if (ownerWasEnabled_) EnableWindow(owner, FALSE);
+    Arrange();
     ShowWindow(window_, SW_SHOWNORMAL);
+    if (button_ != nullptr) SetFocus(button_);
     SetTimer(window_, kWatchTimer, 50, nullptr);
     painted_ = GetTickCount() - kBetweenPumps;
+}
+
+// Over the middle of its owner, in the sizes of the screen that this is on.
+void ProgressWindow::Arrange() {
+    RECT around{};
+    GetWindowRect(owner_ != nullptr ? owner_ : GetDesktopWindow(), &around);
+    SetWindowPos(window_, nullptr, around.left, around.top, 0, 0, SWP_NOZORDER | SWP_NOSIZE | SWP_NOACTIVATE);
+    SetLook(ownLook_.emplace(DotsPerInchOf(window_)));
+    const bool stops = stop_ == Stop::OnRequest;
+    RECT place{0, 0, At(kWidth), At(kHeight + (stops ? kButtonRoom : 0))};
+    AdjustWindowRectEx(&place, WS_POPUP | WS_CAPTION, FALSE, WS_EX_DLGMODALFRAME);
+    const int width = place.right - place.left, height = place.bottom - place.top;
+    SetWindowPos(window_, nullptr, (around.left + around.right - width) / 2,
+                 (around.top + around.bottom - height) / 2, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (!stops) return;
+    button_ =
+        CreateWindowExW(0, L"BUTTON", L"Cancel", WS_CHILD | WS_VISIBLE | WS_TABSTOP,
+                        At(kWidth - kMargin - kButtonWidth), At(kHeight), At(kButtonWidth), At(kButtonHeight),
+                        window_, reinterpret_cast<HMENU>(IDCANCEL), GetModuleHandleW(nullptr), nullptr);
+    SendMessageW(button_, WM_SETFONT, reinterpret_cast<WPARAM>(look_->Font(Face::Plain)), FALSE);
 }
 
 void ProgressWindow::Pump() {
@@ -58,13 +79,15 @@ void ProgressWindow::Pump() {
     pumping_ = true;
     MSG message;
     // Bounded, so that timers that are always due cannot keep the build waiting.
-    for (int i = 0; i < 64 && PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
+    for (int i = 0; i < 64 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             break;
         }
+        // Escape and the button's own keys.
+        if (button_ != nullptr && IsDialogMessageW(window_, &message)) continue;
         TranslateMessage(&message);
-        DispatchMessageA(&message);
+        DispatchMessageW(&message);
     }
     pumping_ = false;
     painted_ = GetTickCount();
@@ -87,10 +110,15 @@ LRESULT ProgressWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_TIMER:
         CloseWhenAbandoned();
         return 0;
+    case WM_COMMAND:
+        stopWanted_ = stopWanted_ || LOWORD(wparam) == IDCANCEL;
+        return 0;
     case WM_CLOSE:
         return 0;
     case WM_SETCURSOR:
-        SetCursor(LoadCursorA(nullptr, IDC_WAIT));
+        // Over the button it is the arrow.
+        if (reinterpret_cast<HWND>(wparam) != window_) return Default(message, wparam, lparam);
+        SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));
         return TRUE;
     default:
         return Default(message, wparam, lparam);
@@ -99,18 +127,16 @@ LRESULT ProgressWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
 
 void ProgressWindow::Paint(HDC context, const RECT& area) {
     Fill(context, area, kPanel);
-    Text(context, caption_ + "...", {18, 12, area.right - 18, 30}, Face::Bold, kPanelText,
-         DT_SINGLELINE | DT_VCENTER);
-    if (total_ > 0) {
-        Text(context, std::to_string(position_) + " of " + std::to_string(total_),
-             {18, 12, area.right - 18, 30}, Face::Plain, kPanelDim, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
-    }
-    const RECT bar{18, 38, area.right - 18, 54};
+    const int left = At(kMargin), right = area.right - At(kMargin);
+    const RECT line{left, At(12), right, At(32)};
+    Text(context, caption_ + "...", line, look_->Font(Face::Bold), kPanelText, DT_SINGLELINE | DT_VCENTER);
+    const RECT bar{left, At(38), right, At(54)};
     Fill(context, bar, kPanelLine);
-    if (total_ > 0) {
-        const auto width = static_cast<int>((bar.right - bar.left - 2) * position_ / total_);
-        Fill(context, {bar.left + 1, bar.top + 1, bar.left + 1 + width, bar.bottom - 1}, kAccent);
-    }
+    if (total_ <= 0) return;
+    Text(context, std::to_string(position_) + " of " + std::to_string(total_), line, look_->Font(Face::Plain),
+         kPanelDim, DT_SINGLELINE | DT_VCENTER | DT_RIGHT);
+    const auto width = static_cast<int>((bar.right - bar.left - 2) * position_ / total_);
+    Fill(context, {bar.left + 1, bar.top + 1, bar.left + 1 + width, bar.bottom - 1}, kAccent);
 }
 
 } // namespace lumafold

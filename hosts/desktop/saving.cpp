@@ -1,48 +1,38 @@
 #include "hosts/desktop/saving.h"
 
-#include <cctype>
 #include <cstdio>
-#include <filesystem>
 
 #include "codecs/apng_writer.h"
 #include "codecs/files.h"
+#include "codecs/frame_screens.h"
 #include "codecs/gif_writer.h"
 #include "codecs/mng_writer.h"
 #include "codecs/png_writer.h"
-#include "codecs/frame_screens.h"
+#include "hosts/common/paths.h"
+#include "hosts/common/staged_folder.h"
 #include "hosts/desktop/screen_picture.h"
 
 namespace lumafold {
 namespace {
 
-std::string LowerSuffix(const std::string& path) {
-    const std::string name = FileNamePart(path);
-    const std::size_t dot = name.find_last_of('.');
-    std::string suffix = dot == std::string::npos ? "" : name.substr(dot);
-    for (char& letter : suffix)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-    return suffix;
+std::string FrameName(std::size_t index) {
+    char name[32];
+    std::snprintf(name, sizeof(name), "frame-%04u.png", static_cast<unsigned>(index));
+    return name;
 }
 
 } // namespace
 
-std::string FileNamePart(const std::string& path) { return path.substr(path.find_last_of("\\/") + 1); }
-
-std::string Stem(const std::string& path) {
-    const std::string name = FileNamePart(path);
-    return name.substr(0, name.find_last_of('.'));
-}
-
-bool SaveAnimation(const std::string& path, const Animation& animation, std::uint64_t& bytes,
-                   std::string& error) {
+bool SaveAnimation(const std::string& path, const Animation& animation, const FrameProgress& progress,
+                   std::uint64_t& bytes, std::string& error) {
     const std::string suffix = LowerSuffix(path);
     std::vector<std::uint8_t> file;
-    if (suffix == ".gif") {
-        file = EncodeGif(animation, error);
-    } else if (suffix == ".png" || suffix == ".apng") {
-        file = EncodeApng(animation, error);
-    } else if (suffix == ".mng") {
-        file = EncodeMng(animation, error);
+    if (suffix == "gif") {
+        file = EncodeGif(animation, error, progress);
+    } else if (suffix == "png" || suffix == "apng") {
+        file = EncodeApng(animation, error, progress);
+    } else if (suffix == "mng") {
+        file = EncodeMng(animation, error, progress);
     } else {
         error = "the name must end in .gif, .png or .mng";
     }
@@ -50,21 +40,26 @@ bool SaveAnimation(const std::string& path, const Animation& animation, std::uin
     return bytes > 0 && WriteFileSafely(path, file, error);
 }
 
-bool SaveFrames(const std::string& folder, const Animation& animation, std::string& error) {
+bool SaveFrames(const std::string& folder, const Animation& animation, const FrameProgress& progress,
+                std::string& error) {
+    const std::size_t count = animation.frames.size();
     FrameScreens screens(animation);
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        char name[32];
-        std::snprintf(name, sizeof(name), "frame-%04u.png", static_cast<unsigned>(i));
-        const OwnedDib picture = ScreenPicture(screens.At(i), animation.width, animation.height);
-        error = "there is not enough memory";
-        const std::vector<std::uint8_t> file =
-            picture ? EncodePng(picture.Get(), error) : std::vector<std::uint8_t>();
-        if (file.empty() || !WriteFileSafely((std::filesystem::path(folder) / name).string(), file, error)) {
-            error.insert(0, std::string(name) + ": ");
-            return false;
-        }
-    }
-    return true;
+    FilesForFolder files;
+    for (std::size_t i = 0; i < count; ++i)
+        files.names.push_back(FrameName(i));
+    files.make = [&](std::size_t index, std::string& why) {
+        const OwnedDib picture = ScreenPicture(screens.At(index), animation.width, animation.height);
+        why = "there is not enough memory";
+        return picture ? EncodePng(picture.Get(), why) : std::vector<std::uint8_t>();
+    };
+    files.isFormer = [](const std::string& name) {
+        return !NumberBetween(name, "frame-", ".png", 4).empty();
+    };
+    files.whyNotOn = [&](std::size_t index) {
+        return std::string(progress && !progress(index, count) ? "cancelled" : "");
+    };
+    std::uint64_t bytes = 0;
+    return WriteStagedFolder(folder, files, bytes, error);
 }
 
 } // namespace lumafold

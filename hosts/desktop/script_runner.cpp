@@ -6,8 +6,11 @@
 
 #include "codecs/files.h"
 #include "codecs/png_writer.h"
+#include "hosts/common/wide_text.h"
 #include "hosts/desktop/dialog_driver.h"
 #include "hosts/desktop/ids.h"
+#include "hosts/desktop/surroundings.h"
+#include "hosts/desktop/system_paths.h"
 #include "hosts/desktop/window_picture.h"
 #include "resources/texts/resource_ids.h"
 
@@ -19,12 +22,6 @@ constexpr DWORD kPatience = 20000; ///< milliseconds for a dialog to come or go
 constexpr DWORD kUntilSeen = 100;  ///< milliseconds for what was drawn to be on the screen
 
 ScriptRunner* current = nullptr;
-
-std::string FullPath(const std::string& path) {
-    char full[MAX_PATH] = "";
-    const DWORD length = GetFullPathNameA(path.c_str(), MAX_PATH, full, nullptr);
-    return length > 0 && length < MAX_PATH ? full : path;
-}
 
 } // namespace
 
@@ -79,7 +76,7 @@ ScriptRunner::Run ScriptRunner::ActionFor(const std::string& verb) {
     return nullptr;
 }
 
-ScriptRunner::ScriptRunner(std::vector<ScriptStep> steps, MainWindow& window, Unattended& answers)
+ScriptRunner::ScriptRunner(std::vector<ScriptStep> steps, MainWindow& window, ScriptAnswers& answers)
     : steps_(std::move(steps)), window_(window), answers_(answers),
       timer_(SetTimer(nullptr, 0, kTick, &OnTimer)) {
     current = this;
@@ -91,30 +88,36 @@ ScriptRunner::~ScriptRunner() {
 }
 
 void CALLBACK ScriptRunner::OnTimer(HWND, UINT, UINT_PTR, DWORD) {
-    if (current == nullptr) return;
-    try {
-        current->Tick();
-    } catch (const std::exception& fault) {
-        ReportFault(fault.what());
-    } catch (...) {
-        ReportFault("unexpected fault");
-    }
+    if (current != nullptr) current->Tick();
 }
 
 // Message boxes are answered at any time, in the middle of a step too: the step waits for that.
 void ScriptRunner::Tick() {
+    const Surroundings ours(Whose::Program);
     while (std::optional<std::string> text = DismissMessageBox())
         answers_.messages.push_back(*text);
-    if (busy_ || window_.IsBuilding()) return;
+    if (busy_ || window_.Plugin().IsBuilding()) return;
     busy_ = true;
     Advance();
     busy_ = false;
 }
 
+// A step that throws has failed. Nothing may reach the system, which called.
+ScriptRunner::State ScriptRunner::TryStep(const ScriptStep& step) noexcept {
+    try {
+        return RunStep(step);
+    } catch (const std::exception& fault) {
+        why_ = fault.what();
+    } catch (...) {
+        why_ = "unexpected fault";
+    }
+    return State::Failed;
+}
+
 void ScriptRunner::Advance() {
     if (at_ >= steps_.size() || steps_[at_].verb == "quit") return Finish();
     const ScriptStep& step = steps_[at_];
-    const State state = RunStep(step);
+    const State state = TryStep(step);
     if (state == State::Waiting) return;
     if (state == State::Done) {
         ++at_;
@@ -146,7 +149,7 @@ void ScriptRunner::Finish() {
     KillTimer(nullptr, timer_);
     if (!answers_.messages.empty()) {
         ReportFault(("at the end: this message was shown: " + answers_.messages.front()).c_str());
-    } else if (window_.IsRunningPlugin()) {
+    } else if (window_.Plugin().IsRunning()) {
         ReportFault("at the end: the dialog is still open");
         TerminateProcess(GetCurrentProcess(), 1);
     } else {
@@ -183,7 +186,7 @@ HWND ScriptRunner::Button(int id) {
 ScriptRunner::State ScriptRunner::OpenDialog(const ScriptStep&) {
     if (!started_) {
         if (dialogBefore_ != nullptr) return Fail("it is open already");
-        PostMessageA(window_.Get(), WM_COMMAND, HOST_RUN_PLUGIN, 0);
+        PostMessageW(window_.Get(), WM_COMMAND, HOST_RUN_PLUGIN, 0);
     }
     return DialogInFront() != nullptr ? State::Done : State::Waiting;
 }
@@ -201,7 +204,7 @@ ScriptRunner::State ScriptRunner::Add(const ScriptStep& step) {
 
 ScriptRunner::State ScriptRunner::RemoveAll(const ScriptStep&) {
     const HWND list = Control(std::to_string(LUMAFOLD_MAIN_LIST));
-    const auto count = [&] { return SendMessageA(list, LB_GETCOUNT, 0, 0); };
+    const auto count = [&] { return SendMessageW(list, LB_GETCOUNT, 0, 0); };
     for (LRESULT left = list != nullptr ? count() : 0; left > 0; --left) {
         const HWND button = SelectListItem(list, 0) ? Button(LUMAFOLD_MAIN_REMOVE) : nullptr;
         if (button == nullptr) return State::Failed;
@@ -269,50 +272,56 @@ ScriptRunner::State ScriptRunner::Build(const ScriptStep& step) {
         Click(button); // returns when the build is over
         startedAt_ = GetTickCount();
     }
-    return test || !window_.IsRunningPlugin() ? State::Done : State::Waiting;
+    return test || !window_.Plugin().IsRunning() ? State::Done : State::Waiting;
 }
 
 ScriptRunner::State ScriptRunner::Documents(const ScriptStep& step) {
     const auto worked = [&](bool done) {
         return done || !answers_.messages.empty() ? State::Done : Fail("nothing is open");
     };
-    if (step.verb == "open") return worked(window_.OpenFile(FullPath(step.words[0])));
-    if (step.verb == "save-as") return worked(window_.SaveCurrent(FullPath(step.words[0])));
-    if (step.verb == "save-frames") return worked(window_.SaveCurrentFrames(FullPath(step.words[0])));
+    if (step.verb == "open") return worked(window_.Files().Open(FullPath(step.words[0])));
+    if (step.verb == "save-as") return worked(window_.Files().Save(FullPath(step.words[0])));
+    if (step.verb == "save-frames") return worked(window_.Files().SaveFrames(FullPath(step.words[0])));
     const int number = step.words.empty() ? 0 : WholeNumber(step.words[0]).value_or(0);
     if (step.verb == "capabilities") {
-        if (number < 0 || number > 3 || window_.IsRunningPlugin())
+        if (number < 0 || number > 3 || window_.Plugin().IsRunning())
             return Fail("0 to 3, before the dialog is opened");
         window_.SetCapabilities(static_cast<std::uint32_t>(number));
         return State::Done;
     }
     if (step.verb == "select") {
-        if (number < 1 || static_cast<std::size_t>(number) > window_.DocumentCount())
+        if (number < 1 || static_cast<std::size_t>(number) > window_.Documents().Count())
             return Fail("there is no such animation");
-        window_.Select(static_cast<std::size_t>(number) - 1);
+        window_.Documents().Select(static_cast<std::size_t>(number) - 1);
         return State::Done;
     }
-    if (window_.Current() == nullptr) return Fail("nothing is open");
-    SendMessageA(window_.Get(), WM_COMMAND, HOST_CLOSE, 0);
+    if (window_.Documents().Current() == nullptr) return Fail("nothing is open");
+    SendMessageW(window_.Get(), WM_COMMAND, HOST_CLOSE, 0);
     return State::Done;
 }
 
 ScriptRunner::State ScriptRunner::Drop(const ScriptStep& step) {
-    std::string names;
+    // Pictures are in the list of the plug-in's dialog once none of them waits any more.
+    if (started_) return window_.Plugin().HasQueued() ? State::Waiting : State::Done;
+    std::wstring names;
     for (const std::string& word : step.words)
-        (names += FullPath(word)) += '\0';
-    OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(DROPFILES) + names.size() + 1));
-    const GlobalLocked<DROPFILES> files(block.Get());
-    if (!files) return Fail("there is not enough memory");
-    files->pFiles = sizeof(DROPFILES);
-    std::memcpy(files.Get() + 1, names.data(), names.size());
+        (names += Wide(FullPath(word))) += L'\0';
+    const std::size_t bytes = names.size() * sizeof(wchar_t);
+    OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(DROPFILES) + bytes + sizeof(wchar_t)));
+    {
+        const GlobalLocked<DROPFILES> files(block.Get());
+        if (!files) return Fail("there is not enough memory");
+        files->pFiles = sizeof(DROPFILES);
+        files->fWide = TRUE;
+        std::memcpy(files.Get() + 1, names.data(), bytes);
+    }
     // Who takes the files frees the block.
-    SendMessageA(window_.Get(), WM_DROPFILES, block.Release(), 0);
-    return State::Done;
+    SendMessageW(window_.Get(), WM_DROPFILES, block.Release(), 0);
+    return State::Waiting;
 }
 
 ScriptRunner::State ScriptRunner::View(const ScriptStep& step) {
-    const Document* document = window_.Current();
+    const Document* document = window_.Documents().Current();
     if (document == nullptr) return Fail("nothing is open");
     const int number = step.words.empty() ? 0 : WholeNumber(step.words[0]).value_or(0);
     if (step.verb == "frame") {
@@ -324,9 +333,9 @@ ScriptRunner::State ScriptRunner::View(const ScriptStep& step) {
             return Fail("25 to 800, or fit");
         window_.SetZoom(number);
     } else if (step.verb == "copy") {
-        SendMessageA(window_.Get(), WM_COMMAND, HOST_COPY, 0);
+        SendMessageW(window_.Get(), WM_COMMAND, HOST_COPY, 0);
     } else if (document->Player().IsPlaying() != (step.verb == "play")) {
-        SendMessageA(window_.Get(), WM_COMMAND, HOST_PLAY, 0);
+        SendMessageW(window_.Get(), WM_COMMAND, HOST_PLAY, 0);
     }
     return State::Done;
 }
@@ -349,10 +358,10 @@ ScriptRunner::State ScriptRunner::Screenshot(const ScriptStep& step) {
 
 ScriptRunner::State ScriptRunner::ExpectDocument(const ScriptStep& step) {
     if (step.verb == "expect-documents") {
-        const std::string found = std::to_string(window_.DocumentCount());
+        const std::string found = std::to_string(window_.Documents().Count());
         return Check(found == step.words[0], found);
     }
-    const Document* document = window_.Current();
+    const Document* document = window_.Documents().Current();
     if (document == nullptr) return Fail("nothing is open");
     const Animation& animation = document->GetAnimation();
     if (step.verb == "expect-size") {
@@ -369,7 +378,7 @@ ScriptRunner::State ScriptRunner::ExpectControl(const ScriptStep& step) {
     if (step.verb == "expect-items") {
         const HWND list = Control(std::to_string(LUMAFOLD_MAIN_LIST));
         if (list == nullptr) return State::Failed;
-        const std::string found = std::to_string(SendMessageA(list, LB_GETCOUNT, 0, 0));
+        const std::string found = std::to_string(SendMessageW(list, LB_GETCOUNT, 0, 0));
         return Check(found == step.words[0], found);
     }
     const HWND control = Control(step.words[0]);
@@ -384,10 +393,8 @@ ScriptRunner::State ScriptRunner::ExpectText(const ScriptStep& step) {
     if (step.verb == "expect-manual")
         return Check(answers_.manual == step.words[0], "\"" + answers_.manual + "\"");
     if (step.verb == "expect-title") {
-        char title[512] = "";
-        GetWindowTextA(window_.Get(), title, sizeof(title));
-        return Check(std::string(title).find(step.words[0]) != std::string::npos,
-                     std::string("\"") + title + "\"");
+        const std::string title = TextOf(window_.Get());
+        return Check(title.find(step.words[0]) != std::string::npos, "\"" + title + "\"");
     }
     if (answers_.messages.empty()) return State::Waiting;
     const std::string message = answers_.messages.front();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "hosts/desktop/main_window.h"
+#include "hosts/desktop/script_answers.h"
 #include "hosts/desktop/script_steps.h"
 
 namespace lumafold {
@@ -9,7 +10,7 @@ namespace lumafold {
 class ScriptRunner {
 public:
     /// One at a time; window and answers outlive it.
-    ScriptRunner(std::vector<ScriptStep> steps, MainWindow& window, Unattended& answers);
+    ScriptRunner(std::vector<ScriptStep> steps, MainWindow& window, ScriptAnswers& answers);
     ScriptRunner(const ScriptRunner&) = delete;
     ScriptRunner& operator=(const ScriptRunner&) = delete;
     ~ScriptRunner();
@@ -27,6 +28,7 @@ private:
     void Tick();
     void Advance();
     void Finish();
+    State TryStep(const ScriptStep& step) noexcept;
     State RunStep(const ScriptStep& step);
 
     State OpenDialog(const ScriptStep& step);
@@ -56,7 +58,7 @@ private:
 
     std::vector<ScriptStep> steps_;
     MainWindow& window_;
-    Unattended& answers_;
+    ScriptAnswers& answers_;
     UINT_PTR timer_ = 0;
     std::size_t at_ = 0;
     bool started_ = false, busy_ = false;

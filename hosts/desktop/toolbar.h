@@ -1,13 +1,13 @@
-// The row of buttons under the menu, with icons of its own.
+// The row of buttons under the menu.
 #pragma once
 
 #include <windows.h>
 
 #include <commctrl.h>
 
-namespace lumafold {
+#include "hosts/desktop/look.h"
 
-class IconPainter;
+namespace lumafold {
 
 class Toolbar {
 public:
@@ -16,7 +16,8 @@ public:
     Toolbar& operator=(const Toolbar&) = delete;
     ~Toolbar();
 
-    bool Make(HWND parent);
+    /// Once more for another look.
+    bool Make(HWND parent, const Look& look);
     HWND Get() const { return toolbar_; }
     int Height() const;
     void Resize() const;
@@ -26,14 +27,13 @@ public:
     void ShowPlaying(bool playing) const;
 
 private:
-    /// Its number in both lists.
-    int AddIcons(void (*draw)(IconPainter&)) const;
+    void ForgetIcons();
 
     HWND toolbar_ = nullptr;
     HIMAGELIST icons_ = nullptr, fadedIcons_ = nullptr;
 };
 
 /// The tip of a toolbar button.
-const char* ToolbarTip(int command);
+const wchar_t* ToolbarTip(int command);
 
 } // namespace lumafold

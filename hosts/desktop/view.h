@@ -10,7 +10,16 @@ namespace lumafold {
 /// Default.
 template <typename Self>
 class View : public Window<Self> {
+public:
+    /// How it is painted from now on. The look is the owner's, and outlives the view or is replaced by this.
+    void SetLook(const Look& look) {
+        look_ = &look;
+        this->Repaint();
+    }
+
 protected:
+    ~View() = default;
+
     LRESULT Default(UINT message, WPARAM wparam, LPARAM lparam) {
         switch (message) {
         case WM_ERASEBKGND:
@@ -24,6 +33,9 @@ protected:
             return Window<Self>::Default(message, wparam, lparam);
         }
     }
+    int At(int pixels) const { return look_->At(pixels); }
+
+    const Look* look_ = nullptr;
 };
 
 } // namespace lumafold

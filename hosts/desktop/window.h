@@ -14,16 +14,14 @@ namespace lumafold {
 /// Writes a line where a person or a log sees it: what went wrong inside a window.
 void ReportFault(const char* text);
 
-/// Self names its class by kClassName and answers messages by Handle(message, wparam, lparam).
+/// Self names its class by kClassName, answers messages by Handle(message, wparam, lparam), and calls Destroy
+/// in its own destructor: a window that goes still gets messages, which need the whole object.
 template <typename Self>
 class Window {
 public:
     Window() = default;
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
-    ~Window() {
-        if (window_ != nullptr) DestroyWindow(window_);
-    }
 
     HWND Get() const { return window_; }
     void Repaint() const {
@@ -31,22 +29,32 @@ public:
     }
 
 protected:
-    bool Make(HWND parent, const char* title, DWORD style, DWORD extended, const RECT& place) {
-        WNDCLASSEXA type{};
+    /// No message reaches what is left of the object.
+    ~Window() {
+        if (window_ == nullptr) return;
+        SetWindowLongW(window_, GWL_USERDATA, 0);
+        DestroyWindow(window_);
+    }
+
+    bool Make(HWND parent, const wchar_t* title, DWORD style, DWORD extended, const RECT& place) {
+        WNDCLASSEXW type{};
         type.cbSize = sizeof(type);
         type.style = CS_DBLCLKS;
         type.lpfnWndProc = &Procedure;
-        type.hInstance = GetModuleHandleA(nullptr);
-        type.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-        type.hIcon = LoadIconA(type.hInstance, MAKEINTRESOURCEA(HOST_ICON));
+        type.hInstance = GetModuleHandleW(nullptr);
+        type.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512)); // the arrow
+        type.hIcon = LoadIconW(type.hInstance, MAKEINTRESOURCEW(HOST_ICON));
         type.lpszClassName = Self::kClassName;
-        RegisterClassExA(&type); // again is no harm
-        return CreateWindowExA(extended, Self::kClassName, title, style, place.left, place.top,
+        RegisterClassExW(&type); // again is no harm
+        return CreateWindowExW(extended, Self::kClassName, title, style, place.left, place.top,
                                place.right - place.left, place.bottom - place.top, parent, nullptr,
                                type.hInstance, static_cast<Self*>(this)) != nullptr;
     }
+    void Destroy() {
+        if (window_ != nullptr) DestroyWindow(window_);
+    }
     LRESULT Default(UINT message, WPARAM wparam, LPARAM lparam) {
-        return DefWindowProcA(window_, message, wparam, lparam);
+        return DefWindowProcW(window_, message, wparam, lparam);
     }
 
     HWND window_ = nullptr;
@@ -54,17 +62,17 @@ protected:
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
         if (message == WM_NCCREATE) {
-            auto* made = static_cast<Self*>(reinterpret_cast<CREATESTRUCTA*>(lparam)->lpCreateParams);
+            auto* made = static_cast<Self*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
             made->window_ = window;
-            SetWindowLongA(window, GWL_USERDATA, static_cast<LONG>(reinterpret_cast<std::uintptr_t>(made)));
+            SetWindowLongW(window, GWL_USERDATA, static_cast<LONG>(reinterpret_cast<std::uintptr_t>(made)));
         }
         auto* self =
-            reinterpret_cast<Self*>(static_cast<std::uintptr_t>(GetWindowLongA(window, GWL_USERDATA)));
-        if (self == nullptr) return DefWindowProcA(window, message, wparam, lparam);
+            reinterpret_cast<Self*>(static_cast<std::uintptr_t>(GetWindowLongW(window, GWL_USERDATA)));
+        if (self == nullptr) return DefWindowProcW(window, message, wparam, lparam);
         if (message == WM_NCDESTROY) {
             self->window_ = nullptr;
-            SetWindowLongA(window, GWL_USERDATA, 0);
-            return DefWindowProcA(window, message, wparam, lparam);
+            SetWindowLongW(window, GWL_USERDATA, 0);
+            return DefWindowProcW(window, message, wparam, lparam);
         }
         try {
             return self->Handle(message, wparam, lparam);
@@ -73,7 +81,7 @@ private:
         } catch (...) {
             ReportFault("unexpected fault");
         }
-        return DefWindowProcA(window, message, wparam, lparam);
+        return DefWindowProcW(window, message, wparam, lparam);
     }
 };
 

@@ -1,4 +1,4 @@
-// What the plug-in's art is: the turning logo, the paper of the dialogs, the drag cursor.
+// What is drawn: the turning logo, the paper of the dialogs, the drag cursor, the icons of a toolbar.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +23,9 @@ inline constexpr int kTextureMiddle = 168;
 std::vector<std::uint8_t> Texture();
 
 Surface DragCursor();
+
+enum class IconState { Usable, Faded };
+/// The icons of the desktop program's toolbar side by side, in the order of their numbers.
+Surface ToolbarIcons(int size, IconState state);
 
 } // namespace lumafold::art

@@ -6,3 +6,6 @@ foreach(frame RANGE 23)
     endif()
     list(APPEND LUMAFOLD_ART_FILES logo_${frame}.bmp)
 endforeach()
+foreach(size 24 30 36 48) # those of resources/texts/toolbar_icons.h
+    list(APPEND LUMAFOLD_ART_FILES toolbar_${size}.bmp toolbar_${size}_faded.bmp)
+endforeach()

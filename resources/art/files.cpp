@@ -132,6 +132,10 @@ Bytes TrueColourBitmap(const Surface& surface) {
     return BitmapFile(surface.width, surface.height, 24, {}, rows);
 }
 
+Bytes CoverBitmap(const Surface& surface) {
+    return BitmapFile(surface.width, surface.height, 32, {}, ColourRows(surface));
+}
+
 Bytes GreyBitmap(int width, int height, std::span<const std::uint8_t> levels) {
     Bytes table, rows;
     for (unsigned level = 0; level < 256; ++level)

@@ -13,6 +13,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// 24 bits a pixel, no cover.
 Bytes TrueColourBitmap(const Surface& surface);
+/// 32 bits a pixel: colours as if they hid all, and their cover.
+Bytes CoverBitmap(const Surface& surface);
 /// 8 bits a pixel behind a table of 256 greys; `levels` are rows from the top.
 Bytes GreyBitmap(int width, int height, std::span<const std::uint8_t> levels);
 /// 32 bits a pixel with a mask for screens that know no soft edges.

@@ -1,4 +1,4 @@
-// Draws the plug-in's bitmaps, cursor and icon: lumafold_art FOLDER
+// Draws bitmaps, cursor and icons: lumafold_art FOLDER
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -7,6 +7,7 @@
 #include "resources/art/art.h"
 #include "resources/art/files.h"
 #include "resources/texts/resource_ids.h"
+#include "resources/texts/toolbar_icons.h"
 
 namespace {
 
@@ -30,6 +31,16 @@ bool WriteLogo(const std::string& folder) {
     return true;
 }
 
+bool WriteToolbar(const std::string& folder) {
+    for (const int size : {LUMAFOLD_ICON_SIZES}) {
+        const std::string start = folder + "/toolbar_" + std::to_string(size);
+        if (!Write(start + ".bmp", CoverBitmap(ToolbarIcons(size, IconState::Usable))) ||
+            !Write(start + "_faded.bmp", CoverBitmap(ToolbarIcons(size, IconState::Faded))))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int main(int count, char** words) {
@@ -38,8 +49,9 @@ int main(int count, char** words) {
         return 2;
     }
     const std::string folder = words[1];
-    const Surface icon[] = {LogoIcon(16), LogoIcon(32), LogoIcon(48)};
-    const bool drawn = WriteLogo(folder) &&
+    const Surface icon[] = {LogoIcon(16), LogoIcon(20), LogoIcon(24), LogoIcon(32),
+                            LogoIcon(40), LogoIcon(48), LogoIcon(72)};
+    const bool drawn = WriteLogo(folder) && WriteToolbar(folder) &&
                        Write(folder + "/texture.bmp", GreyBitmap(kTextureWidth, kTextureHeight, Texture())) &&
                        Write(folder + "/drag.cur", Cursor(DragCursor(), kCursorHotX, kCursorHotY)) &&
                        Write(folder + "/lumafold.ico", Icon(icon));

@@ -27,7 +27,7 @@ constexpr std::uint64_t kPlenty = 1 << 24;
 
 constexpr struct Format {
     const char* name;
-    File (*encode)(const Animation&, std::string&);
+    File (*encode)(const Animation&, std::string&, const FrameProgress&);
     std::int32_t mostDelay;
 } kGif{"GIF", EncodeGif, 65535}, kApng{"APNG", EncodeApng, 65535},
     kMng{"MNG", EncodeMng, std::numeric_limits<std::int32_t>::max()};
@@ -78,7 +78,7 @@ StoredGif Look(const File& file) {
 File WriteAndRead(const Format& format, const Animation& animation) {
     SCOPED_TRACE(format.name);
     std::string error;
-    const File file = format.encode(animation, error);
+    const File file = format.encode(animation, error, {});
     const ReadAnimation read = DecodeAnimation(file, kPlenty);
     EXPECT_EQ(error + read.error, "");
     if (!read.animation) return file;
@@ -170,7 +170,7 @@ TEST(AnimationWriters, PutChunksInOrderWithWhatTheyMustSay) {
 TEST(AnimationWriters, RefuseWhatTheFormatsCannotHold) {
     const auto refused = [](const Format& format, const Animation& animation, std::string_view text) {
         std::string error;
-        EXPECT_TRUE(format.encode(animation, error).empty());
+        EXPECT_TRUE(format.encode(animation, error, {}).empty());
         EXPECT_NE(error.find(text), std::string::npos) << format.name << ": " << error;
     };
     Animation animation;
@@ -343,16 +343,23 @@ TEST(AnimationReader, OpensStillPicturesAndNamesWhatItCannot) {
     const auto screens = ScreensOf(EncodePng(picture.Get(), error));
     ASSERT_EQ(screens.size(), 1U);
     EXPECT_EQ(screens[0][8], PixelAt(picture.Get(), 1, 1));
+    // A text in it that is damaged is nothing to do without the picture for.
+    File noted = EncodePng(picture.Get(), error);
+    constexpr std::uint8_t kDamagedText[] = {0, 0, 0, 3, 't', 'E', 'X', 't', 'a', 0, 'b', 1, 2, 3, 4};
+    noted.insert(noted.begin() + 33, std::begin(kDamagedText), std::end(kDamagedText));
+    EXPECT_EQ(ScreensOf(noted), screens);
 
     ChunkWriter mng("\x8AMNG\r\n\x1A\n");
     mng.Put("MHDR", ChunkWriter::Data().U32(2).U32(2).U32(100));
     mng.Put("LOOP");
-    File damaged = Apng(0, 0);
-    damaged[20] ^= 1;
+    File damaged = Apng(0, 0), frame = damaged;
+    damaged[30] ^= 1;              // in the header's checksum
+    frame[frame.size() - 20] ^= 1; // in the last frame's data
     const std::pair<File, const char*> kCases[] = {
-        {mng.Take(), "LOOP"}, {damaged, "checksum"}, {{'h', 'a'}, "no PNG"}};
+        {mng.Take(), "LOOP"}, {damaged, "CRC"}, {frame, "checksum"}, {{'h', 'a'}, "no PNG"}};
     for (const auto& [file, text] : kCases)
-        EXPECT_NE(DecodeAnimation(file, kPlenty).error.find(text), std::string::npos) << text;
+        EXPECT_NE(DecodeAnimation(file, kPlenty).error.find(text), std::string::npos)
+            << text << ": " << DecodeAnimation(file, kPlenty).error;
     EXPECT_NE(DecodeAnimationFile("/no/such/file.gif", kPlenty).error, "");
 }
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "hosts/cli/command_line.h"
-#include "hosts/cli/paths.h"
+#include "hosts/common/paths.h"
 #include "platform/files.h"
 
 namespace lumafold::test {

@@ -1,15 +1,20 @@
 // The desktop program's parts that know no window.
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "codecs/decode.h"
 #include "codecs/gif_writer.h"
+#include "hosts/common/paths.h"
 #include "hosts/common/task_collector.h"
-#include "hosts/desktop/document.h"
-#include "hosts/desktop/icon_painter.h"
+#include "hosts/desktop/document_set.h"
+#include "hosts/desktop/file_address.h"
+#include "hosts/desktop/host_settings.h"
 #include "hosts/desktop/playback.h"
 #include "hosts/desktop/saving.h"
 #include "hosts/desktop/script_steps.h"
 #include "hosts/desktop/view_picture.h"
+#include "platform/files.h"
 #include "resources/texts/resource_ids.h"
 #include "tests/hosts/cli_fixture.h"
 #include "tests/support/animations.h"
@@ -147,24 +152,31 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     while (document.DrawThumbnails(1)) {
     }
     EXPECT_EQ(document.ThumbnailOf(1).height, kThumbnailHeight);
-    document.MeasureFile();
-    const std::string size = document.FileSizeText();
-    EXPECT_EQ(size.substr(size.find(' ')), " bytes");
-    document.MarkSaved("b.gif", 1234);
+    document.TakeSize({999, false});
+    EXPECT_EQ(document.FileSizeText(), "999 bytes");
+    document.SetThumbnailHeight(2 * kThumbnailHeight);
+    EXPECT_EQ(document.ThumbnailsDrawn(), 0U);
+    EXPECT_EQ(document.ThumbnailOf(1).height, 2 * kThumbnailHeight);
+    document.MarkSaved(std::string("folder") + kFolderSeparator + "b.gif", 1234);
     EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.2 kB");
 }
 
-TEST(Document, EstimatesWhatTakesLongToWrite) {
+TEST(FileSize, IsEstimatedWhereWritingTakesLong) {
     Animation animation = EmptyAnimation(2000, 2000, 8);
     for (int i = 0; i < 8; ++i)
         AddFrame(animation, {8, 5}, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; });
     std::string error;
     const double exact = static_cast<double>(EncodeGif(animation, error).size());
-    Document document(std::move(animation), "", Origin::Build);
-    EXPECT_EQ(document.FileSizeText(), "");
-    document.MeasureFile();
-    ASSERT_EQ(document.FileSizeText().substr(0, 6), "about ");
-    EXPECT_NEAR(std::stod(document.FileSizeText().substr(6)), exact / 1000, exact / 1000 / 2);
+    std::promise<void> done;
+    SizeMeasurer measurer([&] { done.set_value(); });
+    const auto shared = std::make_shared<const Animation>(std::move(animation));
+    measurer.Measure(shared);
+    done.get_future().wait();
+    const auto measured = measurer.Take();
+    ASSERT_TRUE(measured && measured->animation == shared && measured->size.estimated);
+    EXPECT_NEAR(static_cast<double>(measured->size.bytes), exact, exact / 2);
+    EXPECT_FALSE(measurer.Take());
+    measurer.Measure(shared); // given up as the program ends
 }
 
 TEST(Document, LetsNothingInThatCannotBeShown) {
@@ -192,17 +204,39 @@ TEST_F(SavingTest, TakesTheKindFromTheName) {
         const char* start;
     } kKinds[] = {{"a.gif", "GIF89a"}, {"a.b.PNG", "\x89PNG"}, {"a.apng", "\x89PNG"}, {"a.mng", "\x8AMNG"}};
     for (const auto& kind : kKinds) {
-        EXPECT_TRUE(SaveAnimation(Path(kind.name), animation, bytes, error)) << error;
+        EXPECT_TRUE(SaveAnimation(Path(kind.name), animation, {}, bytes, error)) << error;
         EXPECT_EQ(Get(kind.name).size(), bytes);
         EXPECT_EQ(Get(kind.name).substr(0, std::string(kind.start).size()), kind.start);
     }
-    EXPECT_FALSE(SaveAnimation(Path("a.jpg"), animation, bytes, error));
+    EXPECT_FALSE(SaveAnimation(Path("a.jpg"), animation, {}, bytes, error));
     EXPECT_NE(error.find(".gif"), std::string::npos);
-    ASSERT_TRUE(SaveFrames(Path(""), animation, error)) << error;
+    Put("frame-0007.png", "of an earlier run");
+    ASSERT_TRUE(SaveFrames(Path(""), animation, {}, error)) << error;
+    EXPECT_EQ(Get("frame-0007.png"), "");
     const DecodedPicture frame = DecodePictureFile(Path("frame-0000.png"), 0, 100);
     ASSERT_TRUE(frame.picture) << frame.error;
     EXPECT_EQ(PixelAt(frame.picture.Get(), 1, 1), 0xFFFFFFU);
-    EXPECT_EQ(Stem("C:\\pics\\a.b.gif") + FileNamePart("x/y"), "a.by");
+    EXPECT_EQ(Stem("pics/a.b.gif") + FileNamePart("x/y"), "a.by");
+}
+
+TEST_F(SavingTest, LeavesWhatWasThereWhenItIsGivenUp) {
+    Animation animation = EmptyAnimation(3, 2, 8);
+    for (int i = 0; i < 3; ++i)
+        AddFrame(animation, {8, 5}, [&](int, int) { return i == 1 ? 3U : 0U; });
+    const auto upToTheLast = [](std::size_t frame, std::size_t frames) { return frame + 1 < frames; };
+    std::string error;
+    std::uint64_t bytes = 0;
+    for (const char* name : {"a.gif", "a.png", "a.mng"}) {
+        Put(name, "old");
+        EXPECT_FALSE(SaveAnimation(Path(name), animation, upToTheLast, bytes, error));
+        EXPECT_EQ(error + Get(name), "cancelledold");
+    }
+    Put("frame-0000.png", "old");
+    EXPECT_FALSE(SaveFrames(Path(""), animation, upToTheLast, error));
+    EXPECT_EQ(Get("frame-0000.png"), "old");
+    EXPECT_EQ(Names(), (std::vector<std::string>{"a.gif", "a.mng", "a.png", "frame-0000.png"}));
+    EXPECT_FALSE(SaveFrames(Path("new"), animation, upToTheLast, error));
+    EXPECT_EQ(Names().size(), 4U) << "the folder is taken back";
 }
 
 TEST(Script, TakesLinesApart) {
@@ -241,15 +275,42 @@ TEST(Script, KnowsControlsAndColours) {
     EXPECT_EQ(ColourNumber("#FF80G0"), std::nullopt);
 }
 
-TEST(IconPainter, CoversByArea) {
-    IconPainter icon(4, 0xFFFFFF);
-    icon.Box(1, 1, 2.5, 3, 0x000000);
-    EXPECT_EQ(icon.Pixels()[5], 0U);
-    EXPECT_EQ(icon.Pixels()[6], 0x808080U);
-    EXPECT_EQ(icon.Pixels()[4], 0xFFFFFFU);
-    icon.Polygon({{0, 0}, {4, 0}, {0, 4}}, 0x0000FF);
-    EXPECT_EQ(icon.Pixels()[0], 0x0000FFU);
-    EXPECT_EQ(icon.Pixels()[15], 0xFFFFFFU);
+TEST(FileAddress, SpellsWhatABrowserWouldTakeForItsOwn) {
+    constexpr std::pair<const char*, const char*> kAddresses[] = {
+        {"C:\\Program Files\\a.html", "file:///C:/Program%20Files/a.html#x"},
+        {"D:\\50%\\#1 & \xD1\x88?\\a.html", "file:///D:/50%25/%231%20%26%20%D1%88%3F/a.html#x"},
+        {"\\\\server\\b.html", "file://server/b.html#x"}};
+    for (const auto& [path, address] : kAddresses)
+        EXPECT_EQ(FileAddress(path, "#x"), address);
+}
+
+class HostSettingsTest : public CommandLineTest {};
+
+TEST_F(HostSettingsTest, ComeBackAsTheyWereKept) {
+    HostSettings kept;
+    kept.window = {-5, 7, 800, 600};
+    kept.checkerboard = false;
+    kept.capabilities = 3;
+    kept.hasCustomColours = true;
+    kept.customColours[15] = 0xABCDEF;
+    kept.openFiles = {"C:\\a=b;c.gif", "D:\\\xE8\x88\xB9 [x].png"};
+    for (int i = 0; i < 12; ++i)
+        kept.RememberRecent("file " + std::to_string(i % 11));
+    kept.Save(Path("new/folder/a.ini"));
+    HostSettings read;
+    read.Load(Path("new/folder/a.ini"));
+    EXPECT_EQ(read.openFiles, kept.openFiles);
+    ASSERT_EQ(read.recentFiles.size(), HostSettings::kMostRecent);
+    EXPECT_EQ(read.recentFiles[0] + read.recentFiles[1], "file 0file 10");
+    EXPECT_EQ(read.window.left + read.window.bottom + static_cast<int>(read.capabilities), 598);
+    EXPECT_TRUE(!read.checkerboard && read.hasCustomColours && read.customColours == kept.customColours);
+    // What an older version, or a person, left.
+    Put("old.ini", "[Host]\nWindow=1,2,3\nCapabilities=8\nMaximised=1");
+    read = {};
+    read.Load(Path("old.ini"));
+    EXPECT_TRUE(read.maximised && read.checkerboard && read.openFiles.empty());
+    EXPECT_EQ(read.capabilities, kHostTakesSupercompression);
+    EXPECT_EQ(read.window.right, 0);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Holds the files that the Windows command line writes against those of the native one: every transition, every kind
-of output, every kind of palette. They must be the same to the byte, and so must all that is said.
+of output, every kind of palette, pictures in the narrow shape that the system draws ellipses in by rules of its own,
+names with all kinds of letters. They must be the same to the byte, and so must all that is said.
 
 Usage: tests/hosts/same_on_windows.py NATIVE_DIR WINDOWS_PROGRAM WORK_FOLDER
 """
@@ -8,6 +9,8 @@ import pathlib
 import shutil
 import subprocess
 import sys
+
+from file_names import NAMES
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 OUTPUTS = ["x.gif", "x.png", "x.mng", "x/"]
@@ -25,12 +28,15 @@ COLOURS = [
 
 def cases():
     """Yields words of the command line. Three pictures hold three transitions."""
-    pictures = ["dawn.png", "lanterns.png", "boats.png"]
-    for number, row in enumerate(range(0, TRANSITIONS, 3)):
-        words = ["build", "-o", OUTPUTS[number % len(OUTPUTS)], *COLOURS[number % len(COLOURS)]]
-        for offset, picture in enumerate(pictures):
-            words += ["--transition", str(row + offset), picture]
-        yield words
+    for folder in ("", "narrow/"):
+        for number, row in enumerate(range(0, TRANSITIONS, 3)):
+            words = ["build", "-o", OUTPUTS[number % len(OUTPUTS)], *COLOURS[number % len(COLOURS)]]
+            for offset, picture in enumerate(["dawn.png", "lanterns.png", "boats.png"]):
+                words += ["--transition", str(row + offset), folder + picture]
+            yield words
+    yield ["build", "-o", "x.png", *(f"{name}.gif" for name in NAMES)]
+    for number, name in enumerate(NAMES):
+        yield ["build", "-o", f"{name}.x" + OUTPUTS[number % len(OUTPUTS)][1:], f"{name}.gif"]
     yield ["build", "-o", "x.gif", "--sheet", "sheet.png", "--transition", "23", "boats.jpg", "clear.gif"]
     yield ["build", "-o", "x.png", "--matte", "10,200,90", "--transition", "Hurricane", "clear.gif"]
     yield ["sheet", "-o", "sheet.png", "boats.jpg", "boats.png"]
@@ -66,7 +72,12 @@ def main():
     native_dir, windows_program, work = (pathlib.Path(word).resolve() for word in sys.argv[1:])
     native = native_dir / "hosts/cli/lumafold"
     inputs = fresh_folder(work / "inputs", ROOT / "tests/hosts/pictures")
-    subprocess.run([native_dir / "tools/samples/lumafold_samples", inputs, "97", "65"], check=True)
+    (inputs / "narrow").mkdir()
+    for folder, size in ((inputs, ("97", "65")), (inputs / "narrow", ("11", "61"))):
+        subprocess.run([native_dir / "tools/samples/lumafold_samples", folder, *size], check=True)
+    for name in NAMES:
+        (inputs / name).parent.mkdir(parents=True, exist_ok=True)
+        shutil.copy(inputs / "clear.gif", inputs / f"{name}.gif")
     wrong = 0
     for words in cases():
         here = run([native], words, fresh_folder(work / "native", inputs))
@@ -74,7 +85,7 @@ def main():
         found = list(differences(here, there))
         if here[0][0] != 0:
             found.append(f"failed: {here[0][2]}")
-        if words[0] != "settings" and len(here[1]) <= len(list(inputs.iterdir())):
+        if words[0] != "settings" and len(here[1]) <= sum(path.is_file() for path in inputs.rglob("*")):
             found.append("wrote nothing")
         print("same  " if not found else "DIFFER", *words)
         for line in found:

@@ -77,9 +77,12 @@ TEST(Art, CursorAndIconCarryTheirMasks) {
         EXPECT_EQ(alpha(x, 0), 0) << "and nothing beside it";
 
     load("lumafold.ico");
-    ASSERT_EQ(std::tuple(at(2, 2), at(4, 2)), std::tuple(1, 3));
-    for (const int number : {0, 1, 2})
-        expectImage(6 + 16 * number, 16 + 16 * number);
+    ASSERT_EQ(std::tuple(at(2, 2), at(4, 2)), std::tuple(1, 7));
+    int entry = 6;
+    for (const int size : {16, 20, 24, 32, 40, 48, 72}) {
+        expectImage(entry, size);
+        entry += 16;
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "hosts/desktop/host_callback.h"
+#include "hosts/desktop/system_paths.h"
 #include "plugin/protocol/chosen_names.h"
 #include "tests/windows/scripted_host.h"
 #include "tests/windows/snapshot.h"

@@ -1,40 +1,20 @@
-// The desktop host's window with a person before it: what has not been saved is asked for before it goes.
+// The desktop host's window: unsaved work is asked for before it goes, long work can be given up, and nothing
+// is asked of the window for ever.
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
 #include <commctrl.h>
 
+#include "hosts/common/wide_text.h"
+#include "hosts/desktop/background_work.h"
 #include "hosts/desktop/main_window.h"
+#include "hosts/desktop/progress_window.h"
+#include "hosts/desktop/script_answers.h"
 #include "tests/support/pictures.h"
 
 namespace lumafold::test {
 namespace {
-
-/// Presses a button of the next message box, from inside its loop.
-class BoxAnswer {
-public:
-    explicit BoxAnswer(WPARAM button) {
-        button_ = button;
-        text_.clear();
-        timer_ = SetTimer(nullptr, 0, 20, Press);
-    }
-    ~BoxAnswer() { KillTimer(nullptr, timer_); }
-    const std::string& Text() const { return text_; }
-
-private:
-    static void CALLBACK Press(HWND, UINT, UINT_PTR, DWORD) {
-        HWND box = FindWindowA("#32770", "Lumafold Host");
-        if (box == nullptr) return;
-        char text[200] = "";
-        GetDlgItemTextA(box, 0xFFFF, text, sizeof(text));
-        text_ = text;
-        SendMessageA(box, WM_COMMAND, button_, 0);
-    }
-    static inline WPARAM button_;
-    static inline std::string text_;
-    UINT_PTR timer_;
-};
 
 Animation Built() {
     Animation animation;
@@ -44,35 +24,92 @@ Animation Built() {
     return animation;
 }
 
-TEST(MainWindowTest, AsksBeforeUnsavedWorkGoes) {
-    InitCommonControls();
-    const PluginLibrary plugin;
-    HostSettings settings;
-    MainWindow window(plugin, settings, nullptr);
-    ASSERT_TRUE(window.Make(SW_SHOWNORMAL));
-    auto& host = static_cast<HostServices&>(window);
-    const HWND handle = FindWindowA(MainWindow::kClassName, nullptr);
+/// A person who answers the question about unsaved work in one way.
+class Decided : public ScriptAnswers {
+public:
+    UnsavedAnswer answer = UnsavedAnswer::Cancel;
+    int asked = 0;
+    std::string saveName;
 
-    host.TakeAnimation(Built(), TaskKind::Test);
-    EXPECT_TRUE(window.Close(0)) << "a test is nobody's work";
-    EXPECT_EQ(window.DocumentCount(), 0U);
-
-    host.TakeAnimation(Built(), TaskKind::Build);
-    {
-        const BoxAnswer answer(IDCANCEL);
-        EXPECT_FALSE(window.Close(0));
-        EXPECT_NE(answer.Text().find("has not been saved"), std::string::npos) << answer.Text();
-        EXPECT_EQ(window.DocumentCount(), 1U);
-        SendMessageA(handle, WM_CLOSE, 0, 0);
-        EXPECT_TRUE(IsWindow(handle)) << "neither does the program end";
+    UnsavedAnswer AskAboutUnsaved(HWND, const std::string&) override {
+        ++asked;
+        return answer;
     }
-    const BoxAnswer answer(IDNO);
-    SendMessageA(handle, WM_CLOSE, 0, 0);
-    EXPECT_FALSE(answer.Text().empty());
+    std::string ChooseSaveName(HWND, const std::string&, bool) override { return saveName; }
+};
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest() {
+        InitCommonControls();
+        EXPECT_TRUE(window_.Make(SW_SHOWNORMAL));
+    }
+    ~MainWindowTest() override {
+        DestroyWindow(window_.Get());
+        MSG quit;
+        while (PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+        } // of the program that would end now
+    }
+    void Take(TaskKind kind) { window_.Plugin().TakeAnimation(Built(), kind); }
+
+    PluginLibrary plugin_;
+    HostSettings settings_;
+    Decided person_;
+    MainWindow window_{plugin_, settings_, person_, ""};
+};
+
+TEST_F(MainWindowTest, AsksBeforeUnsavedWorkGoes) {
+    const HWND handle = window_.Get();
+    Take(TaskKind::Test);
+    EXPECT_TRUE(window_.Files().Close(0) && person_.asked == 0) << "a test is nobody's work";
+    Take(TaskKind::Build);
+    EXPECT_FALSE(window_.Files().Close(0));
+    person_.answer = UnsavedAnswer::Save;
+    SendMessageW(handle, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(IsWindow(handle)) << "no name was chosen";
+    EXPECT_EQ(window_.Documents().Count(), 1U);
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    person_.saveName = Utf8(folder) + "\xE8\x88\xB9.png";
+    EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
+    SendMessageW(handle, WM_CLOSE, 0, 0);
     EXPECT_FALSE(IsWindow(handle));
-    MSG quit;
-    while (PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
-    } // of the program that would end now
+    EXPECT_EQ(person_.asked, 3) << "it has been saved";
+    EXPECT_EQ(settings_.openFiles, std::vector{person_.saveName});
+    EXPECT_EQ(settings_.recentFiles, settings_.openFiles);
+    DeleteFileW(Wide(person_.saveName).c_str());
+}
+
+TEST_F(MainWindowTest, TakesTheWheelOverWhatDoesNotTurn) {
+    for (HWND child = GetWindow(window_.Get(), GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT place{};
+        GetWindowRect(child, &place);
+        SendMessageW(child, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA),
+                     MAKELPARAM(place.left + 3, place.top + 3));
+    }
+}
+
+/// Presses the button of the window that shows how far the work is.
+void CALLBACK PressCancel(HWND, UINT, UINT_PTR timer, DWORD) {
+    const HWND shown = FindWindowW(ProgressWindow::kClassName, nullptr);
+    if (shown == nullptr) return;
+    EXPECT_FALSE(IsWindowEnabled(GetWindow(shown, GW_OWNER)));
+    SendDlgItemMessageW(shown, IDCANCEL, BM_CLICK, 0, 0);
+    KillTimer(nullptr, timer);
+}
+
+TEST_F(MainWindowTest, LetsLongWorkBeGivenUp) {
+    SetTimer(nullptr, 0, 20, PressCancel);
+    std::size_t steps = 0;
+    WorkBehindProgress(window_.Get(), "Trying", [&](const FrameProgress& progress) {
+        while (steps < 1000 && progress(++steps, 1000))
+            Sleep(10);
+    });
+    EXPECT_LT(steps, 1000U);
+    EXPECT_TRUE(IsWindowEnabled(window_.Get()));
+    EXPECT_THROW(WorkBehindProgress(window_.Get(), "", [](const FrameProgress&) { throw std::bad_alloc(); }),
+                 std::bad_alloc);
 }
 
 } // namespace
