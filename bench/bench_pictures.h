@@ -13,8 +13,7 @@ inline constexpr double kPixels = double{kWidth} * kHeight;
 
 /// Smooth gradients with a little grain, as photographs have.
 inline OwnedDib PhotoPicture(std::uint32_t seed, std::int32_t width = kWidth, std::int32_t height = kHeight) {
-    OwnedDib picture(DibCreate(width, height, nullptr, 24));
-    const LockedDib dib(picture.Get());
+    OwnedDib picture = DibCreate(width, height, nullptr, 24);
     Random random(seed);
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x) {
@@ -23,7 +22,7 @@ inline OwnedDib PhotoPicture(std::uint32_t seed, std::int32_t width = kWidth, st
                 return static_cast<unsigned>((ramp + static_cast<std::int32_t>(seed % 97)) % 240) +
                        ((grain >> shift) & 7);
             };
-            DibSetPixel(dib.Get(), x, y,
+            DibSetPixel(*picture, x, y,
                         MakeColour(level((x + y) / 5, 0), level(y / 3 + x / 9, 4),
                                    level((width - x + 2 * y) / 7, 8)));
         }

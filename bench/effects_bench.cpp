@@ -19,7 +19,7 @@ void Effect(benchmark::State& state, int row) {
         context.nextImage = target.Get();
         context.carryWord = 1;
         context.frames = &*list;
-        if (TransitionTable[static_cast<std::size_t>(row)].effect(context) == 0) {
+        if (TransitionTable[static_cast<std::size_t>(row)].effect(context, {}, Runner()) == 0) {
             state.SkipWithError("the effect failed");
             break;
         }

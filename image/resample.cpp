@@ -6,237 +6,37 @@ namespace lumafold {
 namespace {
 
 enum class Axis { Width, Height };
-
-/// A line of a picture, a row or a column, walked in three channels. Any depth, through the accessors.
-class ChannelLine {
-public:
-    struct Value {
-        std::int64_t channels[3];
-        bool none;
-    };
-
-    template <typename Header>
-    ChannelLine(Header& dib, Axis axis, std::int32_t at)
-        : dib_(const_cast<DibHeader&>(dib)), axis_(axis), at_(at) {}
-
-    Value Get(std::int64_t index) const {
-        const auto i = static_cast<std::int32_t>(index);
-        const PixelValue v = axis_ == Axis::Width ? DibGetPixel(dib_, i, at_) : DibGetPixel(dib_, at_, i);
-        return {{RedOf(v), GreenOf(v), BlueOf(v)}, v == kNoPixel};
-    }
-    void Set(std::int64_t index, const Value& value) {
-        if (value.none) return;
-        const PixelValue v =
-            MakeColour(static_cast<unsigned>(value.channels[0]), static_cast<unsigned>(value.channels[1]),
-                       static_cast<unsigned>(value.channels[2]));
-        const auto i = static_cast<std::int32_t>(index);
-        if (axis_ == Axis::Width) {
-            DibSetPixel(dib_, i, at_, v);
-        } else {
-            DibSetPixel(dib_, at_, i, v);
-        }
-    }
-    template <typename Operation>
-    static Value Combine(const Value& a, const Value& b, Operation operation) {
-        Value result{{}, false};
-        for (int c = 0; c < 3; ++c) {
-            result.channels[c] = operation(a.channels[c], b.channels[c]);
-        }
-        return result;
-    }
-
-private:
-    DibHeader& dib_;
-    Axis axis_;
-    std::int32_t at_;
-};
-
-/// The same for pictures of 2 to 8 bits, whose stored values are treated as numbers; no pixel is the number
-/// -1.
-class ValueLine {
-public:
-    using Value = std::int64_t;
-
-    template <typename Header>
-    ValueLine(Header& dib, Axis axis, std::int32_t at)
-        : dib_(const_cast<DibHeader&>(dib)), axis_(axis), at_(at) {}
-
-    Value Get(std::int64_t index) const {
-        const auto i = static_cast<std::int32_t>(index);
-        return static_cast<std::int32_t>(axis_ == Axis::Width ? DibGetPixel(dib_, i, at_)
-                                                              : DibGetPixel(dib_, at_, i));
-    }
-    void Set(std::int64_t index, Value value) {
-        const auto i = static_cast<std::int32_t>(index);
-        const auto v = static_cast<PixelValue>(value);
-        if (axis_ == Axis::Width) {
-            DibSetPixel(dib_, i, at_, v);
-        } else {
-            DibSetPixel(dib_, at_, i, v);
-        }
-    }
-    template <typename Operation>
-    static Value Combine(Value a, Value b, Operation operation) {
-        return operation(a, b);
-    }
-
-private:
-    DibHeader& dib_;
-    Axis axis_;
-    std::int32_t at_;
-};
-
-/// The same for 24-bit pictures, straight from the rows: what ChannelLine does, with the address at hand.
-class TrueColourLine {
-public:
-    struct Value {
-        std::int64_t channels[3];
-        bool none;
-    };
-
-    template <typename Header>
-    TrueColourLine(Header& dib, Axis axis, std::int32_t at) {
-        const BasicRowView<const std::uint8_t, const DibHeader> rows(dib);
-        length_ = axis == Axis::Width ? rows.Width() : rows.Height();
-        step_ = axis == Axis::Width ? 3 : -rows.Stride();
-        first_ = const_cast<std::uint8_t*>(axis == Axis::Width ? rows.Row(at)
-                                                               : rows.Row(0) + std::ptrdiff_t{3} * at);
-    }
-
-    Value Get(std::int64_t index) const {
-        if (index >= length_) return {{255, 255, 255}, true};
-        const std::uint8_t* p = first_ + step_ * static_cast<std::ptrdiff_t>(index);
-        return {{p[0], p[1], p[2]}, false};
-    }
-    void Set(std::int64_t index, const Value& value) {
-        if (value.none) return;
-        std::uint8_t* p = first_ + step_ * static_cast<std::ptrdiff_t>(index);
-        for (int c = 0; c < 3; ++c) {
-            p[c] = static_cast<std::uint8_t>(value.channels[c]);
-        }
-    }
-    template <typename Operation>
-    static Value Combine(const Value& a, const Value& b, Operation operation) {
-        return {{operation(a.channels[0], b.channels[0]), operation(a.channels[1], b.channels[1]),
-                 operation(a.channels[2], b.channels[2])},
-                false};
-    }
-
-private:
-    std::int64_t length_;
-    std::ptrdiff_t step_;
-    std::uint8_t* first_;
-};
-
-/// Linear interpolation of one line. The height pass looks one pixel beyond the source and so ramps towards
-/// white there; the width pass does not (docs/quirks.md 1).
-template <typename Line>
-void StretchLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength,
-                 std::int64_t percent, Axis axis) {
-    if (length < 1 || newLength < 1) return;
-    const std::int64_t inflated = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
-    to.Set(0, from.Get(0));
-    std::int64_t previous = 0;
-    const std::int64_t last = axis == Axis::Width ? length - 1 : length;
-    for (std::int64_t i = 1; i <= last; ++i) {
-        const auto a = from.Get(i - 1);
-        const auto b = from.Get(i);
-        const std::int64_t position = i * inflated / 100;
-        const std::int64_t n = position - previous;
-        for (std::int64_t k = 0; k < n && previous + k < newLength; ++k) {
-            to.Set(previous + k, Line::Combine(a, b, [=](std::int64_t x, std::int64_t y) {
-                       return (n - k - 1) * x / n + (k + 1) * y / n;
-                   }));
-        }
-        if (position < newLength) to.Set(position, b);
-        previous = position;
-    }
-    to.Set(newLength - 1, from.Get(length - 1));
-}
-
-/// Box average of one line.
-template <typename Line>
-void ShrinkLine(const Line& from, std::int64_t length, Line& to, std::int64_t newLength, std::int64_t percent,
-                Axis) {
-    std::int64_t previous = 0;
-    for (std::int64_t x = 0; x < newLength; ++x) {
-        const std::int64_t end = (x + 1) * 100 / percent;
-        typename Line::Value sum{};
-        std::int64_t taken = 0;
-        for (; taken < end - previous && previous + taken < length; ++taken) {
-            sum = Line::Combine(sum, from.Get(previous + taken),
-                                [](std::int64_t s, std::int64_t v) { return s + v; });
-        }
-        const std::int64_t count = taken == 0 ? 1 : taken;
-        to.Set(x, Line::Combine(sum, sum, [count](std::int64_t s, std::int64_t) { return s / count; }));
-        previous = end;
-    }
-}
-
 enum class Pass { Stretch, Shrink };
 
-template <typename Line>
-void RunPass(Pass pass, Axis axis, const DibHeader& source, DibHeader& target, std::int64_t percent) {
-    const bool wide = axis == Axis::Width;
-    const std::int32_t lines = wide ? source.biHeight : source.biWidth;
-    const std::int64_t length = wide ? source.biWidth : source.biHeight;
-    const std::int64_t newLength = wide ? target.biWidth : target.biHeight;
-    if (newLength < 1) return;
-    for (std::int32_t at = 0; at < lines; ++at) {
-        const Line from(source, axis, at);
-        Line to(target, axis, at);
-        if (pass == Pass::Stretch) {
-            StretchLine(from, length, to, newLength, percent, axis);
-        } else {
-            ShrinkLine(from, length, to, newLength, percent, axis);
-        }
-    }
-}
-
-/// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the
-/// time.
-void HalveWidth(const DibHeader& source, DibHeader& target) {
-    const ConstRowView from(source);
-    const RowView to(target);
-    for (std::int32_t y = 0; y < to.Height(); ++y) {
-        const std::uint8_t* s = from.Row(y);
-        std::uint8_t* d = to.Row(y);
-        for (std::int32_t x = 0; x < to.Width(); ++x, s += 6, d += 3) {
-            d[0] = static_cast<std::uint8_t>((s[0] + s[3]) / 2);
-            d[1] = static_cast<std::uint8_t>((s[1] + s[4]) / 2);
-            d[2] = static_cast<std::uint8_t>((s[2] + s[5]) / 2);
-        }
-    }
-}
-
-void HalveHeight(const DibHeader& source, DibHeader& target) {
-    const ConstRowView from(source);
-    const RowView to(target);
-    const std::int32_t bytes = to.Width() * 3;
-    for (std::int32_t y = 0; y < to.Height(); ++y) {
-        const std::uint8_t* upper = from.Row(2 * y);
-        const std::uint8_t* lower = from.Row(2 * y + 1);
-        std::uint8_t* d = to.Row(y);
-        for (std::int32_t i = 0; i < bytes; ++i) {
-            d[i] = static_cast<std::uint8_t>((upper[i] + lower[i]) / 2);
-        }
-    }
-}
-
-/// sum / count, truncated, by one multiplication; exact while sum x count stays below 2^32.
-class Divider {
-public:
-    explicit Divider(std::uint32_t count) : factor_((std::uint64_t{1} << 32) / count + 1) {}
-    std::uint8_t operator()(std::uint32_t sum) const {
-        return static_cast<std::uint8_t>((sum * factor_) >> 32);
-    }
-
-private:
-    std::uint64_t factor_;
+/// Position `to` of a stretched line is weightA * (source a) / of + weightB * (source b) / of, both
+/// truncated. Where a is b, it is a copy.
+struct Mix {
+    std::int64_t to, a, b, weightA, weightB, of;
 };
 
-/// The source positions that each new position of a shrunken axis averages: up to here, from where the one
-/// before it ended. At least one is taken, since the percentage is below 100.
+/// Linear interpolation of a line. Calls `write(mix)` in order: where a position comes twice, the later one
+/// counts. The height pass looks one pixel beyond the source, where all is white (docs/quirks.md 1).
+template <typename Write>
+void ForEachMix(Axis axis, std::int64_t length, std::int64_t newLength, std::int64_t percent, Write write) {
+    if (length < 1 || newLength < 1) return;
+    const std::int64_t inflated = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
+    const auto copy = [&](std::int64_t to, std::int64_t from) {
+        if (to < newLength && from < length) write(Mix{to, from, from, 0, 1, 1});
+    };
+    copy(0, 0);
+    const std::int64_t last = axis == Axis::Width ? length - 1 : length;
+    for (std::int64_t i = 1, previous = 0; i <= last; ++i) {
+        const std::int64_t position = i * inflated / 100, n = position - previous;
+        for (std::int64_t k = 0; k < n && previous + k < newLength; ++k)
+            write(Mix{previous + k, i - 1, i, n - k - 1, k + 1, n});
+        copy(position, i);
+        previous = position;
+    }
+    copy(newLength - 1, length - 1);
+}
+
+/// The source positions that each position of a shrunken line averages: up to here, from where the one before
+/// it ended. At least one is taken, since the percentage is below 100.
 struct Box {
     std::int64_t begin, end;
 };
@@ -244,8 +44,141 @@ Box BoxOf(std::int64_t position, std::int64_t length, std::int64_t percent) {
     return {std::min(position * 100 / percent, length), std::min((position + 1) * 100 / percent, length)};
 }
 
-/// The box average of whole 24-bit rows, for boxes small enough for the divider.
-constexpr std::int64_t kSmallestQuickPercent = 2;
+/// A line of a picture of any depth, a row or a column, through the accessors. Of 2 to 8 bits the stored
+/// values themselves are calculated with, no pixel being -1; otherwise three channels.
+template <typename Header>
+class Line {
+public:
+    using Parts = std::array<std::int64_t, 3>;
+
+    Line(Header& dib, Axis axis, std::int32_t at)
+        : dib_(dib), axis_(axis), at_(at), whole_(dib.biBitCount >= 2 && dib.biBitCount <= 8) {}
+
+    PixelValue Value(std::int64_t i) const {
+        return axis_ == Axis::Width ? DibGetPixel(dib_, i, at_) : DibGetPixel(dib_, at_, i);
+    }
+    Parts Get(std::int64_t i) const {
+        const PixelValue v = Value(i);
+        if (whole_) return {static_cast<std::int32_t>(v)};
+        return {RedOf(v), GreenOf(v), BlueOf(v)};
+    }
+    void Set(std::int64_t i, const Parts& parts) {
+        const auto part = [&](std::size_t c) { return static_cast<PixelValue>(parts[c]); };
+        const PixelValue v = whole_ ? part(0) : MakeColour(part(0), part(1), part(2));
+        axis_ == Axis::Width ? DibSetPixel(dib_, i, at_, v) : DibSetPixel(dib_, at_, i, v);
+    }
+
+private:
+    Header& dib_;
+    Axis axis_;
+    std::int32_t at_;
+    bool whole_;
+};
+
+void StretchLine(const Line<const DibHeader>& from, std::int64_t length, Line<DibHeader>& to,
+                 std::int64_t newLength, std::int64_t percent, Axis axis) {
+    ForEachMix(axis, length, newLength, percent, [&](const Mix& mix) {
+        if (mix.a == mix.b && from.Value(mix.a) == kNoPixel) return;
+        auto a = from.Get(mix.a);
+        const auto b = from.Get(mix.b);
+        for (std::size_t c = 0; c < 3; ++c)
+            a[c] = mix.weightA * a[c] / mix.of + mix.weightB * b[c] / mix.of;
+        to.Set(mix.to, a);
+    });
+}
+
+void ShrinkLine(const Line<const DibHeader>& from, std::int64_t length, Line<DibHeader>& to,
+                std::int64_t newLength, std::int64_t percent) {
+    for (std::int64_t x = 0; x < newLength; ++x) {
+        const Box box = BoxOf(x, length, percent);
+        std::array<std::int64_t, 3> sums{};
+        for (std::int64_t i = box.begin; i < box.end; ++i) {
+            for (std::size_t c = 0; c < 3; ++c)
+                sums[c] += from.Get(i)[c];
+        }
+        for (std::int64_t& sum : sums)
+            sum /= box.end - box.begin;
+        to.Set(x, sums);
+    }
+}
+
+/// A share of 1 / count in 2^24ths, a little above: (x * share) >> 24 is x / count, truncated, for x up to
+/// 255 x count and counts up to 256, and stays within 32 bits.
+constexpr int kShareBits = 24;
+constexpr std::uint32_t ShareOf(std::int64_t count) {
+    return static_cast<std::uint32_t>((1 << kShareBits) / count + 1);
+}
+/// Up to here no mix and no box of a 24-bit picture has more parts than that.
+constexpr std::int32_t kMostQuickPercent = 20000;
+
+/// The mix of one position, in shares.
+struct QuickMix {
+    std::int32_t a, b;
+    std::uint32_t shareA, shareB;
+
+    std::uint8_t operator()(std::uint8_t levelA, std::uint8_t levelB) const {
+        return static_cast<std::uint8_t>((levelA * shareA >> kShareBits) + (levelB * shareB >> kShareBits));
+    }
+};
+
+/// False when memory is short.
+bool StretchQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent, Axis axis) {
+    const bool wide = axis == Axis::Width;
+    const ConstRowView from(source);
+    const RowView to(target);
+    Array<QuickMix> mixes(static_cast<std::size_t>(wide ? to.Width() : to.Height()));
+    Array<std::uint8_t> white(to.RowBytes());
+    if (!mixes || !white) return false;
+    std::memset(white.data(), 0xFF, white.size());
+    ForEachMix(axis, wide ? from.Width() : from.Height(), static_cast<std::int64_t>(mixes.size()), percent,
+               [&](const Mix& mix) {
+                   const std::uint32_t share = ShareOf(mix.of);
+                   mixes[static_cast<std::size_t>(mix.to)] = {
+                       static_cast<std::int32_t>(mix.a), static_cast<std::int32_t>(mix.b),
+                       static_cast<std::uint32_t>(mix.weightA) * share,
+                       static_cast<std::uint32_t>(mix.weightB) * share};
+               });
+    for (std::int32_t y = 0; y < to.Height(); ++y) {
+        std::uint8_t* out = to.Row(y);
+        if (wide) {
+            const std::uint8_t* row = from.Row(y);
+            for (const QuickMix& mix : mixes) {
+                for (int c = 0; c < 3; ++c)
+                    *out++ = mix(row[3 * mix.a + c], row[3 * mix.b + c]);
+            }
+        } else {
+            const QuickMix mix = mixes[static_cast<std::size_t>(y)];
+            const std::uint8_t* a = from.Row(mix.a);
+            const std::uint8_t* b = mix.b < from.Height() ? from.Row(mix.b) : white.data();
+            for (std::size_t i = 0; i < to.RowBytes(); ++i)
+                out[i] = mix(a[i], b[i]);
+        }
+    }
+    return true;
+}
+
+/// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the
+/// time.
+void Halve(const DibHeader& source, DibHeader& target, Axis axis) {
+    const ConstRowView from(source);
+    const RowView to(target);
+    const auto mean = [](std::uint8_t a, std::uint8_t b) { return static_cast<std::uint8_t>((a + b) / 2); };
+    for (std::int32_t y = 0; y < to.Height(); ++y) {
+        std::uint8_t* __restrict out = to.Row(y);
+        if (axis == Axis::Width) {
+            const std::uint8_t* s = from.Row(y);
+            for (std::int32_t x = 0; x < to.Width(); ++x, s += 6, out += 3) {
+                out[0] = mean(s[0], s[3]);
+                out[1] = mean(s[1], s[4]);
+                out[2] = mean(s[2], s[5]);
+            }
+        } else {
+            const std::uint8_t *upper = from.Row(2 * y), *lower = from.Row(2 * y + 1);
+            for (std::size_t i = 0; i < to.RowBytes(); ++i)
+                out[i] = mean(upper[i], lower[i]);
+        }
+    }
+}
 
 void ShrinkWidthQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent) {
     const ConstRowView from(source);
@@ -257,39 +190,49 @@ void ShrinkWidthQuickly(const DibHeader& source, DibHeader& target, std::int64_t
             const Box box = BoxOf(x, from.Width(), percent);
             std::uint32_t sums[3] = {};
             for (std::int64_t i = box.begin; i < box.end; ++i, s += 3) {
-                sums[0] += s[0];
-                sums[1] += s[1];
-                sums[2] += s[2];
+                for (int c = 0; c < 3; ++c)
+                    sums[c] += s[c];
             }
-            const Divider divide(static_cast<std::uint32_t>(box.end - box.begin));
-            d[0] = divide(sums[0]);
-            d[1] = divide(sums[1]);
-            d[2] = divide(sums[2]);
+            const std::uint32_t share = ShareOf(box.end - box.begin);
+            for (int c = 0; c < 3; ++c)
+                d[c] = static_cast<std::uint8_t>(sums[c] * share >> kShareBits);
         }
     }
 }
 
 void ShrinkHeightQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent) {
-    constexpr std::int32_t kBlock = 256; // bytes of a row that are summed together, in the nearest cache
+    constexpr std::size_t kBlock = 256; // bytes of a row that are summed together, in the nearest cache
     const ConstRowView from(source);
     const RowView to(target);
-    const std::int32_t bytes = to.Width() * 3;
     for (std::int32_t y = 0; y < to.Height(); ++y) {
         const Box box = BoxOf(y, from.Height(), percent);
-        const Divider divide(static_cast<std::uint32_t>(box.end - box.begin));
-        for (std::int32_t first = 0; first < bytes; first += kBlock) {
-            const std::int32_t count = std::min(kBlock, bytes - first);
+        const std::uint32_t share = ShareOf(box.end - box.begin);
+        for (std::size_t first = 0; first < to.RowBytes(); first += kBlock) {
+            const std::size_t count = std::min(kBlock, to.RowBytes() - first);
             std::uint32_t sums[kBlock] = {};
             for (std::int64_t row = box.begin; row < box.end; ++row) {
-                const std::uint8_t* s = from.Row(static_cast<std::int32_t>(row)) + first;
-                for (std::int32_t i = 0; i < count; ++i) {
+                const std::uint8_t* s = from.Row(row) + first;
+                for (std::size_t i = 0; i < count; ++i)
                     sums[i] += s[i];
-                }
             }
             std::uint8_t* d = to.Row(y) + first;
-            for (std::int32_t i = 0; i < count; ++i) {
-                d[i] = divide(sums[i]);
-            }
+            for (std::size_t i = 0; i < count; ++i)
+                d[i] = static_cast<std::uint8_t>(sums[i] * share >> kShareBits);
+        }
+    }
+}
+
+void ResampleLines(const DibHeader& source, DibHeader& target, std::int32_t percent, Pass pass, Axis axis) {
+    const bool wide = axis == Axis::Width;
+    const std::int64_t length = wide ? source.biWidth : source.biHeight;
+    const std::int64_t newLength = wide ? target.biWidth : target.biHeight;
+    for (std::int32_t at = 0; at < (wide ? source.biHeight : source.biWidth); ++at) {
+        const Line<const DibHeader> from(source, axis, at);
+        Line<DibHeader> to(target, axis, at);
+        if (pass == Pass::Stretch) {
+            StretchLine(from, length, to, newLength, percent, axis);
+        } else {
+            ShrinkLine(from, length, to, newLength, percent);
         }
     }
 }
@@ -297,19 +240,16 @@ void ShrinkHeightQuickly(const DibHeader& source, DibHeader& target, std::int64_
 OwnedDib Resample(const DibHeader& source, std::int32_t percent, Pass pass, Axis axis) {
     const bool wide = axis == Axis::Width;
     const std::int64_t size = std::int64_t{wide ? source.biWidth : source.biHeight} * percent / 100;
-    const int bits = source.biBitCount;
     OwnedDib target = DibCreateLike(source, wide ? size : source.biWidth, wide ? source.biHeight : size);
     if (!target) return target;
-    if (bits == 24 && pass == Pass::Shrink && percent == 50) {
-        wide ? HalveWidth(source, *target) : HalveHeight(source, *target);
-    } else if (bits == 24 && pass == Pass::Shrink && percent >= kSmallestQuickPercent) {
-        wide ? ShrinkWidthQuickly(source, *target, percent) : ShrinkHeightQuickly(source, *target, percent);
-    } else if (bits == 24) {
-        RunPass<TrueColourLine>(pass, axis, source, *target, percent);
-    } else if (bits >= 2 && bits <= 8) {
-        RunPass<ValueLine>(pass, axis, source, *target, percent);
+    if (source.biBitCount != 24 || percent > kMostQuickPercent) {
+        ResampleLines(source, *target, percent, pass, axis);
+    } else if (pass == Pass::Stretch) {
+        if (!StretchQuickly(source, *target, percent, axis)) return {};
+    } else if (percent == 50) {
+        Halve(source, *target, axis);
     } else {
-        RunPass<ChannelLine>(pass, axis, source, *target, percent);
+        wide ? ShrinkWidthQuickly(source, *target, percent) : ShrinkHeightQuickly(source, *target, percent);
     }
     return target;
 }

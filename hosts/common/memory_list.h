@@ -15,7 +15,7 @@ struct GapValues {
     std::int32_t delay;
 };
 
-class MemoryList final : public ImageList {
+class MemoryList : public ImageList {
 public:
     /// `defaults` is what the dialog's controls would say.
     explicit MemoryList(const GapValues& defaults) : defaults_(defaults) {}

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/colour/definition.h"
+#include <vector>
+
+#include "colour/palettes.h"
 #include "transitions/random.h"
 
 namespace lumafold {
@@ -40,26 +42,38 @@ std::vector<Search> PalettesToSearch() {
     return all;
 }
 
-TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
+int PlainNearest(Rgb c, const Palette& palette, int count) {
+    int best = 0, bestDistance = 1000000;
+    for (int i = 0; i < count; ++i) {
+        const Rgb entry = palette[static_cast<std::size_t>(i)];
+        const int r = c.red - entry.red, g = c.green - entry.green, b = c.blue - entry.blue;
+        const int distance = 3 * r * r + 4 * g * g + 2 * b * b;
+        if (distance < bestDistance) bestDistance = distance, best = i;
+    }
+    return best;
+}
+
+int PlainExact(Rgb c, const Palette& palette, int count) {
+    const auto end = palette.begin() + count, found = std::find(palette.begin(), end, c);
+    return found == end ? -1 : static_cast<int>(found - palette.begin());
+}
+
+TEST(Searches, AgreeWithTheirDefinitionOnEveryCellAndBeyond) {
     Random random(77);
-    for (const Search& each : PalettesToSearch()) {
-        const Palette& palette = each.palette;
-        const int count = each.count;
+    for (const auto& [palette, count] : PalettesToSearch()) {
         const int real = std::clamp(count, 0, 256);
-        const test::Definition definition(palette, 8, real);
         NearestSearch search;
         ASSERT_TRUE(search.Build(palette, count));
         const Array<std::uint8_t> cache = BuildLookupCache(search);
         const ExactColours exact(palette, count);
         int wrong = 0;
-        const auto check = [&](PixelValue v) {
-            const PixelValue colour = v & 0xFFFFFF;
-            const Rgb c = test::ToRgb(colour);
-            const int nearest = definition.Nearest(c, real);
+        const auto check = [&](PixelValue colour) {
+            const Rgb c = RgbOf(colour);
+            const int nearest = PlainNearest(c, palette, real), equal = PlainExact(c, palette, real);
             wrong += search.Find(colour) != nearest;
             wrong += FindNearestColour(c.red, c.green, c.blue, palette, count) != nearest;
-            wrong += exact.Find(colour) != definition.Exact(c);
-            wrong += FindExactColour(c.red, c.green, c.blue, palette, count) != definition.Exact(c);
+            wrong += exact.Find(colour) != equal;
+            wrong += FindExactColour(c.red, c.green, c.blue, palette, count) != equal;
             return nearest;
         };
         for (unsigned cell = 0; cell < 32768; ++cell) {
@@ -67,9 +81,9 @@ TEST(FastSearches, AgreeWithThePlainOnesOnEveryCellAndBeyond) {
                 cache[cell] != check(MakeColour((cell & 31) * 8, (cell >> 5 & 31) * 8, (cell >> 10) * 8));
         }
         for (int i = 0; i < 20000; ++i)
-            check(random.Draw() >> 4);
+            check(random.Draw() >> 4 & 0xFFFFFF);
         for (const Rgb entry : palette)
-            check(MakeColour(entry.red, entry.green, entry.blue));
+            check(ColourOf(entry));
         EXPECT_EQ(wrong, 0) << "with " << count << " entries";
     }
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/colour/definition.h"
 #include "tests/support/checksum.h"
 
 namespace lumafold {
@@ -43,7 +42,7 @@ TEST(Palettes, DepthAndLuminanceFollowTheColours) {
     for (unsigned r = 0; r < 256; r += 5) {
         for (unsigned g = 0; g < 256; g += 3) {
             for (unsigned b = 0; b < 256; b += 5) {
-                const std::uint8_t level = Luminance(test::ToRgb(MakeColour(r, g, b)));
+                const std::uint8_t level = Luminance(RgbOf(MakeColour(r, g, b)));
                 sum.Add(&level, 1);
             }
         }

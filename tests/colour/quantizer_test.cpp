@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/colour/definition.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
+#include "tests/support/thread_runner.h"
 
 namespace lumafold {
 namespace {
@@ -105,24 +105,32 @@ using Pictures = std::vector<OwnedDib>;
 Colours Define(const Pictures& pictures, int most) {
     Colours pixels;
     for (const OwnedDib& picture : pictures) {
-        const LockedDib dib(picture.Get());
-        for (std::int32_t y = 0; y < dib->biHeight; ++y) {
-            for (std::int32_t x = 0; x < dib->biWidth; ++x)
-                pixels.push_back(test::ToRgb(DibGetPixel(*dib, x, y)));
+        for (std::int32_t y = 0; y < picture->biHeight; ++y) {
+            for (std::int32_t x = 0; x < picture->biWidth; ++x)
+                pixels.push_back(RgbOf(DibGetPixel(*picture, x, y)));
         }
     }
     return Definition(pixels, most).palette;
 }
 
+/// A 24-bit picture of the colours, row by row.
+OwnedDib PictureOf(const Colours& colours, std::int32_t height = 1) {
+    const auto width = static_cast<std::int32_t>(colours.size()) / height;
+    OwnedDib picture = DibCreate(width, height, nullptr, 24);
+    for (std::int32_t i = 0; i < width * height; ++i)
+        DibSetPixel(*picture, i % width, i / width, ColourOf(colours[static_cast<std::size_t>(i)]));
+    return picture;
+}
+
 /// The palette's own entries; the ones behind them must be zero.
-Colours Compute(const Pictures& pictures, int most) {
+Colours Compute(const Pictures& pictures, int most, const Runner& runner) {
     OwnedFrameList frames;
     for (const OwnedDib& picture : pictures)
-        EXPECT_TRUE(FrameListAddImage(*frames, GlobalDuplicate(picture.Get()), 1));
+        EXPECT_TRUE(FrameListAddImage(*frames, DibCopy(*picture), 1));
     Palette palette;
     palette.fill({1, 2, 3});
     int count = most;
-    EXPECT_EQ(ComputeOptimalPalette(*frames, count, palette), PaletteResult::Made);
+    EXPECT_EQ(ComputeOptimalPalette(*frames, count, palette, runner), PaletteResult::Made);
     const auto end = palette.begin() + count;
     EXPECT_TRUE(std::all_of(end, palette.end(), [](Rgb entry) { return entry == Rgb{}; }));
     return {palette.begin(), end};
@@ -132,11 +140,11 @@ Colours Compute(const Pictures& pictures, int most) {
 Colours Distinct(int count) {
     Colours colours;
     for (unsigned i = 0; i < static_cast<unsigned>(count); ++i)
-        colours.push_back(test::ToRgb(MakeColour(i * 7919 & 255, i * 7919 >> 3 & 255, i & 255)));
+        colours.push_back(RgbOf(MakeColour(i * 7919 & 255, i * 7919 >> 3 & 255, i & 255)));
     return colours;
 }
 
-Rgb Gray(unsigned level) { return test::ToRgb(MakeColour(level, level, level)); }
+Rgb Gray(unsigned level) { return RgbOf(MakeColour(level, level, level)); }
 
 template <typename... Dibs>
 Pictures Gather(Dibs... dibs) {
@@ -152,11 +160,11 @@ TEST(Quantizer, IsWhatItsDefinitionSays) {
     for (const int count : {1, 2, 3, 17, 254, 255, 256, 257, 300}) {
         const Colours listed = Distinct(count);
         Colours pixels = listed;
-        sets.push_back(Gather(test::PictureOf(listed)));
+        sets.push_back(Gather(PictureOf(listed)));
         pixels.insert(pixels.end(), listed.rbegin(), listed.rend());
-        sets.push_back(Gather(test::PictureOf(pixels, 2), test::PictureOf(listed)));
+        sets.push_back(Gather(PictureOf(pixels, 2), PictureOf(listed)));
         pixels.resize(listed.size() + 1);
-        sets.push_back(Gather(test::PictureOf(pixels)));
+        sets.push_back(Gather(PictureOf(pixels)));
     }
     std::uint32_t seed = 0;
     for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {61, 47}}) {
@@ -169,7 +177,9 @@ TEST(Quantizer, IsWhatItsDefinitionSays) {
     for (std::size_t i = 0; i < sets.size(); ++i) {
         for (const int most : {1, 2, 3, 16, 100, 255, 256, 257, 0, -1}) {
             SCOPED_TRACE(testing::Message() << "set " << i << ", " << most << " wanted");
-            EXPECT_EQ(Compute(sets[i], most), Define(sets[i], most < 1 || most > 256 ? 256 : most));
+            const Colours defined = Define(sets[i], most < 1 || most > 256 ? 256 : most);
+            EXPECT_EQ(Compute(sets[i], most, Runner()), defined);
+            EXPECT_EQ(Compute(sets[i], most, test::ThreadRunner(3)), defined);
         }
     }
 }
@@ -178,12 +188,13 @@ TEST(Quantizer, RefusesWhatItCannotReadBehindFewColoursAndMany) {
     for (const std::int32_t width : {1, 900}) {
         for (const int depth : {0, 8, 32}) {
             OwnedFrameList frames;
-            const DibHandle odd = depth != 0 ? DibCreate(3, 3, nullptr, depth) : 0;
-            ASSERT_TRUE(FrameListAddImage(*frames, test::NoisePicture(width, 1, 24, 1).Release(), 1) &&
-                        FrameListAddImage(*frames, odd, 1));
+            FrameRecord odd{};
+            if (depth != 0) odd.image = DibCreate(3, 3, nullptr, depth).Release();
+            ASSERT_TRUE(FrameListAddImage(*frames, test::NoisePicture(width, 1, 24, 1), 1) &&
+                        FrameListAppend(*frames, odd));
             Palette palette;
             int count = 255;
-            EXPECT_EQ(ComputeOptimalPalette(*frames, count, palette), PaletteResult::Failed);
+            EXPECT_EQ(ComputeOptimalPalette(*frames, count, palette, Runner()), PaletteResult::Failed);
             EXPECT_EQ(count, 255);
             EXPECT_EQ(palette, Palette{});
         }
@@ -192,12 +203,12 @@ TEST(Quantizer, RefusesWhatItCannotReadBehindFewColoursAndMany) {
 
 TEST(Quantizer, GoesOnInBlackWithoutATreeAndFailsWithoutNodes) {
     OwnedFrameList frames;
-    ASSERT_TRUE(FrameListAddImage(*frames, test::BusyPicture(61, 47, 2).Release(), 1));
+    ASSERT_TRUE(FrameListAddImage(*frames, test::BusyPicture(61, 47, 2), 1));
     Palette palette;
     int count = 0;
     const auto compute = [&] {
         count = 255;
-        return ComputeOptimalPalette(*frames, count, palette);
+        return ComputeOptimalPalette(*frames, count, palette, Runner());
     };
     auto expected = PaletteResult::NoTree; // of the first allocation
     const auto check = [&](PaletteResult result, bool missed) {

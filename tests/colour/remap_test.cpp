@@ -4,7 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/colour/definition.h"
+#include "colour/palettes.h"
+#include "tests/support/checksum.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
 #include "transitions/random.h"
@@ -12,8 +13,6 @@
 namespace lumafold {
 namespace {
 
-using test::BusyPicture;
-using test::Definition;
 using test::NoisePicture;
 
 Palette FixedPalette(int number) {
@@ -34,86 +33,71 @@ Palette MutedPalette() {
     return palette;
 }
 
-void ExpectSameBlock(DibHandle result, DibHandle expected) {
-    const LockedDib a(result), b(expected);
-    ASSERT_TRUE(a && b);
-    const std::size_t bytes = DibRowsOffset(*b) + b->biSizeImage;
-    ASSERT_EQ(DibRowsOffset(*a) + a->biSizeImage, bytes);
-    EXPECT_EQ(std::memcmp(a.Get(), b.Get(), bytes), 0);
-}
-
-TEST(Reduction, IsWhatTheAccessorsDefine) {
-    const test::SettingsGuard guard;
+/// Sums of all results for each palette: remapped, dithered with every colour searched for, dithered fast.
+TEST(Reduction, GivesTheSameEverywhere) {
     const struct {
         Palette palette;
         int count;
-    } palettes[] = {
-        {FixedPalette(6), 256}, {FixedPalette(1), 256}, {MutedPalette(), 200}, {MutedPalette(), 5}};
-    const std::pair<int, int> sizes[] = {{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {2, 6}, {0, 4}};
+        std::uint64_t sums[3];
+    } palettes[] = {{FixedPalette(6), 256, {0x6CE02D080DF8F32B, 0x80655294D3005FC2, 0xB74A9666F318B939}},
+                    {FixedPalette(1), 256, {0xC54126BF4CE1866E, 0x306C685CAA6C79ED, 0x527D9BCFA230B4B0}},
+                    {MutedPalette(), 200, {0xD0218246ACA027EE, 0x3F0643A2B939430A, 0x24301C46F07E7C02}},
+                    {MutedPalette(), 5, {0xC1C0B047933AFEF4, 0xAA775AC8538FB0B9, 0xE4AA86504B724CF7}}};
     constexpr std::uint32_t kContrasts[] = {0, 1, 50, 127, 128, 129, 300, 0x80000000, 0xFFFFFFFF};
     constexpr std::uint32_t kBrightnesses[] = {0, 20, 50, 0xFFFFFFFF};
     std::uint32_t seed = 0;
-    for (const auto& [palette, count] : palettes) {
+    for (const auto& [palette, count, expected] : palettes) {
+        Checksum sums[3];
         for (const int bits : {1, 2, 3, 4, 5, 7, 8}) {
-            const Definition definition(palette, bits, count);
-            Remapper remapper(palette, bits, count);
-            for (const auto& [width, height] : sizes) {
+            for (const auto& [width, height] :
+                 {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}, {2, 6}, {0, 4}}) {
                 for (const int depth : {1, 4, 8, 24}) {
                     const OwnedDib picture = NoisePicture(width, height, depth, ++seed);
-                    pluginSettings.DitherContrast = kContrasts[seed % std::size(kContrasts)];
-                    pluginSettings.DitherBrightness = kBrightnesses[seed / 9 % std::size(kBrightnesses)];
-                    for (const std::uint32_t fast : {0U, 1U}) {
-                        SCOPED_TRACE(testing::Message()
-                                     << count << " entries, " << depth << " to " << bits << " bits, " << width
-                                     << 'x' << height << ", fast " << fast << ", picture " << seed);
-                        pluginSettings.FastRemap = fast;
-                        const OwnedDib remapped(remapper.Remap(picture.Get()));
-                        ExpectSameBlock(remapped.Get(), definition.Remap(picture.Get()).Get());
-                        if (width == 0) continue;
-                        const OwnedDib dithered(remapper.Dither(picture.Get()));
-                        ExpectSameBlock(dithered.Get(), definition.Dither(picture.Get()).Get());
+                    for (int kind = 0; kind < 3; ++kind) {
+                        const RemapOptions options{kind == 0 ? Dithering::None : Dithering::Diffused,
+                                                   kind == 2,
+                                                   kBrightnesses[seed / 9 % std::size(kBrightnesses)],
+                                                   kContrasts[seed % std::size(kContrasts)]};
+                        const OwnedDib reduced = Remapper(palette, bits, count, options).Reduce(*picture);
+                        ASSERT_TRUE(reduced);
+                        sums[kind].Add(&*reduced, DibRowsOffset(*reduced));
+                        sums[kind].Add(*reduced);
                     }
                 }
             }
         }
+        for (int kind = 0; kind < 3; ++kind)
+            EXPECT_EQ(sums[kind].Value(), expected[kind])
+                << count << " entries, kind " << kind << std::hex << ": 0x" << sums[kind].Value();
     }
 }
 
 TEST(Reduction, SurvivesOddCountsAndRefusesOtherDepths) {
-    const OwnedDib picture = BusyPicture(7, 5, 1), deep(DibCreate(7, 5, nullptr, 32));
-    for (const auto& [reduce, define] :
-         {std::pair{&RemapImage, &Definition::Remap}, {&DitherImage, &Definition::Dither}}) {
-        for (const int count : {-1, 0, 300}) {
-            const Definition definition(FixedPalette(6), 8, std::clamp(count, 0, 256));
-            ExpectSameBlock(OwnedDib(reduce(picture.Get(), FixedPalette(6), 8, count)).Get(),
-                            (definition.*define)(picture.Get()).Get());
-        }
-        EXPECT_EQ(reduce(deep.Get(), FixedPalette(6), 8, 256), 0U);
-        EXPECT_EQ(reduce(0, FixedPalette(6), 8, 256), 0U);
+    const OwnedDib picture = NoisePicture(7, 5, 24, 1), deep = DibCreate(7, 5, nullptr, 32);
+    for (const Dithering dithering : {Dithering::None, Dithering::Diffused}) {
+        const RemapOptions options{dithering, true, 20, 20};
+        const auto reduce = [&](int bits, int count) {
+            return Remapper(FixedPalette(6), bits, count, options).Reduce(*picture);
+        };
+        for (const auto& [count, same] : {std::pair{-1, 0}, {300, 256}})
+            EXPECT_EQ(DibChecksum(reduce(8, count).Get()), DibChecksum(reduce(8, same).Get())) << count;
+        EXPECT_FALSE(Remapper(FixedPalette(6), 8, 256, options).Reduce(*deep));
         for (const int bits : {0, 9, 24})
-            EXPECT_EQ(reduce(picture.Get(), FixedPalette(6), bits, 256), 0U);
+            EXPECT_FALSE(reduce(bits, 256)) << bits;
     }
 }
 
 TEST(Reduction, FailsCleanlyWhereverMemoryEnds) {
-    const test::SettingsGuard guard;
     for (int kind = 0; kind < 24; ++kind) {
         const int bits = std::array{1, 4, 8}[static_cast<std::size_t>(kind % 3)];
-        const auto reduce = kind / 3 % 2 != 0 ? &Remapper::Remap : &Remapper::Dither;
+        const RemapOptions options{kind / 3 % 2 != 0 ? Dithering::None : Dithering::Diffused, kind / 12 != 0,
+                                   20, 20};
         const OwnedDib picture = NoisePicture(7, 5, kind / 6 % 2 != 0 ? 8 : 24, 3);
-        pluginSettings.FastRemap = kind / 12 != 0 ? 1 : 0;
-        const OwnedDib fresh((Remapper(FixedPalette(6), bits, 256).*reduce)(picture.Get()));
-        std::optional<Remapper> remapper;
         const auto run = [&] {
-            remapper.emplace(FixedPalette(6), bits, 256);
-            return OwnedDib((*remapper.*reduce)(picture.Get()));
+            const Remapper remapper(FixedPalette(6), bits, 256, options);
+            return remapper ? remapper.Reduce(*picture) : OwnedDib();
         };
-        const auto check = [&](const OwnedDib& result, bool missed) {
-            EXPECT_EQ(!result, missed);
-            // What failed once works again, and with the same result.
-            ExpectSameBlock(OwnedDib((*remapper.*reduce)(picture.Get())).Get(), fresh.Get());
-            remapper.reset();
-        };
+        const auto check = [](const OwnedDib& result, bool missed) { EXPECT_EQ(!result, missed); };
         EXPECT_GE(test::FailEachAllocation(run, check), 2) << kind;
     }
 }

@@ -24,14 +24,16 @@ struct Size {
 constexpr Size kSizes[] = {{33, 17}, {1, 1}, {7, 5}, {33, 1}, {41, 29}, {1, 19}, {8, 8}};
 
 /// Settings by the bits of a number: true colour, palettes, dithering, supercompression, and how they remap.
-void SetColours(unsigned bits) {
-    pluginSettings.TransitionTruecolour = bits % 5 == 0 ? 1 : 0;
-    pluginSettings.Supercompress = bits & 1;
-    pluginSettings.TransitionDither = bits >> 1 & 1;
-    pluginSettings.FastRemap = bits >> 2 & 1;
-    pluginSettings.TransitionCustompalette = bits % 3 == 0 ? 1 : 0;
-    pluginSettings.TransitionPalette = bits % 9;
-    pluginSettings.TransitionSpiralShear = bits & 1;
+PluginSettings ColourSettings(unsigned bits) {
+    PluginSettings settings;
+    settings.TransitionTruecolour = bits % 5 == 0 ? 1 : 0;
+    settings.Supercompress = bits & 1;
+    settings.TransitionDither = bits >> 1 & 1;
+    settings.FastRemap = bits >> 2 & 1;
+    settings.TransitionCustompalette = bits % 3 == 0 ? 1 : 0;
+    settings.TransitionPalette = bits % 9;
+    settings.TransitionSpiralShear = bits & 1;
+    return settings;
 }
 
 /// The file of what the host got, as the command line and the desktop host would write it.
@@ -49,7 +51,7 @@ std::size_t WrittenBytes(RecordingHost& host) {
 
 void BuildOnce(int number) {
     const auto bits = static_cast<unsigned>(number);
-    SetColours(bits);
+    const PluginSettings settings = ColourSettings(bits);
     RecordingHost host;
     TestList list;
     for (unsigned i = 0; i <= bits % 3; ++i) {
@@ -57,15 +59,14 @@ void BuildOnce(int number) {
         list.Add(BusyPicture(size.width, size.height, bits + i), number % kRows, 20, 3);
     }
     const TaskKind kind = number % 7 == 0 ? TaskKind::Test : TaskKind::Build;
-    ASSERT_EQ(BuildAnimation(list, 0, host.context, kind), 1) << number;
+    ASSERT_EQ(host.Build(list, settings, kind), 1) << number;
     ASSERT_FALSE(host.frames.empty()) << number;
-    if (pluginSettings.TransitionTruecolour == 0) {
+    if (settings.TransitionTruecolour == 0) {
         ASSERT_GT(WrittenBytes(host), 0U) << number;
     }
 }
 
 TEST(LongRun, OfBuildsTakesNoMoreAndLeavesNothing) {
-    const SettingsGuard settings;
     std::array<SystemCounts, kTurns> after;
     for (SystemCounts& counts : after) {
         const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();

@@ -32,12 +32,14 @@ std::uint32_t Setting(FuzzReader& reader, const SettingDescriptor& setting) {
     }
 }
 
-void PutSettings(FuzzReader& reader) {
+PluginSettings ReadSettings(FuzzReader& reader) {
+    PluginSettings made;
     const auto settings = SettingDescriptors();
     for (std::uint32_t changes = reader.Byte() % 16; changes > 0; --changes) {
         const SettingDescriptor& setting = settings[reader.Byte() % settings.size()];
-        pluginSettings.*setting.value = Setting(reader, setting);
+        made.*setting.value = Setting(reader, setting);
     }
+    return made;
 }
 
 void AddPictures(FuzzReader& reader, TestList& list) {
@@ -56,27 +58,25 @@ void AddPictures(FuzzReader& reader, TestList& list) {
 
 LUMAFOLD_FUZZ_TARGET(build) {
     FuzzReader reader(input);
-    const SettingsGuard guard;
     RecordingHost host;
-    TestList list;
     const std::uint32_t shape = reader.Byte();
     host.refuseTask = shape % 16 == 1;
     host.refuseFrame = shape % 16 == 2 ? static_cast<std::int32_t>(reader.Byte()) : -1;
     host.keepFrames = shape % 16 == 3;
-    list.refuseTemporary = shape % 16 == 4;
     const TaskKind kind = shape / 16 % 2 == 0 ? TaskKind::Build : TaskKind::Test;
     const std::int64_t failing = shape / 32 % 2 == 0 ? 0 : reader.Byte() + 256 * (reader.Byte() % 4);
-    list.defaultTransition = static_cast<std::int32_t>(reader.Byte() % 34);
+    TestList list(static_cast<std::int32_t>(reader.Byte() % 34));
+    list.refuseTemporary = shape % 16 == 4;
     AddPictures(reader, list);
-    PutSettings(reader);
+    const PluginSettings settings = ReadSettings(reader);
 
     const std::int32_t count = list.Count();
     const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
     allocation_hooks::FailNth(failing);
-    const int built = BuildAnimation(list, 0, host.context, kind, kBudget);
+    const int built = host.Build(list, settings, kind, Runner(), kBudget);
     allocation_hooks::FailNth(0);
-    Require(host.messages.size() == (built == 1 ? 0U : 1U), "a failure is told once");
-    Require(host.waitCursors == 0, "the cursor is put back");
+    Require(host.failures.size() == (built == 1 ? 0U : 1U), "a failure is told once");
+    Require(host.waiting == 0, "the build has ended");
     Require(list.Count() == count, "the list is as long as it was");
     const bool finished = !host.commands.empty() && host.commands.back().command == 4;
     Require(built == 0 || (finished && host.commands.back().wparam == 1), "what was built is finished");

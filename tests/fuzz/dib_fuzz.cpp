@@ -18,15 +18,13 @@ LUMAFOLD_FUZZ_TARGET(dib) {
         }
         const OwnedDib picture = DibImport(foreign);
         if (picture) {
-            const LockedDib dib(picture.Get());
-            Require(dib->biSize == sizeof(DibHeader) && dib->biWidth > 0 && dib->biHeight > 0,
+            Require(picture->biSize == sizeof(DibHeader) && picture->biWidth > 0 && picture->biHeight > 0,
                     "a sound header");
-            const ConstRowView rows(*dib);
-            Require(DibRowsOffset(*dib) + rows.StoredBytes() <= GlobalBytes(picture.Get()), "a whole block");
-            const OwnedDib colours(DibToTrueColour(picture.Get()));
+            Require(DibRowsOffset(*picture) + picture.Rows().StoredBytes() <= GlobalBytes(picture.Get()),
+                    "a whole block");
+            const OwnedDib colours = DibToTrueColour(*picture);
             Require(static_cast<bool>(colours), "true colour");
-            const LockedDib seen(colours.Get());
-            Require(DibGetPixel(*seen, dib->biWidth - 1, dib->biHeight - 1) != kNoPixel,
+            Require(DibGetPixel(*colours, picture->biWidth - 1, picture->biHeight - 1) != kNoPixel,
                     "the last pixel");
         }
     }

@@ -9,15 +9,11 @@
 namespace lumafold::test {
 namespace {
 
-struct Size {
-    std::int32_t width, height;
-};
-constexpr Size kSizes[] = {{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}};
 constexpr int kDepths[] = {1, 4, 8, 24, 32};
 
-std::vector<std::uint8_t> BytesOf(DibHandle dib) {
-    const GlobalLocked<const std::uint8_t> block(dib);
-    return {block.Get(), block.Get() + GlobalBytes(dib)};
+std::vector<std::uint8_t> BytesOf(const OwnedDib& dib) {
+    const GlobalLocked<const std::uint8_t> block(dib.Get());
+    return {block.Get(), block.Get() + GlobalBytes(dib.Get())};
 }
 
 TEST(Dib, HasThePackedLayout) {
@@ -27,61 +23,68 @@ TEST(Dib, HasThePackedLayout) {
                             {24, 24, 0, 24}, {25, 32, 1, 28}};
     for (const auto& [asked, bits, colours, stride] : cases) {
         SCOPED_TRACE(asked);
-        const OwnedDib dib(DibCreate(7, 3, nullptr, asked));
-        const LockedDib header(dib.Get());
-        ASSERT_TRUE(header);
-        EXPECT_EQ(header->biSize, 40U);
-        EXPECT_EQ(header->biPlanes, 1);
-        EXPECT_EQ(header->biBitCount, bits);
-        EXPECT_EQ(header->biClrUsed, static_cast<std::uint32_t>(colours));
-        EXPECT_EQ(header->biClrImportant, static_cast<std::uint32_t>(colours));
-        EXPECT_EQ(header->biSizeImage, static_cast<std::uint32_t>(stride * 3));
+        OwnedDib dib = DibCreate(7, 3, nullptr, asked);
+        ASSERT_TRUE(dib);
+        EXPECT_EQ(std::tuple(+dib->biSize, +dib->biPlanes, +dib->biBitCount), std::tuple(40U, 1, bits));
+        EXPECT_EQ(std::tuple(+dib->biClrUsed, +dib->biClrImportant), std::tuple(colours, colours));
+        EXPECT_EQ(dib->biSizeImage, static_cast<std::uint32_t>(stride * 3));
         EXPECT_GE(GlobalBytes(dib.Get()), static_cast<std::size_t>(40 + colours * 4 + stride * 3));
         // Top-down pictures, bottom-up rows: the first pixel is the first of the last stored row.
-        DibSetPixel(*header, 0, 0, 1);
-        const auto* bytes = reinterpret_cast<const std::uint8_t*>(header.Get());
-        const std::size_t table = bits <= 8 ? static_cast<std::size_t>(colours) * 4 : 0;
-        const std::size_t channel = bits >= 24 ? 2 : 0; // red is the third byte
-        EXPECT_NE(bytes[40 + table + 2 * static_cast<std::size_t>(stride) + channel], 0);
+        DibSetPixel(*dib, 0, 0, 1);
+        const int table = bits <= 8 ? colours * 4 : 0, channel = bits >= 24 ? 2 : 0; // red is the third byte
+        EXPECT_NE(BytesOf(dib)[static_cast<std::size_t>(40 + table + 2 * stride + channel)], 0);
     }
-    for (const Size size :
-         {Size{-1, 5}, Size{5, -1}, Size{1 << 20, 1 << 20}, Size{INT32_MAX, 1}, Size{1, INT32_MAX}}) {
-        EXPECT_EQ(DibCreate(size.width, size.height, nullptr, 24), 0U);
+    for (const auto& [width, height] :
+         {std::pair{-1, 5}, {5, -1}, {1 << 20, 1 << 20}, {INT32_MAX, 1}, {1, INT32_MAX}}) {
+        EXPECT_FALSE(DibCreate(width, height, nullptr, 24));
     }
+}
+
+TEST(Dib, OwnersHoldTheirPictureLockedUntilTheyGiveItAway) {
+    const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
+    {
+        OwnedDib first = NoisePicture(3, 3, 24, 1), second;
+        EXPECT_EQ(allocation_hooks::LiveLocks(), locks + 1);
+        second = std::move(first);
+        OwnedDib third(std::move(second));
+        const DibHandle given = third.Release();
+        EXPECT_FALSE(third);
+        EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
+        EXPECT_TRUE(OwnedDib(given));
+    }
+    EXPECT_FALSE(OwnedDib(DibHandle{0}));
+    EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
+    EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
 }
 
 TEST(Dib, AccessorsPackEveryDepth) {
     for (const int bits : kDepths) {
         SCOPED_TRACE(bits);
-        const OwnedDib dib = NoisePicture(7, 3, bits, 5);
-        const LockedDib d(dib.Get());
+        OwnedDib dib = NoisePicture(7, 3, bits, 5);
         const PixelValue mask = bits < 32 ? (PixelValue{1} << bits) - 1 : 0xFFFFFFFF;
         // One pixel changes and its neighbours in the same bytes do not.
         for (std::int32_t x = 0; x < 7; ++x) {
-            const PixelValue left = DibGetPixel(*d, x - 1, 1), right = DibGetPixel(*d, x + 1, 1);
-            DibSetPixel(*d, x, 1, 0x1F2F3F5F);
-            EXPECT_EQ(DibGetPixel(*d, x, 1), bits == 1 ? 1U : 0x1F2F3F5F & mask);
-            DibSetPixel(*d, x, 1, 0);
-            EXPECT_EQ(DibGetPixel(*d, x, 1), 0U);
-            EXPECT_EQ(DibGetPixel(*d, x - 1, 1), left);
-            EXPECT_EQ(DibGetPixel(*d, x + 1, 1), right);
-            DibSetPixel(*d, x, 1, right == kNoPixel ? left : right);
+            const PixelValue left = DibGetPixel(*dib, x - 1, 1), right = DibGetPixel(*dib, x + 1, 1);
+            for (const PixelValue value : {0x1F2F3F5FU, 0U}) {
+                DibSetPixel(*dib, x, 1, value);
+                EXPECT_EQ(DibGetPixel(*dib, x, 1), bits == 1 ? PixelValue{value != 0} : value & mask);
+            }
+            EXPECT_EQ(DibGetPixel(*dib, x - 1, 1), left);
+            EXPECT_EQ(DibGetPixel(*dib, x + 1, 1), right);
+            DibSetPixel(*dib, x, 1, right == kNoPixel ? left : right);
         }
-        const std::vector<std::uint8_t> before = BytesOf(dib.Get());
+        const std::vector<std::uint8_t> before = BytesOf(dib);
         for (const auto& [x, y] : {std::pair{-1, 0}, {7, 0}, {0, -1}, {0, 3}, {INT32_MIN, INT32_MAX}}) {
-            EXPECT_EQ(DibGetPixel(*d, x, y), kNoPixel);
-            DibSetPixel(*d, x, y, 1);
+            EXPECT_EQ(DibGetPixel(*dib, x, y), kNoPixel);
+            DibSetPixel(*dib, x, y, 1);
         }
-        DibSetPixel(*d, 2, 2, kNoPixel);
-        EXPECT_EQ(BytesOf(dib.Get()), before);
+        DibSetPixel(*dib, 2, 2, kNoPixel);
+        EXPECT_EQ(BytesOf(dib), before);
     }
-    const OwnedDib dib(DibCreate(2, 1, nullptr, 24));
-    const LockedDib d(dib.Get());
-    DibSetPixel(*d, 1, 0, 0x00102030);
-    const std::uint8_t* pixel = RowView(*d).Row(0) + 3;
-    EXPECT_EQ(pixel[0], 0x10);
-    EXPECT_EQ(pixel[1], 0x20);
-    EXPECT_EQ(pixel[2], 0x30);
+    OwnedDib dib = DibCreate(2, 1, nullptr, 24);
+    DibSetPixel(*dib, 1, 0, 0x00102030);
+    EXPECT_EQ(LoadColour(dib.Rows().Row(0) + 3), 0x00102030U);
+    EXPECT_EQ(dib.Rows().Row(0)[3], 0x10) << "blue comes first";
 }
 
 TEST(Dib, PaletteAndQuery) {
@@ -90,11 +93,10 @@ TEST(Dib, PaletteAndQuery) {
     palette[255] = {1, 2, 3};
     for (const auto& [bits, colours] : {std::pair{1, 2}, {4, 16}, {8, 256}, {24, 0}}) {
         SCOPED_TRACE(bits);
-        const OwnedDib dib(DibCreate(3, 2, &palette, bits));
-        const LockedDib d(dib.Get());
+        const OwnedDib dib = DibCreate(3, 2, &palette, bits);
         Palette read;
         read.fill({9, 9, 9});
-        EXPECT_EQ(DibGetPalette(*d, read), colours);
+        EXPECT_EQ(DibGetPalette(*dib, read), colours);
         EXPECT_EQ(read[1], (colours > 0 ? Rgb{10, 20, 30} : Rgb{}));
         EXPECT_EQ(read[255], (colours == 256 ? Rgb{1, 2, 3} : Rgb{}));
         std::int32_t width = 0, height = 0;
@@ -119,46 +121,39 @@ TEST(Dib, CopyRectIsTheAccessors) {
                                                   {INT32_MAX, 0, 0, 0, INT32_MAX, 1},
                                                   {0, 0, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}}) {
             SCOPED_TRACE(testing::Message() << bits << " bits to " << dx << "," << dy);
-            const OwnedDib source = NoisePicture(61, 47, bits, 1);
-            const OwnedDib fast = NoisePicture(33, 29, bits, 2), plain = NoisePicture(33, 29, bits, 2);
-            const LockedDib s(source.Get()), f(fast.Get()), p(plain.Get());
+            OwnedDib source = NoisePicture(61, 47, bits, 1);
+            OwnedDib fast = NoisePicture(33, 29, bits, 2), plain = NoisePicture(33, 29, bits, 2);
             // At 32 bits white with a full top byte reads as no pixel, and is not copied.
-            std::memset(RowView(*s).Row(5), 0xFF, 5);
-            DibCopyRect(*f, dx, dy, *s, sx, sy, w, h);
+            std::memset(source.Rows().Row(5), 0xFF, 5);
+            DibCopyRect(*fast, dx, dy, *source, sx, sy, w, h);
             for (std::int32_t y = 0; y < 29; ++y) {
                 for (std::int32_t x = 0; x < 33; ++x) {
                     const std::int64_t c = std::int64_t{x} - dx, r = std::int64_t{y} - dy;
                     if (c < 0 || c >= w || r < 0 || r >= h) continue;
-                    const std::int64_t fromX = sx + c, fromY = sy + r;
-                    if (fromX < 0 || fromX > 60 || fromY < 0 || fromY > 46) continue;
-                    DibSetPixel(*p, x, y,
-                                DibGetPixel(*s, static_cast<int>(fromX), static_cast<int>(fromY)));
+                    DibSetPixel(*plain, x, y, DibGetPixel(*source, sx + c, sy + r));
                 }
             }
-            EXPECT_EQ(BytesOf(fast.Get()), BytesOf(plain.Get()));
+            EXPECT_EQ(BytesOf(fast), BytesOf(plain));
         }
     }
     // Within one picture the order of the pixels shows: the first column runs along the row.
-    const OwnedDib dib = NoisePicture(7, 1, 24, 3);
-    const LockedDib d(dib.Get());
-    const PixelValue first = DibGetPixel(*d, 0, 0);
-    DibCopyRect(*d, 1, 0, *d, 0, 0, 6, 1);
-    EXPECT_EQ(DibGetPixel(*d, 6, 0), first);
+    OwnedDib dib = NoisePicture(7, 1, 24, 3);
+    const PixelValue first = DibGetPixel(*dib, 0, 0);
+    DibCopyRect(*dib, 1, 0, *dib, 0, 0, 6, 1);
+    EXPECT_EQ(DibGetPixel(*dib, 6, 0), first);
 }
 
 TEST(Dib, FillLeavesPaddingAlone) {
-    for (const Size size : kSizes) {
-        const OwnedDib filled = PlainPicture(size.width, size.height, 0x123456);
-        const OwnedDib plain(DibCreate(size.width, size.height, nullptr, 24));
-        const LockedDib p(plain.Get());
-        for (std::int32_t y = 0; y < size.height; ++y) {
-            for (std::int32_t x = 0; x < size.width; ++x) {
-                DibSetPixel(*p, x, y, 0x123456);
-            }
+    for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}}) {
+        const OwnedDib filled = PlainPicture(width, height, 0x123456);
+        OwnedDib plain = DibCreate(width, height, nullptr, 24);
+        for (std::int32_t y = 0; y < height; ++y) {
+            for (std::int32_t x = 0; x < width; ++x)
+                DibSetPixel(*plain, x, y, 0x123456);
         }
-        EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
-        DibFill(*p, kNoPixel);
-        EXPECT_EQ(BytesOf(filled.Get()), BytesOf(plain.Get()));
+        EXPECT_EQ(BytesOf(filled), BytesOf(plain));
+        DibFill(*plain, kNoPixel);
+        EXPECT_EQ(BytesOf(filled), BytesOf(plain));
     }
 }
 
@@ -170,7 +165,7 @@ TEST(FrameList, GrowsByOneAndOwnsItsPictures) {
     EXPECT_FALSE(FrameListGet(list, 0, record));
     FrameListRelease(list);
     for (int i = 0; i < 5; ++i) {
-        ASSERT_TRUE(FrameListAddImage(list, NoisePicture(3, 3, 24, 1).Release(), i));
+        ASSERT_TRUE(FrameListAddImage(list, NoisePicture(3, 3, 24, 1), i));
         EXPECT_EQ(GlobalBytes(list.handle) / 40, static_cast<std::size_t>(i) + 1);
     }
     for (const std::int32_t index : {-1, 5, 6}) {
@@ -182,24 +177,23 @@ TEST(FrameList, GrowsByOneAndOwnsItsPictures) {
     EXPECT_EQ(record.delay, 3);
     EXPECT_EQ(record.transparentIndex, -1);
     EXPECT_EQ(record.mask, 0U);
-    record.mask = DibCreate(3, 3, nullptr, 1);
+    record.mask = DibCreate(3, 3, nullptr, 1).Release();
     EXPECT_TRUE(FrameListPut(list, 3, record));
 
-    // An append that cannot grow leaves the list and the picture as they were.
-    OwnedDib spare = NoisePicture(3, 3, 24, 1);
+    // An append that cannot grow leaves the list as it was, and frees the picture.
     FrameList empty{};
     for (FrameList* one : {&list, &empty}) {
         const FrameList before = *one;
+        OwnedDib spare = NoisePicture(3, 3, 24, 1);
         allocation_hooks::FailNth(1);
-        EXPECT_FALSE(FrameListAddImage(*one, spare.Get(), 1));
+        EXPECT_FALSE(FrameListAddImage(*one, std::move(spare), 1));
         allocation_hooks::FailNth(0);
-        EXPECT_EQ(one->count, before.count);
-        EXPECT_EQ(one->handle, before.handle);
+        EXPECT_EQ(std::tuple(+one->count, +one->handle), std::tuple(+before.count, +before.handle));
+        EXPECT_FALSE(FrameListAddImage(*one, OwnedDib(), 1));
     }
     FrameListRelease(list);
     EXPECT_EQ(list.handle, 0U);
     EXPECT_EQ(list.count, 0);
-    spare = OwnedDib();
     EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
 }
 

@@ -34,8 +34,7 @@ std::uint32_t Scaled(unsigned channel, std::uint32_t mask) {
 }
 
 /// `picture` as a block of that packing. Deep pixels have their spare bits set, which mean nothing.
-Bytes Pack(const Packing& packing, DibHandle picture) {
-    const LockedDib dib(picture);
+Bytes Pack(const Packing& packing, const OwnedDib& dib) {
     const std::int32_t width = dib->biWidth, height = dib->biHeight;
     Bytes bytes;
     Put(bytes, packing.header, 4);
@@ -57,7 +56,7 @@ Bytes Pack(const Packing& packing, DibHandle picture) {
     DibGetPalette(*dib, palette);
     for (std::uint32_t i = 0; i < packing.tableEntries; ++i) {
         const Rgb entry = palette[i % 256];
-        Put(bytes, static_cast<std::uint32_t>(entry.blue | entry.green << 8 | entry.red << 16), core ? 3 : 4);
+        Put(bytes, MakeColour(entry.blue, entry.green, entry.red), core ? 3 : 4);
     }
     std::vector<std::uint32_t> masks = packing.masks;
     if (masks.empty() && packing.bits == 16) masks = {0x7C00, 0x03E0, 0x001F};
@@ -134,23 +133,23 @@ TEST(Import, GivesThePictureThatThePackingShows) {
             SCOPED_TRACE(testing::Message() << packing.name << " " << width << "x" << height);
             const int bits = packing.bits <= 8 ? packing.bits : 24;
             const OwnedDib original = NoisePicture(width, height, bits, 3);
-            const DibHandle foreign = Block(Pack(packing, original.Get()));
+            const DibHandle foreign = Block(Pack(packing, original));
             const OwnedDib made = DibImport(foreign);
             ASSERT_TRUE(made);
             EXPECT_EQ(made.Get() == foreign, std::string_view(packing.name).starts_with("sound"));
-            const LockedDib o(original.Get()), m(made.Get());
-            EXPECT_EQ(std::tuple(m->biSize, m->biWidth, m->biHeight, m->biBitCount, m->biCompression),
+            EXPECT_EQ(std::tuple(+made->biSize, +made->biWidth, +made->biHeight, +made->biBitCount,
+                                 +made->biCompression),
                       std::tuple(40U, width, height, bits, 0U));
             Palette expected, palette;
-            const int colours = DibGetPalette(*o, expected);
-            EXPECT_EQ(DibGetPalette(*m, palette), colours);
+            const int colours = DibGetPalette(*original, expected);
+            EXPECT_EQ(DibGetPalette(*made, palette), colours);
             for (int i = 0; i < colours; ++i) {
                 const auto at = static_cast<std::size_t>(i);
                 EXPECT_EQ(palette[at], at < packing.tableEntries ? expected[at] : Rgb{});
             }
             for (std::int32_t y = 0; y < height; ++y) {
                 for (std::int32_t x = 0; x < width; ++x) {
-                    ExpectColour(DibGetPixel(*o, x, y), DibGetPixel(*m, x, y), packing);
+                    ExpectColour(DibGetPixel(*original, x, y), DibGetPixel(*made, x, y), packing);
                 }
             }
         }
@@ -160,20 +159,20 @@ TEST(Import, GivesThePictureThatThePackingShows) {
 
 TEST(Import, RoundsChannelsToNearest) {
     const OwnedDib white = PlainPicture(1, 1, 0xFFFFFF);
-    Bytes bytes = Pack({"555", 40, 16}, white.Get());
+    Bytes bytes = Pack({"555", 40, 16}, white);
     bytes[40] = 0x01; // blue 1 of 31, green 16 of 31, red 30 of 31
     bytes[41] = 0x7A;
-    EXPECT_EQ(PixelAt(DibImport(Block(bytes)).Get(), 0, 0), MakeColour(247, 132, 8));
+    EXPECT_EQ(DibGetPixel(*DibImport(Block(bytes)), 0, 0), MakeColour(247, 132, 8));
     // A 32-bit picture of our own making tells of a table entry that is not there.
-    OwnedDib own(DibCreate(1, 1, nullptr, 32));
-    DibSetPixel(LockedDib(own.Get()).Get(), 0, 0, 0x80123456);
-    EXPECT_EQ(PixelAt(DibImport(own.Release()).Get(), 0, 0), 0x123456U);
+    OwnedDib own = DibCreate(1, 1, nullptr, 32);
+    DibSetPixel(*own, 0, 0, 0x80123456);
+    EXPECT_EQ(DibGetPixel(*DibImport(own.Release()), 0, 0), 0x123456U);
 }
 
 TEST(Import, RefusesWhatIsNoPicture) {
     const OwnedDib original = NoisePicture(61, 47, 8, 3);
     const std::int64_t blocks = allocation_hooks::LiveBlocks();
-    const Bytes good = Pack(kPackings[2], original.Get());
+    const Bytes good = Pack(kPackings[2], original);
     struct Damage {
         const char* what;
         std::size_t at;
@@ -213,13 +212,13 @@ TEST(Import, RefusesWhatIsNoPicture) {
     }
     EXPECT_FALSE(DibImport(0));
     // Sound in itself, but no build could make 24 bits of it.
-    Bytes wide = Pack(kPackings[0], PlainPicture(1, 1, 0).Get());
+    Bytes wide = Pack(kPackings[0], PlainPicture(1, 1, 0));
     wide[4] = wide[5] = wide[6] = 0xFF;
     wide[7] = 0x3F;
     wide.resize(wide.size() + (std::size_t{1} << 27));
     EXPECT_FALSE(DibImport(Block(wide)));
 
-    const Bytes foreign = Pack({"top-down", 40, 24, true}, PlainPicture(7, 5, 0x123456).Get());
+    const Bytes foreign = Pack({"top-down", 40, 24, true}, PlainPicture(7, 5, 0x123456));
     const DibHandle handle = Block(foreign);
     allocation_hooks::FailNth(1);
     EXPECT_FALSE(DibImport(handle));

@@ -7,11 +7,10 @@ namespace lumafold::test {
 void AddFrame(Animation& to, FrameKind kind, const std::function<unsigned(int x, int y)>& pixelAt) {
     const std::int32_t width = kind.width == 0 ? to.width : kind.width;
     const std::int32_t height = kind.height == 0 ? to.height : kind.height;
-    OwnedDib dib(DibCreate(width, height, &to.palette, kind.bits));
-    const LockedDib lock(dib.Get());
+    OwnedDib dib = DibCreate(width, height, &to.palette, kind.bits);
     for (std::int32_t y = 0; y < height; ++y) {
         for (std::int32_t x = 0; x < width; ++x)
-            DibSetPixel(*lock, x, y, pixelAt(x, y));
+            DibSetPixel(*dib, x, y, pixelAt(x, y));
     }
     to.frames.push_back({std::move(dib), kind.delay, kind.transparent});
 }
@@ -22,11 +21,8 @@ Animation EmptyAnimation(std::int32_t width, std::int32_t height, int bits) {
     made.width = width;
     made.height = height;
     made.paletteBits = bits;
-    for (Rgb& colour : made.palette) {
-        const auto value = random();
-        colour = {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8),
-                  static_cast<std::uint8_t>(value >> 16)};
-    }
+    for (Rgb& colour : made.palette)
+        colour = RgbOf(static_cast<PixelValue>(random()));
     return made;
 }
 
@@ -104,16 +100,15 @@ std::vector<std::vector<PixelValue>> WantedScreens(const Animation& animation) {
     std::vector<std::vector<PixelValue>> wanted;
     std::vector<PixelValue> screen(static_cast<std::size_t>(animation.width * animation.height), kNoPixel);
     for (const AnimationFrame& frame : animation.frames) {
-        const LockedDib lock(frame.image.Get());
-        for (std::int32_t y = 0; y < lock->biHeight; ++y) {
-            for (std::int32_t x = 0; x < lock->biWidth; ++x) {
-                const PixelValue pixel = DibGetPixel(*lock, x, y);
+        const DibHeader& dib = *frame.image;
+        for (std::int32_t y = 0; y < dib.biHeight; ++y) {
+            for (std::int32_t x = 0; x < dib.biWidth; ++x) {
+                const PixelValue pixel = DibGetPixel(dib, x, y);
                 if (static_cast<std::int32_t>(pixel) == frame.transparentIndex) continue;
                 PixelValue& shown = screen[static_cast<std::size_t>(y * animation.width + x)];
                 shown = pixel;
-                if (lock->biBitCount > 8) continue;
-                const Rgb colour = animation.palette[pixel];
-                shown = MakeColour(colour.red, colour.green, colour.blue);
+                if (dib.biBitCount > 8) continue;
+                shown = ColourOf(animation.palette[pixel]);
             }
         }
         wanted.push_back(screen);

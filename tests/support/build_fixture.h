@@ -1,11 +1,14 @@
-// A host and a list for tests of whole builds: the host records every command, copies every frame, and fails
-// where it is told to; the list keeps its entries in blocks as a list box does.
+// A host for tests of whole builds: it records every command and every failure, copies every frame, and
+// refuses what it is told to.
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "build/build_driver.h"
+#include "hosts/common/command_host.h"
+#include "hosts/common/memory_list.h"
+#include "tests/support/checksum.h"
 
 namespace lumafold::test {
 
@@ -20,54 +23,53 @@ struct RecordedFrame {
     std::int32_t delay, index, transparentIndex;
 };
 
-/// One at a time; the callback finds it by itself.
-class RecordingHost {
+class RecordingHost : public CommandHost, public BuildObserver {
 public:
-    RecordingHost();
-    RecordingHost(const RecordingHost&) = delete;
-    RecordingHost& operator=(const RecordingHost&) = delete;
-    virtual ~RecordingHost();
+    RecordingHost() : CommandHost(kHostTakesSupercompression | kHostTakesTrueColour) {}
 
-    HostContext context{};
+    /// The list's build for this host.
+    int Build(ImageList& list, const PluginSettings& settings, TaskKind kind = TaskKind::Build,
+              const Runner& runner = Runner(), std::uint64_t budget = UINT64_MAX) {
+        return BuildAnimation({list, 0, Context(), kind, settings, *this, runner, budget});
+    }
+    /// All that it was given: commands, the task with its palette, and the frames with their tables.
+    std::uint64_t Sum() const;
+    void Forget();
+
     std::vector<RecordedCommand> commands;
     TaskRecord task{};
     std::vector<RecordedFrame> frames;
-    std::vector<std::string> messages;
-    int waitCursors = 0; ///< showing now
+    std::vector<BuildFailure> failures;
+    int waiting = 0; ///< builds that have begun and not ended
 
     bool keepFrames = true; ///< else they are taken and forgotten, which allocates nothing
     bool refuseTask = false;
     std::int32_t refuseFrame = -1; ///< index of the frame that is not taken
 
-protected:
-    virtual std::int32_t Answer(TaskRecord* sent, std::uint32_t command, std::uint32_t wparam,
-                                std::intptr_t lparam);
+    void Begin() override { ++waiting; }
+    void End() override { --waiting; }
+    void Fail(BuildFailure failure) override { failures.push_back(failure); }
 
-private:
-    static std::int32_t LUMAFOLD_CALL Callback(TaskRecord* task, std::uint32_t command, std::uint32_t wparam,
-                                               std::intptr_t lparam);
+protected:
+    void Hear(HostCommand command, std::uint32_t wparam, std::intptr_t lparam) override;
+    bool CreateTask(const TaskRecord* made, TaskKind kind) override;
+    bool AddFrame(const TaskRecord* made, const ImageRecord* frame) override;
+    bool AddComment(const TaskRecord*, const char*) override { return true; }
+    bool FinishTask(const TaskRecord*, TaskEnd) override { return true; }
 };
 
-class TestList final : public ImageList {
+/// A list whose controls say: the row given, a pause of 31, a delay of 4.
+class TestList : public MemoryList {
 public:
-    /// Owns the picture.
-    void Add(OwnedDib picture, std::int32_t transition, std::int32_t pause, std::int32_t delay);
-    ~TestList() override;
+    explicit TestList(std::int32_t defaultTransition = 14) : MemoryList({defaultTransition, 31, 4}) {}
+    void Add(OwnedDib picture, std::int32_t transition, std::int32_t pause, std::int32_t delay) {
+        MemoryList::Add(std::move(picture), "", {transition, pause, delay});
+    }
+    bool AddTemporary(GlobalHandle entry) override {
+        return !refuseTemporary && MemoryList::AddTemporary(entry);
+    }
 
-    std::int32_t Count() override { return static_cast<std::int32_t>(blocks_.size()); }
-    bool Read(std::int32_t index, ImageEntry& entry) override;
-    bool Write(std::int32_t index, const ImageEntry& entry) override;
-    bool AddTemporary(GlobalHandle entry) override;
-    void DeleteFirst() override;
-    std::int32_t DefaultTransition() override { return defaultTransition; }
-    std::int32_t DefaultPause() override { return 31; }
-    std::int32_t DefaultDelay() override { return 4; }
-
-    std::int32_t defaultTransition = 14;
     bool refuseTemporary = false;
-
-private:
-    std::vector<GlobalHandle> blocks_;
 };
 
 } // namespace lumafold::test

@@ -9,18 +9,15 @@ namespace lumafold {
 class Checksum {
 public:
     void Add(const void* bytes, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i)
             value_ = (value_ ^ static_cast<const std::uint8_t*>(bytes)[i]) * 0x100000001B3;
-        }
     }
     void Add(const DibHeader& dib) {
         const std::int32_t shape[] = {dib.biWidth, dib.biHeight, dib.biBitCount};
         Add(shape, sizeof(shape));
-        const auto* rows = reinterpret_cast<const std::uint8_t*>(&dib) + DibRowsOffset(dib);
-        const std::size_t used = (static_cast<std::size_t>(dib.biWidth) * dib.biBitCount + 7) / 8;
-        for (std::int32_t y = dib.biHeight - 1; y >= 0; --y) {
-            Add(rows + static_cast<std::size_t>(y) * DibStride(dib.biWidth, dib.biBitCount), used);
-        }
+        const ConstRowView rows(dib);
+        for (std::int32_t y = 0; y < dib.biHeight; ++y)
+            Add(rows.Row(y), (static_cast<std::size_t>(dib.biWidth) * dib.biBitCount + 7) / 8);
     }
     std::uint64_t Value() const { return value_; }
 
@@ -30,7 +27,7 @@ private:
 
 /// 0 when the picture cannot be locked.
 inline std::uint64_t DibChecksum(DibHandle dib) {
-    const LockedDib locked(dib);
+    const ReadDib locked(dib);
     if (!locked) return 0;
     Checksum sum;
     sum.Add(*locked);
