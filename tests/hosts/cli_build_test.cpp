@@ -50,7 +50,7 @@ TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     EXPECT_FALSE(host.ChooseFiles(0, names));
     EXPECT_EQ(host.ClipboardPicture(0), 0u);
     EXPECT_EQ(host.LoadPicture("/no/such/file.png"), 0u);
-    ShowMessage(0, "Memory error");
+    recording.Fail(BuildFailure::Memory);
     EXPECT_EQ(screen.str(), "lumafold: Memory error\n");
 }
 

@@ -35,7 +35,6 @@ protected:
 
 private:
     std::string folder_;
-    SettingsGuard settings_;
 };
 
 } // namespace lumafold::test

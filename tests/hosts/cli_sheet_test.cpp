@@ -35,7 +35,7 @@ TEST(ContactSheet, LaysPicturesInRowsOfSixWithLabelsBelow) {
 
 TEST(ContactSheet, ShrinksLargePicturesAndKeepsAPixelOfTheLongest) {
     for (const auto& [w, h] : {std::pair{481, 47}, {16384, 1}, {1, 16384}, {160, 120}, {7, 5}}) {
-        const OwnedDib small = SheetPicture(PlainPicture(w, h, 0x123456).Get());
+        const OwnedDib small = SheetPicture(*PlainPicture(w, h, 0x123456));
         const LockedDib dib(small.Get());
         EXPECT_TRUE(dib->biWidth >= 1 && dib->biWidth <= std::max(kSheetCellWidth, 164)) << dib->biWidth;
         EXPECT_TRUE(dib->biHeight >= 1 && dib->biHeight <= 164) << dib->biHeight;
