@@ -4,10 +4,8 @@
 #include <cstring>
 #include <unistd.h>
 
-#include "codecs/apng_writer.h"
+#include "codecs/animation_writer.h"
 #include "codecs/files.h"
-#include "codecs/gif_writer.h"
-#include "codecs/mng_writer.h"
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/paths.h"
 #include "settings/settings.h"
@@ -44,23 +42,23 @@ std::string WhyNoFolderAt(const std::string& path) {
     return WhyNoEntryIn(PathOf(path).lexically_normal().parent_path().parent_path());
 }
 
-std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, std::string& error) {
+/// How a kind of output that is one file is packed.
+AnimationKind KindOfFile(OutputKind kind) {
     switch (kind) {
-    case OutputKind::Gif:
-        return EncodeGif(animation, error);
     case OutputKind::Apng:
-        return EncodeApng(animation, error);
+        return AnimationKind::Apng;
     case OutputKind::Mng:
-        return EncodeMng(animation, error);
+        return AnimationKind::Mng;
+    case OutputKind::Gif:
     case OutputKind::Folder:
         break;
     }
-    return {};
+    return AnimationKind::Gif;
 }
 
 bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation, std::uint64_t& bytes,
                std::string& error) {
-    const std::vector<std::uint8_t> file = Encode(kind, animation, error);
+    const std::vector<std::uint8_t> file = EncodeAnimation(KindOfFile(kind), animation, error);
     bytes = file.size();
     if (!file.empty() && WriteFileSafely(path, file, error)) return true;
     error = path + ": " + error;
@@ -79,10 +77,12 @@ std::string LowerSuffix(const std::string& path) {
 std::optional<OutputKind> ClassifyOutput(const std::string& path, std::string& error) {
     std::error_code ignored;
     if (EndsInSeparator(path) || fs::is_directory(PathOf(path), ignored)) return OutputKind::Folder;
+    if (const std::optional<AnimationKind> kind = AnimationKindOf(path)) {
+        return *kind == AnimationKind::Gif    ? OutputKind::Gif
+               : *kind == AnimationKind::Apng ? OutputKind::Apng
+                                              : OutputKind::Mng;
+    }
     const std::string suffix = LowerSuffix(path);
-    if (suffix == ".gif") return OutputKind::Gif;
-    if (suffix == ".png" || suffix == ".apng") return OutputKind::Apng;
-    if (suffix == ".mng") return OutputKind::Mng;
     error = "-o " + path + ": " + (suffix.empty() ? "a name without a suffix" : "the suffix " + suffix) +
             " means no known kind of file; known are .gif, .png, .mng, and a folder's name with / at its end";
     return std::nullopt;
@@ -111,7 +111,7 @@ bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& 
 
 bool MeasureOutput(OutputKind kind, const RecordingHost& host, std::uint64_t& bytes, std::string& error) {
     bytes = kind == OutputKind::Folder ? FramesFolderBytes(host.Result(), host.Commands())
-                                       : Encode(kind, host.Result(), error).size();
+                                       : EncodeAnimation(KindOfFile(kind), host.Result(), error).size();
     return bytes != 0;
 }
 
