@@ -2,8 +2,7 @@
 
 #include <span>
 
-#include "codecs/apng_writer.h"
-#include "codecs/gif_writer.h"
+#include "codecs/animation_writer.h"
 #include "hosts/common/report.h"
 #include "hosts/desktop/view_picture.h"
 
@@ -13,13 +12,20 @@ namespace {
 /// What cannot be shown is not let in.
 Animation Checked(Animation animation) {
     constexpr std::int32_t kMostSide = 32767;
-    CheckAnimation(animation, kMostSide, "the animation is too large");
+    if (animation.frames.empty()) throw AnimationError("the animation has no frames");
+    CheckSides(animation.width, animation.height, kMostSide, "the animation is too large");
     for (const AnimationFrame& frame : animation.frames) {
         const LockedDib dib(frame.image.Get());
         if (!dib || dib->biWidth < 1 || dib->biHeight < 1)
-            throw AnimationError{"a frame of the animation has no picture"};
+            throw AnimationError("a frame of the animation has no picture");
     }
     return animation;
+}
+
+bool HasDeepFrame(const Animation& animation) {
+    return std::any_of(animation.frames.begin(), animation.frames.end(), [](const AnimationFrame& frame) {
+        return frame.image->biBitCount > 8;
+    });
 }
 
 /// Spelled as in the plug-in's dialogs.
@@ -40,7 +46,7 @@ constexpr std::uint64_t kQuickIndexes = 24'000'000, kQuickColours = 4'000'000;
 
 std::uint64_t EncodedBytes(const Animation& animation, bool trueColour) {
     std::string error;
-    return (trueColour ? EncodeApng(animation, error) : EncodeGif(animation, error)).size();
+    return EncodeAnimation(trueColour ? AnimationKind::Apng : AnimationKind::Gif, animation, error).size();
 }
 
 Animation Beginning(const Animation& animation, std::size_t frames) {
@@ -66,7 +72,7 @@ Thumbnail EmptyThumbnail(std::int32_t width, std::int32_t height) {
 
 Document::Document(Animation animation, std::string name, Origin origin)
     : animation_(Checked(std::move(animation))), name_(std::move(name)), origin_(origin),
-      unsaved_(origin == Origin::Build), trueColour_(lumafold::HasTrueColour(animation_)),
+      unsaved_(origin == Origin::Build), trueColour_(HasDeepFrame(animation_)),
       colours_(ColorsText(animation_)), playback_(Delays(animation_)), screens_(animation_),
       thumbnailScreens_(animation_),
       thumbnails_(animation_.frames.size(), EmptyThumbnail(animation_.width, animation_.height)) {}

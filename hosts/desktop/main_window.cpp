@@ -291,7 +291,7 @@ bool MainWindow::Add(Animation animation, const std::string& name, Origin origin
         documents_.push_back(std::make_unique<Document>(std::move(animation), name, origin));
         documents_.back()->DrawThumbnails(1); // its card's
     } catch (const AnimationError& failure) {
-        Tell(name + ": " + failure.text + ".", MB_ICONERROR);
+        Tell(name + ": " + failure.what() + ".", MB_ICONERROR);
         return false;
     } catch (const std::bad_alloc&) {
         Tell(name + ": there is not enough memory to show it.", MB_ICONERROR);

@@ -1,31 +1,15 @@
 #include "hosts/desktop/saving.h"
 
-#include <cctype>
 #include <cstdio>
 #include <filesystem>
 
-#include "codecs/apng_writer.h"
+#include "codecs/animation_writer.h"
 #include "codecs/files.h"
-#include "codecs/gif_writer.h"
-#include "codecs/mng_writer.h"
 #include "codecs/png_writer.h"
 #include "codecs/frame_screens.h"
 #include "hosts/desktop/screen_picture.h"
 
 namespace lumafold {
-namespace {
-
-std::string LowerSuffix(const std::string& path) {
-    const std::string name = FileNamePart(path);
-    const std::size_t dot = name.find_last_of('.');
-    std::string suffix = dot == std::string::npos ? "" : name.substr(dot);
-    for (char& letter : suffix)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-    return suffix;
-}
-
-} // namespace
-
 std::string FileNamePart(const std::string& path) { return path.substr(path.find_last_of("\\/") + 1); }
 
 std::string Stem(const std::string& path) {
@@ -35,17 +19,12 @@ std::string Stem(const std::string& path) {
 
 bool SaveAnimation(const std::string& path, const Animation& animation, std::uint64_t& bytes,
                    std::string& error) {
-    const std::string suffix = LowerSuffix(path);
-    std::vector<std::uint8_t> file;
-    if (suffix == ".gif") {
-        file = EncodeGif(animation, error);
-    } else if (suffix == ".png" || suffix == ".apng") {
-        file = EncodeApng(animation, error);
-    } else if (suffix == ".mng") {
-        file = EncodeMng(animation, error);
-    } else {
+    const std::optional<AnimationKind> kind = AnimationKindOf(path);
+    if (!kind) {
         error = "the name must end in .gif, .png or .mng";
+        return false;
     }
+    const std::vector<std::uint8_t> file = EncodeAnimation(*kind, animation, error);
     bytes = file.size();
     return bytes > 0 && WriteFileSafely(path, file, error);
 }

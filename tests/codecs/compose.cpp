@@ -13,6 +13,7 @@
 #endif
 #if LUMAFOLD_TIFF
 #include <tiffio.h>
+#include <unistd.h>
 #endif
 #if LUMAFOLD_HEIF
 #include <libheif/heif.h>
@@ -20,12 +21,6 @@
 
 namespace lumafold::test {
 namespace {
-
-FileBytes Exif(int orientation) {
-    FileBytes exif{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-    exif[18] = static_cast<std::uint8_t>(orientation);
-    return exif;
-}
 
 FileBytes Opaque(const RgbaPicture& picture) {
     FileBytes rgb;
@@ -59,18 +54,19 @@ FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options)
     jpeg_mem_dest(&info, &buffer, &length);
     info.image_width = static_cast<JDIMENSION>(picture.width);
     info.image_height = static_cast<JDIMENSION>(picture.height);
-    info.input_components = 3;
-    info.in_color_space = JCS_RGB;
+    const J_COLOR_SPACE colours = options.lightOfInks ? JCS_CMYK : JCS_RGB;
+    info.input_components = options.lightOfInks ? 4 : 3;
+    info.in_color_space = colours;
     jpeg_set_defaults(&info);
-    jpeg_set_colorspace(&info, JCS_RGB);
+    jpeg_set_colorspace(&info, colours);
     jpeg_set_quality(&info, 100, TRUE);
     jpeg_start_compress(&info, TRUE);
     const FileBytes& profile{options.profile.begin(), options.profile.end()};
     if (!profile.empty())
         jpeg_write_icc_profile(&info, profile.data(), static_cast<unsigned>(profile.size()));
-    FileBytes rgb = Opaque(picture);
+    FileBytes samples = options.lightOfInks ? picture.samples : Opaque(picture);
     for (int y = 0; y < picture.height; ++y) {
-        JSAMPROW row = rgb.data() + y * picture.width * 3;
+        JSAMPROW row = samples.data() + y * picture.width * info.input_components;
         jpeg_write_scanlines(&info, &row, 1);
     }
     jpeg_finish_compress(&info);
@@ -123,7 +119,32 @@ FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options)
     WebPMux* mux = WebPMuxNew();
     const WebPData image{encoded, bytes};
     WebPMuxSetImage(mux, &image, 1);
-    const FileBytes exif = Exif(options.orientation);
+    const FileBytes exif{'I',
+                         'I',
+                         42,
+                         0,
+                         8,
+                         0,
+                         0,
+                         0,
+                         1,
+                         0,
+                         0x12,
+                         1,
+                         3,
+                         0,
+                         1,
+                         0,
+                         0,
+                         0,
+                         static_cast<std::uint8_t>(options.orientation),
+                         0,
+                         0,
+                         0,
+                         0,
+                         0,
+                         0,
+                         0};
     const WebPData exifData{exif.data(), exif.size()},
         profile{options.profile.data(), options.profile.size()};
     if (options.orientation != 1) WebPMuxSetChunk(mux, "EXIF", &exifData, 1);
@@ -139,58 +160,46 @@ FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options)
 #endif
 
 #if LUMAFOLD_TIFF
-FileBytes ComposeTiff(const RgbaPicture& picture, const TiffOptions& options) {
+FileBytes ComposeTiff(const RgbaPicture& picture, const ComposeOptions& options) {
+    const auto [compression, bits, tiled, grey] = options.tiff;
     std::FILE* file = std::tmpfile();
     TIFF* tiff = TIFFFdOpen(fileno(file), "", "w");
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, options.bits);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, options.grey ? 1 : 4);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, options.grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, options.compression);
-    TIFFSetField(tiff, TIFFTAG_ORIENTATION, options.orientation);
+    const int blockWidth = tiled ? 16 : picture.width, blockHeight = tiled ? 16 : 5;
+    const auto set = [&](ttag_t tag, int value) { TIFFSetField(tiff, tag, value); };
+    set(TIFFTAG_IMAGEWIDTH, picture.width);
+    set(TIFFTAG_IMAGELENGTH, picture.height);
+    set(TIFFTAG_BITSPERSAMPLE, bits);
+    set(TIFFTAG_SAMPLESPERPIXEL, grey ? 1 : 4);
+    set(TIFFTAG_PHOTOMETRIC, grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
+    set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    set(TIFFTAG_COMPRESSION, compression);
+    set(TIFFTAG_ORIENTATION, options.orientation);
+    if (tiled) set(TIFFTAG_TILEWIDTH, blockWidth);
+    set(tiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, blockHeight);
     const std::uint16_t unassociated = EXTRASAMPLE_UNASSALPHA;
-    if (!options.grey) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &unassociated);
+    if (!grey) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &unassociated);
     if (!options.profile.empty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(options.profile.size()),
+        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<int>(options.profile.size()),
                      options.profile.data());
-    constexpr std::size_t kTile = 16;
-    const auto width = static_cast<std::size_t>(picture.width),
-               height = static_cast<std::size_t>(picture.height);
-    const std::size_t pixelBytes = (options.grey ? 1U : 4U) * static_cast<std::size_t>(options.bits) / 8;
-    const auto put = [&](FileBytes& to, std::size_t at, std::size_t x, std::size_t y) {
-        for (std::size_t i = 0; i < pixelBytes; ++i)
-            to[at * pixelBytes + i] =
-                picture.samples[(y * width + x) * 4 + i * 8 / static_cast<std::size_t>(options.bits)];
-    };
-    if (options.tiled) {
-        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, kTile);
-        TIFFSetField(tiff, TIFFTAG_TILELENGTH, kTile);
-        for (std::size_t top = 0; top < height; top += kTile) {
-            for (std::size_t left = 0; left < width; left += kTile) {
-                FileBytes tile(kTile * kTile * pixelBytes);
-                for (std::size_t i = 0; i < kTile * kTile; ++i)
-                    put(tile, i, std::min(left + i % kTile, width - 1),
-                        std::min(top + i / kTile, height - 1));
-                TIFFWriteTile(tiff, tile.data(), static_cast<std::uint32_t>(left),
-                              static_cast<std::uint32_t>(top), 0, 0);
+    std::uint32_t number = 0;
+    for (int top = 0; top < picture.height; top += blockHeight) {
+        for (int left = 0; left < picture.width; left += blockWidth, ++number) {
+            FileBytes block;
+            const int rows = tiled ? blockHeight : std::min(blockHeight, picture.height - top);
+            for (int i = 0; i < blockWidth * rows; ++i) {
+                const int x = std::min(left + i % blockWidth, picture.width - 1);
+                const int y = std::min(top + i / blockWidth, picture.height - 1);
+                const std::uint8_t* from = picture.samples.data() + (y * picture.width + x) * 4;
+                for (int byte = 0; byte < (grey ? 1 : 4) * bits / 8; ++byte)
+                    block.push_back(from[byte * 8 / bits]);
             }
-        }
-    } else {
-        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 5);
-        for (std::size_t y = 0; y < height; ++y) {
-            FileBytes row(width * pixelBytes);
-            for (std::size_t x = 0; x < width; ++x)
-                put(row, x, x, y);
-            TIFFWriteScanline(tiff, row.data(), static_cast<std::uint32_t>(y), 0);
+            (tiled ? TIFFWriteEncodedTile : TIFFWriteEncodedStrip)(tiff, number, block.data(),
+                                                                   std::ssize(block));
         }
     }
     TIFFFlush(tiff);
-    std::fseek(file, 0, SEEK_END);
-    FileBytes bytes(static_cast<std::size_t>(std::ftell(file)));
-    std::rewind(file);
-    EXPECT_EQ(std::fread(bytes.data(), 1, bytes.size(), file), bytes.size());
+    FileBytes bytes(static_cast<std::size_t>(lseek(fileno(file), 0, SEEK_END)));
+    EXPECT_EQ(pread(fileno(file), bytes.data(), bytes.size(), 0), std::ssize(bytes));
     TIFFCleanup(tiff);
     std::fclose(file);
     return bytes;
@@ -218,6 +227,11 @@ FileBytes ComposeHeif(const RgbaPicture& picture, HeifKind kind, const ComposeOp
                     static_cast<std::size_t>(picture.width) * 4);
     if (!options.profile.empty())
         must(heif_image_set_raw_color_profile(image, "prof", options.profile.data(), options.profile.size()));
+    heif_color_profile_nclx* told = heif_nclx_color_profile_alloc();
+    heif_nclx_color_profile_set_color_primaries(told, heif_color_primaries_SMPTE_EG_432_1);
+    heif_nclx_color_profile_set_matrix_coefficients(told, heif_matrix_coefficients_ITU_R_BT_601_6);
+    if (options.saysDisplayP3) must(heif_image_set_nclx_color_profile(image, told));
+    heif_nclx_color_profile_free(told);
     heif_encoding_options* how = heif_encoding_options_alloc();
     how->image_orientation = static_cast<heif_orientation>(options.orientation);
     must(heif_context_encode_image(context, image, encoder, how, nullptr));

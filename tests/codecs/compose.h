@@ -24,24 +24,23 @@ struct ComposeOptions {
     bool lossless = true;
     int orientation = 1;
     std::span<const std::uint8_t> profile{};
+    bool lightOfInks = false;   ///< JPEG: the samples are 255 less cyan, magenta, yellow and black
+    bool saysDisplayP3 = false; ///< AVIF: by number instead of a profile
+    struct Tiff {
+        int compression = 1, bits = 8;
+        bool tiled = false, grey = false;
+    } tiff{};
 };
-FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options);
 /// What libpng writes for what `write` tells it.
 FileBytes WrittenPng(const std::function<void(png_structp, png_infop)>& write);
+/// Lossless, with opacity.
 FileBytes ComposePng(const RgbaPicture& picture, const ComposeOptions& options);
-#if LUMAFOLD_WEBP
+/// Without loss to speak of, and without opacity.
+FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options);
+/// In builds that read the kinds.
 FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options);
-#endif
-#if LUMAFOLD_TIFF
-struct TiffOptions : ComposeOptions {
-    int compression = 1, bits = 8;
-    bool tiled = false, grey = false;
-};
-FileBytes ComposeTiff(const RgbaPicture& picture, const TiffOptions& options);
-#endif
-#if LUMAFOLD_HEIF
+FileBytes ComposeTiff(const RgbaPicture& picture, const ComposeOptions& options);
 enum class HeifKind { Heic, Avif };
 FileBytes ComposeHeif(const RgbaPicture& picture, HeifKind kind, const ComposeOptions& options);
-#endif
 
 } // namespace lumafold::test

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "codecs/decode.h"
-#include "codecs/gif_writer.h"
+#include "codecs/animation_writer.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/document.h"
 #include "hosts/desktop/icon_painter.h"
@@ -159,7 +159,7 @@ TEST(Document, EstimatesWhatTakesLongToWrite) {
     for (int i = 0; i < 8; ++i)
         AddFrame(animation, {8, 5}, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; });
     std::string error;
-    const double exact = static_cast<double>(EncodeGif(animation, error).size());
+    const double exact = static_cast<double>(EncodeAnimation(AnimationKind::Gif, animation, error).size());
     Document document(std::move(animation), "", Origin::Build);
     EXPECT_EQ(document.FileSizeText(), "");
     document.MeasureFile();
