@@ -169,6 +169,7 @@ void ToSrgb::Convert(Palette&) const {}
 
 ToSrgb::ToSrgb() = default;
 ToSrgb::ToSrgb(ToSrgb&&) noexcept = default;
+ToSrgb& ToSrgb::operator=(ToSrgb&&) noexcept = default;
 ToSrgb::~ToSrgb() = default;
 
 } // namespace lumafold

@@ -33,6 +33,7 @@ public:
     ToSrgb(std::span<const std::uint8_t> profile, SampleLayout layout);
     ToSrgb(const ColourNumbers& numbers, SampleLayout layout);
     ToSrgb(ToSrgb&&) noexcept;
+    ToSrgb& operator=(ToSrgb&&) noexcept;
     ~ToSrgb();
 
     /// Whether colours change.

@@ -187,7 +187,7 @@ void ConvertMasked(const StoredRows& rows, const BmpShape& shape, PixelValue mat
             const std::uint32_t pixel = MaskedPixel(rows.Row(y), x, shape.bits);
             Rgb colour{red.Of(pixel), green.Of(pixel), blue.Of(pixel)};
             if (alphaCounts) colour = LayOver(colour, alpha.Of(pixel), matte);
-            PutColour(out, colour);
+            StoreColour(out, colour);
         }
     }
 }

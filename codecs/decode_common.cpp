@@ -1,8 +1,7 @@
 #include "codecs/decode_common.h"
 
-#include <new>
+#include <algorithm>
 
-#include "codecs/decode.h"
 #include "image/index_rows.h"
 
 namespace lumafold {
@@ -15,6 +14,13 @@ OwnedDib CreateOrThrow(std::uint32_t width, std::uint32_t height, const Palette&
 }
 
 } // namespace
+
+std::string OneLine(const char* text) {
+    std::string line(text);
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c < ' ' || c > '~'; }, ' ');
+    return line;
+}
 
 void CheckSize(std::uint64_t width, std::uint64_t height, const DecodeLimits& limits) {
     if (width == 0 || height == 0) throw DecodeError{"the picture has no pixels"};
@@ -30,7 +36,7 @@ void CheckSize(std::uint64_t width, std::uint64_t height, const DecodeLimits& li
 
 void PutOverMatte(const std::uint8_t* rgba, std::size_t pixels, PixelValue matte, std::uint8_t* row) {
     for (std::size_t i = 0; i < pixels; ++i, rgba += 4)
-        PutColour(row + 3 * i, LayOver(Rgb{rgba[0], rgba[1], rgba[2]}, rgba[3], matte));
+        StoreColour(row + 3 * i, LayOver(Rgb{rgba[0], rgba[1], rgba[2]}, rgba[3], matte));
 }
 
 Palette GreyRamp(int bits) {

@@ -18,6 +18,9 @@ struct DecodeError {
     std::string text;
 };
 
+/// A library's text, in which only printing ASCII is left.
+std::string OneLine(const char* text);
+
 inline constexpr const char* kEndsTooEarly = "the file ends too early";
 
 struct DecodeLimits {
@@ -42,13 +45,6 @@ constexpr std::uint8_t LayOver(std::uint64_t sample, std::uint64_t alpha, std::u
 constexpr Rgb LayOver(Rgb colour, unsigned alpha, PixelValue matte) {
     return {LayOver(colour.red, alpha, RedOf(matte), 255), LayOver(colour.green, alpha, GreenOf(matte), 255),
             LayOver(colour.blue, alpha, BlueOf(matte), 255)};
-}
-
-/// A pixel of 24 bits as it is stored.
-inline void PutColour(std::uint8_t* pixel, Rgb colour) {
-    pixel[0] = colour.blue;
-    pixel[1] = colour.green;
-    pixel[2] = colour.red;
 }
 
 /// A pixel of red, green, blue and opacity whose colours were multiplied by it, as it was before.

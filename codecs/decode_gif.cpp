@@ -129,7 +129,7 @@ OwnedDib TrueColourPicture(const GifStill& still, PixelValue matte) {
                 x - still.left < still.width) {
                 colour = still.palette[still.indexes[(y - still.top) * still.width + x - still.left]];
             }
-            PutColour(out, colour);
+            StoreColour(out, colour);
         }
     }
     return picture.Finish();

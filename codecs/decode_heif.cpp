@@ -24,10 +24,7 @@ using Numbers = std::unique_ptr<heif_color_profile_nclx, FreedBy<heif_nclx_color
 void Check(const heif_error& error) {
     if (error.code == heif_error_Ok) return;
     if (error.subcode == heif_suberror_End_of_data) throw DecodeError{kEndsTooEarly};
-    // The library's texts may hold names of boxes as they stand in the file.
-    std::string text;
-    for (const char* c = error.message; *c != 0; ++c)
-        text += *c >= ' ' && *c < 0x7F ? *c : ' ';
+    const std::string text = OneLine(error.message); // may hold names of boxes as they stand in the file
     if (error.code == heif_error_Unsupported_filetype || error.code == heif_error_Unsupported_feature)
         throw DecodeError{"the picture is of a kind that cannot be read (" + text + ")"};
     throw DecodeError{"the HEIC or AVIF data is damaged (" + text + ")"};
@@ -63,6 +60,8 @@ Image Decode(const Handle& handle) {
         heif_decoding_options_alloc());
     if (!options) throw std::bad_alloc();
     options->convert_hdr_to_8bit = 1;
+    options->strict_decoding = 1;
+    options->decoder_id = "aom"; // of AVIF: the other one writes to standard error what is wrong with a file
     heif_image* image = nullptr;
     Check(heif_decode_image(handle.get(), &image, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
                             options.get()));
@@ -74,6 +73,7 @@ Image Decode(const Handle& handle) {
 OwnedDib DecodeHeif(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
     const Context context(heif_context_alloc());
     if (!context) throw std::bad_alloc();
+    heif_context_set_max_decoding_threads(context.get(), 0); // hosts decide what runs at once
     Check(heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr));
     heif_image_handle* primary = nullptr;
     Check(heif_context_get_primary_image_handle(context.get(), &primary));

@@ -30,10 +30,12 @@ public:
     ~TiffReader() { TIFFClose(tiff_); }
 
     TIFF* Get() const { return tiff_; }
-    /// The first thing that went wrong.
-    [[noreturn]] void Fail() const {
+    /// By the first thing that went wrong, or `why` where nothing was told of it.
+    [[noreturn]] void Fail(const char* why = "") const {
         if (ended_) throw DecodeError{kEndsTooEarly};
-        throw DecodeError{"the TIFF data is damaged or of an unknown kind (" + text_ + ")"};
+        const std::string& text = text_.empty() ? OneLine(why) : text_;
+        throw DecodeError{"the TIFF data is damaged or of an unknown kind" +
+                          (text.empty() ? "" : " (" + text + ")")};
     }
     template <typename Value>
     Value Field(std::uint32_t tag, Value missing) const {
@@ -49,8 +51,7 @@ private:
         if (!text.empty()) return 1;
         char line[200];
         std::vsnprintf(line, sizeof line, format, values);
-        for (const char* c = line; *c != 0; ++c)
-            text += *c >= ' ' && *c < 0x7F ? *c : ' ';
+        text = OneLine(line);
         return 1;
     }
     static int OnWarning(TIFF*, void*, const char*, const char*, va_list) { return 1; }
@@ -83,58 +84,82 @@ private:
     TIFF* tiff_ = nullptr;
 };
 
-/// The pixels as they are stored, a byte each of red, green, blue and opacity, premultiplied.
-std::vector<std::uint32_t> ReadRaster(const TiffReader& reader, std::uint32_t width, std::uint32_t height) {
-    char why[1024] = "";
-    TIFFRGBAImage image{};
-    if (TIFFRGBAImageBegin(&image, reader.Get(), 1, why) == 0) reader.Fail();
-    const std::unique_ptr<TIFFRGBAImage, decltype(&TIFFRGBAImageEnd)> owner(&image, TIFFRGBAImageEnd);
-    // The library knows four of the eight ways up: it is told that there is nothing to turn.
-    image.orientation = image.req_orientation = ORIENTATION_TOPLEFT;
-    std::vector<std::uint32_t> raster(std::size_t{width} * height);
-    if (TIFFRGBAImageGet(&image, raster.data(), width, height) == 0) reader.Fail();
-    return raster;
-}
-
-/// In place, to bytes in the order that the layouts of samples have.
-void Unpack(std::vector<std::uint32_t>& raster) {
-    for (std::uint32_t& pixel : raster) {
-        const std::uint32_t alpha = TIFFGetA(pixel);
-        std::uint8_t rgba[4] = {static_cast<std::uint8_t>(TIFFGetR(pixel)),
-                                static_cast<std::uint8_t>(TIFFGetG(pixel)),
-                                static_cast<std::uint8_t>(TIFFGetB(pixel)), static_cast<std::uint8_t>(alpha)};
-        Unmultiply(rgba);
-        std::memcpy(&pixel, rgba, sizeof rgba);
+/// Pixels from the top as they are stored, some rows at a time: a byte each of red, green, blue and opacity.
+class TiffRows {
+public:
+    TiffRows(const TiffReader& reader, std::uint32_t width) : reader_(reader), width_(width) {
+        char why[1024] = "";
+        if (TIFFRGBAImageBegin(&image_, reader.Get(), 1, why) == 0) reader.Fail(why);
+        // The library knows four of the eight ways up: it is told that there is nothing to turn.
+        image_.orientation = image_.req_orientation = ORIENTATION_TOPLEFT;
     }
-}
+    TiffRows(const TiffRows&) = delete;
+    TiffRows& operator=(const TiffRows&) = delete;
+    ~TiffRows() { TIFFRGBAImageEnd(&image_); }
 
-/// Greys come as three equal samples: their profile makes one table for them.
-void ConvertGreys(const ToSrgb& toSrgb, std::span<std::uint8_t> rgba) {
-    Palette ramp = GreyRamp(8);
-    toSrgb.Convert(ramp);
-    for (std::size_t i = 0; i < rgba.size(); i += 4)
-        std::memset(rgba.data() + i, ramp[rgba[i]].red, 3);
-}
-
-/// Of greys and of plain colours; what the library makes of inks and the like has no profile.
-void BringToSrgb(const TiffReader& reader, std::span<std::uint8_t> rgba) {
-    std::uint32_t bytes = 0;
-    void* profile = nullptr;
-    if (TIFFGetField(reader.Get(), TIFFTAG_ICCPROFILE, &bytes, &profile) == 0) return;
-    const std::span data(static_cast<const std::uint8_t*>(profile), bytes);
-    switch (reader.Field<std::uint16_t>(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_SEPARATED)) {
-    case PHOTOMETRIC_MINISWHITE:
-    case PHOTOMETRIC_MINISBLACK:
-        if (const ToSrgb toSrgb(data, {SampleLayout::Colours::Grey}); toSrgb) ConvertGreys(toSrgb, rgba);
-        break;
-    case PHOTOMETRIC_RGB:
-    case PHOTOMETRIC_PALETTE:
-    case PHOTOMETRIC_YCBCR:
-        ToSrgb(data, {SampleLayout::Colours::Rgb, 1, true}).Convert(rgba.data(), rgba.size() / 4);
-        break;
-    default:
-        break;
+    /// Good until the next call.
+    std::span<std::uint8_t> Read(std::uint32_t top, std::uint32_t rows) {
+        raster_.resize(std::size_t{width_} * rows);
+        image_.row_offset = static_cast<int>(top);
+        if (TIFFRGBAImageGet(&image_, raster_.data(), width_, rows) == 0) reader_.Fail();
+        for (std::uint32_t& pixel : raster_) {
+            std::uint8_t rgba[4] = {
+                static_cast<std::uint8_t>(TIFFGetR(pixel)), static_cast<std::uint8_t>(TIFFGetG(pixel)),
+                static_cast<std::uint8_t>(TIFFGetB(pixel)), static_cast<std::uint8_t>(TIFFGetA(pixel))};
+            Unmultiply(rgba);
+            std::memcpy(&pixel, rgba, sizeof rgba);
+        }
+        return {reinterpret_cast<std::uint8_t*>(raster_.data()), raster_.size() * 4};
     }
+
+private:
+    const TiffReader& reader_;
+    std::uint32_t width_;
+    TIFFRGBAImage image_{};
+    std::vector<std::uint32_t> raster_;
+};
+
+/// What the profile makes of the samples the library delivers: greys come as three equal ones, and what it
+/// makes of inks and the like has no profile.
+class TiffColours {
+public:
+    explicit TiffColours(const TiffReader& reader) : ramp_(GreyRamp(8)) {
+        std::uint32_t bytes = 0;
+        void* data = nullptr;
+        if (TIFFGetField(reader.Get(), TIFFTAG_ICCPROFILE, &bytes, &data) == 0) return;
+        const std::span profile(static_cast<const std::uint8_t*>(data), bytes);
+        switch (reader.Field<std::uint16_t>(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_SEPARATED)) {
+        case PHOTOMETRIC_MINISWHITE:
+        case PHOTOMETRIC_MINISBLACK:
+            grey_ = ToSrgb(profile, {SampleLayout::Colours::Grey});
+            grey_.Convert(ramp_);
+            break;
+        case PHOTOMETRIC_RGB:
+        case PHOTOMETRIC_PALETTE:
+        case PHOTOMETRIC_YCBCR:
+            colours_ = ToSrgb(profile, {SampleLayout::Colours::Rgb, 1, true});
+            break;
+        default:
+            break;
+        }
+    }
+
+    void Convert(std::span<std::uint8_t> rgba) const {
+        colours_.Convert(rgba.data(), rgba.size() / 4);
+        for (std::size_t i = 0; grey_ && i < rgba.size(); i += 4)
+            std::memset(rgba.data() + i, ramp_[rgba[i]].red, 3);
+    }
+
+private:
+    ToSrgb colours_, grey_;
+    Palette ramp_;
+};
+
+/// As many rows as are packed together, so that nothing is unpacked twice.
+std::uint32_t RowsAtOnce(const TiffReader& reader, std::uint32_t height) {
+    const bool tiled = TIFFIsTiled(reader.Get()) != 0;
+    const auto rows = reader.Field<std::uint32_t>(tiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, height);
+    return std::clamp(rows, 1U, height);
 }
 
 } // namespace
@@ -145,14 +170,16 @@ OwnedDib DecodeTiff(std::span<const std::uint8_t> file, const DecodeLimits& limi
     const auto width = reader.Field<std::uint32_t>(TIFFTAG_IMAGEWIDTH, 0);
     const auto height = reader.Field<std::uint32_t>(TIFFTAG_IMAGELENGTH, 0);
     CheckSize(width, height, limits);
-    std::vector<std::uint32_t> raster = ReadRaster(reader, width, height);
-    Unpack(raster);
-    const std::span rgba(reinterpret_cast<std::uint8_t*>(raster.data()), raster.size() * 4);
-    BringToSrgb(reader, rgba);
+    TiffRows rows(reader, width);
+    const TiffColours colours(reader);
     PictureBuilder picture(width, height, {}, 24);
-    for (std::uint32_t y = 0; y < height; ++y) {
-        PutOverMatte(rgba.data() + std::size_t{y} * width * 4, width, limits.matte,
-                     picture.Row(static_cast<std::int32_t>(y)));
+    const std::uint32_t step = RowsAtOnce(reader, height);
+    for (std::uint32_t top = 0; top < height; top += step) {
+        const std::uint32_t count = std::min(step, height - top);
+        std::span<std::uint8_t> rgba = rows.Read(top, count);
+        colours.Convert(rgba);
+        for (std::uint32_t y = 0; y < count; ++y, rgba = rgba.subspan(std::size_t{4} * width))
+            PutOverMatte(rgba.data(), width, limits.matte, picture.Row(static_cast<std::int32_t>(top + y)));
     }
     return Upright(picture.Finish(), reader.Field<std::uint16_t>(TIFFTAG_ORIENTATION, 1));
 }

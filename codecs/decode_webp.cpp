@@ -79,16 +79,12 @@ OwnedDib DecodeWebp(std::span<const std::uint8_t> file, const DecodeLimits& limi
     const ToSrgb toSrgb(ChunkOf(demuxer, "ICCP"), {SampleLayout::Colours::Rgb, 1, true});
     toSrgb.Convert(still.rgba.data(), still.width * still.height);
 
-    OwnedDib picture(
-        DibCreateFlat(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height), limits.matte));
-    {
-        const LockedDib dib(picture.Get());
-        if (!dib) throw std::bad_alloc();
-        const RowView rows(*dib);
-        for (std::size_t y = 0; y < still.height; ++y) {
-            PutOverMatte(still.rgba.data() + y * still.width * 4, still.width, limits.matte,
-                         rows.Row(static_cast<std::int32_t>(still.top + y)) + 3 * still.left);
-        }
+    OwnedDib picture = DibCreateFlat(width, height, limits.matte);
+    if (!picture) throw std::bad_alloc();
+    const RowView rows = picture.Rows();
+    for (std::size_t y = 0; y < still.height; ++y) {
+        PutOverMatte(still.rgba.data() + y * still.width * 4, still.width, limits.matte,
+                     rows.Row(static_cast<std::int64_t>(still.top + y)) + 3 * still.left);
     }
     return Upright(std::move(picture), ReadOrientation(demuxer));
 }

@@ -2,12 +2,14 @@
 
 #include <cmath>
 #include <new>
+#include <utility>
 
 #define STB_IMAGE_RESIZE_IMPLEMENTATION
 #define STB_IMAGE_RESIZE_STATIC
 #include <stb/stb_image_resize.h>
 
 #include "codecs/decode_common.h"
+#include "image/resample.h"
 
 namespace lumafold {
 namespace {
@@ -26,23 +28,6 @@ double FactorTo(PictureSize from, PictureSize to, Within within) {
     const double across = static_cast<double>(to.width) / from.width;
     const double down = static_cast<double>(to.height) / from.height;
     return within == Within::Both ? std::min(across, down) : std::max(across, down);
-}
-
-OwnedDib TrueColour(const OwnedDib& indexed) {
-    const LockedDib from(indexed.Get());
-    if (!from) throw std::bad_alloc();
-    Palette palette{};
-    const bool hasPalette = DibGetPalette(*from, palette) > 0;
-    PictureBuilder picture(static_cast<std::uint32_t>(from->biWidth),
-                           static_cast<std::uint32_t>(from->biHeight), {}, 24);
-    for (std::int32_t y = 0; y < from->biHeight; ++y) {
-        std::uint8_t* out = picture.Row(y);
-        for (std::int32_t x = 0; x < from->biWidth; ++x, out += 3) {
-            const PixelValue value = DibGetPixel(*from, x, y);
-            PutColour(out, hasPalette ? palette[value] : RgbOf(value));
-        }
-    }
-    return picture.Finish();
 }
 
 /// What of the source is drawn, as parts of its sides, and how large.
@@ -69,9 +54,7 @@ Placing PlacingOf(const SizeRequest& request, PictureSize from, PictureSize to) 
 
 /// Draws into the middle of the target, by a filter that leaves a picture of its own size as it is. Stored
 /// rows go from the bottom up, here and there.
-void Draw(const DibHeader* source, const Placing& placing, DibHeader* target) {
-    const ConstRowView from(*source);
-    const RowView to(*target);
+void Draw(ConstRowView from, const Placing& placing, RowView to) {
     const std::int32_t left = (to.Width() - placing.size.width) / 2;
     const std::int32_t below = to.Height() - placing.size.height - (to.Height() - placing.size.height) / 2;
     const int drawn = stbir_resize_region(
@@ -87,33 +70,27 @@ void Draw(const DibHeader* source, const Placing& placing, DibHeader* target) {
 /// The resampler keeps as many rows as it makes one of, and counts their bytes in 32 bits: what becomes very
 /// small does so in several steps.
 OwnedDib Redrawn(OwnedDib picture, const SizeRequest& request, PictureSize to) {
+    if (!picture) throw std::bad_alloc();
     constexpr std::int32_t kMostStep = 16;
-    Placing placing;
-    for (bool first = true;; first = false) {
-        const LockedDib source(picture.Get());
-        if (!source) throw std::bad_alloc();
-        if (first) placing = PlacingOf(request, {source->biWidth, source->biHeight}, to);
-        const PictureSize step{std::max(source->biWidth / kMostStep, placing.size.width),
-                               std::max(source->biHeight / kMostStep, placing.size.height)};
+    const Placing placing = PlacingOf(request, {picture->biWidth, picture->biHeight}, to);
+    for (;;) {
+        const PictureSize step{std::max(picture->biWidth / kMostStep, placing.size.width),
+                               std::max(picture->biHeight / kMostStep, placing.size.height)};
         const bool last = step == placing.size;
-        OwnedDib next(
-            DibCreateFlat(last ? to.width : step.width, last ? to.height : step.height, request.matte));
-        const LockedDib target(next.Get());
-        if (!target) throw std::bad_alloc();
-        Draw(source.Get(), last ? placing : Placing{step}, target.Get());
+        OwnedDib next =
+            DibCreateFlat(last ? to.width : step.width, last ? to.height : step.height, request.matte);
+        if (!next) throw std::bad_alloc();
+        Draw(std::as_const(picture).Rows(), last ? placing : Placing{step}, next.Rows());
         if (last) return next;
         picture = std::move(next);
     }
 }
 
 OwnedDib ResizedOrThrow(OwnedDib picture, const SizeRequest& request, std::uint64_t mostPixels) {
-    PictureSize from;
-    int bits = 0;
-    if (!DibQuery(picture.Get(), &from.width, &from.height, &bits, nullptr)) throw std::bad_alloc();
-    const PictureSize to = SizeFor(request, from);
+    const PictureSize from{picture->biWidth, picture->biHeight}, to = SizeFor(request, from);
     if (to == from) return picture;
     CheckSize(static_cast<std::uint64_t>(to.width), static_cast<std::uint64_t>(to.height), {0, mostPixels});
-    return Redrawn(bits == 24 ? std::move(picture) : TrueColour(picture), request, to);
+    return Redrawn(picture->biBitCount == 24 ? std::move(picture) : DibToTrueColour(*picture), request, to);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ constexpr PixelValue kMatte = MakeColour(200, 100, 50);
 constexpr std::uint64_t kMany = 1 << 20;
 
 /// The greatest difference of a sample to the picture over the matte, at the place where it is to be seen.
-int WorstDifference(const DibHeader* seen, const RgbaPicture& picture, int orientation, bool grey) {
+int WorstDifference(const DibHeader& seen, const RgbaPicture& picture, int orientation, bool grey) {
     int worst = 0;
     const int right = picture.width - 1, bottom = picture.height - 1;
     for (int y = 0; y <= bottom; ++y) {
@@ -56,7 +56,7 @@ std::vector<KindCase> KindCases(const RgbaPicture& picture) {
         cases.push_back({"WebP" + turn, ComposeWebp(picture, turned), 0, orientation});
 #endif
 #if LUMAFOLD_TIFF
-        cases.push_back({"TIFF" + turn, ComposeTiff(picture, {turned}), 1, orientation});
+        cases.push_back({"TIFF" + turn, ComposeTiff(picture, turned), 1, orientation});
 #endif
 #if LUMAFOLD_HEIF
         cases.push_back({"HEIC" + turn, ComposeHeif(picture, HeifKind::Heic, turned), 8, orientation});
@@ -68,9 +68,9 @@ std::vector<KindCase> KindCases(const RgbaPicture& picture) {
 #endif
 #if LUMAFOLD_TIFF
     constexpr int kLzw = 5, kDeflate = 8, kPackBits = 32773;
-    cases.push_back({"LZW TIFF in tiles", ComposeTiff(picture, {{}, kLzw, 8, true}), 1});
-    cases.push_back({"16-bit TIFF", ComposeTiff(picture, {{}, kDeflate, 16}), 1});
-    cases.push_back({"grey TIFF", ComposeTiff(picture, {{}, kPackBits, 8, false, true}), 0, 1, true});
+    cases.push_back({"LZW TIFF in tiles", ComposeTiff(picture, {.tiff = {kLzw, 8, true}}), 1});
+    cases.push_back({"16-bit TIFF", ComposeTiff(picture, {.tiff = {kDeflate, 16}}), 1});
+    cases.push_back({"grey TIFF", ComposeTiff(picture, {.tiff = {kPackBits, 8, false, true}}), 0, 1, true});
 #endif
     return cases;
 }
@@ -81,10 +81,10 @@ TEST(PictureKinds, AreReadUprightOverTheMatte) {
         SCOPED_TRACE(one.name);
         const DecodedPicture got = DecodePicture(one.file, kMatte, kMany);
         ASSERT_EQ(got.error, "");
-        const LockedDib dib(got.picture.Get());
+        const OwnedDib& dib = got.picture;
         ASSERT_EQ(dib->biWidth, one.orientation >= 5 ? 21 : 37);
         ASSERT_EQ(dib->biHeight, one.orientation >= 5 ? 37 : 21);
-        EXPECT_LE(WorstDifference(dib.Get(), picture, one.orientation, one.grey), one.tolerance);
+        EXPECT_LE(WorstDifference(*dib, picture, one.orientation, one.grey), one.tolerance);
         EXPECT_NE(DecodePicture(one.file, kMatte, 37 * 21 - 1).error.find("too many"), std::string::npos);
     }
 }

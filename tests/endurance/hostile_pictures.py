@@ -2,6 +2,7 @@
 """Pictures made to break or to stop a program: it ends with one line that names the file, soon, and within bounded
 memory. Run by ctest."""
 import os
+import pathlib
 import re
 import resource
 import shutil
@@ -138,6 +139,53 @@ def bmp_pictures():
     yield "packed.bmp", bmp(16384, 16384, 8, 1, bytes(1024) + b"\0\2\xff\xff" * 1000)
 
 
+def tiff(width, height, *entries, data=b""):
+    """One strip of 8-bit RGB behind the directory, unless the entries say otherwise: (tag, type, count, value)."""
+    tags = {256: (4, 1, width), 257: (4, 1, height), 258: (3, 1, 8), 259: (3, 1, 1), 262: (3, 1, 2), 273: (4, 1, 0),
+            277: (3, 1, 3), 278: (4, 1, height), 279: (4, 1, len(data))}
+    tags.update({tag: rest for tag, *rest in entries})
+    if tags[273] == (4, 1, 0):
+        tags[273] = 4, 1, 8 + 2 + 12 * len(tags) + 4
+    directory = b"".join(struct.pack("<HHII", tag, *tags[tag]) for tag in sorted(tags))
+    return b"II*\0" + struct.pack("<IH", 8, len(tags)) + directory + bytes(4) + data
+
+
+def tiff_pictures():
+    yield "huge.tiff", tiff(0xFFFFFFFF, 0xFFFFFFFF)
+    yield "promises.tiff", tiff(16384, 16384, data=b"data")
+    yield "strips.tiff", tiff(16384, 16384, (273, 4, 16384, 0), (278, 4, 1, 1), (279, 4, 16384, 0))
+    yield "bomb.tiff", tiff(6000, 6000, (259, 3, 1, 8), data=zeros(3 * 6000 * 6000))
+    yield "samples.tiff", tiff(100, 100, (258, 3, 65535, 8), (277, 3, 1, 65535))
+    yield "profile.tiff", tiff(1, 1, (34675, 7, 0x7FFFFFFF, 8))
+    yield "loop.tiff", b"II*\0" + struct.pack("<IH", 8, 0) + struct.pack("<I", 8)
+
+
+def webp(*chunks):
+    body = b"WEBP" + b"".join(kind + struct.pack("<I", len(data)) + data + bytes(len(data) % 2) for kind, data in chunks)
+    return b"RIFF" + struct.pack("<I", len(body)) + body
+
+
+def webp_pictures():
+    pixels = b"\x2f" + struct.pack("<I", 16383 | 16383 << 14) + bytes(20)
+    canvas = b"\x02" + bytes(3) + b"\xff" * 6
+    yield "huge.webp", webp((b"VP8X", canvas), (b"ANIM", bytes(6)), (b"ANMF", bytes(16) + b"VP8L" + bytes(8)))
+    yield "promises.webp", webp((b"VP8L", pixels))
+    yield "frames.webp", webp((b"VP8X", canvas), (b"ANIM", bytes(6)), *[(b"ANMF", bytes(16))] * 50000)
+    yield "chunks.webp", webp((b"VP8X", bytes(10)), *[(b"ICCP", b"")] * 100000)
+
+
+def heif_pictures():
+    """Real ones, whose boxes say another size than their data."""
+    seeds = pathlib.Path(__file__).resolve().parents[1] / "fuzz" / "seeds" / "pictures"
+    for name in ("turned.heic", "profile.avif"):
+        data = (seeds / name).read_bytes()
+        for side in (0x7FFFFFFF, 0):
+            changed, count = re.subn(rb"(ispe\0{4}).{8}", lambda found: found[1] + struct.pack(">II", side, side), data,
+                                     flags=re.DOTALL)
+            assert count > 0
+            yield f"{side}-{name}", changed
+
+
 def other_files():
     yield "nothing", b""
     yield "text", b"picture\n" * 1000000
@@ -171,7 +219,8 @@ class HostilePictures(unittest.TestCase):
         self.assertEqual(os.path.exists(os.path.join(self.folder, "x.gif")), False)
 
     def test_files(self):
-        for pictures in (png_pictures, gif_pictures, jpeg_pictures, bmp_pictures, other_files):
+        for pictures in (png_pictures, gif_pictures, jpeg_pictures, bmp_pictures, tiff_pictures, webp_pictures,
+                         heif_pictures, other_files):
             for name, data in pictures():
                 with self.subTest(name=name):
                     path = os.path.join(self.folder, name)
