@@ -1,5 +1,5 @@
-// An animation as a host holds it: what the build driver's task, frames and comment came to. Writers of files
-// take it whole.
+// An animation as a host holds it: what the build driver's task, frames and comment came to; and what a writer
+// of files is told of it, at once or frame by frame.
 #pragma once
 
 #include <string>
@@ -22,6 +22,21 @@ struct Animation {
     std::vector<AnimationFrame> frames;
     std::string comment;    ///< "" for none
     std::int32_t plays = 0; ///< how often it runs, 0 for ever
+};
+
+/// What is known before the first frame. Indexes up to 255 may occur whatever `paletteBits` says.
+struct AnimationFacts {
+    std::int32_t width = 0, height = 0;
+    std::int32_t paletteBits = 8; ///< 1 to 8
+    Palette palette{};
+    std::int32_t plays = 0; ///< how often it runs, 0 for ever
+};
+
+/// A frame whose picture belongs to somebody else.
+struct FrameView {
+    const DibHeader& picture;
+    std::int32_t delay;            ///< hundredths of a second
+    std::int32_t transparentIndex; ///< of a pixel that leaves what is there: an index, or a colour; -1 for none
 };
 
 } // namespace lumafold

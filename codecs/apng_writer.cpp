@@ -1,57 +1,163 @@
-#include "codecs/apng_writer.h"
+#include <deque>
 
-#include "codecs/frame_changes.h"
-#include "codecs/png_frames.h"
+#include "codecs/free_colour.h"
+#include "codecs/png_pictures.h"
+#include "codecs/screens.h"
+#include "codecs/writers.h"
 
 namespace lumafold {
 namespace {
 
 constexpr std::int32_t kMostDelay = 65535;
-constexpr std::uint32_t kForEver = 0, kTicksPerSecond = 100;
+constexpr std::uint32_t kTicksPerSecond = 100;
 enum class Dispose : std::uint8_t { None = 0 };
 enum class Blend : std::uint8_t { Source = 0, Over = 1 };
 
-ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngFrame& frame, std::int32_t delay,
-                               Blend blend) {
+ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngPicture& picture, Blend blend) {
+    const Rect& rect = picture.Place();
     ChunkWriter::Data data;
     data.U32(sequence);
-    data.U32(static_cast<std::uint32_t>(RectWidth(frame.rect)));
-    data.U32(static_cast<std::uint32_t>(RectHeight(frame.rect)));
-    data.U32(static_cast<std::uint32_t>(frame.rect.left)).U32(static_cast<std::uint32_t>(frame.rect.top));
-    data.U16(static_cast<std::uint32_t>(std::clamp(delay, 0, kMostDelay))).U16(kTicksPerSecond);
+    data.U32(static_cast<std::uint32_t>(RectWidth(rect)));
+    data.U32(static_cast<std::uint32_t>(RectHeight(rect)));
+    data.U32(static_cast<std::uint32_t>(rect.left)).U32(static_cast<std::uint32_t>(rect.top));
+    data.U16(static_cast<std::uint32_t>(std::clamp(picture.Delay(), 0, kMostDelay))).U16(kTicksPerSecond);
     return data.U8(static_cast<std::uint32_t>(Dispose::None)).U8(static_cast<std::uint32_t>(blend));
 }
 
-std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
-    // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is packed.
-    const bool still = animation.frames.size() == 1;
-    const PngFrames frames(animation, still ? PngFrames::Packing::Tight : PngFrames::Packing::WholeBytes,
-                           progress);
-    ChunkWriter file("\x89PNG\r\n\x1A\n");
-    file.Put("IHDR", frames.Header({0, 0, animation.width, animation.height}));
-    file.Put("acTL",
-             ChunkWriter::Data().U32(static_cast<std::uint32_t>(animation.frames.size())).U32(kForEver));
-    if (frames.HavePalette()) file.Put("PLTE", frames.PaletteData());
-    if (frames.HaveHoles()) file.Put("tRNS", frames.TransparencyData());
-    file.PutComment(animation.comment);
-    std::uint32_t sequence = 0;
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        const PngFrame& picture = frames.Get()[i];
-        const Blend blend = i > 0 ? Blend::Over : Blend::Source;
-        file.Put("fcTL", FrameControl(sequence++, picture, animation.frames[i].delay, blend));
-        ChunkWriter::Data data;
-        if (i > 0) data.U32(sequence++);
-        file.Put(i == 0 ? "IDAT" : "fdAT", data.Bytes(picture.data.data(), picture.data.size()));
+/// All pictures of a file are of one kind and share their palette: indexes as long as those of all frames so
+/// far, and a hole where one is needed, find room in it; from then on colours. What was written by then is
+/// read back.
+class ApngWriter : public AnimationWriter {
+public:
+    ApngWriter(const AnimationFacts& facts, int effort)
+        : facts_(facts), effort_(effort), reader_(facts.width, facts.height, facts.palette),
+          screen_(facts.width, facts.height) {}
+
+    FrameWork& Take(const FrameView& frame) override {
+        if (!colours_ && frame.picture.biBitCount <= 8) {
+            const Rect changed = screen_.Show(reader_.ReadIndexes(frame));
+            const Rect rect = frames_.empty() ? screen_.Whole() : changed;
+            const IndexUse use(screen_, rect);
+            if (Admit(use, frame.transparentIndex)) {
+                // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is
+                // packed.
+                if (!frames_.empty()) frames_.front().KeepPixels(false);
+                PngPicture& picture =
+                    frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay, effort_);
+                picture.KeepPixels(frames_.size() == 1);
+                return picture;
+            }
+        }
+        const FramePixels pixels = reader_.ReadColours(frame);
+        if (!colours_) StartAgain(pixels);
+        return TakeColours(pixels, frame.delay);
     }
-    file.Put("IEND");
-    return file.Take();
-}
+
+    std::vector<std::uint8_t> Finish(const std::string& comment) override {
+        if (frames_.empty()) throw AnimationError(kNoFrames);
+        for (PngPicture& frame : frames_)
+            frame.Pack();
+        const int bits = !colours_ && frames_.size() == 1 ? BitsFor(table_.Entries()) : 8;
+        if (bits < 8) frames_.front().Repack(bits);
+        ChunkWriter file(kPngSignature);
+        file.Put("IHDR",
+                 PngHeader(screen_.Whole(), bits, colours_ ? PngColours::True : PngColours::Indexed));
+        const auto plays = static_cast<std::uint32_t>(std::max(facts_.plays, 0)); // 0 for ever, as there
+        file.Put("acTL", ChunkWriter::Data().U32(static_cast<std::uint32_t>(frames_.size())).U32(plays));
+        if (!colours_) file.Put("PLTE", PngPalette(table_.Colours(facts_.palette)));
+        if (std::any_of(frames_.begin(), frames_.end(), [](const auto& frame) { return frame.HasHoles(); }))
+            file.Put("tRNS", colours_ ? PngTransparentColour(hole_) : TransparentEntry());
+        file.PutComment(comment);
+        std::uint32_t sequence = 0;
+        for (const PngPicture& picture : frames_) {
+            const bool first = &picture == &frames_.front();
+            file.Put("fcTL", FrameControl(sequence++, picture, first ? Blend::Source : Blend::Over));
+            ChunkWriter::Data number;
+            if (!first) number.U32(sequence++);
+            file.Put(first ? "IDAT" : "fdAT", number, picture.Data());
+        }
+        file.Put("IEND");
+        return file.Take();
+    }
+
+private:
+    /// Holes get an entry early, so that what is told of it is short; but not where they might take one that
+    /// a colour will need.
+    bool Admit(const IndexUse& use, std::int32_t told) {
+        const bool toldFree = told >= 0 && told < 256 && !table_.Has(static_cast<PixelValue>(told)) &&
+                              use.drawn[static_cast<std::size_t>(told)] == 0;
+        const bool first = frames_.empty();
+        if (table_.Hole() < 0 && ((first && HasRoom()) || toldFree || use.holes) && !table_.AdmitHole() &&
+            use.holes)
+            return false;
+        return table_.Admit(use);
+    }
+    /// Whether some index can never occur, as two of one colour are taken for one.
+    bool HasRoom() const {
+        const Palette& palette = facts_.palette;
+        for (auto colour = palette.begin(); colour != palette.end(); ++colour) {
+            if (std::find(palette.begin(), colour, *colour) != colour) return true;
+        }
+        return false;
+    }
+    ChunkWriter::Data TransparentEntry() const {
+        ChunkWriter::Data data;
+        for (int entry = 0; entry < table_.Hole(); ++entry)
+            data.U8(255);
+        return data.U8(0);
+    }
+
+    PngPicture& TakeColours(const FramePixels& pixels, std::int32_t delay) {
+        Rect rect = screen_.Show(pixels);
+        if (hole_ != kNoPixel && Draws(screen_, rect, hole_)) {
+            StartAgain(pixels);
+            rect = screen_.Show(pixels);
+        }
+        if (frames_.empty()) rect = screen_.Whole();
+        return frames_.emplace_back(CutColours(screen_, rect, hole_), delay, effort_);
+    }
+
+    /// Writes all frames so far in colours, with a hole that neither they nor `next` have.
+    void StartAgain(const FramePixels& next) {
+        ColourSet taken;
+        taken.Add(next.values);
+        std::vector<std::uint8_t> before;
+        if (!frames_.empty()) {
+            before = Finish("");
+            Play(before, [&](const ShownScreen& screen, std::int32_t) { taken.Add(screen.pixels); });
+        }
+        frames_.clear();
+        screen_ = Screen(facts_.width, facts_.height);
+        colours_ = true;
+        hole_ = taken.Free();
+        if (before.empty()) return;
+        Play(before, [&](const ShownScreen& screen, std::int32_t delay) {
+            TakeColours({screen.width, screen.height, screen.pixels}, delay).Pack();
+        });
+    }
+    static void Play(const std::vector<std::uint8_t>& file, const OnScreen& onScreen) {
+        try {
+            ShowApng(file, {0, ~std::uint64_t{0}}, onScreen);
+        } catch (const DecodeError&) { // sides beyond what is read here
+            throw AnimationError("the frames need more colours than a palette has");
+        }
+    }
+
+    AnimationFacts facts_;
+    int effort_;
+    FrameReader reader_;
+    Screen screen_;
+    FileTable table_;
+    bool colours_ = false;
+    PixelValue hole_ = kNoPixel;     ///< of colours
+    std::deque<PngPicture> frames_; // which callers have references to
+};
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeApng(const Animation& animation, std::string& error,
-                                     const FrameProgress& progress) {
-    return FileOrError([&] { return Encode(animation, progress); }, error);
+std::unique_ptr<AnimationWriter> NewApngWriter(const AnimationFacts& facts, int effort) {
+    CheckSides(facts.width, facts.height, kMostPngSide, kPngSideError);
+    return std::make_unique<ApngWriter>(facts, effort);
 }
 
 } // namespace lumafold

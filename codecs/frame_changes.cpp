@@ -1,7 +1,5 @@
 #include "codecs/frame_changes.h"
 
-#include <bit>
-
 #include "image/row_view.h"
 
 namespace lumafold {
@@ -30,67 +28,45 @@ RowChanges ShowRow(const PixelValue* frame, std::int32_t width, PixelValue* show
 
 } // namespace
 
-void CheckAnimation(const Animation& animation, std::int32_t mostSide, const char* sideError) {
-    if (animation.frames.empty()) throw AnimationError{"the animation has no frames"};
-    if (animation.width < 1 || animation.height < 1) throw AnimationError{"the animation has no pixels"};
-    if (animation.width > mostSide || animation.height > mostSide) throw AnimationError{sideError};
+void CheckSides(std::int32_t width, std::int32_t height, std::int32_t mostSide, const char* sideError) {
+    if (width < 1 || height < 1) throw AnimationError("the animation has no pixels");
+    if (width > mostSide || height > mostSide) throw AnimationError(sideError);
 }
 
-bool HasTrueColour(const Animation& animation) {
-    return std::any_of(animation.frames.begin(), animation.frames.end(), [](const AnimationFrame& frame) {
-        const LockedDib dib(frame.image.Get());
-        if (!dib) throw AnimationError{"a frame of the animation has no picture"};
-        return dib->biBitCount > 8;
-    });
-}
-
-FrameReader::FrameReader(const Animation& animation, Values values)
-    : width_(animation.width), height_(animation.height) {
-    const Palette& palette = animation.palette;
+FrameReader::FrameReader(std::int32_t width, std::int32_t height, const Palette& palette)
+    : width_(width), height_(height) {
     for (std::size_t i = 0; i < palette.size(); ++i) {
         const auto first = std::find(palette.begin(), palette.end(), palette[i]);
-        values_[i] = values == Values::Indexes ? static_cast<PixelValue>(first - palette.begin())
-                                               : MakeColour(first->red, first->green, first->blue);
+        indexes_[i] = static_cast<PixelValue>(first - palette.begin());
+        colours_[i] = MakeColour(first->red, first->green, first->blue);
     }
 }
 
-FramePixels FrameReader::Read(const AnimationFrame& frame) const {
-    const LockedDib dib(frame.image.Get());
-    if (!dib) throw AnimationError{"a frame of the animation has no picture"};
-    FramePixels read{std::min(dib->biWidth, width_), std::min(dib->biHeight, height_), {}};
-    if (read.width < 1 || read.height < 1) throw AnimationError{"a frame of the animation has no pixels"};
+FramePixels FrameReader::Read(const FrameView& frame, Values values) const {
+    const DibHeader& dib = frame.picture;
+    FramePixels read{std::min(dib.biWidth, width_), std::min(dib.biHeight, height_), {}};
+    if (read.width < 1 || read.height < 1) throw AnimationError("a frame of the animation has no pixels");
     const auto width = static_cast<std::size_t>(read.width);
     read.values.resize(width * static_cast<std::size_t>(read.height));
-    const ConstRowView rows(*dib);
+    const ConstRowView rows(dib);
     const int bits = rows.Bits();
     const auto hole = static_cast<PixelValue>(frame.transparentIndex);
     // A byte or three for a pixel is what builds hand over; the other depths go by the accessors.
-    std::array<PixelValue, 256> ofIndex = values_;
-    if (hole < ofIndex.size()) ofIndex[hole] = kNoPixel;
+    if (hole < values.size()) values[hole] = kNoPixel;
     PixelValue* out = read.values.data();
     for (std::int32_t y = 0; y < read.height; ++y) {
         const std::uint8_t* row = rows.Row(y);
         for (std::int32_t x = 0; x < read.width; ++x, ++out) {
             if (bits <= 8) {
-                *out = ofIndex[bits == 8 ? row[x] : DibGetPixel(*dib, x, y)];
+                *out = values[bits == 8 ? row[x] : DibGetPixel(dib, x, y)];
             } else {
                 const PixelValue colour = bits == 24 ? MakeColour(row[3 * x + 2], row[3 * x + 1], row[3 * x])
-                                                     : DibGetPixel(*dib, x, y) & 0xFFFFFF;
+                                                     : DibGetPixel(dib, x, y) & 0xFFFFFF;
                 *out = colour == hole ? kNoPixel : colour;
             }
         }
     }
     return read;
-}
-
-int TableBits(const Animation& animation, const FrameReader& reader) {
-    PixelValue all = 0;
-    for (const AnimationFrame& frame : animation.frames) {
-        for (const PixelValue index : reader.Read(frame).values) {
-            all |= index == kNoPixel ? static_cast<PixelValue>(frame.transparentIndex) : index;
-        }
-    }
-    return std::max(std::clamp(animation.paletteBits, 1, 8), static_cast<int>(std::bit_width(all)));
 }
 
 Screen::Screen(std::int32_t width, std::int32_t height) : width_(width), height_(height) {
@@ -111,6 +87,13 @@ Rect Screen::Show(const FramePixels& frame) {
                   std::max(around.right, changes.last + 1), y + 1};
     }
     return around.right == 0 ? Rect{0, 0, 1, 1} : around;
+}
+
+void Screen::Recolour(const Palette& palette) {
+    for (PixelValue& pixel : shown_) {
+        const Rgb& colour = palette[pixel & 0xFF];
+        if (pixel != kNoPixel) pixel = MakeColour(colour.red, colour.green, colour.blue);
+    }
 }
 
 } // namespace lumafold

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -10,9 +11,9 @@
 
 namespace lumafold {
 
-/// Why an animation cannot be written. Thrown among the writers, never out of them.
-struct AnimationError {
-    const char* text;
+/// Why an animation cannot be written or shown, in one line.
+struct AnimationError : std::runtime_error {
+    using std::runtime_error::runtime_error;
 };
 
 /// What every writer gives its caller: the file, or none and why not. `encode` makes the file or throws.
@@ -22,17 +23,15 @@ std::vector<std::uint8_t> FileOrError(Encode encode, std::string& error) {
     try {
         return encode();
     } catch (const AnimationError& failure) {
-        error = failure.text;
+        error = failure.what();
     } catch (const std::bad_alloc&) {
         error = "there is not enough memory for the file";
     }
     return {};
 }
 
-/// Throws where there is nothing to write: no frames, no pixels, sides above `mostSide`.
-void CheckAnimation(const Animation& animation, std::int32_t mostSide, const char* sideError);
-/// Whether a frame is deeper than 8 bits. Throws for a frame without a picture.
-bool HasTrueColour(const Animation& animation);
+/// Throws where there are no pixels, or a side above `mostSide`.
+void CheckSides(std::int32_t width, std::int32_t height, std::int32_t mostSide, const char* sideError);
 
 /// A frame's pixels, cut to the animation's size; kNoPixel where it leaves what is there.
 struct FramePixels {
@@ -44,20 +43,19 @@ struct FramePixels {
 /// them stands for all: equal values are equal on screen, and different ones are not.
 class FrameReader {
 public:
-    enum class Values { Indexes, Colours };
-    FrameReader(const Animation& animation, Values values);
+    FrameReader(std::int32_t width, std::int32_t height, const Palette& palette);
 
-    /// Throws for a frame without pixels. Indexes are asked for only where no frame has true colour.
-    FramePixels Read(const AnimationFrame& frame) const;
+    /// Throws for a frame without pixels. Indexes are asked for only of pictures of at most 8 bits.
+    FramePixels ReadIndexes(const FrameView& frame) const { return Read(frame, indexes_); }
+    FramePixels ReadColours(const FrameView& frame) const { return Read(frame, colours_); }
 
 private:
-    std::int32_t width_, height_;
-    std::array<PixelValue, 256> values_{};
-};
+    using Values = std::array<PixelValue, 256>;
+    FramePixels Read(const FrameView& frame, Values values) const;
 
-/// As the task said, 1 to 8, but never too few for the indexes that occur: fixed palettes are searched beyond
-/// their count.
-int TableBits(const Animation& animation, const FrameReader& reader);
+    std::int32_t width_, height_;
+    Values indexes_{}, colours_{};
+};
 
 /// What a viewer sees, frame after frame.
 class Screen {
@@ -67,6 +65,8 @@ public:
     /// The smallest rectangle around what the frame changes. A frame that changes nothing keeps one pixel,
     /// for its delay's sake.
     Rect Show(const FramePixels& frame);
+    /// Makes colours of the indexes that are shown.
+    void Recolour(const Palette& palette);
     Rect Whole() const { return {0, 0, width_, height_}; }
 
     /// What is shown, kNoPixel where nothing has been drawn yet: there, frames must leave a hole.

@@ -11,7 +11,7 @@ constexpr std::size_t kMostKeptPixels = std::size_t{16} << 20;
 } // namespace
 
 FrameScreens::FrameScreens(const Animation& animation)
-    : animation_(animation), reader_(animation, FrameReader::Values::Colours),
+    : animation_(animation), reader_(animation.width, animation.height, animation.palette),
       screen_(static_cast<std::size_t>(animation.width) * static_cast<std::size_t>(animation.height),
               kNoPixel) {}
 
@@ -39,7 +39,9 @@ const ScreenPixels& FrameScreens::At(std::size_t index) {
 }
 
 void FrameScreens::Draw(std::size_t index) {
-    const FramePixels frame = reader_.Read(animation_.frames.at(index));
+    const AnimationFrame& held = animation_.frames.at(index);
+    if (!held.image) throw AnimationError("a frame of the animation has no picture");
+    const FramePixels frame = reader_.ReadColours({*held.image, held.delay, held.transparentIndex});
     const PixelValue* from = frame.values.data();
     for (std::int32_t y = 0; y < frame.height; ++y) {
         PixelValue* to = screen_.data() + static_cast<std::ptrdiff_t>(y) * animation_.width;

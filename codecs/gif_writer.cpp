@@ -1,17 +1,17 @@
-#include "codecs/gif_writer.h"
+#include "codecs/writers.h"
 
 #include <algorithm>
 #include <bit>
+#include <deque>
 #include <span>
 
-#include "codecs/frame_changes.h"
 #include "codecs/lzw_encoder.h"
 
 namespace lumafold {
 namespace {
 
 constexpr std::int32_t kMostSide = 65535;
-constexpr std::int32_t kMostDelay = 65535;
+constexpr std::int32_t kMostDelay = 65535, kMostRepeats = 65535;
 
 class GifBytes {
 public:
@@ -37,167 +37,199 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// One frame's picture data as it would go into the file.
-struct PackedFrame {
-    int transparent = -1; ///< -1 for none
-    int codeBits = 2;
-    std::vector<std::uint8_t> codes;
-};
-
-/// Which indexes a rectangle needs: those of pixels that change, those shown where nothing changes, and
-/// holes.
-struct Census {
-    std::array<bool, 256> drawn{}, kept{};
-    bool anyKept = false, holes = false;
-};
-
-Census Count(const Screen& screen, const Rect& rect) {
-    Census census;
-    for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
-        const PixelValue* shown = screen.Row(y);
-        const std::uint8_t* changed = screen.Changed(y);
-        for (std::int32_t x = rect.left; x < rect.right; ++x) {
-            if (shown[x] == kNoPixel) {
-                census.holes = true;
-            } else {
-                (changed[x] != 0 ? census.drawn : census.kept)[shown[x]] = true;
-                census.anyKept |= changed[x] == 0;
-            }
-        }
-    }
-    return census;
-}
-
-/// An index no changing pixel needs, -1 when all are taken: the frame's own, else one that nothing on screen
-/// has either, else any.
-int ChooseTransparent(const Census& census, std::int32_t own, int tableSize) {
-    const auto free = [&](int index) { return !census.drawn[static_cast<std::size_t>(index)]; };
-    if (own >= 0 && own < tableSize && free(own)) return own;
-    int choice = -1;
-    for (int index = tableSize - 1; index >= 0; --index) {
-        if (!free(index)) continue;
-        const bool better = choice < 0 || !census.kept[static_cast<std::size_t>(index)] ||
-                            census.kept[static_cast<std::size_t>(choice)];
-        if (better) choice = index;
-    }
-    return choice;
-}
-
-enum class Kept { Drawn, Either };
-/// A sample is four rows in thirty-two, and tells of the rest which way packs better.
+/// A sample is four rows in thirty-two, and tells of the rest which way packs best.
 enum class Rows { All, Sample };
-constexpr std::int64_t kWorthSampling = 32 * 1024; // pixels
+/// Which of the pixels that do not change may be left out: none, those in runs of several colours, or all.
+enum class LeftOut { None, Varied, Any };
 
-PackedFrame Pack(const Screen& screen, const Rect& rect, int transparent, Kept kept, Rows rows = Rows::All) {
-    PackedFrame packed;
-    std::vector<LzwPixel> pixels;
-    pixels.reserve(static_cast<std::size_t>(RectWidth(rect)) * static_cast<std::size_t>(RectHeight(rect)));
-    unsigned all = 0;
-    const auto hole = static_cast<std::uint8_t>(transparent);
-    for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
-        if (rows == Rows::Sample && (y - rect.top) / 4 % 8 != 0) continue;
-        const PixelValue* shown = screen.Row(y);
-        const std::uint8_t* changed = screen.Changed(y);
-        for (std::int32_t x = rect.left; x < rect.right; ++x) {
-            LzwPixel pixel{static_cast<std::uint8_t>(shown[x]), static_cast<std::uint8_t>(shown[x])};
-            if (changed[x] == 0 && transparent >= 0) {
-                const bool open = shown[x] == kNoPixel || pixel.index == hole;
-                if (open) pixel.index = hole;
-                if (open || kept == Kept::Either) pixel.other = hole;
-                if (pixel.other == hole) packed.transparent = transparent;
+class GifFrame : public FrameWork {
+public:
+    GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
+
+    /// Pixels that do not change may be drawn over with what is there or left out. The encoder takes what
+    /// packs better at the moment; but a run of one colour is a string already that a hole would break, and an
+    /// entry for holes may cost more than it saves, so several ways are tried.
+    void Pack() override {
+        if (!codes_.bytes.empty()) return;
+        LeftOut best = LeftOut::Any;
+        if (cut_.mayLeaveOut) {
+            constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
+            const Rows tried = cut_.pixels.size() >= kWorthSampling ? Rows::Sample : Rows::All;
+            std::size_t least = ~std::size_t{0};
+            for (const LeftOut way : {LeftOut::Varied, LeftOut::Any, LeftOut::None}) {
+                const std::size_t bytes = Encode(way, tried).bytes.size();
+                if (bytes < least) best = way;
+                least = std::min(least, bytes);
             }
-            all |= static_cast<unsigned>(pixel.index) | pixel.other;
-            pixels.push_back(pixel);
+        }
+        codes_ = Encode(best, Rows::All);
+        cut_.pixels = std::vector<ChoicePixel>();
+    }
+
+    void Put(GifBytes& file) const {
+        constexpr std::uint32_t kLeaveInPlace = 1 << 2;
+        file.Text("\x21\xF9\x04");
+        file.U8(kLeaveInPlace | (codes_.hasHoles ? 1 : 0));
+        file.U16(std::clamp(delay_, 0, kMostDelay));
+        file.U8(static_cast<std::uint32_t>(codes_.hasHoles ? cut_.hole : 0));
+        file.U8(0);
+        file.U8(0x2C);
+        file.U16(cut_.rect.left);
+        file.U16(cut_.rect.top);
+        file.U16(RectWidth(cut_.rect));
+        file.U16(RectHeight(cut_.rect));
+        file.U8(0);
+        file.U8(static_cast<std::uint32_t>(codes_.bits));
+        file.SubBlocks(codes_.bytes);
+    }
+
+private:
+    struct Codes {
+        bool hasHoles;
+        int bits;
+        std::vector<std::uint8_t> bytes;
+    };
+
+    static void Draw(std::span<ChoicePixel> pixels) {
+        for (ChoicePixel& pixel : pixels)
+            pixel.other = pixel.drawn;
+    }
+    static void DrawPlainRuns(std::span<ChoicePixel> pixels) {
+        const auto isFree = [](ChoicePixel pixel) { return pixel.IsFree(); };
+        for (auto run = pixels.begin(); run != pixels.end();) {
+            run = std::find_if(run, pixels.end(), isFree);
+            const auto end = std::find_if_not(run, pixels.end(), isFree);
+            if (std::all_of(run, end, [&](ChoicePixel pixel) { return pixel.drawn == run->drawn; }))
+                Draw({run, end});
+            run = end;
         }
     }
-    // Fewer bits than the table has are enough when the higher entries do not occur.
-    packed.codeBits = std::max(2, static_cast<int>(std::bit_width(all)));
-    packed.codes = EncodeLzw(pixels, packed.codeBits);
-    return packed;
-}
 
-/// Pixels that do not change may be drawn over with what is there or left out. Mostly the encoder knows best
-/// which; but an index for what is left out may cost more than it saves, so both ways are tried.
-PackedFrame PackBest(const Screen& screen, const Rect& rect, std::int32_t ownTransparent, int tableSize) {
-    const Census census = Count(screen, rect);
-    if (!census.anyKept && !census.holes) return Pack(screen, rect, -1, Kept::Drawn);
-    const int transparent = ChooseTransparent(census, ownTransparent, tableSize);
-    if (transparent < 0 || !census.anyKept) return Pack(screen, rect, transparent, Kept::Drawn);
-    const auto packed = [&](Kept kept, Rows rows) { return Pack(screen, rect, transparent, kept, rows); };
-    const bool large = std::int64_t{RectWidth(rect)} * RectHeight(rect) >= kWorthSampling;
-    const Rows tried = large ? Rows::Sample : Rows::All;
-    PackedFrame either = packed(Kept::Either, tried);
-    PackedFrame drawn = packed(Kept::Drawn, tried);
-    const bool leaveOut = either.codes.size() < drawn.codes.size();
-    if (large) return packed(leaveOut ? Kept::Either : Kept::Drawn, Rows::All);
-    return leaveOut ? std::move(either) : std::move(drawn);
-}
-
-void PutFrame(GifBytes& file, const PackedFrame& packed, const Rect& rect, std::int32_t delay) {
-    constexpr std::uint32_t kLeaveInPlace = 1 << 2;
-    file.Text("\x21\xF9\x04");
-    file.U8(kLeaveInPlace | (packed.transparent >= 0 ? 1 : 0));
-    file.U16(std::clamp(delay, 0, kMostDelay));
-    file.U8(static_cast<std::uint32_t>(std::max(packed.transparent, 0)));
-    file.U8(0);
-    file.U8(0x2C);
-    file.U16(rect.left);
-    file.U16(rect.top);
-    file.U16(RectWidth(rect));
-    file.U16(RectHeight(rect));
-    file.U8(0);
-    file.U8(static_cast<std::uint32_t>(packed.codeBits));
-    file.SubBlocks(packed.codes);
-}
-
-void PutHead(GifBytes& file, const Animation& animation, int bits) {
-    const auto tableBits = static_cast<std::uint32_t>(bits);
-    file.Text("GIF89a");
-    file.U16(animation.width);
-    file.U16(animation.height);
-    file.U8(0x80 | 7U << 4 | (tableBits - 1));
-    file.U8(0);
-    file.U8(0);
-    for (std::size_t i = 0; i < std::size_t{1} << tableBits; ++i) {
-        file.U8(animation.palette[i].red);
-        file.U8(animation.palette[i].green);
-        file.U8(animation.palette[i].blue);
+    std::vector<ChoicePixel> Pixels(Rows rows) const {
+        if (rows == Rows::All) return cut_.pixels;
+        const auto width = static_cast<std::size_t>(RectWidth(cut_.rect));
+        std::vector<ChoicePixel> sample;
+        for (std::size_t at = 0; at < cut_.pixels.size(); at += width) {
+            const auto row = cut_.pixels.begin() + static_cast<std::ptrdiff_t>(at);
+            if (at / width / 4 % 8 == 0) sample.insert(sample.end(), row, row + static_cast<std::ptrdiff_t>(width));
+        }
+        return sample;
     }
-    constexpr std::string_view kEndlessLoop("\x21\xFF\x0BNETSCAPE2.0\x03\x01\x00\x00\x00", 19);
-    file.Text(kEndlessLoop);
-    if (!animation.comment.empty()) {
-        file.Text("\x21\xFE");
-        file.SubBlocks(
-            {reinterpret_cast<const std::uint8_t*>(animation.comment.data()), animation.comment.size()});
-    }
-}
 
-std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
-    CheckAnimation(animation, kMostSide, "GIF cannot hold sides above 65535 pixels");
-    if (HasTrueColour(animation)) throw AnimationError{"GIF cannot hold true-colour frames"};
-    const FrameReader reader(animation, FrameReader::Values::Indexes);
-    const int tableBits = TableBits(animation, reader);
-    GifBytes file;
-    PutHead(file, animation, tableBits);
-    Screen screen(animation.width, animation.height);
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        GoOnWith(i, animation.frames.size(), progress);
-        const AnimationFrame& frame = animation.frames[i];
-        const FramePixels pixels = reader.Read(frame);
-        const Rect changed = screen.Show(pixels);
+    Codes Encode(LeftOut leftOut, Rows rows) const {
+        std::vector<ChoicePixel> pixels = Pixels(rows);
+        if (leftOut == LeftOut::None) Draw(pixels);
+        if (leftOut == LeftOut::Varied) DrawPlainRuns(pixels);
+        Codes codes{false, 0, {}};
+        unsigned all = 0;
+        for (const ChoicePixel pixel : pixels) {
+            all |= static_cast<unsigned>(pixel.drawn) | pixel.other;
+            codes.hasHoles |= pixel.other == cut_.hole;
+        }
+        // Fewer bits than the table has are enough where the higher entries do not occur.
+        codes.bits = std::max(2, static_cast<int>(std::bit_width(all)));
+        codes.bytes = EncodeLzw(pixels, codes.bits);
+        return codes;
+    }
+
+    IndexCut cut_;
+    std::int32_t delay_;
+    Codes codes_{};
+};
+
+class GifWriter : public AnimationWriter {
+public:
+    explicit GifWriter(const AnimationFacts& facts)
+        : facts_(facts), reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
+
+    FrameWork& Take(const FrameView& frame) override {
+        if (frame.picture.biBitCount > 8) throw AnimationError("GIF cannot hold true-colour frames");
+        const FramePixels pixels = reader_.ReadIndexes(frame);
+        const Rect changed = screen_.Show(pixels);
         // The first frame stays whole: viewers take it for the picture itself.
-        const Rect rect = i == 0 ? Rect{0, 0, pixels.width, pixels.height} : changed;
-        PutFrame(file, PackBest(screen, rect, frame.transparentIndex, 1 << tableBits), rect, frame.delay);
+        const Rect rect = frames_.empty() ? Rect{0, 0, pixels.width, pixels.height} : changed;
+        const IndexUse use(screen_, rect);
+        table_.Admit(use);
+        return frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
     }
-    file.U8(0x3B);
-    return file.Take();
-}
+
+    std::vector<std::uint8_t> Finish(const std::string& comment) override {
+        if (frames_.empty()) throw AnimationError(kNoFrames);
+        GifBytes file;
+        PutHead(file, comment);
+        for (GifFrame& frame : frames_) {
+            frame.Pack();
+            frame.Put(file);
+        }
+        file.U8(0x3B);
+        return file.Take();
+    }
+
+private:
+    /// As the task said, but never too few for the indexes that occur: fixed palettes are searched beyond
+    /// their count.
+    int TableBits() const {
+        return std::max({1, std::min(facts_.paletteBits, 8),
+                         static_cast<int>(std::bit_width(static_cast<unsigned>(table_.Entries() - 1)))});
+    }
+
+    /// An entry that no changing pixel of the frame has, -1 when all are taken: the first that nothing else
+    /// in the rectangle shows either, else the first of all.
+    int ChooseHole(const IndexUse& use) const {
+        if (!use.anyKept && !use.holes) return -1;
+        std::array<bool, FileTable::kMostEntries> drawn{}, kept{};
+        for (PixelValue index = 0; index < use.drawn.size(); ++index) {
+            if (!table_.Has(index)) continue;
+            const auto entry = static_cast<std::size_t>(table_.EntryOf(index));
+            drawn[entry] = use.drawn[index] > 0;
+            kept[entry] = use.kept[index] > 0;
+        }
+        int choice = -1;
+        for (int entry = (1 << TableBits()) - 1; entry >= 0; --entry) {
+            const auto at = static_cast<std::size_t>(entry);
+            if (!drawn[at] && (choice < 0 || !kept[at] || kept[static_cast<std::size_t>(choice)])) choice = entry;
+        }
+        if (choice < 0 && use.holes) throw AnimationError("every colour is in use, and none left for holes");
+        return choice;
+    }
+
+    void PutHead(GifBytes& file, const std::string& comment) const {
+        const int bits = TableBits();
+        file.Text("GIF89a");
+        file.U16(facts_.width);
+        file.U16(facts_.height);
+        file.U8(0x80 | 7U << 4 | static_cast<std::uint32_t>(bits - 1));
+        file.U8(0);
+        file.U8(0);
+        for (const Rgb& colour : table_.Colours(facts_.palette, std::size_t{1} << bits)) {
+            file.U8(colour.red);
+            file.U8(colour.green);
+            file.U8(colour.blue);
+        }
+        // The block says how often it runs again, 0 for ever; without one it runs once.
+        if (facts_.plays != 1) {
+            file.Text("\x21\xFF\x0BNETSCAPE2.0\x03\x01");
+            file.U16(std::clamp(facts_.plays - 1, 0, kMostRepeats));
+            file.U8(0);
+        }
+        if (!comment.empty()) {
+            file.Text("\x21\xFE");
+            file.SubBlocks({reinterpret_cast<const std::uint8_t*>(comment.data()), comment.size()});
+        }
+    }
+
+    AnimationFacts facts_;
+    FrameReader reader_;
+    Screen screen_;
+    FileTable table_;
+    std::deque<GifFrame> frames_; // which callers have references to
+};
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeGif(const Animation& animation, std::string& error,
-                                    const FrameProgress& progress) {
-    return FileOrError([&] { return Encode(animation, progress); }, error);
+std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts) {
+    CheckSides(facts.width, facts.height, kMostSide, "GIF cannot hold sides above 65535 pixels");
+    return std::make_unique<GifWriter>(facts);
 }
 
 } // namespace lumafold

@@ -64,44 +64,9 @@ private:
     int held_ = 0;
 };
 
-/// The codes of all known strings that read like the pixels so far. Several only where pixels may be either
-/// of two indexes; more than a few of them gain nothing.
-class Matches {
-public:
-    explicit Matches(unsigned first) : codes_{first} {}
-
-    /// The last is the one that took the drawn index latest, which packed best in trials.
-    unsigned Any() const { return codes_[count_ - 1]; }
-    /// Goes on by one pixel, or returns false where no known string does.
-    bool Extend(const StringTable& table, LzwPixel pixel) {
-        if (count_ == 1 && pixel.index == pixel.other) {
-            const unsigned code = table.Find(codes_[0], pixel.index);
-            if (code != 0) codes_[0] = code;
-            return code != 0;
-        }
-        Matches longer(0);
-        longer.count_ = 0;
-        for (std::size_t i = 0; i < count_; ++i) {
-            longer.Add(table.Find(codes_[i], pixel.other));
-            if (pixel.index != pixel.other) longer.Add(table.Find(codes_[i], pixel.index));
-        }
-        if (longer.count_ == 0) return false;
-        *this = longer;
-        return true;
-    }
-
-private:
-    void Add(unsigned code) {
-        if (code != 0 && count_ < codes_.size()) codes_[count_++] = code;
-    }
-
-    std::array<unsigned, 4> codes_;
-    std::size_t count_ = 1;
-};
-
 class Encoder {
 public:
-    Encoder(std::span<const LzwPixel> pixels, int codeBits) : pixels_(pixels), codeBits_(codeBits) {}
+    Encoder(std::span<const ChoicePixel> pixels, int codeBits) : pixels_(pixels), codeBits_(codeBits) {}
 
     std::vector<std::uint8_t> Encode() {
         StartAgain();
@@ -119,43 +84,45 @@ public:
     }
 
 private:
-    /// The longest known string that the pixels read like, and the index it begins with.
+    /// The longest known string that the pixels read like, and the entry it begins with.
     struct Match {
         unsigned first, code;
         std::size_t length;
     };
+    enum class Choice { Drawn, Other };
 
+    /// All pixels of a string are read in the one way or in the other: strings that mix the two hardly ever
+    /// come again.
     Match Best(std::size_t at) const {
-        const LzwPixel pixel = pixels_[at];
-        const Match other = Longest(at, pixel.other);
-        if (pixel.index == pixel.other) return other;
-        const Match drawn = Longest(at, pixel.index);
+        bool free = false;
+        const Match other = Longest<Choice::Other>(at, free);
+        if (!free) return other;
+        const Match drawn = Longest<Choice::Drawn>(at, free);
         return drawn.length > other.length ? drawn : other;
     }
-    Match Longest(std::size_t at, unsigned first) const {
-        unsigned code = first;
-        std::size_t length = 1;
-        for (; at + length < pixels_.size(); ++length) {
-            const LzwPixel pixel = pixels_[at + length];
-            if (pixel.index != pixel.other) return LongestOfSeveral(at, {first, code, length});
-            const unsigned longer = table_.Find(code, pixel.index);
+    /// Sets `free` when there was a choice among the pixels looked at.
+    template <Choice choice>
+    Match Longest(std::size_t at, bool& free) const {
+        const auto entry = [&](ChoicePixel pixel) -> unsigned {
+            return choice == Choice::Drawn ? pixel.drawn : pixel.other;
+        };
+        free |= pixels_[at].IsFree();
+        const unsigned first = entry(pixels_[at]);
+        Match match{first, first, 1};
+        for (; at + match.length < pixels_.size(); ++match.length) {
+            const ChoicePixel pixel = pixels_[at + match.length];
+            free |= pixel.IsFree();
+            const unsigned longer = table_.Find(match.code, entry(pixel));
             if (longer == 0) break;
-            code = longer;
+            match.code = longer;
         }
-        return {first, code, length};
-    }
-    Match LongestOfSeveral(std::size_t at, Match match) const {
-        Matches matches(match.code);
-        while (at + match.length < pixels_.size() && matches.Extend(table_, pixels_[at + match.length]))
-            ++match.length;
-        match.code = matches.Any();
         return match;
     }
     /// Adds the last string and the index that follows it, or empties the full table; what then is the match.
     Match Learn(std::size_t at, Match match) {
         if (next_ == kMostCodes) {
             StartAgain();
-            return Longest(at, match.first);
+            return Best(at);
         }
         // A reader is one string behind, so the width grows with the first code that needs it, not before.
         if (next_ == 1U << width_) ++width_;
@@ -167,7 +134,7 @@ private:
         // The new string itself may come next: the last one over again, and its first index once more.
         const std::size_t end = at + match.length;
         const bool again = match.code == last_ && end < pixels_.size() &&
-                           (pixels_[end].index == match.first || pixels_[end].other == match.first);
+                           (pixels_[end].drawn == match.first || pixels_[end].other == match.first);
         return again ? Match{match.first, learnt, match.length + 1} : match;
     }
     void StartAgain() {
@@ -177,7 +144,7 @@ private:
         width_ = codeBits_ + 1;
     }
 
-    std::span<const LzwPixel> pixels_;
+    std::span<const ChoicePixel> pixels_;
     int codeBits_;
     unsigned clear_ = 1U << codeBits_;
     int width_ = codeBits_ + 1;
@@ -188,7 +155,7 @@ private:
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeLzw(std::span<const LzwPixel> pixels, int codeBits) {
+std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits) {
     return Encoder(pixels, codeBits).Encode();
 }
 

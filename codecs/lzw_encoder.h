@@ -6,14 +6,11 @@
 #include <span>
 #include <vector>
 
+#include "codecs/index_frames.h"
+
 namespace lumafold {
 
-/// A pixel as either of two indexes: where both show the same, whichever packs better is written.
-struct LzwPixel {
-    std::uint8_t index, other;
-};
-
-/// The code stream of `pixels`, their indexes each below 2^codeBits; `codeBits` is 2 to 8.
-std::vector<std::uint8_t> EncodeLzw(std::span<const LzwPixel> pixels, int codeBits);
+/// The code stream of `pixels`, their entries each below 2^codeBits; `codeBits` is 2 to 8.
+std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits);
 
 } // namespace lumafold

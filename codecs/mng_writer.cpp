@@ -1,7 +1,8 @@
-#include "codecs/mng_writer.h"
+#include <deque>
 
-#include "codecs/frame_changes.h"
-#include "codecs/png_frames.h"
+#include "codecs/free_colour.h"
+#include "codecs/png_pictures.h"
+#include "codecs/writers.h"
 
 namespace lumafold {
 namespace {
@@ -17,23 +18,13 @@ enum Profile : std::uint32_t {
     kBackgroundSeen = 1 << 7,
 };
 
-ChunkWriter::Data Header(const Animation& animation, const PngFrames& frames) {
-    std::uint64_t duration = 0;
-    for (const AnimationFrame& frame : animation.frames)
-        duration += static_cast<std::uint64_t>(std::max(frame.delay, 0));
-    std::uint32_t profile = kProfileTold | kSimpleFeatures | kMoreBitsTold;
-    if (frames.HaveHoles()) profile |= kTransparency | kBackgroundSeen;
-    constexpr std::uint32_t kLayersNotTold = 0;
+/// What comes after the last frame.
+ChunkWriter::Data Termination(std::int32_t plays) {
+    constexpr std::uint32_t kRepeat = 3, kShowLast = 0, kNoPause = 0;
     ChunkWriter::Data data;
-    data.U32(static_cast<std::uint32_t>(animation.width)).U32(static_cast<std::uint32_t>(animation.height));
-    data.U32(kTicksPerSecond).U32(kLayersNotTold);
-    data.U32(static_cast<std::uint32_t>(animation.frames.size()));
-    return data.U32(static_cast<std::uint32_t>(std::min<std::uint64_t>(duration, kInfinite))).U32(profile);
-}
-
-ChunkWriter::Data EndlessLoop() {
-    constexpr std::uint32_t kRepeat = 3, kThenShowLast = 0, kNoPause = 0;
-    return ChunkWriter::Data().U8(kRepeat).U8(kThenShowLast).U32(kNoPause).U32(kInfinite);
+    if (plays == 1) return data.U8(kShowLast);
+    data.U8(kRepeat).U8(kShowLast).U32(kNoPause);
+    return data.U32(plays > 0 ? static_cast<std::uint32_t>(plays) : kInfinite);
 }
 
 /// Every picture is a frame over what stands there, and stays for `delay` ticks, like those after it.
@@ -51,38 +42,118 @@ ChunkWriter::Data Place(const Rect& rect) {
     return data.U32(static_cast<std::uint32_t>(rect.left)).U32(static_cast<std::uint32_t>(rect.top));
 }
 
-void PutPicture(ChunkWriter& file, const PngFrames& frames, const PngFrame& picture) {
-    file.Put("IHDR", frames.Header(picture.rect));
-    // One palette for the whole file would be smaller, but not all readers join it with transparency.
-    if (frames.HavePalette()) file.Put("PLTE", frames.PaletteData(picture));
-    if (picture.hasHoles) file.Put("tRNS", frames.TransparencyData());
-    file.Put("IDAT", ChunkWriter::Data().Bytes(picture.data.data(), picture.data.size()));
-    file.Put("IEND");
-}
+/// Every picture is a PNG picture for itself, with a palette of its own as long as one is enough: one palette
+/// for the whole file would be smaller, but not all readers join it with transparency.
+class MngWriter : public AnimationWriter {
+public:
+    MngWriter(const AnimationFacts& facts, int effort)
+        : facts_(facts), effort_(effort), reader_(facts.width, facts.height, facts.palette),
+          screen_(facts.width, facts.height) {}
 
-std::vector<std::uint8_t> Encode(const Animation& animation, const FrameProgress& progress) {
-    const PngFrames frames(animation, PngFrames::Packing::Tight, progress);
-    ChunkWriter file("\x8AMNG\r\n\x1A\n");
-    file.Put("MHDR", Header(animation, frames));
-    file.Put("TERM", EndlessLoop());
-    file.PutComment(animation.comment);
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        const PngFrame& picture = frames.Get()[i];
-        const std::int32_t delay = animation.frames[i].delay;
-        // The first frame says everything: the loop comes back to it with the last one's values.
-        if (i == 0 || delay != animation.frames[i - 1].delay) file.Put("FRAM", Delay(delay));
-        file.Put("DEFI", Place(picture.rect));
-        PutPicture(file, frames, picture);
+    FrameWork& Take(const FrameView& frame) override {
+        if (!colours_ && frame.picture.biBitCount > 8) UseColours();
+        const Rect changed = screen_.Show(colours_ ? reader_.ReadColours(frame) : reader_.ReadIndexes(frame));
+        // The first frame is whole: it is what is seen where animations are not understood.
+        const Rect rect = frames_.empty() ? screen_.Whole() : changed;
+        FileTable table;
+        if (!colours_ && !Admit(rect, table)) UseColours();
+        if (colours_) {
+            const PixelValue hole = Hole(rect);
+            PngPicture picture(CutColours(screen_, rect, hole), frame.delay, effort_);
+            return frames_.emplace_back(Frame{std::move(picture), {}, hole}).picture;
+        }
+        PngPicture picture(table.Cut(screen_, rect, table.Hole()), BitsFor(table.Entries()), frame.delay,
+                           effort_);
+        return frames_.emplace_back(Frame{std::move(picture), table.Colours(facts_.palette), kNoPixel})
+            .picture;
     }
-    file.Put("MEND");
-    return file.Take();
-}
+
+    std::vector<std::uint8_t> Finish(const std::string& comment) override {
+        if (frames_.empty()) throw AnimationError(kNoFrames);
+        for (Frame& frame : frames_)
+            frame.picture.Pack();
+        ChunkWriter file(kMngSignature);
+        file.Put("MHDR", Header());
+        file.Put("TERM", Termination(facts_.plays));
+        file.PutComment(comment);
+        for (std::size_t i = 0; i < frames_.size(); ++i) {
+            const std::int32_t delay = frames_[i].picture.Delay();
+            // The first frame says everything: the loop comes back to it with the last one's values.
+            if (i == 0 || delay != frames_[i - 1].picture.Delay()) file.Put("FRAM", Delay(delay));
+            file.Put("DEFI", Place(frames_[i].picture.Place()));
+            PutPicture(file, frames_[i]);
+        }
+        file.Put("MEND");
+        return file.Take();
+    }
+
+private:
+    struct Frame {
+        PngPicture picture;
+        std::vector<Rgb> colours; ///< the palette, its first entry for holes
+        PixelValue hole;          ///< in true colour
+    };
+
+    void UseColours() {
+        colours_ = true;
+        screen_.Recolour(facts_.palette);
+    }
+    /// False where more is in use than a palette can hold.
+    bool Admit(const Rect& rect, FileTable& table) const {
+        const IndexUse use(screen_, rect);
+        const bool hole = use.anyKept || use.holes;
+        if ((!hole || table.AdmitHole()) && table.Admit(use)) return true;
+        if (use.holes) return false;
+        table = {}; // nothing is left out then
+        return table.Admit(use);
+    }
+    PixelValue Hole(const Rect& rect) const {
+        if (!Draws(screen_, rect, kLikelyFreeColour)) return kLikelyFreeColour;
+        ColourSet taken;
+        for (std::int32_t y = rect.top; y < rect.bottom; ++y)
+            taken.Add({screen_.Row(y) + rect.left, static_cast<std::size_t>(RectWidth(rect))});
+        return taken.Free();
+    }
+
+    ChunkWriter::Data Header() const {
+        std::uint64_t duration = 0;
+        std::uint32_t profile = kProfileTold | kSimpleFeatures | kMoreBitsTold;
+        for (const Frame& frame : frames_) {
+            duration += static_cast<std::uint64_t>(std::max(frame.picture.Delay(), 0));
+            if (frame.picture.HasHoles()) profile |= kTransparency | kBackgroundSeen;
+        }
+        constexpr std::uint32_t kLayersNotTold = 0;
+        ChunkWriter::Data data;
+        data.U32(static_cast<std::uint32_t>(facts_.width)).U32(static_cast<std::uint32_t>(facts_.height));
+        data.U32(kTicksPerSecond).U32(kLayersNotTold).U32(static_cast<std::uint32_t>(frames_.size()));
+        return data.U32(static_cast<std::uint32_t>(std::min<std::uint64_t>(duration, kInfinite))).U32(profile);
+    }
+
+    static void PutPicture(ChunkWriter& file, const Frame& frame) {
+        const PngPicture& picture = frame.picture;
+        const bool palette = picture.HasPalette();
+        file.Put("IHDR", PngHeader(picture.Place(), palette ? picture.Bits() : 8,
+                                   palette ? PngColours::Indexed : PngColours::True));
+        if (palette) file.Put("PLTE", PngPalette(frame.colours));
+        if (picture.HasHoles())
+            file.Put("tRNS", palette ? ChunkWriter::Data().U8(0) : PngTransparentColour(frame.hole));
+        file.Put("IDAT", {}, picture.Data());
+        file.Put("IEND");
+    }
+
+    AnimationFacts facts_;
+    int effort_;
+    FrameReader reader_;
+    Screen screen_;
+    bool colours_ = false;
+    std::deque<Frame> frames_; // which callers have references to
+};
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeMng(const Animation& animation, std::string& error,
-                                    const FrameProgress& progress) {
-    return FileOrError([&] { return Encode(animation, progress); }, error);
+std::unique_ptr<AnimationWriter> NewMngWriter(const AnimationFacts& facts, int effort) {
+    CheckSides(facts.width, facts.height, kMostPngSide, kPngSideError);
+    return std::make_unique<MngWriter>(facts, effort);
 }
 
 } // namespace lumafold

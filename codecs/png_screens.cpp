@@ -1,95 +1,12 @@
 #include <algorithm>
-#include <cctype>
 #include <optional>
-#include <string_view>
 
-#include <zlib.h>
-
-#include "codecs/png_frames.h"
+#include "codecs/file_kinds.h"
+#include "codecs/png_chunks.h"
 #include "codecs/screens.h"
 
 namespace lumafold {
 namespace {
-
-constexpr std::string_view kPngSignature("\x89PNG\r\n\x1A\n", 8);
-constexpr std::size_t kSignatureBytes = 8;
-
-struct Chunk {
-    std::string_view type;
-    std::span<const std::uint8_t> data;
-
-    std::uint32_t U32(std::size_t at) const { return Big(at, 4); }
-    std::uint32_t U16(std::size_t at) const { return Big(at, 2); }
-    std::uint32_t U8(std::size_t at) const { return Big(at, 1); }
-    void Need(std::size_t bytes) const {
-        if (data.size() < bytes) throw DecodeError{"the " + std::string(type) + " chunk is too short"};
-    }
-
-private:
-    std::uint32_t Big(std::size_t at, std::size_t bytes) const {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < bytes; ++i)
-            value = value << 8 | data[at + i];
-        return value;
-    }
-};
-
-/// Whether a picture can do without this chunk. Frames of animations come in such ones too, but there a
-/// missing one would be seen.
-bool IsDispensable(std::string_view type) {
-    return (type.front() & 0x20) != 0 && type != "fcTL" && type != "fdAT";
-}
-
-/// The chunks of a file one after the other, each as it should be. Damaged ones that a picture can do without
-/// are left out.
-class ChunkReader {
-public:
-    explicit ChunkReader(std::span<const std::uint8_t> file)
-        : rest_(file.subspan(std::min(kSignatureBytes, file.size()))) {}
-
-    bool Next(Chunk& chunk) {
-        bool whole = false;
-        while (!whole) {
-            if (rest_.empty()) return false;
-            whole = Take(chunk);
-        }
-        return true;
-    }
-
-private:
-    /// False for one that is left out.
-    bool Take(Chunk& chunk) {
-        constexpr std::size_t kAround = 12; // length, type, checksum
-        if (rest_.size() < kAround) throw DecodeError{kEndsTooEarly};
-        const Chunk head{"", rest_};
-        const std::size_t length = head.U32(0);
-        if (length > rest_.size() - kAround) throw DecodeError{kEndsTooEarly};
-        const auto sum =
-            static_cast<std::uint32_t>(crc32(0, rest_.data() + 4, static_cast<uInt>(length + 4)));
-        const bool whole = sum == head.U32(8 + length);
-        chunk = {{reinterpret_cast<const char*>(rest_.data()) + 4, 4}, rest_.subspan(8, length)};
-        // Types are letters, and messages name them.
-        if (!std::all_of(chunk.type.begin(), chunk.type.end(),
-                         [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; }))
-            throw DecodeError{"the data is damaged (no chunk where one must be)"};
-        rest_ = rest_.subspan(length + kAround);
-        if (!whole && !IsDispensable(chunk.type)) throw DecodeError{"the data is damaged (checksum)"};
-        return whole;
-    }
-
-    std::span<const std::uint8_t> rest_;
-};
-
-/// A text chunk under the keyword for comments, not compressed; "" for any other.
-std::string CommentOf(const Chunk& chunk) {
-    constexpr std::string_view kKeyword("Comment\0", 8), kPlainUtf8("\0\0\0\0", 4);
-    std::string_view text(reinterpret_cast<const char*>(chunk.data.data()), chunk.data.size());
-    if (!text.starts_with(kKeyword)) return {};
-    text.remove_prefix(kKeyword.size());
-    if (chunk.type == "tEXt") return std::string(text);
-    if (chunk.type != "iTXt" || !text.starts_with(kPlainUtf8)) return {};
-    return std::string(text.substr(kPlainUtf8.size()));
-}
 
 /// A picture in pieces, as a file of its own: what is told before the data, then the data.
 struct Pieces {
@@ -103,7 +20,7 @@ struct Pieces {
         chunk.Need(13);
         width = chunk.U32(0);
         height = chunk.U32(4);
-        header.Bytes(chunk.data.data() + 8, 5);
+        header.Bytes(chunk.data.subspan(8, 5));
         hasAlpha = (chunk.U8(9) & 4) != 0;
     }
     void Tell(const Chunk& chunk) {
@@ -114,10 +31,10 @@ struct Pieces {
     std::vector<std::uint8_t> File(std::uint32_t fileWidth, std::uint32_t fileHeight) const {
         ChunkWriter file(kPngSignature);
         ChunkWriter::Data first;
-        first.U32(fileWidth).U32(fileHeight).Bytes(header.Get().data(), header.Get().size());
+        first.U32(fileWidth).U32(fileHeight).Bytes(header.Get());
         file.Put("IHDR", first);
         for (const Chunk& chunk : told)
-            file.Put(chunk.type, ChunkWriter::Data().Bytes(chunk.data.data(), chunk.data.size()));
+            file.Put(chunk.type, ChunkWriter::Data().Bytes(chunk.data));
         file.Put("IDAT", data);
         file.Put("IEND");
         return file.Take();
@@ -242,12 +159,12 @@ private:
             Control(chunk);
         } else if (chunk.type == "IDAT") {
             // Without a frame control before it, this is for those who know only still pictures.
-            if (hasFrame_) pieces_.data.Bytes(chunk.data.data(), chunk.data.size());
+            if (hasFrame_) pieces_.data.Bytes(chunk.data);
         } else if (chunk.type == "fdAT") {
             chunk.Need(4);
-            if (hasFrame_) pieces_.data.Bytes(chunk.data.data() + 4, chunk.data.size() - 4);
+            if (hasFrame_) pieces_.data.Bytes(chunk.data.subspan(4));
         } else {
-            if (chunk.type == "tEXt" || chunk.type == "iTXt") comment_ += CommentOf(chunk);
+            if (chunk.type == "tEXt" || chunk.type == "iTXt") comment_ += chunk.Comment();
             pieces_.Tell(chunk);
         }
     }
@@ -319,7 +236,7 @@ private:
             left_ = chunk.U32(4);
             top_ = chunk.U32(8);
         } else if (chunk.type == "tEXt" || chunk.type == "iTXt") {
-            comment_ += CommentOf(chunk);
+            comment_ += chunk.Comment();
         } else if (chunk.type != "TERM" && (chunk.type.front() & 0x20) == 0) {
             throw DecodeError{"this MNG file uses " + std::string(chunk.type) + ", which is not supported"};
         }
@@ -327,7 +244,7 @@ private:
 
     void InPicture(const Chunk& chunk) {
         if (chunk.type == "IDAT") {
-            picture_->data.Bytes(chunk.data.data(), chunk.data.size());
+            picture_->data.Bytes(chunk.data);
         } else if (chunk.type == "IEND") {
             screen_->Draw(*picture_, {left_, top_, picture_->width, picture_->height, false});
             onScreen_(screen_->Shown(), delay_);
@@ -366,14 +283,10 @@ private:
 } // namespace
 
 bool IsAnimatedPng(std::span<const std::uint8_t> file) {
-    try {
-        ChunkReader chunks(file);
-        Chunk chunk;
-        while (chunks.Next(chunk) && chunk.type != "IDAT") {
-            if (chunk.type == "acTL") return true;
-        }
-    } catch (const DecodeError&) {
-        // What is wrong with the file is for the decoder of stills to find, and perhaps to bear.
+    ChunkReader chunks(file);
+    Chunk chunk;
+    while (chunks.Next(chunk) && chunk.type != "IDAT") {
+        if (chunk.type == "acTL") return true;
     }
     return false;
 }

@@ -8,6 +8,7 @@
 #include <webp/mux.h>
 
 #include "codecs/frame_screens.h"
+#include "codecs/writers.h"
 
 namespace lumafold {
 namespace {
@@ -108,8 +109,9 @@ std::vector<std::uint8_t> EncodeWebp(const Animation& animation, const WebpOptio
                                      std::string& error) {
     return FileOrError(
         [&] {
-            CheckAnimation(animation, WebpWriter::kMostSide,
-                           "a side of a WebP animation may have 16383 pixels");
+            if (animation.frames.empty()) throw AnimationError(kNoFrames);
+            CheckSides(animation.width, animation.height, WebpWriter::kMostSide,
+                       "a side of a WebP animation may have 16383 pixels");
             WebpWriter writer(animation.width, animation.height, animation.plays, options);
             FrameScreens screens(animation);
             for (std::size_t i = 0; i < animation.frames.size(); ++i)

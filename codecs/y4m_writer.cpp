@@ -7,6 +7,7 @@
 
 #include "codecs/delays.h"
 #include "codecs/frame_screens.h"
+#include "codecs/writers.h"
 
 namespace lumafold {
 namespace {
@@ -24,7 +25,7 @@ YuvMatrix MatrixFor(const Y4mOptions& options, std::int32_t width, std::int32_t 
     return width >= 1280 || height > 576 ? YuvMatrix::Bt709 : YuvMatrix::Bt601;
 }
 
-constexpr AnimationError kStopped{"not all of the film could be written"};
+constexpr char kStopped[] = "not all of the film could be written";
 constexpr int kFractionBits = 16;
 
 /// For samples of 255 steps, in units of 2^-16, with a sum that is exact: greys are to have no colour.
@@ -64,7 +65,7 @@ Y4mWriter::Y4mWriter(std::int32_t width, std::int32_t height, std::int32_t unit,
         std::to_string(kPerSecond / common) + ":" + std::to_string(unit / common) + " Ip A1:1 " +
         (side_ == 2 ? "C420jpeg" : "C444") +
         " XCOLORRANGE=LIMITED XCOLORMATRIX=" + (matrix == YuvMatrix::Bt601 ? "BT601" : "BT709") + "\n";
-    if (!sink_({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()})) throw kStopped;
+    if (!sink_({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()})) throw AnimationError(kStopped);
 }
 
 void Y4mWriter::AddLuma(std::span<const PixelValue> screen) {
@@ -103,7 +104,7 @@ void Y4mWriter::Add(std::span<const PixelValue> screen, std::int32_t delay) {
     AddChroma(screen, blueness_);
     AddChroma(screen, redness_);
     for (std::int32_t i = 0; i < times; ++i) {
-        if (!sink_(frame_)) throw kStopped;
+        if (!sink_(frame_)) throw AnimationError(kStopped);
     }
 }
 
@@ -112,7 +113,8 @@ bool WriteY4m(const Animation& animation, const Y4mOptions& options, const ByteS
     FileOrError(
         [&] {
             constexpr std::int32_t kMostSide = 1 << 15;
-            CheckAnimation(animation, kMostSide, "a side of a film may have 32768 pixels");
+            if (animation.frames.empty()) throw AnimationError(kNoFrames);
+            CheckSides(animation.width, animation.height, kMostSide, "a side of a film may have 32768 pixels");
             std::vector<std::int32_t> delays;
             for (const AnimationFrame& frame : animation.frames)
                 delays.push_back(frame.delay);

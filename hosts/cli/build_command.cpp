@@ -172,7 +172,7 @@ private:
                "(--exact-delays keeps all as they are)");
     }
 
-    PackingOptions Packing() const { return {options_.quality, options_.effort, memoryLimit_}; }
+    PackingOptions Packing() const { return {pool_, options_.quality, options_.effort, memoryLimit_}; }
 
     int Write(const RecordingHost& host) {
         std::string error = "not enough memory";

@@ -7,10 +7,8 @@
 #include <windows.h>
 #endif
 
-#include "codecs/apng_writer.h"
+#include "codecs/animation_writer.h"
 #include "codecs/files.h"
-#include "codecs/gif_writer.h"
-#include "codecs/mng_writer.h"
 #include "codecs/y4m_writer.h"
 #if LUMAFOLD_WEBP
 #include "codecs/webp_writer.h"
@@ -54,24 +52,41 @@ std::string WhyNoFolderAt(const std::string& path) {
     return WhyNoEntryIn(PathOf(path).lexically_normal().parent_path().parent_path());
 }
 
-std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation,
-                                 [[maybe_unused]] const PackingOptions& packing, std::string& error) {
+AnimationKind KindOfFrames(OutputKind kind) {
     switch (kind) {
-    case OutputKind::Gif:
-        return EncodeGif(animation, error);
     case OutputKind::Apng:
-        return EncodeApng(animation, error);
+        return AnimationKind::Apng;
     case OutputKind::Mng:
-        return EncodeMng(animation, error);
-    case OutputKind::Webp:
-#if LUMAFOLD_WEBP
-        return EncodeWebp(animation, {packing.quality}, error);
-#endif
-    case OutputKind::Y4m:
-    case OutputKind::Folder:
-        break;
+        return AnimationKind::Mng;
+    default:
+        return AnimationKind::Gif;
     }
-    return {};
+}
+
+/// Frames are cut one after the other, for each is cut to what it changes, and packed at once.
+std::vector<std::uint8_t> EncodeAtOnce(OutputKind kind, const Animation& animation,
+                                       const PackingOptions& packing, std::string& error) {
+    const AnimationFacts facts{animation.width, animation.height, animation.paletteBits, animation.palette,
+                               animation.plays};
+    return FileOrError(
+        [&] {
+            const auto writer =
+                NewAnimationWriter(KindOfFrames(kind), facts, packing.effort.value_or(kUsualEffort));
+            std::vector<FrameWork*> works;
+            for (const AnimationFrame& frame : animation.frames)
+                works.push_back(&writer->Take({*frame.image, frame.delay, frame.transparentIndex}));
+            packing.pool.ForEach(works.size(), [&](std::size_t i) { works[i]->Pack(); });
+            return writer->Finish(animation.comment);
+        },
+        error);
+}
+
+std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, const PackingOptions& packing,
+                                 std::string& error) {
+#if LUMAFOLD_WEBP
+    if (kind == OutputKind::Webp) return EncodeWebp(animation, {packing.quality}, error);
+#endif
+    return EncodeAtOnce(kind, animation, packing, error);
 }
 
 /// A film goes on as it is made, for it may be very large.

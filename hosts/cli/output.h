@@ -9,6 +9,7 @@
 
 #include "hosts/cli/output_kind.h"
 #include "hosts/cli/recording_host.h"
+#include "hosts/common/thread_pool.h"
 
 namespace lumafold {
 
@@ -24,6 +25,7 @@ bool SameFile(const std::string& one, const std::string& other);
 bool WouldReplace(const std::string& output, OutputKind kind, const std::string& input);
 
 struct PackingOptions {
+    const ThreadPool& pool;
     std::optional<int> quality;           ///< of a WebP, 0 to 100; without one it keeps every colour
     std::optional<int> effort;            ///< of PNG and MNG files, 1 to 12
     std::uint64_t mostBytes = UINT64_MAX; ///< that a film may take before it is written to a file

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "codecs/frame_progress.h"
+#include "codecs/animation_writer.h"
 
 namespace lumafold {
 

@@ -2,8 +2,6 @@
 
 #include <span>
 
-#include "codecs/apng_writer.h"
-#include "codecs/gif_writer.h"
 
 namespace lumafold {
 namespace {
@@ -29,8 +27,8 @@ FileSize MeasureFile(const Animation& animation, const FrameProgress& progress) 
     const bool trueColour = HasTrueColour(animation);
     const auto encoded = [&](const Animation& part) {
         std::string error;
-        return static_cast<std::uint64_t>(
-            (trueColour ? EncodeApng(part, error, progress) : EncodeGif(part, error, progress)).size());
+        const AnimationKind kind = trueColour ? AnimationKind::Apng : AnimationKind::Gif;
+        return static_cast<std::uint64_t>(EncodeAnimation(kind, part, error, {.goOn = progress}).size());
     };
     const std::uint64_t framePixels =
         static_cast<std::uint64_t>(animation.width) * static_cast<std::uint64_t>(animation.height);

@@ -8,7 +8,7 @@
 #include <optional>
 #include <thread>
 
-#include "codecs/frame_progress.h"
+#include "codecs/animation_writer.h"
 
 namespace lumafold {
 

@@ -2,11 +2,9 @@
 
 #include <cstdio>
 
-#include "codecs/apng_writer.h"
+#include "codecs/animation_writer.h"
 #include "codecs/files.h"
 #include "codecs/frame_screens.h"
-#include "codecs/gif_writer.h"
-#include "codecs/mng_writer.h"
 #include "codecs/png_writer.h"
 #include "hosts/common/paths.h"
 #include "hosts/common/staged_folder.h"
@@ -25,17 +23,12 @@ std::string FrameName(std::size_t index) {
 
 bool SaveAnimation(const std::string& path, const Animation& animation, const FrameProgress& progress,
                    std::uint64_t& bytes, std::string& error) {
-    const std::string suffix = LowerSuffix(path);
-    std::vector<std::uint8_t> file;
-    if (suffix == "gif") {
-        file = EncodeGif(animation, error, progress);
-    } else if (suffix == "png" || suffix == "apng") {
-        file = EncodeApng(animation, error, progress);
-    } else if (suffix == "mng") {
-        file = EncodeMng(animation, error, progress);
-    } else {
+    const std::optional<AnimationKind> kind = AnimationKindOf(path);
+    if (!kind) {
         error = "the name must end in .gif, .png or .mng";
+        return false;
     }
+    const std::vector<std::uint8_t> file = EncodeAnimation(*kind, animation, error, {.goOn = progress});
     bytes = file.size();
     return bytes > 0 && WriteFileSafely(path, file, error);
 }

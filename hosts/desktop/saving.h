@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "codecs/frame_progress.h"
+#include "codecs/animation_writer.h"
 
 namespace lumafold {
 

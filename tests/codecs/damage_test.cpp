@@ -4,7 +4,7 @@
 #include <random>
 
 #include "codecs/decode.h"
-#include "codecs/gif_writer.h"
+#include "codecs/animation_writer.h"
 #include "codecs/png_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/pictures.h"
@@ -26,7 +26,7 @@ Bytes SmallGif() {
     AddFrame(animation, {8, 5, 250, 20},
              [](int x, int y) { return static_cast<unsigned>((x + 20 * y) * x % 251); });
     std::string error;
-    return EncodeGif(animation, error);
+    return EncodeAnimation(AnimationKind::Gif, animation, error);
 }
 
 Bytes With(Bytes file, std::size_t offset, std::initializer_list<std::uint8_t> bytes) {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "codecs/gif_writer.h"
+#include "codecs/animation_writer.h"
 #include "settings/settings.h"
 #include "tests/endurance/system_counts.h"
 #include "tests/support/build_fixture.h"
@@ -46,7 +46,7 @@ std::size_t WrittenBytes(RecordingHost& host) {
     for (RecordedFrame& frame : host.frames)
         animation.frames.push_back({std::move(frame.image), frame.delay, frame.transparentIndex});
     std::string error;
-    return EncodeGif(animation, error).size();
+    return EncodeAnimation(AnimationKind::Gif, animation, error).size();
 }
 
 void BuildOnce(int number) {

@@ -4,7 +4,7 @@
 #include <future>
 
 #include "codecs/decode.h"
-#include "codecs/gif_writer.h"
+#include "codecs/animation_writer.h"
 #include "hosts/common/paths.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/document_set.h"
@@ -166,7 +166,7 @@ TEST(FileSize, IsEstimatedWhereWritingTakesLong) {
     for (int i = 0; i < 8; ++i)
         AddFrame(animation, {8, 5}, [&](int x, int y) { return x < 200 && y == i ? 3U : 0U; });
     std::string error;
-    const double exact = static_cast<double>(EncodeGif(animation, error).size());
+    const double exact = static_cast<double>(EncodeAnimation(AnimationKind::Gif, animation, error).size());
     std::promise<void> done;
     SizeMeasurer measurer([&] { done.set_value(); });
     const auto shared = std::make_shared<const Animation>(std::move(animation));

@@ -1,0 +1,28 @@
+// A colour that nothing has, for holes in pictures of true colour.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "image/dib.h"
+
+namespace lumafold {
+
+/// Tried first.
+inline constexpr PixelValue kLikelyFreeColour = 0xFF00FF;
+
+/// Colours as 0x00BBGGRR; kNoPixel counts for none. 2 MB.
+class ColourSet {
+public:
+    void Add(std::span<const PixelValue> pixels);
+    /// kNoPixel when all are taken.
+    PixelValue Free() const;
+
+private:
+    std::vector<bool> taken_ = std::vector<bool>(std::size_t{1} << 24);
+};
+
+/// A colour that none of the pixels has, kNoPixel when all are taken.
+PixelValue FreeColour(std::span<const PixelValue> pixels);
+
+} // namespace lumafold

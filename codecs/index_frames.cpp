@@ -1,0 +1,79 @@
+#include "codecs/index_frames.h"
+
+#include <algorithm>
+
+namespace lumafold {
+
+IndexUse::IndexUse(const Screen& screen, const Rect& rect) {
+    for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+        const PixelValue* shown = screen.Row(y);
+        const std::uint8_t* changed = screen.Changed(y);
+        for (std::int32_t x = rect.left; x < rect.right; ++x) {
+            if (shown[x] == kNoPixel) {
+                holes = true;
+            } else {
+                ++(changed[x] != 0 ? drawn : kept)[shown[x]];
+                anyKept |= changed[x] == 0;
+            }
+        }
+    }
+}
+
+bool FileTable::Admit(const IndexUse& use) {
+    std::vector<std::int16_t> added;
+    for (std::size_t index = 0; index < 256; ++index) {
+        if (use.drawn[index] + use.kept[index] > 0 && !Has(static_cast<PixelValue>(index)))
+            added.push_back(static_cast<std::int16_t>(index));
+    }
+    if (indexes_.size() + added.size() > kMostEntries) return false;
+    const auto pixels = [&](std::int16_t index) {
+        return use.drawn[static_cast<std::size_t>(index)] + use.kept[static_cast<std::size_t>(index)];
+    };
+    std::stable_sort(added.begin(), added.end(),
+                     [&](std::int16_t a, std::int16_t b) { return pixels(a) > pixels(b); });
+    for (const std::int16_t index : added) {
+        entries_[static_cast<std::size_t>(index)] = static_cast<std::int16_t>(Entries());
+        indexes_.push_back(index);
+    }
+    return true;
+}
+
+bool FileTable::AdmitHole() {
+    if (Entries() == kMostEntries) return false;
+    hole_ = Entries();
+    indexes_.push_back(kHoleIndex);
+    return true;
+}
+
+std::vector<Rgb> FileTable::Colours(const Palette& palette, std::size_t atLeast) const {
+    std::vector<Rgb> colours;
+    for (const std::int16_t index : indexes_)
+        colours.push_back(index == kHoleIndex ? Rgb{} : palette[static_cast<std::size_t>(index)]);
+    for (std::size_t index = 0; index < palette.size() && colours.size() < atLeast; ++index) {
+        if (!Has(static_cast<PixelValue>(index))) colours.push_back(palette[index]);
+    }
+    return colours;
+}
+
+IndexCut FileTable::Cut(const Screen& screen, const Rect& rect, int hole) const {
+    IndexCut cut{rect, hole, 0, false, {}};
+    const auto holeEntry = static_cast<std::uint8_t>(std::max(hole, 0));
+    cut.pixels.resize(static_cast<std::size_t>(RectWidth(rect)) * static_cast<std::size_t>(RectHeight(rect)));
+    ChoicePixel* to = cut.pixels.data();
+    int highest = 0;
+    for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
+        const PixelValue* shown = screen.Row(y);
+        const std::uint8_t* changed = screen.Changed(y);
+        for (std::int32_t x = rect.left; x < rect.right; ++x, ++to) {
+            const auto entry =
+                shown[x] == kNoPixel ? holeEntry : static_cast<std::uint8_t>(entries_[shown[x] & 0xFF]);
+            *to = {entry, changed[x] == 0 && hole >= 0 ? holeEntry : entry};
+            cut.mayLeaveOut |= to->IsFree();
+            highest = std::max<int>(highest, entry);
+        }
+    }
+    cut.entries = std::max(highest, hole) + 1;
+    return cut;
+}
+
+} // namespace lumafold

@@ -1,0 +1,85 @@
+// The single pictures that animated PNG and MNG files are made of: each what one frame changes, packed for
+// itself.
+#pragma once
+
+#include "codecs/animation_writer.h"
+#include "codecs/index_frames.h"
+#include "codecs/png_chunks.h"
+#include "codecs/png_rows.h"
+
+namespace lumafold {
+
+inline constexpr std::int32_t kMostPngSide = 1000000; // libpng's own bound, on either side of the file
+inline constexpr char kPngSideError[] = "PNG cannot hold sides above 1000000 pixels";
+
+enum class PngColours : std::uint32_t { True = 2, Indexed = 3 };
+/// `bits` of a sample: 1, 2, 4 or 8.
+ChunkWriter::Data PngHeader(const Rect& rect, int bits, PngColours colours);
+/// How many bits palette pictures need for so many entries.
+int BitsFor(int entries);
+ChunkWriter::Data PngPalette(std::span<const Rgb> colours);
+ChunkWriter::Data PngTransparentColour(PixelValue colour);
+
+/// A rectangle of a frame in true colour, like an IndexCut. kFreePixel marks colours that need not be drawn.
+struct ColourCut {
+    Rect rect{};
+    PixelValue hole = kNoPixel; ///< a colour that is drawn nowhere, kNoPixel for none
+    bool mayLeaveOut = false;
+    std::vector<PixelValue> pixels; ///< kNoPixel where nothing was ever drawn
+};
+inline constexpr PixelValue kFreePixel = 0x01000000;
+
+/// What `screen` shows in `rect` as colours.
+ColourCut CutColours(const Screen& screen, const Rect& rect, PixelValue hole);
+/// Whether the frame shown last draws `colour` in `rect`.
+bool Draws(const Screen& screen, const Rect& rect, PixelValue colour);
+
+class PngPicture : public FrameWork {
+public:
+    /// `bits` of a pixel, 1, 2, 4 or 8.
+    PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort);
+    PngPicture(ColourCut cut, std::int32_t delay, int effort);
+
+    void Pack() override;
+    /// Indexes may be packed once more, at fewer bits a pixel, until they are told to be needed no longer.
+    void Repack(int bits);
+    void KeepPixels(bool keep);
+
+    const Rect& Place() const { return rect_; }
+    std::int32_t Delay() const { return delay_; }
+    bool HasPalette() const { return bits_ <= 8; }
+    int Bits() const { return bits_; }
+    // These are known once it is packed.
+    bool HasHoles() const { return hasHoles_; }
+    std::span<const std::uint8_t> Data() const { return data_; }
+
+private:
+    enum class Kept { Drawn, LeftOut };
+    enum class Rows { All, Sample };
+    struct Way {
+        Kept kept;
+        RowFilter filter;
+    };
+    struct Filled {
+        std::vector<std::uint8_t> bytes;
+        bool hasHoles = false;
+    };
+
+    std::vector<Way> Ways() const;
+    Filled Fill(Kept kept, Rows rows) const;
+    void FillRow(std::size_t y, Kept kept, Filled& to) const;
+    std::vector<std::uint8_t> Filtered(const Way& way, Rows rows, bool& hasHoles) const;
+    std::size_t Width() const { return static_cast<std::size_t>(RectWidth(rect_)); }
+    std::size_t Height() const { return static_cast<std::size_t>(RectHeight(rect_)); }
+
+    Rect rect_;
+    int bits_; ///< of a pixel, 24 for colours
+    std::int32_t delay_;
+    int effort_;
+    bool packed_ = false, keepsPixels_ = false, hasHoles_ = false;
+    IndexCut indexes_;
+    ColourCut colours_;
+    std::vector<std::uint8_t> data_;
+};
+
+} // namespace lumafold

@@ -1,0 +1,26 @@
+// Rows of PNG pictures, filtered and compressed as IDAT chunks hold them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace lumafold {
+
+/// Rows as PNG orders their bytes, without a byte for the filter.
+struct PngRows {
+    std::size_t rowBytes, pixelBytes; ///< `pixelBytes` 1 for pixels of a byte or less
+    std::span<const std::uint8_t> bytes;
+};
+
+/// What stands in front of a row is a guess of it from the bytes around, row by row the one that leaves least
+/// to say; or nothing is guessed, as is best for indexes and for flat drawings.
+enum class RowFilter { None, Least };
+
+/// Each row behind the number of its filter.
+std::vector<std::uint8_t> FilterRows(const PngRows& rows, RowFilter filter);
+
+/// A zlib stream; `effort` 1 to 12. Throws std::bad_alloc.
+std::vector<std::uint8_t> Deflate(std::span<const std::uint8_t> bytes, int effort);
+
+} // namespace lumafold
