@@ -1,44 +1,36 @@
 #include "codecs/decode.h"
 
-#include <cstring>
 #include <new>
-#include <string_view>
-#include <vector>
 
 #include "codecs/decode_common.h"
+#include "codecs/file_kinds.h"
 #include "codecs/files.h"
 
 namespace lumafold {
 namespace {
 
-struct Format {
-    std::string_view firstBytes;
-    OwnedDib (*decode)(std::span<const std::uint8_t>, const DecodeLimits&);
-};
-constexpr Format kFormats[] = {
-    {std::string_view("\x89PNG\r\n\x1A\n", 8), DecodePng},
-    {std::string_view("\xFF\xD8\xFF", 3), DecodeJpeg},
-    {"GIF87a", DecodeGif},
-    {"GIF89a", DecodeGif},
-    {"BM", DecodeBmp},
-};
-
-OwnedDib DecodeByFirstBytes(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
-    if (file.empty()) throw DecodeError{"the file is empty"};
-    for (const Format& format : kFormats) {
-        const std::size_t length = format.firstBytes.size();
-        if (file.size() >= length && std::memcmp(file.data(), format.firstBytes.data(), length) == 0) {
-            return format.decode(file, limits);
-        }
+OwnedDib DecodeByKind(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
+    if (file.empty()) throw DecodeError{kEmptyFile};
+    switch (KindOf(file).value_or(FileKind::Mng)) {
+    case FileKind::Png:
+        return DecodePng(file, limits);
+    case FileKind::Jpeg:
+        return DecodeJpeg(file, limits);
+    case FileKind::Gif:
+        return DecodeGif(file, limits);
+    case FileKind::Bmp:
+        return DecodeBmp(file, limits);
+    case FileKind::Mng:
+        break;
     }
-    throw DecodeError{"this is no PNG, JPEG, GIF or BMP picture"};
+    throw DecodeError{kUnknownKind};
 }
 
 } // namespace
 
 DecodedPicture DecodePicture(std::span<const std::uint8_t> file, PixelValue matte, std::uint64_t mostPixels) {
     try {
-        return {DecodeByFirstBytes(file, {matte, mostPixels}), ""};
+        return {DecodeByKind(file, {matte, mostPixels}), ""};
     } catch (const DecodeError& failure) {
         return {OwnedDib(), failure.text};
     } catch (const std::bad_alloc&) {
@@ -47,10 +39,10 @@ DecodedPicture DecodePicture(std::span<const std::uint8_t> file, PixelValue matt
 }
 
 DecodedPicture DecodePictureFile(const std::string& path, PixelValue matte, std::uint64_t mostPixels) {
-    std::vector<std::uint8_t> bytes;
+    Array<std::uint8_t> bytes;
     std::string error;
-    if (!ReadWholeFile(path, bytes, error)) return {OwnedDib(), error};
-    return DecodePicture(bytes, matte, mostPixels);
+    if (!ReadKnownFile(path, bytes, error)) return {OwnedDib(), error};
+    return DecodePicture({bytes.data(), bytes.size()}, matte, mostPixels);
 }
 
 } // namespace lumafold

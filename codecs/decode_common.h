@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "image/dib.h"
 
@@ -17,6 +18,8 @@ struct DecodeError {
 };
 
 inline constexpr const char* kEndsTooEarly = "the file ends too early";
+inline constexpr const char* kEmptyFile = "the file is empty";
+inline constexpr const char* kUnknownKind = "this is no PNG, JPEG, GIF or BMP picture";
 
 struct DecodeLimits {
     PixelValue matte;         ///< 0x00BBGGRR, behind whatever is transparent
@@ -68,5 +71,9 @@ OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limit
 OwnedDib DecodeJpeg(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 OwnedDib DecodeGif(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 OwnedDib DecodeBmp(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+
+/// A PNG picture as it is stored, with its alpha on top: 0xAABBGGRR, row by row. The limits' matte is not
+/// used.
+std::vector<PixelValue> DecodePngPixels(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 
 } // namespace lumafold

@@ -9,10 +9,10 @@
 #include "codecs/animation_reader.h"
 #include "codecs/animation_writer.h"
 #include "codecs/decode.h"
+#include "codecs/frame_screens.h"
 #include "codecs/gif_reader.h"
 #include "codecs/png_chunks.h"
 #include "codecs/png_writer.h"
-#include "codecs/frame_screens.h"
 #include "tests/support/animations.h"
 #include "tests/support/colours.h"
 #include "tests/support/pictures.h"
@@ -311,10 +311,12 @@ TEST(AnimationWriters, TakeFramesFirstAndPackThemInAnyOrder) {
             sizes[hard] = EncodeAnimation(AnimationKind::Apng, animation, error, {hard ? 12 : 1, {}}).size();
         EXPECT_LT(sizes[1], sizes[0]);
         std::size_t told = 0;
-        EXPECT_TRUE(EncodeAnimation(AnimationKind::Mng, animation, error, {1, [&](auto done, auto) {
-                                                                                told = done;
-                                                                                return done < 1;
-                                                                            }})
+        EXPECT_TRUE(EncodeAnimation(AnimationKind::Mng, animation, error,
+                                    {1,
+                                     [&](auto done, auto) {
+                                         told = done;
+                                         return done < 1;
+                                     }})
                         .empty());
         EXPECT_EQ(told, 1U);
         EXPECT_NE(error, "");

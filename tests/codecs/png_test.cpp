@@ -140,7 +140,8 @@ void ExpectPicture(const PngRecipe& png, const std::string& name) {
     ASSERT_EQ(dib->biBitCount, WantedBits(png));
     for (int y = 0; y < png.height; ++y) {
         for (int x = 0; x < png.width; ++x) {
-            const Rgb seen = turned ? ColourAt(*dib.Get(), png.height - 1 - y, x) : ColourAt(*dib.Get(), x, y);
+            const Rgb seen =
+                turned ? ColourAt(*dib.Get(), png.height - 1 - y, x) : ColourAt(*dib.Get(), x, y);
             ASSERT_EQ(seen, WantedAt(png, x, y)) << x << ", " << y;
         }
     }
