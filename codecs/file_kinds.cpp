@@ -10,7 +10,7 @@ namespace {
 constexpr struct {
     std::string_view bytes;
     FileKind kind;
-} kSignatures[] = {{kPngSignature, FileKind::Png}, {kMngSignature, FileKind::Mng},
+} kSignatures[] = {{kPngSignature, FileKind::Png},   {kMngSignature, FileKind::Mng},
                    {"\xFF\xD8\xFF", FileKind::Jpeg}, {"GIF87a", FileKind::Gif},
                    {"GIF89a", FileKind::Gif},        {"BM", FileKind::Bmp}};
 

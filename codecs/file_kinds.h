@@ -11,10 +11,11 @@ namespace lumafold {
 enum class FileKind { Png, Jpeg, Gif, Bmp, Mng };
 
 /// No file needs more of its beginning than this to tell its kind.
-inline constexpr std::size_t kKindBytes = 8;
+inline constexpr std::size_t kKindBytes = 12;
 std::optional<FileKind> KindOf(std::span<const std::uint8_t> firstBytes);
 
-inline constexpr std::string_view kPngSignature("\x89PNG\r\n\x1A\n", 8), kMngSignature("\x8AMNG\r\n\x1A\n", 8);
+inline constexpr std::string_view kPngSignature("\x89PNG\r\n\x1A\n", 8),
+    kMngSignature("\x8AMNG\r\n\x1A\n", 8);
 
 /// What animations are written as.
 enum class AnimationKind { Gif, Apng, Mng };

@@ -30,4 +30,7 @@ const PictureKind* PictureKindOf(std::span<const std::uint8_t> file);
 /// The names of what this build reads: "PNG, JPEG or GIF" where `joint` is "or".
 std::string ReadablePictureKinds(std::string_view joint);
 
+/// What is said of a file that is of none of the kinds.
+std::string UnknownKindText();
+
 } // namespace lumafold

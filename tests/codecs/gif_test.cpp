@@ -1,8 +1,8 @@
 #include <gif_lib.h>
 #include <gtest/gtest.h>
 
+#include "codecs/animation_writer.h"
 #include "codecs/decode.h"
-#include "codecs/gif_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/colours.h"
 
@@ -22,7 +22,7 @@ void ExpectPicture(std::span<const std::uint8_t> file, int width, int height, in
     EXPECT_EQ(dib->biBitCount, bits);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x)
-            ASSERT_EQ(ColourAt(*dib, x, y), wantedAt(x, y)) << x << ", " << y;
+            ASSERT_EQ(ColourAt(*dib.Get(), x, y), wantedAt(x, y)) << x << ", " << y;
     }
 }
 
@@ -38,7 +38,7 @@ TEST(GifDecoder, KeepsThePaletteAndFillsWithTheMatte) {
                 std::string error;
                 // A matte entry of its own needs a place in the table.
                 const unsigned needed = hole || frameWidth == 33 ? most : most + 1;
-                ExpectPicture(EncodeGif(made, error), 33, 17,
+                ExpectPicture(EncodeAnimation(AnimationKind::Gif, made, error), 33, 17,
                               needed > 256  ? 24
                               : needed > 16 ? 8
                               : needed > 2  ? 4
