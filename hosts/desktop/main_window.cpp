@@ -5,7 +5,6 @@
 
 #include <cstdio>
 
-#include "hosts/common/paths.h"
 #include "hosts/common/wide_text.h"
 #include "hosts/desktop/ids.h"
 #include "hosts/desktop/window_place.h"
@@ -18,15 +17,6 @@ namespace {
 constexpr char kProgram[] = "Lumafold Host";
 enum TimerNumber : UINT_PTR { kPlayTimer = 1, kIdleTimer, kFeedTimer };
 constexpr UINT kDpiChanged = 0x02E0; ///< WM_DPICHANGED, which the headers for our oldest system lack
-
-/// What needs an open animation.
-constexpr int kForDocuments[] = {
-    HOST_SAVE,          HOST_SAVE_FRAMES,      HOST_CLOSE,       HOST_COPY,
-    HOST_FIRST,         HOST_PREVIOUS,         HOST_PLAY,        HOST_NEXT,
-    HOST_LAST,          HOST_TEN_BACK,         HOST_TEN_ON,      HOST_ZOOM_FIT,
-    HOST_ZOOM_IN,       HOST_ZOOM_OUT,         HOST_ZOOM_ACTUAL, HOST_PAN_LEFT,
-    HOST_PAN_RIGHT,     HOST_PAN_UP,           HOST_PAN_DOWN,    HOST_CHECKERBOARD,
-    HOST_NEXT_DOCUMENT, HOST_PREVIOUS_DOCUMENT};
 
 Backdrop BackdropFor(const HostSettings& settings) {
     return settings.checkerboard ? Backdrop::Checkerboard : Backdrop::Plain;
@@ -124,7 +114,7 @@ LRESULT MainWindow::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
         Command(LOWORD(wparam));
         return 0;
     case WM_INITMENUPOPUP:
-        PrepareMenu(reinterpret_cast<HMENU>(wparam));
+        PrepareMenu(reinterpret_cast<HMENU>(wparam), Offered());
         return 0;
     case WM_NOTIFY:
         if (auto* header = reinterpret_cast<NMHDR*>(lparam); header->code == TTN_GETDISPINFOW)
@@ -357,15 +347,17 @@ void MainWindow::CurrentChanged() {
 
 void MainWindow::StateChanged() {
     const Document* document = documents_.Current();
-    for (const int command : kForDocuments)
-        toolbar_.Enable(command, document != nullptr);
-    toolbar_.ShowPlaying(document != nullptr && document->Player().IsPlaying());
-    toolbar_.Check(HOST_ZOOM_FIT, canvas_.Fits());
-    toolbar_.Check(HOST_CHECKERBOARD, settings_.checkerboard);
+    PrepareToolbar(toolbar_, Offered());
     list_.Show(documents_.All(), documents_.CurrentIndex());
     const std::string title = document != nullptr ? TitleOf(*document) + " - " + kProgram : kProgram;
     SetWindowTextW(window_, Wide(title).c_str());
     ShowStatus();
+}
+
+Offer MainWindow::Offered() const {
+    const Document* document = documents_.Current();
+    return {settings_, document != nullptr, document != nullptr && document->Player().IsPlaying(),
+            canvas_.Fits()};
 }
 
 void MainWindow::ShowStatus() { status_.Show(documents_.Current(), canvas_.Zoom(), settings_.capabilities); }
@@ -420,33 +412,6 @@ void MainWindow::TakeMeasured() {
             document.TakeSize(measured->size);
     }
     StateChanged();
-}
-
-void MainWindow::PrepareMenu(HMENU menu) const {
-    const UINT state = MF_BYCOMMAND | (documents_.Count() > 0 ? MF_ENABLED : MF_GRAYED);
-    for (const int command : kForDocuments)
-        EnableMenuItem(menu, static_cast<UINT>(command), state);
-    CheckMenuItem(menu, HOST_CHECKERBOARD,
-                  MF_BYCOMMAND | (settings_.checkerboard ? MF_CHECKED : MF_UNCHECKED));
-    CheckMenuItem(menu, HOST_ZOOM_FIT, MF_BYCOMMAND | (canvas_.Fits() ? MF_CHECKED : MF_UNCHECKED));
-    const UINT chosen = settings_.capabilities == kHostTakesSupercompression ? HOST_FOR_GIF
-                        : settings_.capabilities == kHostTakesTrueColour     ? HOST_FOR_PNG_WHOLE
-                                                                             : HOST_FOR_PNG;
-    CheckMenuRadioItem(menu, HOST_FOR_GIF, HOST_FOR_PNG_WHOLE, chosen, MF_BYCOMMAND);
-    const UINT first = GetMenuItemID(menu, 0);
-    if (first == HOST_RECENT_NONE || first == HOST_RECENT) ListRecent(menu);
-}
-
-void MainWindow::ListRecent(HMENU menu) const {
-    if (settings_.recentFiles.empty()) return;
-    while (DeleteMenu(menu, 0, MF_BYPOSITION) != 0) {
-    }
-    for (std::size_t i = 0; i < settings_.recentFiles.size(); ++i) {
-        std::string text = "&" + std::to_string(i + 1) + "  ";
-        for (const char letter : FileNamePart(settings_.recentFiles[i]))
-            text += letter == '&' ? "&&" : std::string(1, letter);
-        AppendMenuW(menu, MF_STRING, HOST_RECENT + i, Wide(text).c_str());
-    }
 }
 
 void MainWindow::About() {

@@ -6,9 +6,9 @@
 #include "hosts/desktop/canvas.h"
 #include "hosts/desktop/document_list.h"
 #include "hosts/desktop/frame_strip.h"
+#include "hosts/desktop/menus.h"
 #include "hosts/desktop/plugin_session.h"
 #include "hosts/desktop/status_bar.h"
-#include "hosts/desktop/toolbar.h"
 
 namespace lumafold {
 
@@ -60,8 +60,7 @@ private:
     void Tick();
     void Idle();
     void TakeMeasured();
-    void PrepareMenu(HMENU menu) const;
-    void ListRecent(HMENU menu) const;
+    Offer Offered() const;
     void Remember();
     bool MayLeave();
     void Leave();

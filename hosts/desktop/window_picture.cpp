@@ -17,8 +17,8 @@ OwnedDib WindowPicture(HWND window) {
         BitBlt(memory, 0, 0, width, height, screen, area.left, area.top, SRCCOPY);
     }
     auto* info = reinterpret_cast<BITMAPINFO*>(&*picture);
-    GetDIBits(memory, bitmap.Get(), 0, static_cast<UINT>(height),
-              picture.Rows().Stored(), info, DIB_RGB_COLORS);
+    GetDIBits(memory, bitmap.Get(), 0, static_cast<UINT>(height), picture.Rows().Stored(), info,
+              DIB_RGB_COLORS);
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
     return picture;

@@ -12,6 +12,8 @@ import subprocess
 import sys
 import zlib
 
+from file_names import NAMES
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SCREENSHOTS = ROOT / "out/screenshots"
 MATTE = "#0AC85A"
@@ -197,11 +199,38 @@ def script_of(native):
     yield from ("close", quoted("expect-documents", builds))
 
 
+def names_script():
+    """Steps for files of all kinds of names: opened, saved, their frames saved, and dropped into the plug-in's list."""
+    for name in NAMES:
+        path = "names\\" + name.replace("/", "\\")
+        yield from (f'open "{path}.gif"', 'expect-size 33 21', f'save-as "{path}.x.png"', f'save-frames "{path}.d"')
+        yield from ("close", f'open "{path}.x.png"', f'expect-title "{name.split("/")[-1]}.x.png - "', "close")
+    yield from ("open-dialog", "remove-all", "cancel")
+    yield "drop " + " ".join('"names\\' + name.replace("/", "\\") + '.gif"' for name in NAMES)
+    yield from (f"expect-items {len(NAMES)}", "set TransitionType None", "build", f"expect-frames {len(NAMES)}")
+
+
+def dots_script(dots):
+    yield from (f"screenshot windows\\host-{dots}-welcome.png", "open windows\\iris.gif", "frame 9", "wait 300")
+    yield from (f"screenshot windows\\host-{dots}.png", "open-dialog", f"screenshot windows\\host-{dots}-dialog.png", "cancel")
+
+
+def name_findings(work):
+    """Each name got its file and its frame, and both show what was opened."""
+    for name in NAMES:
+        saved, frame = work / f"names/{name}.x.png", work / f"names/{name}.d/frame-0000.png"
+        good = saved.is_file() and [path.name for path in frame.parent.iterdir()] == ["frame-0000.png"]
+        yield good, f"{name}: " + ("saved, and its frame" if good else "not there")
+
+
 def run_windows(host, work, scripts):
-    """Runs the scripts one after the other on one screen; returns their statuses and what they complained about."""
+    """Runs the scripts one after the other on one screen; returns their statuses and what they complained about. The last
+    one has a screen of 144 dots an inch."""
     lines = ["@echo off", 'rmdir /s /q "%APPDATA%\\Brackenfield" 2>nul']
     for number, script in enumerate(scripts):
-        (work / f"script-{number}.txt").write_text(script, newline="\r\n")
+        if number + 1 == len(scripts):
+            lines.append('reg add "HKCU\\Control Panel\\Desktop" /v LogPixels /t REG_DWORD /d 144 /f >nul')
+        (work / f"script-{number}.txt").write_text(script, newline="\r\n", encoding="utf-8")
         (work / f"log-{number}.txt").unlink(missing_ok=True)
         lines.append(f'"{host}" --script script-{number}.txt --log log-{number}.txt')
         lines.append("echo %errorlevel%")
@@ -209,7 +238,7 @@ def run_windows(host, work, scripts):
     done = subprocess.run([ROOT / "tools/wine-run", "--screen", "cmd", "/c", "run.bat"], cwd=work, text=True,
                           stdout=subprocess.PIPE, timeout=200)
     statuses = [int(line) for line in done.stdout.split()]
-    return [(status, (work / f"log-{number}.txt").read_text(errors="replace").strip())
+    return [(status, (work / f"log-{number}.txt").read_text(encoding="utf-8", errors="replace").strip())
             for number, status in enumerate(statuses)]
 
 
@@ -238,16 +267,24 @@ def main():
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
     make_inputs(native_dir, work / "inputs")
+    shutil.rmtree(work / "names", ignore_errors=True)
+    for name in NAMES:
+        (work / f"names/{name}").parent.mkdir(parents=True, exist_ok=True)
+        shutil.copy(work / "inputs/clear.gif", work / f"names/{name}.gif")
     person = Person()
     for build in BUILDS:
         person.take(build)
         for name in build["save"]:
             subprocess.run([native_dir / "hosts/cli/lumafold", *person.words(build, name)], cwd=native, check=True)
 
-    scripts = ["\n".join(script_of(native)) + "\n", *(text + "\n" for text, _, _ in FAILURES)]
+    scripts = ["\n".join(script_of(native)) + "\n", *(text + "\n" for text, _, _ in FAILURES),
+               *("\n".join(steps) + "\n" for steps in (names_script(), dots_script(96), dots_script(144)))]
     results = run_windows("Z:" + str(host).replace("/", "\\"), work, scripts)
     findings = [(len(results) == len(scripts), f"{len(results)} of {len(scripts)} scripts ran")]
     findings += [(results[0] == (0, ""), f"the long script: {results[0]}")]
+    findings += [(result == (0, ""), f"{what}: {result}") for what, result in
+                 zip(("names", "96 dots an inch", "144 dots an inch"), results[-3:])]
+    findings += name_findings(work)
     findings += compare(native, windows)
     findings += expectations(native)
     for (script, status, why), found in zip(FAILURES, results[1:]):
