@@ -135,7 +135,8 @@ FrameRecord ChangedFrame(unsigned changed) {
     Random random(3);
     for (std::int32_t y = 0; y < bench::kHeight; ++y) {
         for (std::int32_t x = 0; x < bench::kWidth; ++x) {
-            if ((random.Draw() >> 5) % 8 < changed) DibSetPixel(*to, x, y, DibGetPixel(*from, x, y));
+            if ((random.Draw() >> 5) % 8 < changed)
+                DibSetPixel(*to, x, y, DibGetPixel(*from, x, y));
         }
     }
     return frame;
