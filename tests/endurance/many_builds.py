@@ -174,6 +174,57 @@ class ManyBuilds(unittest.TestCase):
         self.assertTrue(all(ends.count(0) == 1 and ends[-1] == 0 for ends in tries.values()), tries)
         self.check_outputs(lines)
 
+    def test_slurm_array(self):
+        if os.geteuid() != 0 or not all(map(shutil.which, ("slurmctld", "slurmd", "sbatch"))):
+            self.skipTest("no Slurm, or nobody who may set up a node")
+        self.start_slurm()
+        lines = table(self.folder, SLURM_BUILDS)
+        (self.folder / "builds.sbatch").write_text(commands()[3])
+        for missing in (lines, lines[2:4]):  # all of them, then what was lost
+            for line in missing:
+                (self.folder / line[0]).unlink(missing_ok=True)
+            before = {line[0]: (self.folder / line[0]).stat().st_ino for line in lines if line not in missing}
+            subprocess.run(["sbatch", "--wait", f"--array=1-{SLURM_BUILDS}", "builds.sbatch"], cwd=self.folder, env=self.environment,
+                           check=True, timeout=400, stdout=subprocess.DEVNULL)
+            self.check_outputs(lines)
+            self.assertEqual({output: (self.folder / output).stat().st_ino for output in before}, before, "built twice")
+
+    def start_slurm(self):
+        """One node with two processors, which is this machine, with all that belongs to it in our folder."""
+        with socket.socket() as one, socket.socket() as other:
+            ports = [probe.bind(("127.0.0.1", 0)) or probe.getsockname()[1] for probe in (one, other)]
+        configuration = self.folder / "slurm.conf"
+        configuration.write_text(f"""ClusterName=lumafold
+SlurmctldHost={socket.gethostname().split('.')[0]}(127.0.0.1)
+SlurmUser=root
+AuthType=auth/none
+CredType=cred/none
+SlurmctldPort={ports[0]}
+SlurmdPort={ports[1]}
+ProctrackType=proctrack/linuxproc
+TaskPlugin=task/none
+JobAcctGatherType=jobacct_gather/none
+SelectType=select/cons_tres
+ReturnToService=2
+StateSaveLocation={self.folder}/state
+SlurmdSpoolDir={self.folder}/spool
+SlurmctldPidFile={self.folder}/slurmctld.pid
+SlurmdPidFile={self.folder}/slurmd.pid
+NodeName=here NodeHostname={socket.gethostname().split('.')[0]} NodeAddr=127.0.0.1 CPUs=2 State=UNKNOWN
+PartitionName=all Nodes=here Default=YES State=UP
+""")
+        (self.folder / "state").mkdir()
+        self.environment["SLURM_CONF"] = str(configuration)
+        for command in (["slurmctld", "-D"], ["slurmd", "-D", "-N", "here"]):
+            daemon = subprocess.Popen([*command, "-f", configuration], env=self.environment, stdout=subprocess.DEVNULL,
+                                      stderr=subprocess.DEVNULL)
+            self.addCleanup(daemon.wait)
+            self.addCleanup(daemon.terminate)
+        deadline = time.monotonic() + 60
+        while b"idle" not in subprocess.run(["sinfo", "-h", "-o", "%T"], env=self.environment, capture_output=True).stdout:
+            self.assertLess(time.monotonic(), deadline, "the node does not come up")
+            time.sleep(0.2)
+
     def wait_for(self, running, built):
         deadline = time.monotonic() + 200
         while sum(tries[-1] == 0 for tries in self.log().values()) < built:
