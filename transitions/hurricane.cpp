@@ -83,21 +83,22 @@ private:
         const std::int32_t last = plane_.Width() - 1;
         const auto walk = [&](std::int32_t first, std::int32_t pixels, SamplePoints& points, auto take) {
             double x[SamplePoints::kMost], y[SamplePoints::kMost];
-            Turn steps[SamplePoints::kMost];
+            double cosines[SamplePoints::kMost], sines[SamplePoints::kMost]; // of the steps
             for (std::int32_t i = 0; i < pixels; ++i) {
                 const std::int32_t column = first + i;
                 const double right = (column + 0.5 - halfWidth_) / halfWidth_;
                 const Sweep& sweep = sweeps_[static_cast<std::size_t>(std::min(column, last - column))];
                 x[i] = right * sweep.first.cosine + down * sweep.first.sine;
                 y[i] = down * sweep.first.cosine - right * sweep.first.sine;
-                steps[i] = sweep.step;
+                cosines[i] = sweep.step.cosine;
+                sines[i] = sweep.step.sine;
             }
             for (std::int32_t sample = 0; sample < whirl_.samples; ++sample) {
                 for (std::int32_t i = 0; i < pixels; ++i) {
                     points.u[i] = halfWidth_ + x[i] * halfWidth_;
                     points.v[i] = halfHeight_ + y[i] * halfHeight_;
-                    const double turned = x[i] * steps[i].cosine + y[i] * steps[i].sine;
-                    y[i] = y[i] * steps[i].cosine - x[i] * steps[i].sine;
+                    const double turned = x[i] * cosines[i] + y[i] * sines[i];
+                    y[i] = y[i] * cosines[i] - x[i] * sines[i];
                     x[i] = turned;
                 }
                 take();

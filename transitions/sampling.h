@@ -52,7 +52,7 @@ public:
     explicit QuickSums(const SamplePlane& plane) : plane_(plane) {}
 
     /// Adds a point to each of `count` sums. One outside the picture, which the matte may touch, makes the
-    /// sum no number.
+    /// sum infinite or no number.
     LUMAFOLD_IN_CALLER void Add(const SamplePoints& points, std::int32_t count) {
         const double width = plane_.Width(), height = plane_.Height();
         const auto stride = static_cast<double>(plane_.Stride());
@@ -64,8 +64,8 @@ public:
             const double x = u + 0.5, y = v + 0.5;
             const double column = static_cast<std::int32_t>(x), row = static_cast<std::int32_t>(y);
             offsets[i] = static_cast<std::int32_t>(row * stride + column);
-            across[i] = static_cast<float>(u == points.u[i] ? x - column : kNoNumber);
-            down[i] = static_cast<float>(v == points.v[i] ? y - row : kNoNumber);
+            across[i] = static_cast<float>(x - column + (points.u[i] - u) * kFarOff);
+            down[i] = static_cast<float>(y - row + (points.v[i] - v) * kFarOff);
         }
         const std::uint32_t* first = plane_.At(-1, -1);
         for (std::int32_t i = 0; i < count; ++i) {
@@ -92,9 +92,13 @@ public:
     }
 
 private:
-    static constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+    // What is at all outside leaves the floats.
+    static constexpr double kFarOff = std::numeric_limits<double>::max();
 
-    static double HeldWithin(double at, double size) { return at >= 0 ? (at <= size ? at : size) : 0; }
+    static double HeldWithin(double at, double size) {
+        const double low = at > 0 ? at : 0;
+        return low < size ? low : size;
+    }
     LUMAFOLD_IN_CALLER static __m128 Bilinear(const std::uint32_t* top, const std::uint32_t* bottom,
                                               __m128 fx, __m128 fy) {
         const __m128i zero = _mm_setzero_si128();
