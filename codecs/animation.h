@@ -1,5 +1,5 @@
-// An animation as a host holds it: what the build driver's task, frames and comment came to; and what a writer
-// of files is told of it, at once or frame by frame.
+// An animation as a host holds it: what the build driver's task, frames and comment came to; and what a
+// writer of files is told of it, at once or frame by frame.
 #pragma once
 
 #include <string>
@@ -35,8 +35,9 @@ struct AnimationFacts {
 /// A frame whose picture belongs to somebody else.
 struct FrameView {
     const DibHeader& picture;
-    std::int32_t delay;            ///< hundredths of a second
-    std::int32_t transparentIndex; ///< of a pixel that leaves what is there: an index, or a colour; -1 for none
+    std::int32_t delay; ///< hundredths of a second
+    std::int32_t
+        transparentIndex; ///< of a pixel that leaves what is there: an index, or a colour; -1 for none
 };
 
 } // namespace lumafold

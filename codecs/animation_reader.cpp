@@ -2,86 +2,70 @@
 
 #include <bit>
 #include <new>
-#include <string_view>
 #include <unordered_map>
 
 #include "codecs/decode.h"
+#include "codecs/file_kinds.h"
 #include "codecs/files.h"
+#include "codecs/free_colour.h"
+#include "codecs/picture_kinds.h"
 #include "codecs/screens.h"
 
 namespace lumafold {
 namespace {
 
-bool StartsWith(std::span<const std::uint8_t> file, std::string_view bytes) {
-    return file.size() >= bytes.size() && std::memcmp(file.data(), bytes.data(), bytes.size()) == 0;
-}
-
 /// The colours of all screens together, and the index each gets; holes are one of them.
 class ColourTable {
 public:
-    void Add(const ShownScreen& screen) {
-        for (const PixelValue colour : screen.pixels) {
-            if (Full() || colour == last_) continue;
-            last_ = colour;
-            indexes_.try_emplace(colour, static_cast<std::uint8_t>(indexes_.size()));
-        }
+    /// -1 where a 257th would be needed.
+    int IndexOf(PixelValue colour) {
+        const auto [entry, added] = indexes_.try_emplace(colour, static_cast<int>(colours_.size()));
+        if (!added) return entry->second;
+        if (colours_.size() == 256) return -1;
+        colours_.push_back(colour);
+        return entry->second;
     }
-    bool Full() const { return indexes_.size() > 256; }
-    std::uint8_t IndexOf(PixelValue colour) const { return indexes_.at(colour); }
     std::int32_t Hole() const {
-        const auto hole = indexes_.find(kNoPixel);
-        return hole == indexes_.end() ? -1 : hole->second;
+        const auto hole = std::find(colours_.begin(), colours_.end(), kNoPixel);
+        return hole == colours_.end() ? -1 : static_cast<std::int32_t>(hole - colours_.begin());
     }
     int Bits() const {
-        return std::max(1, static_cast<int>(std::bit_width(std::max<std::size_t>(indexes_.size(), 1) - 1)));
+        return std::max(1, static_cast<int>(std::bit_width(std::max<std::size_t>(colours_.size(), 1) - 1)));
     }
+    PixelValue ColourOf(std::uint8_t index) const { return colours_[index]; }
     Palette Colours() const {
         Palette palette{};
-        for (const auto& [colour, index] : indexes_) {
-            if (colour != kNoPixel) palette[index] = RgbOf(colour);
-        }
+        for (std::size_t i = 0; i < colours_.size(); ++i)
+            palette[i] = colours_[i] == kNoPixel ? Rgb{} : RgbOf(colours_[i]);
         return palette;
     }
 
 private:
-    std::unordered_map<PixelValue, std::uint8_t> indexes_;
-    PixelValue last_ = 0x01000000; ///< no colour
+    std::unordered_map<PixelValue, int> indexes_;
+    std::vector<PixelValue> colours_; ///< by index
 };
 
-AnimationFrame IndexedFrame(const ShownScreen& screen, const ColourTable& table, const Palette& palette,
-                            std::int32_t delay) {
+/// No picture where the table is too small. The picture's own table is not filled in yet.
+OwnedDib IndexedPicture(const ShownScreen& screen, ColourTable& table) {
     PictureBuilder picture(static_cast<std::uint32_t>(screen.width),
-                           static_cast<std::uint32_t>(screen.height), palette, 8);
+                           static_cast<std::uint32_t>(screen.height), {}, 8);
     const PixelValue* from = screen.pixels.data();
     PixelValue colour = *from;
-    std::uint8_t index = table.IndexOf(colour);
+    int index = table.IndexOf(colour);
     for (std::int32_t y = 0; y < screen.height; ++y) {
         std::uint8_t* row = picture.Row(y);
         for (std::int32_t x = 0; x < screen.width; ++x, ++from) {
             if (*from != colour) index = table.IndexOf(colour = *from);
-            row[x] = index;
+            if (index < 0) return {};
+            row[x] = static_cast<std::uint8_t>(index);
         }
     }
-    return {picture.Finish(), delay, table.Hole()};
-}
-
-/// A colour that no pixel has, for holes; kNoPixel when all are taken.
-PixelValue FreeColour(const ShownScreen& screen) {
-    constexpr PixelValue kFirst = 0xFF00FF, kStep = 0x010101, kColours = 0x1000000;
-    std::vector<bool> taken(kColours); // a screen may have a great many: each is looked at once
-    for (const PixelValue colour : screen.pixels) {
-        if (colour != kNoPixel) taken[colour] = true;
-    }
-    for (PixelValue i = 0; i < kColours; ++i) {
-        const PixelValue colour = (kFirst + i * kStep) % kColours;
-        if (!taken[colour]) return colour;
-    }
-    return kNoPixel;
+    return picture.Finish();
 }
 
 AnimationFrame ColourFrame(const ShownScreen& screen, std::int32_t delay) {
     const bool holes = std::find(screen.pixels.begin(), screen.pixels.end(), kNoPixel) != screen.pixels.end();
-    const PixelValue hole = holes ? FreeColour(screen) : kNoPixel;
+    const PixelValue hole = holes ? FreeColour(screen.pixels) : kNoPixel;
     PictureBuilder picture(static_cast<std::uint32_t>(screen.width),
                            static_cast<std::uint32_t>(screen.height), {}, 24);
     const PixelValue* from = screen.pixels.data();
@@ -99,27 +83,65 @@ AnimationFrame ColourFrame(const ShownScreen& screen, std::int32_t delay) {
 
 using ShowFile = std::string (*)(std::span<const std::uint8_t>, const DecodeLimits&, const OnScreen&);
 
-/// Once to count the colours, and once more to make the frames, so that never all screens are in memory.
-Animation Collect(std::span<const std::uint8_t> file, ShowFile show, const DecodeLimits& limits) {
-    ColourTable table;
-    ScreenBudget budget(limits.mostPixels);
-    show(file, limits, [&](const ShownScreen& screen, std::int32_t) {
-        budget.Take(screen);
-        table.Add(screen);
-    });
-    Animation animation;
-    if (!table.Full()) {
-        animation.paletteBits = table.Bits();
-        animation.palette = table.Colours();
+/// Screens as they come, made into frames with indexes as long as the colours of all so far find room in a
+/// palette, and into frames of colours from then on.
+class FrameCollector {
+public:
+    explicit FrameCollector(const DecodeLimits& limits) : budget_(limits.mostPixels) {}
+
+    void Add(const ShownScreen& screen, std::int32_t delay) {
+        budget_.Take(screen);
+        animation_.width = screen.width;
+        animation_.height = screen.height;
+        if (!colours_) {
+            if (OwnedDib picture = IndexedPicture(screen, table_)) {
+                animation_.frames.push_back({std::move(picture), delay, -1});
+                return;
+            }
+            UseColours();
+        }
+        animation_.frames.push_back(ColourFrame(screen, delay));
     }
-    animation.comment = show(file, limits, [&](const ShownScreen& screen, std::int32_t delay) {
-        animation.width = screen.width;
-        animation.height = screen.height;
-        animation.frames.push_back(table.Full() ? ColourFrame(screen, delay)
-                                                : IndexedFrame(screen, table, animation.palette, delay));
-    });
-    if (animation.frames.empty()) throw DecodeError{"the file holds no picture"};
-    return animation;
+
+    Animation Finish(std::string comment) {
+        if (animation_.frames.empty()) throw DecodeError{"the file holds no picture"};
+        animation_.comment = std::move(comment);
+        if (!colours_) {
+            animation_.paletteBits = table_.Bits();
+            animation_.palette = table_.Colours();
+            for (AnimationFrame& frame : animation_.frames) {
+                DibSetPalette(*frame.image, animation_.palette);
+                frame.transparentIndex = table_.Hole();
+            }
+        }
+        return std::move(animation_);
+    }
+
+private:
+    void UseColours() {
+        colours_ = true;
+        ShownScreen screen(animation_.width, animation_.height);
+        for (AnimationFrame& frame : animation_.frames) {
+            const ConstRowView rows = std::as_const(frame.image).Rows();
+            screen.Each({0, 0, screen.width, screen.height}, [&](PixelValue& pixel, std::size_t i) {
+                const auto width = static_cast<std::size_t>(screen.width);
+                pixel = table_.ColourOf(rows.Row(static_cast<std::int32_t>(i / width))[i % width]);
+            });
+            frame = ColourFrame(screen, frame.delay);
+        }
+    }
+
+    ScreenBudget budget_;
+    ColourTable table_;
+    bool colours_ = false;
+    Animation animation_;
+};
+
+Animation Collect(std::span<const std::uint8_t> file, ShowFile show, const DecodeLimits& limits) {
+    FrameCollector collector(limits);
+    std::string comment = show(
+        file, limits, [&](const ShownScreen& screen, std::int32_t delay) { collector.Add(screen, delay); });
+    return collector.Finish(std::move(comment));
 }
 
 ReadAnimation Still(std::span<const std::uint8_t> file, std::uint64_t mostPixels) {
@@ -136,10 +158,11 @@ ReadAnimation Still(std::span<const std::uint8_t> file, std::uint64_t mostPixels
 
 ReadAnimation Decode(std::span<const std::uint8_t> file, std::uint64_t mostPixels) {
     const DecodeLimits limits{0xFFFFFF, mostPixels};
-    if (StartsWith(file, "GIF8")) return {Collect(file, ShowGif, limits), ""};
-    if (StartsWith(file, std::string_view("\x8AMNG\r\n\x1A\n", 8)))
-        return {Collect(file, ShowMng, limits), ""};
-    if (StartsWith(file, "\x89PNG") && IsAnimatedPng(file)) return {Collect(file, ShowApng, limits), ""};
+    if (HasAt(file, 0, kMngSignature)) return {Collect(file, ShowMng, limits), ""};
+    const PictureKind* kind = PictureKindOf(file);
+    const auto decode = kind != nullptr ? kind->decode : nullptr;
+    if (decode == DecodeGif) return {Collect(file, ShowGif, limits), ""};
+    if (decode == DecodePng && IsAnimatedPng(file)) return {Collect(file, ShowApng, limits), ""};
     return Still(file, mostPixels);
 }
 
@@ -161,10 +184,10 @@ ReadAnimation DecodeAnimation(std::span<const std::uint8_t> file, std::uint64_t 
 }
 
 ReadAnimation DecodeAnimationFile(const std::string& path, std::uint64_t mostPixels) {
-    std::vector<std::uint8_t> bytes;
+    Array<std::uint8_t> bytes;
     std::string error;
-    if (!ReadWholeFile(path, bytes, error)) return {std::nullopt, error};
-    return DecodeAnimation(bytes, mostPixels);
+    if (!ReadKnownFile(path, bytes, error)) return {std::nullopt, error};
+    return DecodeAnimation({bytes.data(), bytes.size()}, mostPixels);
 }
 
 } // namespace lumafold

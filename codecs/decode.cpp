@@ -1,7 +1,5 @@
 #include "codecs/decode.h"
 
-#include <vector>
-
 #include "codecs/decode_common.h"
 #include "codecs/files.h"
 #include "codecs/picture_kinds.h"
@@ -10,9 +8,9 @@ namespace lumafold {
 namespace {
 
 OwnedDib DecodeByFirstBytes(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
-    if (file.empty()) throw DecodeError{"the file is empty"};
+    if (file.empty()) throw DecodeError{kEmptyFile};
     const PictureKind* kind = PictureKindOf(file);
-    if (kind == nullptr) throw DecodeError{"this is no " + ReadablePictureKinds("or") + " picture"};
+    if (kind == nullptr) throw DecodeError{UnknownKindText()};
     if (kind->Readable()) return kind->decode(file, limits);
     throw DecodeError{"this is a picture of the kind " + std::string(kind->name) +
                       ", which this build cannot read"};
@@ -25,10 +23,10 @@ DecodedPicture DecodePicture(std::span<const std::uint8_t> file, PixelValue matt
 }
 
 DecodedPicture DecodePictureFile(const std::string& path, PixelValue matte, std::uint64_t mostPixels) {
-    std::vector<std::uint8_t> bytes;
+    Array<std::uint8_t> bytes;
     std::string error;
-    if (!ReadWholeFile(path, bytes, error)) return {OwnedDib(), error};
-    return DecodePicture(bytes, matte, mostPixels);
+    if (!ReadKnownFile(path, bytes, error)) return {OwnedDib(), error};
+    return DecodePicture({bytes.data(), bytes.size()}, matte, mostPixels);
 }
 
 } // namespace lumafold

@@ -6,6 +6,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "codecs/decode.h"
 #include "image/dib.h"
@@ -22,6 +23,7 @@ struct DecodeError {
 std::string OneLine(const char* text);
 
 inline constexpr const char* kEndsTooEarly = "the file ends too early";
+inline constexpr const char* kEmptyFile = "the file is empty";
 
 struct DecodeLimits {
     PixelValue matte;         ///< 0x00BBGGRR, behind whatever is transparent
@@ -99,5 +101,9 @@ OwnedDib DecodeWebp(std::span<const std::uint8_t> file, const DecodeLimits& limi
 OwnedDib DecodeTiff(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 /// HEIC and AVIF.
 OwnedDib DecodeHeif(std::span<const std::uint8_t> file, const DecodeLimits& limits);
+
+/// A PNG picture as it is stored, with its alpha on top: 0xAABBGGRR, row by row. The limits' matte is not
+/// used.
+std::vector<PixelValue> DecodePngPixels(std::span<const std::uint8_t> file, const DecodeLimits& limits);
 
 } // namespace lumafold

@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -284,6 +285,31 @@ OwnedDib DecodePng(std::span<const std::uint8_t> file, const DecodeLimits& limit
     RowConverter converter(shape, toSrgb, limits.matte, picture);
     ReadRows(reader, shape, converter);
     return Upright(picture.Finish(), ReadOrientation(reader));
+}
+
+std::vector<PixelValue> DecodePngPixels(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
+    static_assert(std::endian::native == std::endian::little); // a pixel's red is its lowest byte
+    CheckHeaderSize(file, limits);
+    PngReader reader(file);
+    const PngShape shape = ReadShape(reader);
+    CheckSize(shape.width, shape.height, limits);
+    std::vector<PixelValue> pixels(std::size_t{shape.width} * shape.height);
+    reader.Guarded([&] {
+        png_structp png = reader.Png();
+        png_set_expand(png);
+        png_set_scale_16(png);
+        png_set_gray_to_rgb(png);
+        png_set_add_alpha(png, 0xFF, PNG_FILLER_AFTER);
+        const int passes = png_set_interlace_handling(png);
+        png_read_update_info(png, reader.Info());
+        for (int pass = 0; pass < passes; ++pass) {
+            for (std::uint32_t y = 0; y < shape.height; ++y)
+                png_read_row(png, reinterpret_cast<png_bytep>(pixels.data() + std::size_t{y} * shape.width),
+                             nullptr);
+        }
+        png_read_end(png, reader.Info());
+    });
+    return pixels;
 }
 
 } // namespace lumafold

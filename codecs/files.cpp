@@ -1,11 +1,16 @@
 #include "codecs/files.h"
 
 #include <cerrno>
-#include <new>
 #include <system_error>
+
+#include "codecs/decode_common.h"
+#include "codecs/file_kinds.h"
+#include "codecs/picture_kinds.h"
 
 namespace lumafold {
 namespace {
+
+constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 
 bool Outcome(FileError code, std::string& error) {
     if (code != 0) error = FileErrorText(code);
@@ -34,17 +39,20 @@ std::string FileErrorText(FileError error) {
     }
 }
 
-bool ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::string& error) {
-    constexpr std::size_t kMost = std::size_t{1} << 30;
-    bytes.clear();
-    Array<std::uint8_t> read;
-    if (const FileError code = LoadFile(path.c_str(), read, kMost)) return Outcome(code, error);
-    try {
-        bytes.assign(read.begin(), read.end());
-    } catch (const std::bad_alloc&) {
-        return Outcome(ENOMEM, error);
+bool ReadWholeFile(const std::string& path, Array<std::uint8_t>& bytes, std::string& error) {
+    return Outcome(LoadFile(path.c_str(), bytes, kMostBytes), error);
+}
+
+bool ReadKnownFile(const std::string& path, Array<std::uint8_t>& bytes, std::string& error) {
+    InputFile file(path.c_str());
+    std::uint8_t first[kKindBytes];
+    const std::span<const std::uint8_t> read(first, file.Read(first, sizeof first));
+    if (file.Error() != 0) return Outcome(file.Error(), error);
+    if (!HasAt(read, 0, kMngSignature) && PictureKindOf(read) == nullptr) {
+        error = read.empty() ? kEmptyFile : UnknownKindText();
+        return false;
     }
-    return true;
+    return Outcome(file.ReadRest(read, bytes, kMostBytes), error);
 }
 
 bool WriteFileSafely(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error) {

@@ -1,4 +1,4 @@
-// Whole files in and out for programs: the house's file calls with strings, vectors and words for what went
+// Whole files in and out for programs: the house's file calls with strings and words for what went
 // wrong.
 #pragma once
 
@@ -15,7 +15,11 @@ namespace lumafold {
 std::string FileErrorText(FileError error);
 
 /// False leaves why in `error`: one line, without the path.
-bool ReadWholeFile(const std::string& path, std::vector<std::uint8_t>& bytes, std::string& error);
+bool ReadWholeFile(const std::string& path, Array<std::uint8_t>& bytes, std::string& error);
+
+/// The same of a file whose first bytes tell a kind that is known here. Of any other, and of a device that
+/// never ends, no more than those is read.
+bool ReadKnownFile(const std::string& path, Array<std::uint8_t>& bytes, std::string& error);
 
 /// Replaces or creates the file as StoreFile does. False leaves why in `error`, and the target as it was.
 bool WriteFileSafely(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error);

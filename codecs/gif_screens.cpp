@@ -5,7 +5,6 @@ namespace lumafold {
 namespace {
 
 enum class Disposal { Keep, Clear, Restore };
-constexpr PixelValue kCleared = 0xFFFFFF;
 
 /// What is announced before a frame.
 struct FrameControl {
@@ -66,18 +65,16 @@ private:
         Draw(rect, indexes);
         onScreen_(screen_, control_.delay);
         if (control_.disposal == Disposal::Restore) screen_.pixels = std::move(before);
-        if (control_.disposal == Disposal::Clear) ClearRect(rect);
+        if (control_.disposal == Disposal::Clear) screen_.Clear(rect);
         control_ = {};
     }
 
     // Some files tell too small a screen, or none: the first frame is seen whole.
     void MakeScreen(const Rect& rect) {
-        screen_.width = std::max(gif_->SWidth, rect.right);
-        screen_.height = std::max(gif_->SHeight, rect.bottom);
-        CheckSize(static_cast<std::uint64_t>(screen_.width), static_cast<std::uint64_t>(screen_.height),
-                  limits_);
-        screen_.pixels.assign(
-            static_cast<std::size_t>(screen_.width) * static_cast<std::size_t>(screen_.height), kNoPixel);
+        const std::int32_t width = std::max(gif_->SWidth, rect.right);
+        const std::int32_t height = std::max(gif_->SHeight, rect.bottom);
+        CheckSize(static_cast<std::uint64_t>(width), static_cast<std::uint64_t>(height), limits_);
+        screen_ = ShownScreen(width, height);
     }
 
     void Draw(const Rect& rect, const std::vector<std::uint8_t>& indexes) {
@@ -88,28 +85,9 @@ private:
             const GifColorType& colour = map->Colors[i];
             colours[static_cast<std::size_t>(i)] = MakeColour(colour.Red, colour.Green, colour.Blue);
         }
-        const std::uint8_t* index = indexes.data();
-        for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
-            for (std::int32_t x = rect.left; x < rect.right; ++x, ++index) {
-                if (*index != control_.transparent && Contains(x, y)) At(x, y) = colours[*index];
-            }
-        }
-    }
-
-    // Back to nothing where there was nothing; white elsewhere, for frames that are laid over each other
-    // cannot take anything away.
-    void ClearRect(const Rect& rect) {
-        for (std::int32_t y = rect.top; y < std::min(rect.bottom, screen_.height); ++y) {
-            for (std::int32_t x = rect.left; x < std::min(rect.right, screen_.width); ++x) {
-                if (At(x, y) != kNoPixel) At(x, y) = kCleared;
-            }
-        }
-    }
-
-    bool Contains(std::int32_t x, std::int32_t y) const { return x < screen_.width && y < screen_.height; }
-    PixelValue& At(std::int32_t x, std::int32_t y) {
-        return screen_.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(screen_.width) +
-                              static_cast<std::size_t>(x)];
+        screen_.Each(rect, [&](PixelValue& pixel, std::size_t i) {
+            if (indexes[i] != control_.transparent) pixel = colours[indexes[i]];
+        });
     }
 
     GifReader gif_;

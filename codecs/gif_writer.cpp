@@ -47,8 +47,8 @@ public:
     GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
 
     /// Pixels that do not change may be drawn over with what is there or left out. The encoder takes what
-    /// packs better at the moment; but a run of one colour is a string already that a hole would break, and an
-    /// entry for holes may cost more than it saves, so several ways are tried.
+    /// packs better at the moment; but a run of one colour is a string already that a hole would break, and
+    /// an entry for holes may cost more than it saves, so several ways are tried.
     void Pack() override {
         if (!codes_.bytes.empty()) return;
         LeftOut best = LeftOut::Any;
@@ -111,7 +111,8 @@ private:
         std::vector<ChoicePixel> sample;
         for (std::size_t at = 0; at < cut_.pixels.size(); at += width) {
             const auto row = cut_.pixels.begin() + static_cast<std::ptrdiff_t>(at);
-            if (at / width / 4 % 8 == 0) sample.insert(sample.end(), row, row + static_cast<std::ptrdiff_t>(width));
+            if (at / width / 4 % 8 == 0)
+                sample.insert(sample.end(), row, row + static_cast<std::ptrdiff_t>(width));
         }
         return sample;
     }
@@ -140,7 +141,8 @@ private:
 class GifWriter : public AnimationWriter {
 public:
     explicit GifWriter(const AnimationFacts& facts)
-        : facts_(facts), reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
+        : facts_(facts), reader_(facts.width, facts.height, facts.palette),
+          screen_(facts.width, facts.height) {}
 
     FrameWork& Take(const FrameView& frame) override {
         if (frame.picture.biBitCount > 8) throw AnimationError("GIF cannot hold true-colour frames");
@@ -187,7 +189,8 @@ private:
         int choice = -1;
         for (int entry = (1 << TableBits()) - 1; entry >= 0; --entry) {
             const auto at = static_cast<std::size_t>(entry);
-            if (!drawn[at] && (choice < 0 || !kept[at] || kept[static_cast<std::size_t>(choice)])) choice = entry;
+            if (!drawn[at] && (choice < 0 || !kept[at] || kept[static_cast<std::size_t>(choice)]))
+                choice = entry;
         }
         if (choice < 0 && use.holes) throw AnimationError("every colour is in use, and none left for holes");
         return choice;

@@ -126,7 +126,8 @@ private:
         ChunkWriter::Data data;
         data.U32(static_cast<std::uint32_t>(facts_.width)).U32(static_cast<std::uint32_t>(facts_.height));
         data.U32(kTicksPerSecond).U32(kLayersNotTold).U32(static_cast<std::uint32_t>(frames_.size()));
-        return data.U32(static_cast<std::uint32_t>(std::min<std::uint64_t>(duration, kInfinite))).U32(profile);
+        return data.U32(static_cast<std::uint32_t>(std::min<std::uint64_t>(duration, kInfinite)))
+            .U32(profile);
     }
 
     static void PutPicture(ChunkWriter& file, const Frame& frame) {

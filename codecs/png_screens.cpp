@@ -12,7 +12,6 @@ namespace {
 struct Pieces {
     std::uint32_t width = 0, height = 0;
     ChunkWriter::Data header; ///< depth and what follows it in IHDR
-    bool hasAlpha = false;
     std::vector<Chunk> told;
     ChunkWriter::Data data;
 
@@ -21,12 +20,9 @@ struct Pieces {
         width = chunk.U32(0);
         height = chunk.U32(4);
         header.Bytes(chunk.data.subspan(8, 5));
-        hasAlpha = (chunk.U8(9) & 4) != 0;
     }
     void Tell(const Chunk& chunk) {
-        if (chunk.type != "PLTE" && chunk.type != "tRNS") return;
-        told.push_back(chunk);
-        hasAlpha = hasAlpha || chunk.type == "tRNS";
+        if (chunk.type == "PLTE" || chunk.type == "tRNS") told.push_back(chunk);
     }
     std::vector<std::uint8_t> File(std::uint32_t fileWidth, std::uint32_t fileHeight) const {
         ChunkWriter file(kPngSignature);
@@ -45,47 +41,29 @@ struct Pieces {
 struct Placing {
     std::uint32_t left = 0, top = 0, width = 0, height = 0;
     bool replaces = false; ///< or is laid over
+
+    Rect Area() const {
+        const auto x = static_cast<std::int32_t>(left), y = static_cast<std::int32_t>(top);
+        return {x, y, x + static_cast<std::int32_t>(width), y + static_cast<std::int32_t>(height)};
+    }
 };
 
-std::vector<PixelValue> Colours(const OwnedDib& picture) {
-    const LockedDib dib(picture.Get());
-    if (!dib) throw std::bad_alloc();
-    Palette palette;
-    DibGetPalette(*dib, palette);
-    std::vector<PixelValue> colours;
-    colours.reserve(static_cast<std::size_t>(dib->biWidth) * static_cast<std::size_t>(dib->biHeight));
-    for (std::int32_t y = 0; y < dib->biHeight; ++y) {
-        for (std::int32_t x = 0; x < dib->biWidth; ++x) {
-            const PixelValue value = DibGetPixel(*dib, x, y);
-            const Rgb entry = palette[value & 0xFF];
-            colours.push_back(dib->biBitCount > 8 ? value & 0xFFFFFF
-                                                  : MakeColour(entry.red, entry.green, entry.blue));
-        }
-    }
-    return colours;
-}
-
-/// One pixel over another, told by what it becomes over black and over white.
-PixelValue Over(PixelValue below, PixelValue onBlack, PixelValue onWhite) {
-    if (onBlack == onWhite) return onBlack;
-    if (onBlack == 0 && onWhite == 0xFFFFFF) return below;
-    if (below == kNoPixel) return onWhite;
-    PixelValue mixed = 0;
-    for (const int shift : {0, 8, 16}) {
-        const PixelValue black = onBlack >> shift & 0xFF, white = onWhite >> shift & 0xFF;
-        const PixelValue clear = white > black ? white - black : 0;
-        mixed |= std::min<PixelValue>(black + ((below >> shift & 0xFF) * clear + 127) / 255, 255) << shift;
-    }
-    return mixed;
+/// A pixel with its alpha on top over one without.
+PixelValue Over(PixelValue below, PixelValue pixel) {
+    const PixelValue alpha = pixel >> 24, colour = pixel & 0xFFFFFF;
+    if (alpha == 0) return below;
+    if (alpha == 255) return colour;
+    const PixelValue behind = below == kNoPixel ? 0xFFFFFF : below;
+    return MakeColour(LayOver(RedOf(colour), alpha, RedOf(behind), 255),
+                      LayOver(GreenOf(colour), alpha, GreenOf(behind), 255),
+                      LayOver(BlueOf(colour), alpha, BlueOf(behind), 255));
 }
 
 class PngScreen {
 public:
     PngScreen(std::uint32_t width, std::uint32_t height, const DecodeLimits& limits) : limits_(limits) {
         CheckSize(width, height, limits);
-        shown_.width = static_cast<std::int32_t>(width);
-        shown_.height = static_cast<std::int32_t>(height);
-        shown_.pixels.assign(std::size_t{width} * height, kNoPixel);
+        shown_ = ShownScreen(static_cast<std::int32_t>(width), static_cast<std::int32_t>(height));
     }
 
     ShownScreen& Shown() { return shown_; }
@@ -93,19 +71,9 @@ public:
     void Draw(const Pieces& pieces, const Placing& placing) {
         CheckPlacing(placing);
         const std::vector<std::uint8_t> file = pieces.File(placing.width, placing.height);
-        const std::vector<PixelValue> onBlack = Colours(DecodePng(file, {0, limits_.mostPixels}));
-        const std::vector<PixelValue> onWhite =
-            pieces.hasAlpha ? Colours(DecodePng(file, {0xFFFFFF, limits_.mostPixels})) : onBlack;
-        Each(placing, [&](PixelValue& pixel, std::size_t i) {
-            // What was drawn cannot become nothing again, since frames are laid over each other.
-            const PixelValue cleared = pixel == kNoPixel ? kNoPixel : 0xFFFFFF;
-            pixel = Over(placing.replaces ? cleared : pixel, onBlack[i], onWhite[i]);
-        });
-    }
-
-    void Clear(const Placing& placing) {
-        Each(placing, [](PixelValue& pixel, std::size_t) {
-            if (pixel != kNoPixel) pixel = 0xFFFFFF;
+        const std::vector<PixelValue> pixels = DecodePngPixels(file, limits_);
+        shown_.Each(placing.Area(), [&](PixelValue& pixel, std::size_t i) {
+            pixel = Over(placing.replaces ? ShownScreen::Cleared(pixel) : pixel, pixels[i]);
         });
     }
 
@@ -118,16 +86,6 @@ public:
     }
 
 private:
-    template <typename Do>
-    void Each(const Placing& placing, Do act) {
-        std::size_t i = 0;
-        for (std::uint32_t y = placing.top; y < placing.top + placing.height; ++y) {
-            PixelValue* row = shown_.pixels.data() + std::size_t{y} * static_cast<std::size_t>(shown_.width);
-            for (std::uint32_t x = placing.left; x < placing.left + placing.width; ++x)
-                act(row[x], i++);
-        }
-    }
-
     DecodeLimits limits_;
     ShownScreen shown_;
 };
@@ -186,7 +144,7 @@ private:
         if (dispose_ == Dispose::Restore) before = screen_->Shown().pixels;
         screen_->Draw(pieces_, placing_);
         onScreen_(screen_->Shown(), delay_);
-        if (dispose_ == Dispose::Clear) screen_->Clear(placing_);
+        if (dispose_ == Dispose::Clear) screen_->Shown().Clear(placing_.Area());
         if (dispose_ == Dispose::Restore) screen_->Shown().pixels = std::move(before);
         pieces_.data = {};
     }

@@ -4,7 +4,6 @@
 
 #include "codecs/png_pictures.h"
 
-
 namespace lumafold {
 namespace {
 

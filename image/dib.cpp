@@ -40,12 +40,14 @@ OwnedDib DibCreate(std::int64_t width, std::int64_t height, const Palette* palet
             colours,
             colours};
     // At 32 bits the one entry lands on the first stored pixel, as hosts have always been given it.
-    if (palette != nullptr) {
-        auto* table = reinterpret_cast<std::uint8_t*>(&*dib) + sizeof(DibHeader);
-        for (std::size_t i = 0; i < colours; ++i)
-            StoreColour(table + 4 * i, (*palette)[i]);
-    }
+    if (palette != nullptr) DibSetPalette(*dib, *palette);
     return dib;
+}
+
+void DibSetPalette(DibHeader& dib, const Palette& palette) {
+    auto* table = reinterpret_cast<std::uint8_t*>(&dib) + sizeof(DibHeader);
+    for (std::size_t i = 0; i < DibTableEntries(dib.biBitCount); ++i)
+        StoreColour(table + 4 * i, palette[i]);
 }
 
 OwnedDib DibCreateFlat(std::int64_t width, std::int64_t height, PixelValue colour) {

@@ -69,6 +69,8 @@ OwnedDib DibCreateLike(const DibHeader& like, std::int64_t width, std::int64_t h
 /// A copy in the form that DibCreate gives.
 OwnedDib DibCopy(const DibHeader& source);
 
+/// Gives a picture that DibCreate made another colour table.
+void DibSetPalette(DibHeader& dib, const Palette& palette);
 /// Fills all 256 entries, those beyond the table with zero. The number of colours, 0 above 8 bits.
 int DibGetPalette(const DibHeader& dib, Palette& palette);
 

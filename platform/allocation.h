@@ -14,6 +14,9 @@ namespace lumafold {
 /// Zeroed memory, or null. Freed with PlainFree.
 void* PlainAlloc(std::size_t bytes);
 void PlainFree(void* memory);
+/// The same memory at another size, moved where it must be; null, with the memory as it was, when there is no
+/// room. What is new of it is not zeroed.
+void* PlainResize(void* memory, std::size_t bytes);
 
 /// A fixed-length array of plain values, zeroed. Check it before use: a failed allocation leaves it empty.
 template <typename T>
@@ -38,6 +41,18 @@ public:
     Array(const Array&) = delete;
     Array& operator=(const Array&) = delete;
     ~Array() { PlainFree(data_); }
+
+    /// False, with all as it was, when there is no room.
+    bool Resize(std::size_t length) {
+        if (length > std::numeric_limits<std::size_t>::max() / sizeof(T)) return false;
+        T* data = static_cast<T*>(PlainResize(data_, length * sizeof(T)));
+        if (data == nullptr) return false;
+        data_ = data;
+        for (; size_ < length; ++size_)
+            data_[size_] = T{};
+        size_ = length;
+        return true;
+    }
 
     explicit operator bool() const { return data_ != nullptr; }
     std::size_t size() const { return size_; }

@@ -126,15 +126,6 @@ FileError StoreBeside(const char* target, const file_system::Standing& before,
     return temporary.TakeName(target);
 }
 
-/// `bytes` at another length, with what both hold; false leaves it as it was.
-bool Resize(Array<std::uint8_t>& bytes, std::size_t length) {
-    Array<std::uint8_t> resized(length);
-    if (!resized) return false;
-    std::copy_n(bytes.begin(), std::min(length, bytes.size()), resized.begin());
-    bytes = std::move(resized);
-    return true;
-}
-
 } // namespace
 
 bool FileExists(const char* path) {
@@ -161,25 +152,30 @@ std::size_t InputFile::Read(void* into, std::size_t bytes) {
     return all;
 }
 
-FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t most) {
-    InputFile file(path);
-    if (file.Error() != 0) return file.Error();
-    if (file.LikelyBytes() > most) return EFBIG;
+FileError InputFile::ReadRest(std::span<const std::uint8_t> before, Array<std::uint8_t>& bytes,
+                              std::size_t most) {
+    if (error_ != 0) return error_;
+    if (LikelyBytes() > most || before.size() > most) return EFBIG;
     // One byte more than is likely there, to see the end at the first attempt.
-    Array<std::uint8_t> read(static_cast<std::size_t>(file.LikelyBytes()) + 1);
+    Array<std::uint8_t> read(std::max(before.size(), static_cast<std::size_t>(LikelyBytes())) + 1);
     if (!read) return ENOMEM;
-    std::size_t length = file.Read(read.data(), read.size());
-    while (length == read.size() && length <= most) {
+    std::copy(before.begin(), before.end(), read.begin());
+    std::size_t length = before.size();
+    for (;;) {
+        length += Read(read.data() + length, read.size() - length);
+        if (error_ != 0) return error_;
+        if (length > most) return EFBIG;
+        if (length < read.size()) break;
         // Never beyond the byte that tells that there is too much.
-        const std::size_t larger = std::min(std::max<std::size_t>(2 * length, 65536), most) + 1;
-        if (!Resize(read, larger)) return ENOMEM;
-        length += file.Read(read.data() + length, read.size() - length);
+        if (!read.Resize(std::min(std::max<std::size_t>(2 * length, 65536), most) + 1)) return ENOMEM;
     }
-    if (file.Error() != 0) return file.Error();
-    if (length > most) return EFBIG;
-    if (!Resize(read, length)) return ENOMEM;
+    if (!read.Resize(length)) return ENOMEM;
     bytes = std::move(read);
     return 0;
+}
+
+FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t most) {
+    return InputFile(path).ReadRest({}, bytes, most);
 }
 
 FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes) {

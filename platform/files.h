@@ -40,6 +40,9 @@ public:
     std::uint64_t LikelyBytes() const;
     /// Reads on; what it got is less than `bytes` only at the end and after an error.
     std::size_t Read(void* into, std::size_t bytes);
+    /// Reads on to the end. `bytes` is what was read `before` and the rest, of which there may be `most` in
+    /// all: EFBIG when there is more. A failure leaves `bytes` as it was.
+    FileError ReadRest(std::span<const std::uint8_t> before, Array<std::uint8_t>& bytes, std::size_t most);
 
 private:
     std::intptr_t file_ = -1;

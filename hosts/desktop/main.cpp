@@ -61,7 +61,7 @@ void PrepareErrors(const Words& words) {
 }
 
 bool ReadScript(const std::string& path, std::vector<ScriptStep>& steps) {
-    std::vector<std::uint8_t> text;
+    Array<std::uint8_t> text;
     std::string error;
     const bool read = ReadWholeFile(path, text, error) &&
                       ParseScript({reinterpret_cast<const char*>(text.data()), text.size()}, steps, error);

@@ -311,10 +311,12 @@ TEST(AnimationWriters, TakeFramesFirstAndPackThemInAnyOrder) {
             sizes[hard] = EncodeAnimation(AnimationKind::Apng, animation, error, {hard ? 12 : 1, {}}).size();
         EXPECT_LT(sizes[1], sizes[0]);
         std::size_t told = 0;
-        EXPECT_TRUE(EncodeAnimation(AnimationKind::Mng, animation, error, {1, [&](auto done, auto) {
-                                                                                told = done;
-                                                                                return done < 1;
-                                                                            }})
+        EXPECT_TRUE(EncodeAnimation(AnimationKind::Mng, animation, error,
+                                    {1,
+                                     [&](auto done, auto) {
+                                         told = done;
+                                         return done < 1;
+                                     }})
                         .empty());
         EXPECT_EQ(told, 1U);
         EXPECT_NE(error, "");

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <random>
 
-#include "codecs/decode.h"
 #include "codecs/animation_writer.h"
+#include "codecs/decode.h"
 #include "codecs/png_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/pictures.h"

@@ -1,8 +1,8 @@
 #include <gif_lib.h>
 #include <gtest/gtest.h>
 
+#include "codecs/animation_writer.h"
 #include "codecs/decode.h"
-#include "codecs/gif_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/colours.h"
 

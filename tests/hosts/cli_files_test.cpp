@@ -20,9 +20,9 @@ using Bytes = std::vector<std::uint8_t>;
 class Files : public CommandLineTest {
 protected:
     Bytes Read(const std::string& name) {
-        Bytes bytes;
+        Array<std::uint8_t> bytes;
         EXPECT_TRUE(ReadWholeFile(Path(name), bytes, error_)) << error_;
-        return bytes;
+        return {bytes.begin(), bytes.end()};
     }
     bool Write(const std::string& name, const Bytes& bytes) {
         return WriteFileSafely(Path(name), bytes, error_);
