@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <random>
 
+#include "codecs/animation_reader.h"
 #include "codecs/animation_writer.h"
 #include "codecs/decode.h"
 #include "codecs/png_writer.h"
@@ -58,6 +59,16 @@ TEST(DamagedPictures, TooLargeOnesAreToldBeforeTheyAreUnpacked) {
     }
     EXPECT_EQ(DecodePicture(With(png, 16, {0, 0, 0, 0}), 0, kMost).error, "the picture has no pixels");
 }
+
+#ifndef _WIN32
+TEST(DamagedPictures, DevicesThatNeverEndAreRefusedAtOnce) {
+    const auto before = allocation_hooks::Requests();
+    EXPECT_EQ(DecodePictureFile("/dev/zero", 0, kMost).error, "this is no PNG, JPEG, GIF or BMP picture");
+    EXPECT_NE(DecodeAnimationFile("/dev/zero", kMost).error, "");
+    EXPECT_EQ(DecodePictureFile("/dev/null", 0, kMost).error, "the file is empty");
+    EXPECT_EQ(allocation_hooks::Requests(), before);
+}
+#endif
 
 TEST(DamagedPictures, LackOfMemoryIsTold) {
     for (const Bytes& file : {SmallPng(), SmallGif()}) {
