@@ -76,6 +76,4 @@ std::string ReadablePictureKinds(std::string_view joint) {
     return names;
 }
 
-std::string UnknownKindText() { return "this is no " + ReadablePictureKinds("or") + " picture"; }
-
 } // namespace lumafold

@@ -34,7 +34,4 @@ std::string UnknownKindText();
 /// The names of what this build reads: "PNG, JPEG or GIF" where `joint` is "or".
 std::string ReadablePictureKinds(std::string_view joint);
 
-/// What is said of a file that is of none of the kinds.
-std::string UnknownKindText();
-
 } // namespace lumafold
