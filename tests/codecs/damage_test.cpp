@@ -63,8 +63,9 @@ TEST(DamagedPictures, TooLargeOnesAreToldBeforeTheyAreUnpacked) {
 #ifndef _WIN32
 TEST(DamagedPictures, DevicesThatNeverEndAreRefusedAtOnce) {
     const auto before = allocation_hooks::Requests();
-    EXPECT_EQ(DecodePictureFile("/dev/zero", 0, kMost).error, "this is no PNG, JPEG, GIF or BMP picture");
-    EXPECT_NE(DecodeAnimationFile("/dev/zero", kMost).error, "");
+    for (const std::string& error :
+         {DecodePictureFile("/dev/zero", 0, kMost).error, DecodeAnimationFile("/dev/zero", kMost).error})
+        EXPECT_TRUE(error.starts_with("this is no PNG, JPEG,")) << error;
     EXPECT_EQ(DecodePictureFile("/dev/null", 0, kMost).error, "the file is empty");
     EXPECT_EQ(allocation_hooks::Requests(), before);
 }
