@@ -33,6 +33,12 @@ void CheckSides(std::int32_t width, std::int32_t height, std::int32_t mostSide, 
     if (width > mostSide || height > mostSide) throw AnimationError(sideError);
 }
 
+bool HasTrueColour(const Animation& animation) {
+    return std::any_of(animation.frames.begin(), animation.frames.end(), [](const AnimationFrame& frame) {
+        return frame.image && frame.image->biBitCount > 8;
+    });
+}
+
 FrameReader::FrameReader(std::int32_t width, std::int32_t height, const Palette& palette)
     : width_(width), height_(height) {
     for (std::size_t i = 0; i < palette.size(); ++i) {

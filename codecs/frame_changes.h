@@ -33,6 +33,9 @@ std::vector<std::uint8_t> FileOrError(Encode encode, std::string& error) {
 /// Throws where there are no pixels, or a side above `mostSide`.
 void CheckSides(std::int32_t width, std::int32_t height, std::int32_t mostSide, const char* sideError);
 
+/// Whether a frame is deeper than 8 bits. Frames without a picture are not.
+bool HasTrueColour(const Animation& animation);
+
 /// A frame's pixels, cut to the animation's size; kNoPixel where it leaves what is there.
 struct FramePixels {
     std::int32_t width = 0, height = 0;

@@ -10,11 +10,11 @@ namespace {
 /// What cannot be shown is not let in.
 Animation Checked(Animation animation) {
     constexpr std::int32_t kMostSide = 32767;
-    CheckAnimation(animation, kMostSide, "the animation is too large");
+    if (animation.frames.empty()) throw AnimationError("the animation has no frames");
+    CheckSides(animation.width, animation.height, kMostSide, "the animation is too large");
     for (const AnimationFrame& frame : animation.frames) {
-        const LockedDib dib(frame.image.Get());
-        if (!dib || dib->biWidth < 1 || dib->biHeight < 1)
-            throw AnimationError{"a frame of the animation has no picture"};
+        if (!frame.image || frame.image->biWidth < 1 || frame.image->biHeight < 1)
+            throw AnimationError("a frame of the animation has no picture");
     }
     return animation;
 }

@@ -78,7 +78,7 @@ bool FileActions::Add(Animation animation, const std::string& name, Origin origi
         if (!path.empty()) settings_.RememberRecent(path);
         return true;
     } catch (const AnimationError& failure) {
-        Fail(name + ": " + failure.text + ".");
+        Fail(name + ": " + failure.what() + ".");
     } catch (const std::bad_alloc&) {
         Fail(name + ": there is not enough memory to show it.");
     }
