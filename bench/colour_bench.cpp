@@ -18,20 +18,25 @@ using bench::PhotoPicture;
 
 /// 0 to 8 are the fixed palettes; 9 holds 256 colours of the picture itself, as a computed palette nearly
 /// does.
-Palette BenchPalette(int number, const DibHeader& picture) {
+Palette BenchPalette(int number, DibHandle picture) {
     Palette palette;
     BuildFixedPalette(&palette, nullptr, number);
     if (number != 9) return palette;
-    for (int i = 0; i < 256; ++i)
-        palette[static_cast<std::size_t>(i)] = RgbOf(DibGetPixel(picture, i % 16 * 40 + 7, i / 16 * 30 + 11));
+    const LockedDib dib(picture);
+    for (int i = 0; i < 256; ++i) {
+        const PixelValue c = DibGetPixel(*dib, i % 16 * 40 + 7, i / 16 * 30 + 11);
+        palette[static_cast<std::size_t>(i)] = {static_cast<std::uint8_t>(RedOf(c)),
+                                                static_cast<std::uint8_t>(GreenOf(c)),
+                                                static_cast<std::uint8_t>(BlueOf(c))};
+    }
     return palette;
 }
 
 void ColourCopy(benchmark::State& state) {
-    const OwnedDib picture = PhotoPicture(1);
-    OwnedDib copy = PhotoPicture(2);
-    const ConstRowView source = picture.Rows();
-    const RowView target = copy.Rows();
+    const OwnedDib picture = PhotoPicture(1), copy = PhotoPicture(2);
+    const LockedDib from(picture.Get()), to(copy.Get());
+    const ConstRowView source(*from);
+    const RowView target(*to);
     for (auto _ : state) {
         std::memcpy(target.Stored(), source.Stored(), source.StoredBytes());
         benchmark::ClobberMemory();
@@ -40,24 +45,27 @@ void ColourCopy(benchmark::State& state) {
 }
 BENCHMARK(ColourCopy);
 
-template <Dithering kDithering>
+template <DibHandle (Remapper::*kReduce)(DibHandle)>
 void ColourReduce(benchmark::State& state) {
+    const PluginSettings saved = pluginSettings;
+    pluginSettings.FastRemap = static_cast<std::uint32_t>(state.range(2));
     const OwnedDib picture = PhotoPicture(1);
-    const Remapper remapper(BenchPalette(static_cast<int>(state.range(0)), *picture),
-                            static_cast<int>(state.range(1)), 256, {kDithering, state.range(2) != 0, 20, 20});
+    Remapper remapper(BenchPalette(static_cast<int>(state.range(0)), picture.Get()),
+                      static_cast<int>(state.range(1)), 256);
     for (auto _ : state) {
-        const OwnedDib reduced = remapper.Reduce(*picture);
+        const OwnedDib reduced((remapper.*kReduce)(picture.Get()));
         benchmark::DoNotOptimize(reduced.Get());
     }
     CountPixels(state);
+    pluginSettings = saved;
 }
-BENCHMARK(ColourReduce<Dithering::None>)
+BENCHMARK(ColourReduce<&Remapper::Remap>)
     ->Name("ColourRemap")
     ->ArgNames({"palette", "bits", "fast"})
     ->Args({6, 8, 1})
     ->Args({1, 4, 1})
     ->Args({0, 1, 1});
-BENCHMARK(ColourReduce<Dithering::Diffused>)
+BENCHMARK(ColourReduce<&Remapper::Dither>)
     ->Name("ColourDither")
     ->ArgNames({"palette", "bits", "fast"})
     ->Args({6, 8, 1})
@@ -72,7 +80,7 @@ BENCHMARK(ColourReduce<Dithering::Diffused>)
 
 /// The cache of 32768 cells from nothing, in time per palette.
 void ColourCacheBuild(benchmark::State& state) {
-    const Palette palette = BenchPalette(static_cast<int>(state.range(0)), *PhotoPicture(1));
+    const Palette palette = BenchPalette(static_cast<int>(state.range(0)), PhotoPicture(1).Get());
     for (auto _ : state) {
         NearestSearch search;
         benchmark::DoNotOptimize(search.Build(palette, 256));
@@ -96,15 +104,15 @@ void ColourQuantize(benchmark::State& state) {
     for (std::int32_t i = 0; i < number; ++i) {
         OwnedDib picture = PhotoPicture(static_cast<std::uint32_t>(1 + i));
         if (state.range(2) != 0) {
-            const Remapper remapper(BenchPalette(5, *picture), 8, 216, {Dithering::Diffused, true, 20, 20});
-            picture = DibToTrueColour(*remapper.Reduce(*picture));
+            const OwnedDib reduced(DitherImage(picture.Get(), BenchPalette(5, 0), 8, 216));
+            picture = OwnedDib(DibToTrueColour(reduced.Get()));
         }
-        FrameListAddImage(*frames, std::move(picture), 1);
+        FrameListAddImage(*frames, picture.Release(), 1);
     }
     for (auto _ : state) {
         Palette palette;
         int count = static_cast<int>(state.range(1));
-        benchmark::DoNotOptimize(ComputeOptimalPalette(*frames, count, palette, Runner()));
+        benchmark::DoNotOptimize(ComputeOptimalPalette(*frames, count, palette));
         benchmark::DoNotOptimize(palette);
     }
     CountPixels(state, bench::kPixels * number);
@@ -121,41 +129,47 @@ BENCHMARK(ColourQuantize)
 /// A frame's record with the picture; `changed` of 8 pixels differ from PhotoPicture(1), here and there.
 FrameRecord ChangedFrame(unsigned changed) {
     const OwnedDib other = PhotoPicture(2);
-    OwnedDib picture = PhotoPicture(1);
+    FrameRecord frame{};
+    frame.image = PhotoPicture(1).Release();
+    const LockedDib from(other.Get()), to(frame.image);
     Random random(3);
     for (std::int32_t y = 0; y < bench::kHeight; ++y) {
         for (std::int32_t x = 0; x < bench::kWidth; ++x) {
-            if ((random.Draw() >> 5) % 8 < changed) DibSetPixel(*picture, x, y, DibGetPixel(*other, x, y));
+            if ((random.Draw() >> 5) % 8 < changed)
+                DibSetPixel(*to, x, y, DibGetPixel(*from, x, y));
         }
     }
-    FrameRecord frame{};
-    frame.image = picture.Release();
     return frame;
 }
 
+/// Two frames in turn, so that there is always something to mark.
 void ColourMark(benchmark::State& state) {
-    const OwnedDib before = PhotoPicture(1);
-    FrameRecord frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
+    FrameRecord frames[] = {ChangedFrame(0), ChangedFrame(static_cast<unsigned>(state.range(0)))};
+    OwnedDib reference;
+    MarkUnchanged(reference, frames[0], 0);
+    std::size_t i = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(MarkUnchanged(before.Get(), frame, 0));
+        benchmark::DoNotOptimize(MarkUnchanged(reference, frames[i ^= 1], 0));
     CountPixels(state);
-    FrameRecordRelease(frame);
+    for (FrameRecord& frame : frames)
+        FrameRecordRelease(frame);
 }
 BENCHMARK(ColourMark)->ArgName("changed")->Arg(0)->Arg(4)->Arg(8);
 
 void ColourPaint(benchmark::State& state) {
-    const OwnedDib before = PhotoPicture(1);
-    FrameRecord frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
-    MarkUnchanged(before.Get(), frame, 0);
+    OwnedDib reference;
+    FrameRecord first = ChangedFrame(0), frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
+    MarkUnchanged(reference, first, 0);
+    MarkUnchanged(reference, frame, 0);
     const auto bits = static_cast<int>(state.range(1));
     if (bits <= 8) {
-        const OwnedDib whole(frame.image);
-        const Remapper remapper(BenchPalette(6, *whole), bits, 256, {Dithering::None, true, 20, 20});
-        frame.image = remapper.Reduce(*whole).Release();
+        const DibHandle reduced = RemapImage(frame.image, BenchPalette(6, 0), bits, 256);
+        GlobalDestroy(std::exchange(frame.image, reduced));
     }
     for (auto _ : state)
         benchmark::DoNotOptimize(PaintUnchanged(frame, bits <= 8 ? 1 : -1, 0));
     CountPixels(state);
+    FrameRecordRelease(first);
     FrameRecordRelease(frame);
 }
 BENCHMARK(ColourPaint)

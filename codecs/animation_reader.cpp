@@ -8,6 +8,7 @@
 #include "codecs/file_kinds.h"
 #include "codecs/files.h"
 #include "codecs/free_colour.h"
+#include "codecs/picture_kinds.h"
 #include "codecs/screens.h"
 
 namespace lumafold {
@@ -157,10 +158,11 @@ ReadAnimation Still(std::span<const std::uint8_t> file, std::uint64_t mostPixels
 
 ReadAnimation Decode(std::span<const std::uint8_t> file, std::uint64_t mostPixels) {
     const DecodeLimits limits{0xFFFFFF, mostPixels};
-    const std::optional<FileKind> kind = KindOf(file);
-    if (kind == FileKind::Gif) return {Collect(file, ShowGif, limits), ""};
-    if (kind == FileKind::Mng) return {Collect(file, ShowMng, limits), ""};
-    if (kind == FileKind::Png && IsAnimatedPng(file)) return {Collect(file, ShowApng, limits), ""};
+    if (HasAt(file, 0, kMngSignature)) return {Collect(file, ShowMng, limits), ""};
+    const PictureKind* kind = PictureKindOf(file);
+    const auto decode = kind != nullptr ? kind->decode : nullptr;
+    if (decode == DecodeGif) return {Collect(file, ShowGif, limits), ""};
+    if (decode == DecodePng && IsAnimatedPng(file)) return {Collect(file, ShowApng, limits), ""};
     return Still(file, mostPixels);
 }
 

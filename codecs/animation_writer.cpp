@@ -3,7 +3,8 @@
 namespace lumafold {
 namespace {
 
-std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation, const WriteOptions& options) {
+std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
+                                 const WriteOptions& options) {
     const AnimationFacts facts{animation.width, animation.height, animation.paletteBits, animation.palette,
                                animation.plays};
     const std::unique_ptr<AnimationWriter> writer = NewAnimationWriter(kind, facts, options.effort);

@@ -39,7 +39,8 @@ public:
 std::unique_ptr<AnimationWriter> NewAnimationWriter(AnimationKind kind, const AnimationFacts& facts,
                                                     int effort = kUsualEffort);
 
-/// Told of each frame before it is worked on, on the writer's thread; false gives up. Empty where nobody asks.
+/// Told of each frame before it is worked on, on the writer's thread; false gives up. Empty where nobody
+/// asks.
 using FrameProgress = std::function<bool(std::size_t frame, std::size_t frames)>;
 
 struct WriteOptions {

@@ -60,8 +60,7 @@ public:
         const int bits = !colours_ && frames_.size() == 1 ? BitsFor(table_.Entries()) : 8;
         if (bits < 8) frames_.front().Repack(bits);
         ChunkWriter file(kPngSignature);
-        file.Put("IHDR",
-                 PngHeader(screen_.Whole(), bits, colours_ ? PngColours::True : PngColours::Indexed));
+        file.Put("IHDR", PngHeader(screen_.Whole(), bits, colours_ ? PngColours::True : PngColours::Indexed));
         const auto plays = static_cast<std::uint32_t>(std::max(facts_.plays, 0)); // 0 for ever, as there
         file.Put("acTL", ChunkWriter::Data().U32(static_cast<std::uint32_t>(frames_.size())).U32(plays));
         if (!colours_) file.Put("PLTE", PngPalette(table_.Colours(facts_.palette)));
@@ -149,7 +148,7 @@ private:
     Screen screen_;
     FileTable table_;
     bool colours_ = false;
-    PixelValue hole_ = kNoPixel;     ///< of colours
+    PixelValue hole_ = kNoPixel;    ///< of colours
     std::deque<PngPicture> frames_; // which callers have references to
 };
 

@@ -1,7 +1,5 @@
 #include "codecs/decode.h"
 
-#include <vector>
-
 #include "codecs/decode_common.h"
 #include "codecs/files.h"
 #include "codecs/picture_kinds.h"
@@ -10,7 +8,7 @@ namespace lumafold {
 namespace {
 
 OwnedDib DecodeByFirstBytes(std::span<const std::uint8_t> file, const DecodeLimits& limits) {
-    if (file.empty()) throw DecodeError{"the file is empty"};
+    if (file.empty()) throw DecodeError{kEmptyFile};
     const PictureKind* kind = PictureKindOf(file);
     if (kind == nullptr) throw DecodeError{UnknownKindText()};
     if (kind->Readable()) return kind->decode(file, limits);

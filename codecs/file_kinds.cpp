@@ -8,13 +8,6 @@ namespace lumafold {
 namespace {
 
 constexpr struct {
-    std::string_view bytes;
-    FileKind kind;
-} kSignatures[] = {{kPngSignature, FileKind::Png},   {kMngSignature, FileKind::Mng},
-                   {"\xFF\xD8\xFF", FileKind::Jpeg}, {"GIF87a", FileKind::Gif},
-                   {"GIF89a", FileKind::Gif},        {"BM", FileKind::Bmp}};
-
-constexpr struct {
     std::string_view suffix;
     AnimationKind kind;
 } kSuffixes[] = {{".gif", AnimationKind::Gif},
@@ -28,13 +21,9 @@ bool IsLetter(char small, char letter) {
 
 } // namespace
 
-std::optional<FileKind> KindOf(std::span<const std::uint8_t> firstBytes) {
-    for (const auto& [bytes, kind] : kSignatures) {
-        if (firstBytes.size() >= bytes.size() &&
-            std::memcmp(firstBytes.data(), bytes.data(), bytes.size()) == 0)
-            return kind;
-    }
-    return std::nullopt;
+bool HasAt(std::span<const std::uint8_t> file, std::size_t offset, std::string_view text) {
+    return file.size() >= offset + text.size() &&
+           std::memcmp(file.data() + offset, text.data(), text.size()) == 0;
 }
 
 std::optional<AnimationKind> AnimationKindOf(std::string_view name) {

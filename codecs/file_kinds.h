@@ -1,4 +1,4 @@
-// Which kind a file is of, by its first bytes or by its name.
+// What animations are written as, by name, and how files of chunks begin.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,11 @@
 
 namespace lumafold {
 
-enum class FileKind { Png, Jpeg, Gif, Bmp, Mng };
-
-/// No file needs more of its beginning than this to tell its kind.
-inline constexpr std::size_t kKindBytes = 12;
-std::optional<FileKind> KindOf(std::span<const std::uint8_t> firstBytes);
-
 inline constexpr std::string_view kPngSignature("\x89PNG\r\n\x1A\n", 8),
     kMngSignature("\x8AMNG\r\n\x1A\n", 8);
+
+/// Whether `text` stands at `offset` of a file.
+bool HasAt(std::span<const std::uint8_t> file, std::size_t offset, std::string_view text);
 
 /// What animations are written as.
 enum class AnimationKind { Gif, Apng, Mng };

@@ -48,7 +48,7 @@ bool ReadKnownFile(const std::string& path, Array<std::uint8_t>& bytes, std::str
     std::uint8_t first[kKindBytes];
     const std::span<const std::uint8_t> read(first, file.Read(first, sizeof first));
     if (file.Error() != 0) return Outcome(file.Error(), error);
-    if (!KindOf(read) && PictureKindOf(read) == nullptr) {
+    if (!HasAt(read, 0, kMngSignature) && PictureKindOf(read) == nullptr) {
         error = read.empty() ? kEmptyFile : UnknownKindText();
         return false;
     }

@@ -3,18 +3,14 @@
 #include <algorithm>
 
 #include "codecs/decode_common.h"
+#include "codecs/file_kinds.h"
 
 namespace lumafold {
 namespace {
 
 using File = std::span<const std::uint8_t>;
 
-bool HasAt(File file, std::size_t offset, std::string_view text) {
-    return file.size() >= offset + text.size() &&
-           std::memcmp(file.data() + offset, text.data(), text.size()) == 0;
-}
-
-bool BeginsPng(File file) { return HasAt(file, 0, {"\x89PNG\r\n\x1A\n", 8}); }
+bool BeginsPng(File file) { return HasAt(file, 0, kPngSignature); }
 bool BeginsJpeg(File file) { return HasAt(file, 0, "\xFF\xD8\xFF"); }
 bool BeginsGif(File file) { return HasAt(file, 0, "GIF87a") || HasAt(file, 0, "GIF89a"); }
 bool BeginsBmp(File file) { return HasAt(file, 0, "BM"); }
@@ -63,6 +59,8 @@ const PictureKind* PictureKindOf(File file) {
     return kind == std::end(kKinds) ? nullptr : kind;
 }
 
+std::string UnknownKindText() { return "this is no " + ReadablePictureKinds("or") + " picture"; }
+
 std::string ReadablePictureKinds(std::string_view joint) {
     const auto count =
         std::count_if(std::begin(kKinds), std::end(kKinds), [](auto& kind) { return kind.Readable(); });
@@ -77,7 +75,5 @@ std::string ReadablePictureKinds(std::string_view joint) {
     }
     return names;
 }
-
-std::string UnknownKindText() { return "this is no " + ReadablePictureKinds("or") + " picture"; }
 
 } // namespace lumafold

@@ -24,13 +24,14 @@ struct PictureKind {
 
 std::span<const PictureKind> PictureKinds();
 
-/// By the file's first bytes; null for none of the list.
+/// By the file's first bytes, of which no kind needs more than these; null for none of the list.
+inline constexpr std::size_t kKindBytes = 12;
 const PictureKind* PictureKindOf(std::span<const std::uint8_t> file);
+
+/// What is wrong with a file of no kind that this build knows, in one line.
+std::string UnknownKindText();
 
 /// The names of what this build reads: "PNG, JPEG or GIF" where `joint` is "or".
 std::string ReadablePictureKinds(std::string_view joint);
-
-/// What is said of a file that is of none of the kinds.
-std::string UnknownKindText();
 
 } // namespace lumafold

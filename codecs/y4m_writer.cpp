@@ -65,7 +65,8 @@ Y4mWriter::Y4mWriter(std::int32_t width, std::int32_t height, std::int32_t unit,
         std::to_string(kPerSecond / common) + ":" + std::to_string(unit / common) + " Ip A1:1 " +
         (side_ == 2 ? "C420jpeg" : "C444") +
         " XCOLORRANGE=LIMITED XCOLORMATRIX=" + (matrix == YuvMatrix::Bt601 ? "BT601" : "BT709") + "\n";
-    if (!sink_({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()})) throw AnimationError(kStopped);
+    if (!sink_({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}))
+        throw AnimationError(kStopped);
 }
 
 void Y4mWriter::AddLuma(std::span<const PixelValue> screen) {
@@ -114,7 +115,8 @@ bool WriteY4m(const Animation& animation, const Y4mOptions& options, const ByteS
         [&] {
             constexpr std::int32_t kMostSide = 1 << 15;
             if (animation.frames.empty()) throw AnimationError(kNoFrames);
-            CheckSides(animation.width, animation.height, kMostSide, "a side of a film may have 32768 pixels");
+            CheckSides(animation.width, animation.height, kMostSide,
+                       "a side of a film may have 32768 pixels");
             std::vector<std::int32_t> delays;
             for (const AnimationFrame& frame : animation.frames)
                 delays.push_back(frame.delay);

@@ -34,28 +34,6 @@ struct Sweep {
     Turn first, step;
 };
 
-/// A pixel's samples, one after the other.
-class Arc {
-public:
-    Arc(double x, double y, const Sweep& sweep, double halfWidth, double halfHeight)
-        : x_(x * sweep.first.cosine + y * sweep.first.sine),
-          y_(y * sweep.first.cosine - x * sweep.first.sine), step_(sweep.step), halfWidth_(halfWidth),
-          halfHeight_(halfHeight) {}
-
-    SamplePoint Next() {
-        const SamplePoint point{halfWidth_ + x_ * halfWidth_, halfHeight_ + y_ * halfHeight_};
-        const double x = x_ * step_.cosine + y_ * step_.sine;
-        y_ = y_ * step_.cosine - x_ * step_.sine;
-        x_ = x;
-        return point;
-    }
-
-private:
-    double x_, y_;
-    Turn step_;
-    double halfWidth_, halfHeight_;
-};
-
 class WhirlRenderer {
 public:
     WhirlRenderer(const DibHeader& picture, const TurnTable& turns, const Whirl& whirl)
@@ -66,20 +44,29 @@ public:
     OwnedDib Render(PixelValue matte) {
         OwnedDib result = DibCreate(plane_.Width(), plane_.Height(), nullptr, 24);
         if (!result || !plane_ || !sweeps_) return {};
-        const WarpSampler sampler(plane_, matte);
-        const RowView rows = result.Rows();
-        // Pixels mirrored at the middle have their sweeps in common.
-        const std::int32_t last = plane_.Height() - 1;
-        for (std::int32_t y = 0; y <= last - y; ++y) {
-            FillSweeps(y);
-            RenderRow(sampler, y, rows.Row(y));
-            if (y < last - y) RenderRow(sampler, last - y, rows.Row(last - y));
-        }
+        WithWidestLanes(Loop{*this, WarpSampler(plane_, matte), result.Rows()});
         return result;
     }
 
 private:
-    void FillSweeps(std::int32_t row) {
+    struct Loop {
+        WhirlRenderer& whirl;
+        WarpSampler sampler;
+        RowView rows;
+
+        template <int>
+        LUMAFOLD_IN_CALLER void Run() const {
+            // Pixels mirrored at the middle have their sweeps in common.
+            const std::int32_t last = rows.Height() - 1;
+            for (std::int32_t y = 0; y <= last - y; ++y) {
+                whirl.FillSweeps(y);
+                whirl.RenderRow(sampler, y, rows.Row(y));
+                if (y < last - y) whirl.RenderRow(sampler, last - y, rows.Row(last - y));
+            }
+        }
+    };
+
+    LUMAFOLD_IN_CALLER void FillSweeps(std::int32_t row) {
         const double down = row + 0.5 - halfHeight_, y = down / halfHeight_;
         for (std::size_t i = 0; i < sweeps_.size(); ++i) {
             const double right = static_cast<double>(i) + 0.5 - halfWidth_, x = right / halfWidth_;
@@ -91,14 +78,33 @@ private:
         }
     }
 
-    void RenderRow(const WarpSampler& sampler, std::int32_t row, std::uint8_t* out) const {
-        const double y = (row + 0.5 - halfHeight_) / halfHeight_;
+    LUMAFOLD_IN_CALLER void RenderRow(const WarpSampler& sampler, std::int32_t row, std::uint8_t* out) const {
+        const double down = (row + 0.5 - halfHeight_) / halfHeight_;
         const std::int32_t last = plane_.Width() - 1;
-        for (std::int32_t column = 0; column <= last; ++column, out += 3) {
-            const double x = (column + 0.5 - halfWidth_) / halfWidth_;
-            const Sweep& sweep = sweeps_[static_cast<std::size_t>(std::min(column, last - column))];
-            sampler.Write(Arc(x, y, sweep, halfWidth_, halfHeight_), whirl_.samples, out);
-        }
+        const auto walk = [&](std::int32_t first, std::int32_t pixels, SamplePoints& points, auto take) {
+            double x[SamplePoints::kMost], y[SamplePoints::kMost];
+            double cosines[SamplePoints::kMost], sines[SamplePoints::kMost]; // of the steps
+            for (std::int32_t i = 0; i < pixels; ++i) {
+                const std::int32_t column = first + i;
+                const double right = (column + 0.5 - halfWidth_) / halfWidth_;
+                const Sweep& sweep = sweeps_[static_cast<std::size_t>(std::min(column, last - column))];
+                x[i] = right * sweep.first.cosine + down * sweep.first.sine;
+                y[i] = down * sweep.first.cosine - right * sweep.first.sine;
+                cosines[i] = sweep.step.cosine;
+                sines[i] = sweep.step.sine;
+            }
+            for (std::int32_t sample = 0; sample < whirl_.samples; ++sample) {
+                for (std::int32_t i = 0; i < pixels; ++i) {
+                    points.u[i] = halfWidth_ + x[i] * halfWidth_;
+                    points.v[i] = halfHeight_ + y[i] * halfHeight_;
+                    const double turned = x[i] * cosines[i] + y[i] * sines[i];
+                    y[i] = y[i] * cosines[i] - x[i] * sines[i];
+                    x[i] = turned;
+                }
+                take();
+            }
+        };
+        sampler.WriteRow(0, last + 1, whirl_.samples, walk, out);
     }
 
     SamplePlane plane_;

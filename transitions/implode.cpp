@@ -43,53 +43,63 @@ WarpShape ShapeAt(ImplodeKind kind, const PluginSettings& settings, std::int64_t
 
 /// sampled distance / distance, from the square of the distance. What lies outside stays as it is.
 template <ImplodeKind Kind>
-inline double Stretch(double square, double pull) {
+LUMAFOLD_IN_CALLER double Stretch(double square, double pull) {
     const double rest = 1 - square;
     const double aw = pull * (rest * rest);
     const double exponent = Kind == ImplodeKind::Burp ? 0.5 * aw : -0.5 * aw / (1 + aw);
     return QuickExp(std::max(exponent * QuickLog(square), -700.0));
 }
 
-/// A row's squared distances and stretches.
+/// The rows of one frame.
 template <ImplodeKind Kind>
-void FillStretches(const WarpShape& shape, double y, std::int32_t width, double* squares, double* stretches) {
-    const double fromCentre = (y - shape.centreY) / shape.reachY;
-    for (std::int32_t x = 0; x < width; ++x) {
-        const double across = (x + 0.5 - shape.centreX) / shape.reachX;
-        squares[x] = across * across + fromCentre * fromCentre;
-    }
-    for (std::int32_t x = 0; x < width; ++x)
-        stretches[x] = Stretch<Kind>(std::min(squares[x], 1.0), shape.pull);
-}
+struct WarpLoop {
+    const WarpSampler& sampler;
+    const WarpShape& shape;
+    double* stretches; // of the row at hand
+    const RowView& rows;
 
-void RenderRow(const SamplePlane& plane, const WarpSampler& sampler, const WarpShape& shape, std::int32_t y,
-               const double* squares, const double* stretches, std::uint8_t* out) {
-    const double down = y + 0.5 - shape.centreY;
-    for (std::int32_t x = 0; x < plane.Width(); ++x, out += 3) {
-        if (squares[x] < 1) {
-            const double right = x + 0.5 - shape.centreX;
-            const StillPoint path{
-                {shape.centreX + right * stretches[x], shape.centreY + down * stretches[x]}};
-            sampler.Write(path, 1, out);
-        } else {
-            std::memcpy(out, plane.At(x, y), 3);
+    /// From both edges inwards: a centre in the middle has two rows at each distance.
+    template <int>
+    LUMAFOLD_IN_CALLER void Run() const {
+        const std::int32_t height = rows.Height();
+        double known = -1;
+        for (std::int32_t i = 0; i < height; ++i) {
+            const std::int32_t y = i % 2 == 0 ? i / 2 : height - 1 - i / 2;
+            const double down = (y + 0.5 - shape.centreY) / shape.reachY;
+            if (down * down != known) FillStretches(known = down * down);
+            RenderRow(y);
         }
     }
-}
+
+    LUMAFOLD_IN_CALLER void FillStretches(double squareDown) const {
+        for (std::int32_t x = 0; x < rows.Width(); ++x) {
+            const double across = (x + 0.5 - shape.centreX) / shape.reachX;
+            stretches[x] = Stretch<Kind>(std::min(across * across + squareDown, 1.0), shape.pull);
+        }
+    }
+
+    LUMAFOLD_IN_CALLER void RenderRow(std::int32_t y) const {
+        const double down = y + 0.5 - shape.centreY;
+        const auto walk = [&](std::int32_t first, std::int32_t pixels, SamplePoints& points, auto take) {
+            for (std::int32_t i = 0; i < pixels; ++i) {
+                points.u[i] = shape.centreX + (first + i + 0.5 - shape.centreX) * stretches[first + i];
+                points.v[i] = shape.centreY + down * stretches[first + i];
+            }
+            take();
+        };
+        sampler.WriteRow(0, rows.Width(), 1, walk, rows.Row(y));
+    }
+};
 
 template <ImplodeKind Kind>
 OwnedDib Warped(const DibHeader& picture, const WarpShape& shape, PixelValue matte) {
     const std::int32_t width = picture.biWidth, height = picture.biHeight;
     const SamplePlane plane(picture, SamplePlane::Border::Nearest);
-    Array<double> squares(static_cast<std::size_t>(width)), stretches(static_cast<std::size_t>(width));
+    Array<double> stretches(static_cast<std::size_t>(width));
     OwnedDib result = DibCreate(width, height, nullptr, 24);
-    if (!plane || !squares || !stretches || !result) return {};
+    if (!plane || !stretches || !result) return {};
     const WarpSampler sampler(plane, matte);
-    const RowView rows = result.Rows();
-    for (std::int32_t y = 0; y < height; ++y) {
-        FillStretches<Kind>(shape, y + 0.5, width, squares.data(), stretches.data());
-        RenderRow(plane, sampler, shape, y, squares.data(), stretches.data(), rows.Row(y));
-    }
+    WithWidestLanes(WarpLoop<Kind>{sampler, shape, stretches.data(), result.Rows()});
     return result;
 }
 

@@ -38,6 +38,7 @@ private:
 /// truncated. Every product and sum is rounded to a float in this order, so a flat area may lose a level
 /// (docs/quirks.md 41).
 std::uint32_t BilinearSample(float fx, float fy, const std::uint32_t* top, const std::uint32_t* bottom) {
+#if LUMAFOLD_SSE2
     const auto line = [fx](const std::uint32_t* pixels) {
         const __m128i zero = _mm_setzero_si128();
         const __m128i words =
@@ -51,6 +52,18 @@ std::uint32_t BilinearSample(float fx, float fy, const std::uint32_t* top, const
     const __m128i levels = _mm_cvttps_epi32(value);
     const __m128i words = _mm_packs_epi32(levels, levels);
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+#else
+    std::uint32_t pixel = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const auto line = [=](const std::uint32_t* pixels) {
+            const auto left = static_cast<float>(pixels[0] >> shift & 0xFF),
+                       right = static_cast<float>(pixels[1] >> shift & 0xFF);
+            return left * (1.0F - fx) + right * fx;
+        };
+        pixel |= static_cast<std::uint32_t>((1.0F - fy) * line(top) + fy * line(bottom)) << shift;
+    }
+    return pixel;
+#endif
 }
 
 /// How many strengths are in store once a frame has taken its own. The store grows by one a frame up to half

@@ -43,16 +43,15 @@ WarpSampler::WarpSampler(const SamplePlane& plane, PixelValue matte)
       height_(plane.Height()), matte_{static_cast<double>(BlueOf(matte)), static_cast<double>(GreenOf(matte)),
                                       static_cast<double>(RedOf(matte))} {}
 
-void WarpSampler::AddExact(SamplePoint point, double* sums) const {
-    const double coverage = std::clamp(std::min(point.u, width_ - point.u) + 1, 0.0, 1.0) *
-                            std::clamp(std::min(point.v, height_ - point.v) + 1, 0.0, 1.0);
+void WarpSampler::AddExactly(double u, double v, double* sums) const {
+    const double coverage = std::clamp(std::min(u, width_ - u) + 1, 0.0, 1.0) *
+                            std::clamp(std::min(v, height_ - v) + 1, 0.0, 1.0);
     if (!(coverage > 0)) {
         for (int c = 0; c < 3; ++c)
             sums[c] += matte_[c];
         return;
     }
-    const double x = std::clamp(point.u - 0.5, 0.0, width_ - 1),
-                 y = std::clamp(point.v - 0.5, 0.0, height_ - 1);
+    const double x = std::clamp(u - 0.5, 0.0, width_ - 1), y = std::clamp(v - 0.5, 0.0, height_ - 1);
     const auto column = static_cast<std::int32_t>(x), row = static_cast<std::int32_t>(y);
     const double fx = x - column, fy = y - row;
     const std::uint32_t* top = plane_.At(column, row);

@@ -5,9 +5,10 @@
 // 0.5).
 #pragma once
 
-#include <emmintrin.h>
+#include <limits>
 
 #include "image/dib.h"
+#include "platform/simd.h"
 
 namespace lumafold {
 
@@ -38,98 +39,127 @@ private:
     std::uint32_t* origin_ = nullptr;
 };
 
-struct SamplePoint {
-    double u, v;
+/// Points of neighbouring pixels, one of each.
+struct SamplePoints {
+    static constexpr std::int32_t kMost = 64;
+    double u[kMost], v[kMost];
 };
 
-/// One point, as a path of its own.
-struct StillPoint {
-    SamplePoint point;
-    SamplePoint Next() const { return point; }
+#if LUMAFOLD_SSE2
+/// What the points of neighbouring pixels add up to, in floats, a lane for each channel.
+class QuickSums {
+public:
+    explicit QuickSums(const SamplePlane& plane) : plane_(plane) {}
+
+    /// Adds a point to each of `count` sums. One outside the picture, which the matte may touch, makes the
+    /// sum infinite or no number.
+    LUMAFOLD_IN_CALLER void Add(const SamplePoints& points, std::int32_t count) {
+        const double width = plane_.Width(), height = plane_.Height();
+        const auto stride = static_cast<double>(plane_.Stride());
+        std::int32_t offsets[SamplePoints::kMost];
+        float across[SamplePoints::kMost], down[SamplePoints::kMost];
+        for (std::int32_t i = 0; i < count; ++i) {
+            const double u = HeldWithin(points.u[i], width), v = HeldWithin(points.v[i], height);
+            // Half a pixel back, and one on for the plane's border.
+            const double x = u + 0.5, y = v + 0.5;
+            const double column = static_cast<std::int32_t>(x), row = static_cast<std::int32_t>(y);
+            offsets[i] = static_cast<std::int32_t>(row * stride + column);
+            across[i] = static_cast<float>(x - column + (points.u[i] - u) * kFarOff);
+            down[i] = static_cast<float>(y - row + (points.v[i] - v) * kFarOff);
+        }
+        const std::uint32_t* first = plane_.At(-1, -1);
+        for (std::int32_t i = 0; i < count; ++i) {
+            const std::uint32_t* above = first + offsets[i];
+            sums_[i] = _mm_add_ps(sums_[i], Bilinear(above, above + plane_.Stride(), _mm_set1_ps(across[i]),
+                                                     _mm_set1_ps(down[i])));
+        }
+    }
+
+    /// Rounds an average of `points`; false where the error of the floats leaves a channel open.
+    LUMAFOLD_IN_CALLER bool Store(std::int32_t index, std::int32_t points, std::uint8_t* pixel) const {
+        const float error = static_cast<float>(points + 16) * 256.0F * 0x1p-24F;
+        const __m128 value = _mm_add_ps(
+            _mm_mul_ps(sums_[index], _mm_set1_ps(1.0F / static_cast<float>(points))), _mm_set1_ps(0.5F));
+        const __m128i levels = _mm_cvttps_epi32(value);
+        const __m128 rest = _mm_sub_ps(value, _mm_cvtepi32_ps(levels));
+        const __m128 sure =
+            _mm_and_ps(_mm_cmpge_ps(rest, _mm_set1_ps(error)), _mm_cmple_ps(rest, _mm_set1_ps(1.0F - error)));
+        if ((_mm_movemask_ps(sure) & 7) != 7) return false;
+        const __m128i words = _mm_packs_epi32(levels, levels);
+        const auto bytes = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+        std::memcpy(pixel, &bytes, 3);
+        return true;
+    }
+
+private:
+    // What is at all outside leaves the floats.
+    static constexpr double kFarOff = std::numeric_limits<double>::max();
+
+    static double HeldWithin(double at, double size) {
+        const double low = at > 0 ? at : 0;
+        return low < size ? low : size;
+    }
+    LUMAFOLD_IN_CALLER static __m128 Bilinear(const std::uint32_t* top, const std::uint32_t* bottom,
+                                              __m128 fx, __m128 fy) {
+        const __m128i zero = _mm_setzero_si128();
+        const auto mix = [](__m128 a, __m128 b, __m128 f) {
+            return _mm_add_ps(a, _mm_mul_ps(_mm_sub_ps(b, a), f));
+        };
+        const auto line = [=](const std::uint32_t* pixels) {
+            const __m128i words =
+                _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels)), zero);
+            return mix(_mm_cvtepi32_ps(_mm_unpacklo_epi16(words, zero)),
+                       _mm_cvtepi32_ps(_mm_unpackhi_epi16(words, zero)), fx);
+        };
+        return mix(line(top), line(bottom), fy);
+    }
+
+    const SamplePlane& plane_;
+    __m128 sums_[SamplePoints::kMost] = {};
 };
+#endif
 
 /// Samples a plane with Border::Nearest, which outlives it.
 class WarpSampler {
 public:
     WarpSampler(const SamplePlane& plane, PixelValue matte);
 
-    /// Writes one 24-bit pixel: the average of the `count` points that `path.Next()` gives, count >= 1. The
-    /// path is walked in a copy, and again where a first result in floats is too near a step to be sure of.
-    template <typename Path>
-    void Write(const Path& path, std::int32_t count, std::uint8_t* pixel) const;
+    /// Writes the pixels `from` to `to`, the latter not included, of a 24-bit row, each the average of
+    /// `count`
+    /// >= 1 points. `walk(first, pixels, points, take)` fills in the first points of that many pixels and
+    /// calls `take()`, then their next ones, and so on. Pixels for which a first result in floats is too near
+    /// a step to be sure of are walked again by themselves.
+    template <typename Walk>
+    LUMAFOLD_IN_CALLER void WriteRow(std::int32_t from, std::int32_t to, std::int32_t count, const Walk& walk,
+                                     std::uint8_t* row) const {
+        for (std::int32_t first = from; first < to; first += SamplePoints::kMost) {
+            const std::int32_t pixels = std::min(SamplePoints::kMost, to - first);
+            SamplePoints points;
+#if LUMAFOLD_SSE2
+            QuickSums sums(plane_);
+            walk(first, pixels, points, [&] { sums.Add(points, pixels); });
+#endif
+            for (std::int32_t i = 0; i < pixels; ++i) {
+                std::uint8_t* pixel = row + std::ptrdiff_t{3} * (first + i);
+#if LUMAFOLD_SSE2
+                if (sums.Store(i, count, pixel)) continue;
+#endif
+                double exact[3] = {};
+                walk(first + i, 1, points, [&] { AddExactly(points.u[0], points.v[0], exact); });
+                for (int c = 0; c < 3; ++c) {
+                    const double rounded = exact[c] / count + 0.5;
+                    pixel[c] = static_cast<std::uint8_t>(rounded);
+                }
+            }
+        }
+    }
 
 private:
-    void AddExact(SamplePoint point, double* sums) const;
-    static __m128 Channels(__m128i pixels);
-    bool AddFast(SamplePoint point, __m128& sum) const;
-    static bool Store(__m128 sum, std::int32_t count, std::uint8_t* pixel);
+    void AddExactly(double u, double v, double* sums) const;
 
     const SamplePlane& plane_;
     double width_, height_;
     double matte_[3]; // in the order of the bytes
 };
-
-template <typename Path>
-void WarpSampler::Write(const Path& path, std::int32_t count, std::uint8_t* pixel) const {
-    {
-        Path walk = path;
-        __m128 sum = _mm_setzero_ps();
-        bool sure = true;
-        for (std::int32_t i = 0; i < count && sure; ++i) {
-            sure = AddFast(walk.Next(), sum);
-        }
-        if (sure && Store(sum, count, pixel)) return;
-    }
-    Path walk = path;
-    double sums[3] = {};
-    for (std::int32_t i = 0; i < count; ++i) {
-        AddExact(walk.Next(), sums);
-    }
-    for (int c = 0; c < 3; ++c) {
-        const double rounded = sums[c] / count + 0.5;
-        pixel[c] = static_cast<std::uint8_t>(rounded);
-    }
-}
-
-inline __m128 WarpSampler::Channels(__m128i pixels) {
-    const __m128i zero = _mm_setzero_si128();
-    return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(pixels, zero), zero));
-}
-
-/// Adds a point that lies on the picture; false for one that the matte may touch.
-inline bool WarpSampler::AddFast(SamplePoint point, __m128& sum) const {
-    if (!(point.u >= 0 && point.u <= width_ && point.v >= 0 && point.v <= height_)) return false;
-    // Half a pixel back, and one on for the plane's border.
-    const double x = point.u + 0.5, y = point.v + 0.5;
-    const auto column = static_cast<std::int32_t>(x), row = static_cast<std::int32_t>(y);
-    const __m128 fx = _mm_set1_ps(static_cast<float>(x - column)),
-                 fy = _mm_set1_ps(static_cast<float>(y - row));
-    const std::uint32_t* above = plane_.At(column - 1, row - 1);
-    const __m128i top = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above));
-    const __m128i bottom = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(above + plane_.Stride()));
-    const auto along = [](__m128 a, __m128 b, __m128 f) {
-        return _mm_add_ps(a, _mm_mul_ps(_mm_sub_ps(b, a), f));
-    };
-    const __m128 upper = along(Channels(top), Channels(_mm_srli_epi64(top, 32)), fx);
-    const __m128 lower = along(Channels(bottom), Channels(_mm_srli_epi64(bottom, 32)), fx);
-    sum = _mm_add_ps(sum, along(upper, lower, fy));
-    return true;
-}
-
-/// Rounds the average; false where the error of the floats leaves a channel open.
-inline bool WarpSampler::Store(__m128 sum, std::int32_t count, std::uint8_t* pixel) {
-    const float error = static_cast<float>(count + 16) * 256.0F * 0x1p-24F;
-    const __m128 value =
-        _mm_add_ps(_mm_mul_ps(sum, _mm_set1_ps(1.0F / static_cast<float>(count))), _mm_set1_ps(0.5F));
-    const __m128i levels = _mm_cvttps_epi32(value);
-    const __m128 rest = _mm_sub_ps(value, _mm_cvtepi32_ps(levels));
-    const __m128 open =
-        _mm_or_ps(_mm_cmplt_ps(rest, _mm_set1_ps(error)), _mm_cmpgt_ps(rest, _mm_set1_ps(1.0F - error)));
-    if ((_mm_movemask_ps(open) & 7) != 0) return false;
-    const __m128i words = _mm_packs_epi32(levels, levels);
-    const auto bytes = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
-    std::memcpy(pixel, &bytes, 3);
-    return true;
-}
 
 } // namespace lumafold

@@ -14,6 +14,10 @@ namespace {
 constexpr std::int32_t kStepDegrees[] = {1, 2, 3, 4, 5, 6, 8, 9, 10, 12, 15, 20, 24, 30, 40, 45, 60};
 constexpr std::int32_t kFullTurn = 360;
 
+struct PicturePoint {
+    double u, v;
+};
+
 /// From a point of the frame to the point of the turning picture that it shows, both about the middle.
 struct Spin {
     double scale, cosine, sine;
@@ -30,7 +34,7 @@ struct Spin {
             sine = PortableSin(degrees * (std::numbers::pi / 180));
         }
     }
-    SamplePoint At(double x, double y) const {
+    PicturePoint At(double x, double y) const {
         return {(cosine * x + sine * y) / scale, (cosine * y - sine * x) / scale};
     }
 };
@@ -67,7 +71,7 @@ public:
     /// Where the turning picture can be.
     Columns Reached() const { return columns_; }
     /// About the middle.
-    SamplePoint At(std::int32_t column) const { return spin_.At(column + 0.5 - halfWidth_, y_); }
+    PicturePoint At(std::int32_t column) const { return spin_.At(column + 0.5 - halfWidth_, y_); }
 
 private:
     Spin spin_;
@@ -92,11 +96,17 @@ void RenderSmoothRow(const Pyramid& pyramid, const Spin& spin, CanvasSize size, 
                              std::clamp((halfHeight - std::abs(v)) * spin.scale + 0.5, 0.0, 1.0);
         const double rounded = 255 * share + 0.5;
         std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(rounded), 3);
-        // Held to the picture, which clamps the colours too.
-        const StillPoint path{{std::clamp((u + halfWidth) * shrink, 0.0, right),
-                               std::clamp((v + halfHeight) * shrink, 0.0, bottom)}};
-        sampler.Write(path, 1, colours + std::ptrdiff_t{3} * x);
     }
+    const auto walk = [&](std::int32_t first, std::int32_t pixels, SamplePoints& points, auto take) {
+        for (std::int32_t i = 0; i < pixels; ++i) {
+            const auto [u, v] = row.At(first + i);
+            // Held to the picture, which clamps the colours too.
+            points.u[i] = std::clamp((u + halfWidth) * shrink, 0.0, right);
+            points.v[i] = std::clamp((v + halfHeight) * shrink, 0.0, bottom);
+        }
+        take();
+    };
+    sampler.WriteRow(from, to, 1, walk, colours);
 }
 
 /// A layer of the turning picture, laid over the ground through a mask with soft edges.

@@ -13,7 +13,7 @@ constexpr std::size_t kMostListBytes = std::size_t{16} << 20;
 
 std::string ListText(const std::string& path, std::istream& standardInput) {
     if (path == kStandardStream) return ReadAll(standardInput, kMostListBytes);
-    std::vector<std::uint8_t> bytes;
+    Array<std::uint8_t> bytes;
     std::string error;
     if (!ReadWholeFile(path, bytes, error)) throw Failure(kFailed, "@" + path + ": " + error);
     return {bytes.begin(), bytes.end()};

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <sstream>
 
 #include "codecs/files.h"
 #include "platform/folders.h"
@@ -16,18 +17,14 @@ using Values = std::map<std::string, std::string>;
 /// The lines that have a value, by their keys. Sections are not told apart: there is one.
 Values ReadValues(const std::string& path) {
     Values values;
-    std::vector<std::uint8_t> bytes;
-    std::string error, line;
+    Array<std::uint8_t> bytes;
+    std::string error;
     if (!ReadWholeFile(path, bytes, error)) return values;
-    bytes.push_back('\n');
-    for (const std::uint8_t byte : bytes) {
-        if (byte != '\n' && byte != '\r') {
-            line += static_cast<char>(byte);
-            continue;
-        }
+    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.ends_with('\r')) line.pop_back();
         const std::size_t equals = line.find('=');
         if (equals != std::string::npos) values[line.substr(0, equals)] = line.substr(equals + 1);
-        line.clear();
     }
     return values;
 }

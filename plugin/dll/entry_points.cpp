@@ -1,9 +1,9 @@
 #include "plugin/dll/entry_points.h"
 
-#include "plugin/protocol/host.h"
-#include "platform/module_win32.h"
-#include "ui/dialogs.h"
 #include "platform/gdi_win32.h"
+#include "platform/module_win32.h"
+#include "plugin/protocol/host.h"
+#include "ui/dialogs.h"
 #include "ui/session.h"
 
 namespace {

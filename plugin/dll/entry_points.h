@@ -1,5 +1,5 @@
-// What lumafold.dll exports, by these plain names (plugin/dll/lumafold.def). Hosts take the types from here and
-// the addresses from the loaded library.
+// What lumafold.dll exports, by these plain names (plugin/dll/lumafold.def). Hosts take the types from here
+// and the addresses from the loaded library.
 #pragma once
 
 #include <windows.h>

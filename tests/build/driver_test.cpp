@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <thread>
 
 #include "build/estimate.h"
+#include "hosts/common/thread_pool.h"
 #include "tests/support/build_fixture.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
-#include "tests/support/thread_runner.h"
 #include "transitions/table.h"
 
 namespace lumafold::test {
@@ -177,8 +176,8 @@ TEST_F(BuildDriver, EveryFailingAllocationEndsCleanly) {
         TestList own;
         for (int i = 0; i < c.pictures; ++i)
             own.Add(NoisePicture(7 + i, 5, i == 1 ? 8 : 24, 3), c.transition, 5, 5);
-        for (const std::size_t workers : {1U, 3U}) {
-            const ThreadRunner runner(workers);
+        for (const int workers : {1, 3}) {
+            const ThreadPool runner(workers);
             int tolerated = 0;
             const auto build = [&] {
                 host.Forget();
@@ -246,8 +245,8 @@ TEST(WholeBuilds, ChecksumsOfWholeBuilds) {
 
 TEST(WholeBuilds, AreTheSameWithAnyNumberOfWorkers) {
     const std::int64_t blocks = allocation_hooks::LiveBlocks(), locks = allocation_hooks::LiveLocks();
-    for (const std::size_t workers : {1U, 2U, 3U, 8U}) {
-        const ThreadRunner runner(workers);
+    for (const int workers : {1, 2, 3, 8}) {
+        const ThreadPool runner(workers);
         for (const WholeBuild& build : kWholeBuilds)
             EXPECT_EQ(SumOf(build, runner), build.checksum)
                 << "case " << &build - kWholeBuilds << ", " << workers << " workers";

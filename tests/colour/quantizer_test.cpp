@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "hosts/common/thread_pool.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/pictures.h"
-#include "tests/support/thread_runner.h"
 
 namespace lumafold {
 namespace {
@@ -179,7 +179,7 @@ TEST(Quantizer, IsWhatItsDefinitionSays) {
             SCOPED_TRACE(testing::Message() << "set " << i << ", " << most << " wanted");
             const Colours defined = Define(sets[i], most < 1 || most > 256 ? 256 : most);
             EXPECT_EQ(Compute(sets[i], most, Runner()), defined);
-            EXPECT_EQ(Compute(sets[i], most, test::ThreadRunner(3)), defined);
+            EXPECT_EQ(Compute(sets[i], most, ThreadPool(3)), defined);
         }
     }
 }

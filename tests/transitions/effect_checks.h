@@ -75,37 +75,4 @@ void ExpectFrames(const char* name, const PluginSettings& settings, CanvasSize s
     }
 }
 
-struct PlainPoint {
-    double u, v;
-};
-inline double Unit(double x) { return std::min(std::max(x, 0.0), 1.0); }
-
-/// The average colour of the points of one pixel of a bent picture.
-inline PixelValue PlainSample(const DibHeader& picture, const std::vector<PlainPoint>& points,
-                              PixelValue matte) {
-    const double width = picture.biWidth, height = picture.biHeight;
-    PixelValue result = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        double sum = 0;
-        for (const auto [u, v] : points) {
-            const double coverage = Unit(std::min(u, width - u) + 1) * Unit(std::min(v, height - v) + 1);
-            const double x = std::min(std::max(u - 0.5, 0.0), width - 1),
-                         y = std::min(std::max(v - 0.5, 0.0), height - 1);
-            const int left = static_cast<int>(x), top = static_cast<int>(y);
-            const auto across = [&](int row) {
-                const auto at = [&](int column) {
-                    return static_cast<double>((DibGetPixel(picture, column, row) >> shift) & 0xFF);
-                };
-                return at(left) + (at(std::min(left + 1, picture.biWidth - 1)) - at(left)) * (x - left);
-            };
-            const double upper = across(top), lower = across(std::min(top + 1, picture.biHeight - 1));
-            sum += coverage * (upper + (lower - upper) * (y - top)) +
-                   (1 - coverage) * static_cast<double>((matte >> shift) & 0xFF);
-        }
-        const double rounded = sum / static_cast<double>(points.size()) + 0.5;
-        result |= static_cast<PixelValue>(rounded) << shift;
-    }
-    return result;
-}
-
 } // namespace lumafold::test
