@@ -73,8 +73,10 @@ std::vector<std::uint8_t> EncodeAtOnce(OutputKind kind, const Animation& animati
             const auto writer =
                 NewAnimationWriter(KindOfFrames(kind), facts, packing.effort.value_or(kUsualEffort));
             std::vector<FrameWork*> works;
-            for (const AnimationFrame& frame : animation.frames)
+            for (const AnimationFrame& frame : animation.frames) {
+                if (!frame.image) throw AnimationError("a frame of the animation has no picture");
                 works.push_back(&writer->Take({*frame.image, frame.delay, frame.transparentIndex}));
+            }
             packing.pool.ForEach(works.size(), [&](std::size_t i) { works[i]->Pack(); });
             return writer->Finish(animation.comment);
         },

@@ -262,6 +262,37 @@ TEST_F(CommandLineTest, OrderEndAndDelaysAreAsAsked) {
     }
 }
 
+TEST_F(CommandLineTest, EveryKindSaysHowOftenItIsPlayed) {
+    PutPicture("a.bmp", 5, 5, 1);
+    PutPicture("b.bmp", 5, 5, 99);
+    // Three plays and one, as each format writes them behind its mark.
+    const struct {
+        const char *output, *mark;
+        std::string three, one;
+    } kCases[] = {
+        {"x.gif", "NETSCAPE2.0", {"\3\1\2\0", 4}, "no mark"},
+        {"x.png", "acTL", {"\0\0\0\2\0\0\0\3", 8}, {"\0\0\0\2\0\0\0\1", 8}},
+        {"x.mng", "TERM", {"\3\0\0\0\0\0\0\0\0\3", 10}, {"\0", 1}},
+#if LUMAFOLD_WEBP
+        {"x.webp", "ANIM", {"\6\0\0\0\xFF\xFF\xFF\xFF\3\0", 10}, {"\6\0\0\0\xFF\xFF\xFF\xFF\1\0", 10}},
+#endif
+    };
+    for (const auto& row : kCases) {
+        for (const auto& [plays, expected] : {std::pair{"3", row.three}, {"1", row.one}}) {
+            const Ran ran = Run({"build", "-q", "--transition", "None", "--loop", plays, Path("a.bmp"),
+                                 Path("b.bmp"), "-o", Path(row.output)});
+            ASSERT_EQ(ran.status, 0) << ran.err;
+            const std::string file = Get(row.output);
+            const std::size_t mark = file.find(row.mark);
+            EXPECT_EQ(mark == std::string::npos
+                          ? "no mark"
+                          : file.substr(mark + std::string(row.mark).size(), expected.size()),
+                      expected)
+                << row.output << ' ' << plays;
+        }
+    }
+}
+
 TEST_F(CommandLineTest, PicturesComeAndAnimationsGoThroughTheStandardStreams) {
     PutPicture("a.bmp", 9, 5, 1);
     PutPicture("b.bmp", 9, 5, 99);

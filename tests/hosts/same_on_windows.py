@@ -39,6 +39,9 @@ def cases():
         yield ["build", "-o", f"{name}.x" + OUTPUTS[number % len(OUTPUTS)][1:], f"{name}.gif"]
     yield ["build", "-o", "x.gif", "--sheet", "sheet.png", "--transition", "23", "boats.jpg", "clear.gif"]
     yield ["build", "-o", "x.png", "--matte", "10,200,90", "--transition", "Hurricane", "clear.gif"]
+    yield ["build", "-o", "x.webp", "--max-size", "60", "--loop", "3", "--jobs", "2", "boats.png", "dawn.png"]
+    yield ["build", "-o", "x.y4m", "--size", "40x30", "--fit", "cover", "--once", "boats.png", "dawn.png"]
+    yield ["build", "-o", "x.gif", "--ping-pong", "--delay", "0", "boats.png", "dawn.png", "lanterns.png"]
     yield ["sheet", "-o", "sheet.png", "boats.jpg", "boats.png"]
     yield ["settings"]
 
