@@ -142,6 +142,7 @@ struct Lines {
 
     Byte* Row(std::int32_t y) const { return first + stride * y; }
     std::int32_t RowBytes() const { return width * channels; }
+    operator Lines<const Byte>() const { return {first, stride, width, height, channels}; }
 };
 
 LUMAFOLD_IN_CALLER void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
@@ -306,18 +307,16 @@ bool BlurLines(const FastBlur& blur, const Lines<const std::uint8_t>& in, const 
     const auto bytes = static_cast<std::size_t>(in.RowBytes()), rows = static_cast<std::size_t>(in.height),
                reach = static_cast<std::size_t>(blur.Reach()),
                channels = static_cast<std::size_t>(in.channels);
+    // For the tallest pictures this needs more than 32 bits; no array is as long as SIZE_MAX.
+    const std::uint64_t stripFloats = (std::uint64_t{rows} + 2 * reach) * Inverses::kMostLanes;
     Array<std::uint8_t> between(bytes * rows);
     const Inverses across(blur, in.width, in.channels), down(blur, in.height, 1);
     Array<float> line(bytes + 2 * reach * channels + Inverses::kMostLanes),
-        strip((rows + 2 * reach) * Inverses::kMostLanes);
+        strip(static_cast<std::size_t>(std::min<std::uint64_t>(stripFloats, SIZE_MAX)));
     if (!between || !across.values || !down.values || !line || !strip) return false;
     const Lines<std::uint8_t> middle{between.data(), in.RowBytes(), in.width, in.height, in.channels};
     WithWidestLanes(RowPass{blur, in, middle, across, line.data()});
-    WithWidestLanes(ColumnPass{blur,
-                               {middle.first, middle.stride, middle.width, middle.height, middle.channels},
-                               out,
-                               down,
-                               strip.data()});
+    WithWidestLanes(ColumnPass{blur, middle, out, down, strip.data()});
     return true;
 }
 
