@@ -18,25 +18,20 @@ using bench::PhotoPicture;
 
 /// 0 to 8 are the fixed palettes; 9 holds 256 colours of the picture itself, as a computed palette nearly
 /// does.
-Palette BenchPalette(int number, DibHandle picture) {
+Palette BenchPalette(int number, const DibHeader& picture) {
     Palette palette;
     BuildFixedPalette(&palette, nullptr, number);
     if (number != 9) return palette;
-    const LockedDib dib(picture);
-    for (int i = 0; i < 256; ++i) {
-        const PixelValue c = DibGetPixel(*dib, i % 16 * 40 + 7, i / 16 * 30 + 11);
-        palette[static_cast<std::size_t>(i)] = {static_cast<std::uint8_t>(RedOf(c)),
-                                                static_cast<std::uint8_t>(GreenOf(c)),
-                                                static_cast<std::uint8_t>(BlueOf(c))};
-    }
+    for (int i = 0; i < 256; ++i)
+        palette[static_cast<std::size_t>(i)] = RgbOf(DibGetPixel(picture, i % 16 * 40 + 7, i / 16 * 30 + 11));
     return palette;
 }
 
 void ColourCopy(benchmark::State& state) {
-    const OwnedDib picture = PhotoPicture(1), copy = PhotoPicture(2);
-    const LockedDib from(picture.Get()), to(copy.Get());
-    const ConstRowView source(*from);
-    const RowView target(*to);
+    const OwnedDib picture = PhotoPicture(1);
+    OwnedDib copy = PhotoPicture(2);
+    const ConstRowView source = picture.Rows();
+    const RowView target = copy.Rows();
     for (auto _ : state) {
         std::memcpy(target.Stored(), source.Stored(), source.StoredBytes());
         benchmark::ClobberMemory();
@@ -45,27 +40,24 @@ void ColourCopy(benchmark::State& state) {
 }
 BENCHMARK(ColourCopy);
 
-template <DibHandle (Remapper::*kReduce)(DibHandle)>
+template <Dithering kDithering>
 void ColourReduce(benchmark::State& state) {
-    const PluginSettings saved = pluginSettings;
-    pluginSettings.FastRemap = static_cast<std::uint32_t>(state.range(2));
     const OwnedDib picture = PhotoPicture(1);
-    Remapper remapper(BenchPalette(static_cast<int>(state.range(0)), picture.Get()),
-                      static_cast<int>(state.range(1)), 256);
+    const Remapper remapper(BenchPalette(static_cast<int>(state.range(0)), *picture),
+                            static_cast<int>(state.range(1)), 256, {kDithering, state.range(2) != 0, 20, 20});
     for (auto _ : state) {
-        const OwnedDib reduced((remapper.*kReduce)(picture.Get()));
+        const OwnedDib reduced = remapper.Reduce(*picture);
         benchmark::DoNotOptimize(reduced.Get());
     }
     CountPixels(state);
-    pluginSettings = saved;
 }
-BENCHMARK(ColourReduce<&Remapper::Remap>)
+BENCHMARK(ColourReduce<Dithering::None>)
     ->Name("ColourRemap")
     ->ArgNames({"palette", "bits", "fast"})
     ->Args({6, 8, 1})
     ->Args({1, 4, 1})
     ->Args({0, 1, 1});
-BENCHMARK(ColourReduce<&Remapper::Dither>)
+BENCHMARK(ColourReduce<Dithering::Diffused>)
     ->Name("ColourDither")
     ->ArgNames({"palette", "bits", "fast"})
     ->Args({6, 8, 1})
@@ -80,7 +72,7 @@ BENCHMARK(ColourReduce<&Remapper::Dither>)
 
 /// The cache of 32768 cells from nothing, in time per palette.
 void ColourCacheBuild(benchmark::State& state) {
-    const Palette palette = BenchPalette(static_cast<int>(state.range(0)), PhotoPicture(1).Get());
+    const Palette palette = BenchPalette(static_cast<int>(state.range(0)), *PhotoPicture(1));
     for (auto _ : state) {
         NearestSearch search;
         benchmark::DoNotOptimize(search.Build(palette, 256));
@@ -104,15 +96,15 @@ void ColourQuantize(benchmark::State& state) {
     for (std::int32_t i = 0; i < number; ++i) {
         OwnedDib picture = PhotoPicture(static_cast<std::uint32_t>(1 + i));
         if (state.range(2) != 0) {
-            const OwnedDib reduced(DitherImage(picture.Get(), BenchPalette(5, 0), 8, 216));
-            picture = OwnedDib(DibToTrueColour(reduced.Get()));
+            const Remapper remapper(BenchPalette(5, *picture), 8, 216, {Dithering::Diffused, true, 20, 20});
+            picture = DibToTrueColour(*remapper.Reduce(*picture));
         }
-        FrameListAddImage(*frames, picture.Release(), 1);
+        FrameListAddImage(*frames, std::move(picture), 1);
     }
     for (auto _ : state) {
         Palette palette;
         int count = static_cast<int>(state.range(1));
-        benchmark::DoNotOptimize(ComputeOptimalPalette(*frames, count, palette));
+        benchmark::DoNotOptimize(ComputeOptimalPalette(*frames, count, palette, Runner()));
         benchmark::DoNotOptimize(palette);
     }
     CountPixels(state, bench::kPixels * number);
@@ -129,47 +121,41 @@ BENCHMARK(ColourQuantize)
 /// A frame's record with the picture; `changed` of 8 pixels differ from PhotoPicture(1), here and there.
 FrameRecord ChangedFrame(unsigned changed) {
     const OwnedDib other = PhotoPicture(2);
-    FrameRecord frame{};
-    frame.image = PhotoPicture(1).Release();
-    const LockedDib from(other.Get()), to(frame.image);
+    OwnedDib picture = PhotoPicture(1);
     Random random(3);
     for (std::int32_t y = 0; y < bench::kHeight; ++y) {
         for (std::int32_t x = 0; x < bench::kWidth; ++x) {
-            if ((random.Draw() >> 5) % 8 < changed)
-                DibSetPixel(*to, x, y, DibGetPixel(*from, x, y));
+            if ((random.Draw() >> 5) % 8 < changed) DibSetPixel(*picture, x, y, DibGetPixel(*other, x, y));
         }
     }
+    FrameRecord frame{};
+    frame.image = picture.Release();
     return frame;
 }
 
-/// Two frames in turn, so that there is always something to mark.
 void ColourMark(benchmark::State& state) {
-    FrameRecord frames[] = {ChangedFrame(0), ChangedFrame(static_cast<unsigned>(state.range(0)))};
-    OwnedDib reference;
-    MarkUnchanged(reference, frames[0], 0);
-    std::size_t i = 0;
+    const OwnedDib before = PhotoPicture(1);
+    FrameRecord frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
     for (auto _ : state)
-        benchmark::DoNotOptimize(MarkUnchanged(reference, frames[i ^= 1], 0));
+        benchmark::DoNotOptimize(MarkUnchanged(before.Get(), frame, 0));
     CountPixels(state);
-    for (FrameRecord& frame : frames)
-        FrameRecordRelease(frame);
+    FrameRecordRelease(frame);
 }
 BENCHMARK(ColourMark)->ArgName("changed")->Arg(0)->Arg(4)->Arg(8);
 
 void ColourPaint(benchmark::State& state) {
-    OwnedDib reference;
-    FrameRecord first = ChangedFrame(0), frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
-    MarkUnchanged(reference, first, 0);
-    MarkUnchanged(reference, frame, 0);
+    const OwnedDib before = PhotoPicture(1);
+    FrameRecord frame = ChangedFrame(static_cast<unsigned>(state.range(0)));
+    MarkUnchanged(before.Get(), frame, 0);
     const auto bits = static_cast<int>(state.range(1));
     if (bits <= 8) {
-        const DibHandle reduced = RemapImage(frame.image, BenchPalette(6, 0), bits, 256);
-        GlobalDestroy(std::exchange(frame.image, reduced));
+        const OwnedDib whole(frame.image);
+        const Remapper remapper(BenchPalette(6, *whole), bits, 256, {Dithering::None, true, 20, 20});
+        frame.image = remapper.Reduce(*whole).Release();
     }
     for (auto _ : state)
         benchmark::DoNotOptimize(PaintUnchanged(frame, bits <= 8 ? 1 : -1, 0));
     CountPixels(state);
-    FrameRecordRelease(first);
     FrameRecordRelease(frame);
 }
 BENCHMARK(ColourPaint)
