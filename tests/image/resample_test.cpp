@@ -154,7 +154,7 @@ TEST(Resample, TrueColourTakesThePalette) {
         EXPECT_EQ(colour->biBitCount, 24);
         for (std::int32_t y = 0; y < 5; ++y) {
             for (std::int32_t x = 0; x < 33; ++x)
-                ASSERT_EQ(RgbOf(DibGetPixel(*colour, x, y)), ColourAt(&*source, x, y));
+                ASSERT_EQ(RgbOf(DibGetPixel(*colour, x, y)), ColourAt(*source, x, y));
         }
     }
 }
