@@ -84,8 +84,8 @@ OwnedDib RenderAlphaPieces(DibHeader& canvas, const DibHeader& look, const DibHe
         const auto share = static_cast<std::uint8_t>(std::clamp(static_cast<int>(alpha), 0, 255));
         const std::ptrdiff_t left = std::ptrdiff_t{3} * box.x;
         for (std::int32_t y = box.y; y < box.y + box.height; ++y) {
-            MixBytes(targetRows.Row(y) + left, lookRows.Row(y) + left, rows.Row(y) + left,
-                     static_cast<std::size_t>(box.width) * 3, share);
+            MixBytes(targetRows.Row(y) + left, lookRows.Row(std::min(y, lookRows.Height() - 1)) + left,
+                     rows.Row(y) + left, static_cast<std::size_t>(box.width) * 3, share);
         }
     }
     return DibCopy(canvas);

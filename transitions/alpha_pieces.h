@@ -21,7 +21,7 @@ struct FadingPiece {
 };
 
 /// Draws the pieces onto the canvas, which keeps them, and returns a copy of it. `look` is the picture that
-/// pieces start from.
+/// pieces start from; its last row stands for those below it.
 OwnedDib RenderAlphaPieces(DibHeader& canvas, const DibHeader& look, const DibHeader& target,
                            std::span<const FadingPiece> pieces);
 
@@ -75,7 +75,7 @@ private:
     PieceList<PieceBox> waiting_;
     PieceList<FadingPiece> fading_;
     OwnedDib canvas_;
-    OwnedDib block_; // of the colour that opaque pieces start from, as large as the canvas
+    OwnedDib block_; // one row of the colour that opaque pieces start from
 };
 
 template <PieceShape Shape, PieceLook Look>

@@ -25,4 +25,16 @@ constexpr std::int64_t LoopCount(std::int64_t first, std::int64_t limit, std::in
     return first >= limit ? 0 : (limit - first + step - 1) / step;
 }
 
+/// Half of a fade's 255 levels, rounded up: what rises with a fade falls from there on.
+inline constexpr std::int64_t kLastRising = 128;
+
+/// How many steps of a fade of `step` levels a frame its frame `index` stands at: up to half the fade one
+/// more each, then back through the same values, so that the curve is symmetric in frames whatever the step;
+/// past its end the first one stays. 0 for a step beyond half the fade, which leaves none to take back.
+constexpr std::int64_t RiseAndFall(std::int64_t index, std::int64_t step) {
+    const std::int64_t rising = kLastRising / step;
+    if (rising == 0) return 0;
+    return index < rising ? index + 1 : std::max<std::int64_t>(2 * rising - 1 - index, 0) + 1;
+}
+
 } // namespace lumafold

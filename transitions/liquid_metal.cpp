@@ -11,7 +11,6 @@ namespace lumafold {
 namespace {
 
 constexpr std::int64_t kFullShare = 255;
-constexpr std::int64_t kLastRising = 128;
 
 /// The waves of one frame, by the distance from the centre in pixels.
 class Waves {
@@ -73,13 +72,9 @@ std::int64_t StoredStrengths(std::int64_t index, std::int64_t step) {
     return index < rising ? index + 1 : 2 * rising - 1 - index;
 }
 
-/// Half the fade has strength 1. Each strength taken back is the one at the store's new end, at last the
-/// first; a step beyond half the fade has left none there.
+/// Half the fade has strength 1.
 float StrengthAt(std::int64_t index, std::int64_t step) {
-    const std::int64_t rising = kLastRising / step, stored = StoredStrengths(index, step);
-    if (rising == 0) return 0;
-    const std::int64_t frames = index < rising ? stored : std::max<std::int64_t>(stored, 0) + 1;
-    return static_cast<float>(frames * step) * 0.0078125F;
+    return static_cast<float>(RiseAndFall(index, step) * step) * 0.0078125F;
 }
 
 } // namespace

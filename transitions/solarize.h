@@ -17,7 +17,6 @@ public:
 
 private:
     Solarize(std::int64_t step, float factor) : step_(step), factor_(factor) {}
-    int Threshold(std::int64_t index) const;
 
     std::int64_t step_; ///< levels of 255 a frame
     float factor_;      ///< of the thresholds
