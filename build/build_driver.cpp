@@ -270,23 +270,23 @@ bool AnimationBuild::ChoosePalette() {
 /// before the work on its frame. False as soon as one fails.
 template <typename Work>
 bool AnimationBuild::ForEachFrame(Work work) {
-    const std::int64_t atOnce =
-        static_cast<std::int64_t>(std::min<std::size_t>(request_.runner.Workers(), 64));
-    for (std::int64_t first = 0; first < frames_->count; first += atOnce) {
-        const std::int64_t count = std::min<std::int64_t>(atOnce, frames_->count - first);
-        for (std::int64_t i = first; i < first + count; ++i)
-            host_.Position(static_cast<std::int32_t>(i), frames_->count);
+    std::array<FrameRecord, 64> frames;
+    const std::size_t atOnce = std::min(request_.runner.Workers(), frames.size());
+    for (std::int32_t first = 0; first < frames_->count;) {
+        std::size_t count = 0;
+        for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_->count; ++count) {
+            const std::int32_t index = first + static_cast<std::int32_t>(count);
+            if (!FrameListGet(*frames_, index, frames[count])) return false;
+            host_.Position(index, frames_->count);
+        }
+        // The list itself is changed by this thread alone, so that work may read it.
         std::atomic<bool> failed = false;
-        request_.runner.ForEach(static_cast<std::size_t>(count), [&](std::size_t i) {
-            const auto index = static_cast<std::int32_t>(first + static_cast<std::int64_t>(i));
-            FrameRecord frame;
-            if (!FrameListGet(*frames_, index, frame)) {
-                failed = true;
-                return;
-            }
-            if (!work(index, frame)) failed = true;
-            if (!FrameListPut(*frames_, index, frame)) failed = true;
+        request_.runner.ForEach(count, [&](std::size_t i) {
+            if (!work(first + static_cast<std::int32_t>(i), frames[i])) failed = true;
         });
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!FrameListPut(*frames_, first++, frames[i])) failed = true;
+        }
         if (failed) return false;
     }
     return true;
