@@ -16,7 +16,14 @@ PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
 /// Pixels that are blended at once.
 constexpr std::size_t kBlock = 16;
 
-/// White in the mask is `a`. Four pixels of the mask become three words, since a byte at a time takes twice
+/// Each byte by a weight of its own; white is `a`.
+void MixBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
+              const std::uint8_t* __restrict weights, std::uint8_t* __restrict out) {
+    for (std::size_t i = 0; i < 3 * kBlock; ++i)
+        out[i] = Mix(b[i], a[i], weights[i]);
+}
+
+/// Four pixels of the mask become three words, since a byte at a time takes twice
 /// as long.
 void BlendBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
                 const std::uint8_t* __restrict mask, std::uint8_t* __restrict out) {
@@ -29,8 +36,7 @@ void BlendBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict
     }
     std::uint8_t weights[3 * kBlock];
     std::memcpy(weights, words, sizeof(weights));
-    for (std::size_t i = 0; i < 3 * kBlock; ++i)
-        out[i] = Mix(b[i], a[i], weights[i]);
+    MixBlock(a, b, weights, out);
 }
 
 /// How many pixels from the first on are in whole blocks of this value.
@@ -63,6 +69,24 @@ void BlendRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* 
             for (std::size_t c = 0; c < 3; ++c)
                 out[3 * i + c] = Mix(b[3 * i + c], a[3 * i + c], mask[i]);
             ++i;
+        }
+    }
+}
+
+/// The same through the red of a 24-bit mask.
+void BlendRowByRed(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+                   std::size_t bytes) {
+    constexpr std::size_t kBlockBytes = 3 * kBlock;
+    for (std::size_t i = 0; i < bytes; i += kBlockBytes) {
+        std::uint8_t weights[kBlockBytes];
+        const std::size_t count = std::min(kBlockBytes, bytes - i);
+        for (std::size_t k = 0; k < count; k += 3)
+            weights[k] = weights[k + 1] = weights[k + 2] = mask[i + k + 2];
+        if (count == kBlockBytes) {
+            MixBlock(a + i, b + i, weights, out + i);
+        } else {
+            for (std::size_t k = 0; k < count; ++k)
+                out[i + k] = Mix(b[i + k], a[i + k], weights[k]);
         }
     }
 }
@@ -107,13 +131,8 @@ OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& m
     if (Covers24(a, width, height) && Covers24(b, width, height) && Covers24(mask, width, height)) {
         const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
         const RowView rows = out.Rows();
-        Array<std::uint8_t> reds(static_cast<std::size_t>(width));
-        if (!reds) return {};
-        for (std::int32_t y = 0; y < height; ++y) {
-            for (std::size_t x = 0; x < reds.size(); ++x)
-                reds[x] = rowsMask.Row(y)[3 * x + 2];
-            BlendRow(rowsA.Row(y), rowsB.Row(y), reds.data(), rows.Row(y), reds.size());
-        }
+        for (std::int32_t y = 0; y < height; ++y)
+            BlendRowByRed(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), rows.RowBytes());
     } else {
         const bool oneBit = mask.biBitCount == 1;
         ForEachPixel(*out, [&](std::int32_t x, std::int32_t y) {

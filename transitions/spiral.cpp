@@ -81,7 +81,7 @@ private:
 
 /// One row of the turning picture, and of the mask that it is laid over the ground with.
 void RenderSmoothRow(const Pyramid& pyramid, const Spin& spin, CanvasSize size, std::int32_t y,
-                     std::uint8_t* colours, std::uint8_t* masks) {
+                     std::uint8_t* colours, std::uint8_t* mask) {
     const std::int32_t level = pyramid.LevelFor(spin.scale);
     const SamplePlane& plane = pyramid.Level(level);
     const WarpSampler sampler(plane, 0);
@@ -95,7 +95,7 @@ void RenderSmoothRow(const Pyramid& pyramid, const Spin& spin, CanvasSize size, 
         const double share = std::clamp((halfWidth - std::abs(u)) * spin.scale + 0.5, 0.0, 1.0) *
                              std::clamp((halfHeight - std::abs(v)) * spin.scale + 0.5, 0.0, 1.0);
         const double rounded = 255 * share + 0.5;
-        std::memset(masks + std::ptrdiff_t{3} * x, static_cast<int>(rounded), 3);
+        mask[x] = static_cast<std::uint8_t>(rounded);
     }
     const auto walk = [&](std::int32_t first, std::int32_t pixels, SamplePoints& points, auto take) {
         for (std::int32_t i = 0; i < pixels; ++i) {
@@ -112,13 +112,13 @@ void RenderSmoothRow(const Pyramid& pyramid, const Spin& spin, CanvasSize size, 
 /// A layer of the turning picture, laid over the ground through a mask with soft edges.
 OwnedDib SmoothFrame(const Pyramid& pyramid, const DibHeader& ground, const Spin& spin) {
     const CanvasSize size{ground.biWidth, ground.biHeight};
-    OwnedDib layer = DibCreate(size.width, size.height, nullptr, 24),
-             mask = DibCreate(size.width, size.height, nullptr, 24);
+    OwnedDib layer = DibCreate(size.width, size.height, nullptr, 24);
+    Mask mask(size.width, size.height);
     if (!layer || !mask) return {};
-    const RowView layerRows = layer.Rows(), maskRows = mask.Rows();
+    const RowView layerRows = layer.Rows();
     for (std::int32_t y = 0; y < size.height; ++y)
-        RenderSmoothRow(pyramid, spin, size, y, layerRows.Row(y), maskRows.Row(y));
-    return DibMaskBlend(*layer, ground, *mask);
+        RenderSmoothRow(pyramid, spin, size, y, layerRows.Row(y), mask.Row(y));
+    return MaskBlend(*layer, ground, mask);
 }
 
 /// The nearest pixel of the turning picture, or the ground.
