@@ -2,8 +2,8 @@
 #include <memory>
 #include <string>
 
+#include "hosts/common/thread_pool.h"
 #include "tests/support/failing_memory.h"
-#include "tests/support/thread_runner.h"
 #include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
@@ -121,7 +121,7 @@ TEST_P(EveryRow, RendersTheSameEverywhereAndInAnyOrder) {
     const std::uint64_t before = DibChecksum(source.Get()) ^ DibChecksum(target.Get());
     const Runner inTurn;
     const BackwardRunner backward;
-    const ThreadRunner threads(3);
+    const ThreadPool threads(3);
     for (const Runner* runner : std::initializer_list<const Runner*>{&inTurn, &backward, &threads}) {
         EffectResult result;
         RunEffect(Row(), settings, source, target, result, kTestDelay, *runner);
