@@ -11,7 +11,7 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
     std::size_t done = 0;
     for (const AnimationFrame& frame : animation.frames) {
         if (options.goOn && !options.goOn(done++, animation.frames.size()))
-            throw AnimationError("writing was given up");
+            throw AnimationError("cancelled");
         if (!frame.image) throw AnimationError("a frame of the animation has no picture");
         writer->Add({*frame.image, frame.delay, frame.transparentIndex});
     }

@@ -25,7 +25,7 @@ int WorstDifference(const DibHeader& seen, const RgbaPicture& picture, int orien
                 {x, y}, {right - x, y},  {right - x, bottom - y}, {x, bottom - y},
                 {y, x}, {bottom - y, x}, {bottom - y, right - x}, {y, right - x}};
             const auto [seenX, seenY] = places[orientation - 1];
-            const Rgb got = ColourAt(*seen, seenX, seenY);
+            const Rgb got = ColourAt(seen, seenX, seenY);
             const std::uint8_t* rgba = picture.samples.data() + (y * picture.width + x) * 4;
             const int channels[] = {got.red, got.green, got.blue};
             for (int c = 0; c < 3; ++c) {

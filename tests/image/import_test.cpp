@@ -106,14 +106,17 @@ const Packing kPackings[] = {
     {"V4 8", 108, 8, false, 0, 0, {}, 256},
     {"V5 24", 124, 24, true},
     {"short table", 40, 8, false, 0, 200, {}, 200},
-    {"long table", 40, 4, false, 0, 30, {}, 30},
-    {"24 with a table", 40, 24, false, 0, 7, {}, 7},
+    // The count of used entries does not move rows that lie behind a whole table.
+    {"sound, few used", 40, 8, false, 0, 200, {}, 256},
+    {"sound, two of sixteen used", 40, 4, false, 0, 2, {}, 16},
+    {"sound, more used than there are", 40, 4, false, 0, 30, {}, 16},
+    {"sound 24, some used", 40, 24, false, 0, 7},
     {"555", 40, 16},
     {"565 behind the header", 40, 16, true, 3, 0, {0xF800, 0x07E0, 0x001F}},
     {"444 in V4", 108, 16, false, 3, 0, {0x0F00, 0x00F0, 0x000F}},
     {"32", 40, 32},
-    {"32 with a table", 124, 32, true, 0, 9, {}, 9},
-    {"32 by masks", 40, 32, true, 3, 2, {0xFF, 0xFF00, 0xFF0000}, 2},
+    {"32, some used", 124, 32, true, 0, 9},
+    {"32 by masks", 40, 32, true, 3, 2, {0xFF, 0xFF00, 0xFF0000}},
     {"32 by masks in V5", 124, 32, false, 3, 0, {0xFF000000, 0x00FF0000, 0x0000FF00, 0xFF}},
     {"32 by four masks", 40, 32, false, 6, 0, {0x3FF, 0xFFC00, 0x3FF00000, 0xC0000000}},
 };
@@ -195,8 +198,6 @@ TEST(Import, RefusesWhatIsNoPicture) {
         {"depth 65535", 14, 0xFFFF, 2},
         {"run lengths", 16, 1, 4},
         {"masks at 8 bits", 16, 3, 4},
-        {"table beyond the block", 32, 0xFFFFFFFF, 4},
-        {"table that wraps", 32, 0x40000000, 4},
     };
     for (const Damage& damage : damages) {
         SCOPED_TRACE(damage.what);
@@ -207,6 +208,9 @@ TEST(Import, RefusesWhatIsNoPicture) {
         }
         EXPECT_FALSE(DibImport(Block(bytes)));
     }
+    // With neither a whole table nor one of the count that is told there is no place for the rows.
+    for (const std::uint32_t told : {0xFFFFFFFFU, 0x40000000U, 250U})
+        EXPECT_FALSE(DibImport(Block(Pack({"", 40, 8, false, 0, told, {}, 200}, original)))) << told;
     for (const std::size_t length : {std::size_t{1}, std::size_t{11}, std::size_t{39}, good.size() - 16}) {
         EXPECT_FALSE(DibImport(Block({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length)})));
     }
