@@ -1,0 +1,127 @@
+// What a person makes: pictures in order, the gap behind each, settings, canvas and kind. Plain values that
+// are replaced, never changed.
+import type { BuildOrder, Entry, Fit, SettingValues, Tables } from '../engine/protocol';
+
+/** What leads from a picture to the next, and how long they are seen, in hundredths of a second. */
+export interface Gap {
+    transition: number;
+    pause: number;
+    delay: number;
+}
+
+export interface Picture {
+    id: number;
+    name: string;
+    /** As the engine reads it. */
+    file: Blob;
+    width: number;
+    height: number;
+    thumbnail: Blob;
+    gap: Gap;
+}
+
+export interface Canvas {
+    mode: 'own' | 'contain' | 'cover';
+    width: number;
+    height: number;
+}
+
+export interface Project {
+    pictures: Picture[];
+    settings: SettingValues;
+    canvas: Canvas;
+    kind: string;
+    /** Of the last "surprise me", null before it. */
+    seed: number | null;
+}
+
+export function newProject(tables: Tables): Project {
+    return {
+        pictures: [],
+        settings: Object.fromEntries(tables.settings.map((setting) => [setting.key, setting.default])),
+        canvas: { mode: 'own', width: 640, height: 480 },
+        kind: tables.kinds[0]?.id ?? '',
+        seed: null,
+    };
+}
+
+/** A setting's value; the keys are the engine's own, so each has one. */
+export const valueOf = (project: Project, key: string): number => project.settings[key] ?? 0;
+
+export interface Size {
+    width: number;
+    height: number;
+}
+
+/** The canvas that the engine makes of these pictures. */
+export function canvasSize(project: Project): Size {
+    const { canvas, pictures } = project;
+    if (canvas.mode === 'cover') return { width: canvas.width, height: canvas.height };
+    const sizes = pictures.map((picture) => fittedSize(picture, canvas));
+    return {
+        width: Math.max(1, ...sizes.map((size) => size.width)),
+        height: Math.max(1, ...sizes.map((size) => size.height)),
+    };
+}
+
+function fittedSize(picture: Size, canvas: Canvas): Size {
+    if (canvas.mode === 'own') return picture;
+    const factor = Math.min(canvas.width / picture.width, canvas.height / picture.height);
+    return {
+        width: Math.max(1, Math.round(picture.width * factor)),
+        height: Math.max(1, Math.round(picture.height * factor)),
+    };
+}
+
+/** How much smaller than the real one a canvas in this box is; at most 1. */
+export function boxFactor(project: Project, box: Size): number {
+    const canvas = canvasSize(project);
+    return Math.min(1, box.width / canvas.width, box.height / canvas.height);
+}
+
+/** How a picture comes to its size on the real canvas (factor 1) or on a smaller one. */
+export function fitOf(project: Project, picture: Picture, factor: number): Fit {
+    const { canvas } = project;
+    if (factor === 1 && canvas.mode === 'own') return { mode: 'own', width: 1, height: 1 };
+    const box = canvas.mode === 'cover' ? canvas : fittedSize(picture, canvas);
+    return {
+        mode: canvas.mode === 'cover' ? 'cover' : 'contain',
+        width: Math.max(1, Math.round(box.width * factor)),
+        height: Math.max(1, Math.round(box.height * factor)),
+    };
+}
+
+export const entryOf = (picture: Picture): Entry => ({ picture: picture.id, ...picture.gap });
+
+export function buildOrder(project: Project, entries: Entry[], factor: number): BuildOrder {
+    return {
+        kind: project.kind,
+        settings: project.settings,
+        entries,
+        lengthPercent: Math.max(1, Math.round(factor * 100)),
+    };
+}
+
+/** The picture that a gap leads to: the last leads back to the first. */
+export function nextPicture(project: Project, id: number): Picture | undefined {
+    const index = project.pictures.findIndex((picture) => picture.id === id);
+    return index < 0 ? undefined : project.pictures[(index + 1) % project.pictures.length];
+}
+
+export function moved<T>(list: readonly T[], from: number, to: number): T[] {
+    const result = [...list];
+    const [item] = result.splice(from, 1);
+    if (item !== undefined) result.splice(Math.max(0, Math.min(to, result.length)), 0, item);
+    return result;
+}
+
+/** Small numbers that look random and are the same for the same seed everywhere. */
+export function randomNumbers(seed: number): () => number {
+    let state = seed >>> 0;
+    return () => {
+        state = (state + 0x6d2b79f5) >>> 0;
+        let mixed = Math.imul(state ^ (state >>> 15), state | 1);
+        mixed ^= mixed + Math.imul(mixed ^ (mixed >>> 7), mixed | 61);
+        return ((mixed ^ (mixed >>> 14)) >>> 0) / 2 ** 32;
+    };
+}
