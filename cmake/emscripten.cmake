@@ -6,6 +6,10 @@ set(CMAKE_CXX_FLAGS_INIT "${CMAKE_C_FLAGS_INIT} -fexceptions -include ${CMAKE_CU
 # Where the linker's helpers are.
 set(CMAKE_C_LINKER_LAUNCHER env NODE_PATH=/usr/share/nodejs)
 set(CMAKE_CXX_LINKER_LAUNCHER ${CMAKE_C_LINKER_LAUNCHER})
+# Memory grows to what an engine in a 32-bit process may take. A fetch of node's own makes the loader take it for a
+# browser.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fexceptions -sALLOW_MEMORY_GROWTH=1 -sMAXIMUM_MEMORY=2GB")
+set(CMAKE_CROSSCOMPILING_EMULATOR node --no-experimental-fetch)
 # The picture libraries that tools/setup builds are the only ones there are.
 if(NOT LUMAFOLD_WEB_LIBRARIES)
     execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/libraries web --where

@@ -17,6 +17,13 @@ export interface Notice {
     undo?: () => void;
 }
 
+/** A picture that the page itself has, with what leads to the next. */
+export interface BroughtPicture {
+    name: string;
+    file: Blob;
+    transition: string;
+}
+
 export type Workspace = 'transition' | 'output';
 
 export interface AppState {
@@ -134,7 +141,7 @@ export class App {
 
     // Pictures
 
-    async addFiles(files: readonly (File | { name: string; file: Blob })[]): Promise<void> {
+    async addFiles(files: readonly (File | BroughtPicture)[]): Promise<void> {
         const first = files[0];
         if (files.length === 1 && first instanceof Blob && /\.(ini|lumafold)$/i.test(first.name)) {
             return /ini$/i.test(first.name) ? this.importSettings(first) : this.openProject(first);
@@ -143,7 +150,11 @@ export class App {
         for (const one of files) {
             const file = one instanceof Blob ? one : one.file;
             try {
-                this.addPicture({ ...(await this.importer.read(file)), name: one.name });
+                const read = await this.importer.read(file);
+                this.addPicture(
+                    { ...read, name: one.name },
+                    one instanceof Blob ? undefined : one.transition,
+                );
             } catch (error) {
                 const reason = error instanceof DOMException ? texts.unknownKind : (error as Error).message;
                 this.complain(texts.badPicture(one.name, reason));
@@ -152,10 +163,11 @@ export class App {
         }
     }
 
-    private addPicture(read: Omit<Picture, 'id' | 'gap'>): void {
+    private addPicture(read: Omit<Picture, 'id' | 'gap'>, transition = ''): void {
         const { settings, pictures, canvas } = this.project;
+        const row = this.tables.transitions.findIndex(({ name }) => name === transition);
         const gap: Gap = {
-            transition: settings.TransitionType ?? 0,
+            transition: row >= 0 ? row : (settings.TransitionType ?? 0),
             pause: settings.TransitionPause ?? 0,
             delay: settings.TransitionDelay ?? 0,
         };

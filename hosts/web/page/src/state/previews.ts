@@ -19,6 +19,8 @@ export interface PreviewWish {
     box: Size;
     /** Higher ones come first. */
     rank: number;
+    /** Still pictures are seen no longer than this, in hundredths of a second. */
+    longestPause: number;
 }
 
 interface Job {
@@ -29,14 +31,21 @@ interface Job {
 }
 
 const mostKept = 80;
-/** A still picture is seen no longer than this in a preview. */
-const longestPause = 70;
 
-function keyOf({ project, picture, transition, box }: PreviewWish): string {
+function keyOf({ project, picture, transition, box, longestPause }: PreviewWish): string {
     const read = project.settings;
     const next = nextPicture(project, picture.id);
     const { canvas } = project;
-    const places = [picture.id, next?.id, transition, box.width, canvas.mode, canvas.width, canvas.height];
+    const places = [
+        picture.id,
+        next?.id,
+        transition,
+        box.width,
+        longestPause,
+        canvas.mode,
+        canvas.width,
+        canvas.height,
+    ];
     return JSON.stringify([...places, picture.gap.pause, picture.gap.delay, read]);
 }
 
@@ -101,7 +110,7 @@ export class Previews {
         }
     }
 
-    private async render({ project, picture, transition, box }: PreviewWish): Promise<Film> {
+    private async render({ project, picture, transition, box, longestPause }: PreviewWish): Promise<Film> {
         const next = nextPicture(project, picture.id) ?? picture;
         const room = this.roomFor(box);
         const factor = boxFactor(project, box);

@@ -62,7 +62,12 @@ function FrameStage({ reduced, full, zoom, label }: StageProps) {
         >
             <div
                 class="frame-pair"
-                style={{ width, '--split': `${split}%`, '--ratio': `${reduced.width / reduced.height}` }}
+                style={{
+                    width,
+                    '--split': `${split}%`,
+                    '--natural': `${reduced.width * 1.25}px`,
+                    '--ratio': `${reduced.width / reduced.height}`,
+                }}
             >
                 <FrameCanvas pixels={reduced} style="frame" />
                 {full !== null && (

@@ -10,30 +10,37 @@ import { FilmView, prefersStillness } from './film';
 import { Icon } from './icons';
 import { SettingControl } from './setting_control';
 
-const tileBox: Size = { width: 120, height: 90 };
+interface Look {
+    box: Size;
+    /** Higher ones are rendered first. */
+    rank: number;
+    /** Milliseconds that a change has to rest before it is rendered. */
+    wait: number;
+    longestPause: number;
+}
+
+const tileLook: Look = { box: { width: 120, height: 90 }, rank: 0, wait: 60, longestPause: 30 };
 /** The quick one answers while a slider moves; the sharp one follows when it rests. */
-const quickBox: Size = { width: 160, height: 120 };
-const sharpBox: Size = { width: 400, height: 300 };
-const restMilliseconds = 200;
+const quickLook: Look = { box: { width: 160, height: 120 }, rank: 100, wait: 0, longestPause: 70 };
+const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, rank: 50, wait: 200 };
 
 /** The film of a gap, the last one while a new one is made; null before the first. */
-function useFilm(picture: Picture, transition: number, box: Size, rank: number, wait = 0): Film | null {
+function useFilm(picture: Picture, transition: number, look: Look): Film | null {
     const app = useApp();
     const project = useProject();
     const [film, setFilm] = useState<Film | null>(null);
     useEffect(() => {
         let giveUp = (): void => {};
         const wish = (): void => {
-            giveUp = app.previews.want({ project, picture, transition, box, rank }, setFilm, () =>
-                setFilm(null),
-            );
+            const wanted = { project, picture, transition, ...look };
+            giveUp = app.previews.want(wanted, setFilm, () => setFilm(null));
         };
-        const timer = wait > 0 ? setTimeout(wish, wait) : (wish(), undefined);
+        const timer = look.wait > 0 ? setTimeout(wish, look.wait) : (wish(), undefined);
         return () => {
             clearTimeout(timer);
             giveUp();
         };
-    }, [app, project.settings, project.canvas, project.pictures, picture, transition, box, rank, wait]);
+    }, [app, project.settings, project.canvas, project.pictures, picture, transition, look]);
     return film;
 }
 
@@ -41,8 +48,8 @@ function LargePreview({ picture }: { picture: Picture }) {
     const app = useApp();
     const [playing, setPlaying] = useState(!prefersStillness());
     const { transition } = picture.gap;
-    const quick = useFilm(picture, transition, quickBox, 100);
-    const sharp = useFilm(picture, transition, sharpBox, 50, restMilliseconds);
+    const quick = useFilm(picture, transition, quickLook);
+    const sharp = useFilm(picture, transition, sharpLook);
     const [film, setFilm] = useState<Film | null>(null);
     useEffect(() => setFilm(quick), [quick]);
     useEffect(() => setFilm(sharp ?? quick), [sharp]);
@@ -66,7 +73,7 @@ function LargePreview({ picture }: { picture: Picture }) {
 
 function Tile({ picture, row }: { picture: Picture; row: number }) {
     const app = useApp();
-    const film = useFilm(picture, row, tileBox, -row, 60);
+    const film = useFilm(picture, row, tileLook);
     const [pointed, setPointed] = useState(false);
     const chosen = picture.gap.transition === row;
     return (

@@ -1,19 +1,27 @@
 // What a first visit shows: where pictures go, and three to try.
+import type { BroughtPicture } from '../state/app';
 import { texts } from '../texts';
 import { ChooseFiles } from './choose_files';
 import { useApp, useAppState } from './context';
 import { Icon } from './icons';
 
+const sampleTransitions = ['Soft iris (ellipse)', 'Silent movie', 'Unplugged TV'];
+
 /** The sample pictures, which stand in the page in base 64. */
-function samples(): { name: string; file: Blob; address: string }[] {
+function samples(): (BroughtPicture & { address: string })[] {
     const found = JSON.parse(document.getElementById('samples')?.textContent ?? '{}') as Record<
         string,
         string
     >;
-    return Object.entries(found).map(([name, packed]) => {
+    return Object.entries(found).map(([name, packed], index) => {
         const bytes = Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0));
         const address = `data:image/jpeg;base64,${packed}`;
-        return { name, file: new Blob([bytes], { type: 'image/jpeg' }), address };
+        return {
+            name,
+            file: new Blob([bytes], { type: 'image/jpeg' }),
+            address,
+            transition: sampleTransitions[index] ?? '',
+        };
     });
 }
 
