@@ -32,7 +32,9 @@ extern "C" {
 EMSCRIPTEN_KEEPALIVE std::uint8_t* LumafoldInput(std::size_t size) try {
     TheWorker().workshop.Input().resize(size);
     return TheWorker().workshop.Input().data();
-} catch (const std::bad_alloc&) { return nullptr; }
+} catch (const std::bad_alloc&) {
+    return nullptr;
+}
 
 /// Does an order; the answer is good until the next. Both are described in hosts/web/workshop.h.
 EMSCRIPTEN_KEEPALIVE const char* LumafoldDo(const char* order) {

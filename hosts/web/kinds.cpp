@@ -16,9 +16,7 @@ constexpr OutputKindRow kKinds[] = {
 
 } // namespace
 
-std::span<const OutputKindRow> OutputKinds() {
-    return kKinds;
-}
+std::span<const OutputKindRow> OutputKinds() { return kKinds; }
 
 const OutputKindRow* FindOutputKind(std::string_view id) {
     for (const OutputKindRow& kind : kKinds) {

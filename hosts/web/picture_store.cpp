@@ -20,49 +20,55 @@ std::int32_t Scaled(std::int32_t side, double factor) {
     return std::max(1, static_cast<std::int32_t>(side * factor + 0.5));
 }
 
-Size TargetSize(const DibHeader& picture, const Fit& fit) {
+double Factor(const DibHeader& picture, const Fit& fit) {
     const double x = static_cast<double>(fit.width) / picture.biWidth;
     const double y = static_cast<double>(fit.height) / picture.biHeight;
-    double factor = fit.mode == FitMode::Cover ? std::max(x, y) : std::min(x, y);
-    if (fit.mode == FitMode::Shrink) factor = std::min(factor, 1.0);
-    return {Scaled(picture.biWidth, factor), Scaled(picture.biHeight, factor)};
+    switch (fit.mode) {
+    case FitMode::Most:
+        return std::min({x, y, 1.0});
+    case FitMode::Contain:
+        return std::min(x, y);
+    case FitMode::Cover:
+        return std::max(x, y);
+    case FitMode::Scale:
+        return fit.percent / 100;
+    case FitMode::AsIs:
+        break;
+    }
+    return 1;
 }
 
 OwnedDib Resized(const DibHeader& source, Size size) {
-    OwnedDib result(DibCreate(size.width, size.height, nullptr, 24));
-    const LockedDib target(result.Get());
-    if (!target) return {};
-    const ConstRowView from(&source);
-    const RowView to(target.Get());
-    const int done = stbir_resize_uint8_srgb(from.Stored(), from.Width(), from.Height(),
-                                             static_cast<int>(from.Stride()), to.Stored(), to.Width(),
-                                             to.Height(), static_cast<int>(to.Stride()), 3,
-                                             STBIR_ALPHA_CHANNEL_NONE, 0);
+    OwnedDib result = DibCreate(size.width, size.height, nullptr, 24);
+    if (!result) return {};
+    const ConstRowView from(source);
+    const RowView to = result.Rows();
+    const int done = stbir_resize_uint8_srgb(
+        from.Stored(), from.Width(), from.Height(), static_cast<int>(from.Stride()), to.Stored(), to.Width(),
+        to.Height(), static_cast<int>(to.Stride()), 3, STBIR_ALPHA_CHANNEL_NONE, 0);
     return done != 0 ? std::move(result) : OwnedDib();
 }
 
-OwnedDib Fitted(OwnedDib picture, const Fit& fit) {
-    std::int32_t width = 0, height = 0;
-    if (fit.mode == FitMode::AsIs || !DibQuery(picture.Get(), &width, &height, nullptr, nullptr)) return picture;
-    OwnedDib full(DibToTrueColour(picture.Get()));
-    const LockedDib source(full.Get());
-    if (!source) return {};
-    const Size size = TargetSize(*source, fit);
-    if (size.width == width && size.height == height && fit.mode != FitMode::Cover) return picture;
-    OwnedDib resized = Resized(*source, size);
-    if (!resized || fit.mode != FitMode::Cover) return resized;
-    const std::int32_t left = (size.width - fit.width) / 2, top = (size.height - fit.height) / 2;
-    return OwnedDib(DibCropRect(resized.Get(), {left, top, left + fit.width, top + fit.height}, 0));
+OwnedDib Fitted(OwnedDib picture, const Fit& fit, PixelValue matte) {
+    const double factor = Factor(*picture, fit);
+    const Size size{Scaled(picture->biWidth, factor), Scaled(picture->biHeight, factor)};
+    const bool boxed = fit.mode == FitMode::Contain || fit.mode == FitMode::Cover;
+    const Size box = boxed ? Size{fit.width, fit.height} : size;
+    if (box.width == picture->biWidth && box.height == picture->biHeight) return picture;
+    const OwnedDib full = DibToTrueColour(*picture);
+    OwnedDib resized = full ? Resized(*full, size) : OwnedDib();
+    if (!resized || !boxed) return resized;
+    const std::int32_t left = (size.width - box.width) / 2, top = (size.height - box.height) / 2;
+    return DibCropRect(*resized, {left, top, left + box.width, top + box.height}, matte);
 }
 
 } // namespace
 
-CanvasPixels PixelsOf(const OwnedDib& picture) {
-    const OwnedDib full(DibToTrueColour(picture.Get()));
-    const LockedDib dib(full.Get());
+CanvasPixels PixelsOf(const DibHeader& picture) {
     CanvasPixels pixels;
-    if (!dib) return pixels;
-    const ConstRowView rows(dib.Get());
+    const OwnedDib full = DibToTrueColour(picture);
+    if (!full) return pixels;
+    const ConstRowView rows = full.Rows();
     pixels.reserve(static_cast<std::size_t>(rows.Width()) * static_cast<std::size_t>(rows.Height()) * 4);
     for (std::int32_t y = 0; y < rows.Height(); ++y) {
         const std::uint8_t* row = rows.Row(y);
@@ -79,8 +85,9 @@ const StoredPicture* PictureStore::Add(int number, std::span<const std::uint8_t>
     error = decoded.error;
     if (!decoded.picture) return nullptr;
     StoredPicture stored;
-    DibQuery(decoded.picture.Get(), &stored.fileWidth, &stored.fileHeight, nullptr, nullptr);
-    stored.dib = Fitted(std::move(decoded.picture), fit);
+    stored.fileWidth = decoded.picture->biWidth;
+    stored.fileHeight = decoded.picture->biHeight;
+    stored.dib = Fitted(std::move(decoded.picture), fit, matte);
     if (!stored.dib) {
         error = "not enough memory";
         return nullptr;

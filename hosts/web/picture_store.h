@@ -11,13 +11,14 @@
 
 namespace lumafold {
 
-/// How a picture comes to its size: as it is; whole inside the box; or filling the box, cut at its edges.
-/// Shrink makes what does not fit smaller and leaves the rest.
-enum class FitMode { AsIs, Contain, Cover, Shrink };
+/// How a picture comes to its size: as it is; within the box, in proportion and never larger than it is; in
+/// the box with the matte beside it; filling the box, cut at its edges; or by a percentage.
+enum class FitMode { AsIs, Most, Contain, Cover, Scale };
 
 struct Fit {
     FitMode mode = FitMode::AsIs;
-    std::int32_t width = 0, height = 0; ///< of the box
+    std::int32_t width = 1, height = 1; ///< of the box, at least 1
+    double percent = 100;               ///< of Scale, above 0
 };
 
 struct StoredPicture {
@@ -27,7 +28,7 @@ struct StoredPicture {
 
 /// Red, green, blue and alpha of each pixel, row by row from the top, as a page's canvas takes them.
 using CanvasPixels = std::vector<std::uint8_t>;
-CanvasPixels PixelsOf(const OwnedDib& picture);
+CanvasPixels PixelsOf(const DibHeader& picture);
 
 class PictureStore {
 public:

@@ -11,18 +11,18 @@ namespace {
 
 using Json = Workshop::Json;
 
-Json Error(const std::string& text) {
-    return {{"error", text}};
-}
+Json Error(const std::string& text) { return {{"error", text}}; }
 
 FitMode FitModeOf(const std::string& name) {
+    if (name == "most") return FitMode::Most;
     if (name == "contain") return FitMode::Contain;
     if (name == "cover") return FitMode::Cover;
-    return name == "shrink" ? FitMode::Shrink : FitMode::AsIs;
+    return name == "scale" ? FitMode::Scale : FitMode::AsIs;
 }
 
 Fit FitOf(const nlohmann::json& fit) {
-    return {FitModeOf(fit.value("mode", "")), fit.value("width", 1), fit.value("height", 1)};
+    return {FitModeOf(fit.value("mode", "")), fit.value("width", 1), fit.value("height", 1),
+            fit.value("percent", 100.0)};
 }
 
 /// Numbers whose meaning is told in pixels are lengths; their own ranges hold for what comes of them.
@@ -60,9 +60,8 @@ Json Description(const Animation& animation) {
     Json delays = Json::array(), palette = Json::array();
     for (const AnimationFrame& frame : animation.frames)
         delays.push_back(frame.delay);
-    int bits = 0;
-    DibQuery(animation.frames.front().image.Get(), nullptr, nullptr, &bits, nullptr);
-    for (std::size_t i = 0; bits <= 8 && i < std::size_t{1} << animation.paletteBits; ++i) {
+    const bool indexed = animation.frames.front().image->biBitCount <= 8;
+    for (std::size_t i = 0; indexed && i < std::size_t{1} << animation.paletteBits; ++i) {
         const Rgb colour = animation.palette[i];
         palette.push_back(MakeColour(colour.red, colour.green, colour.blue));
     }
@@ -104,17 +103,15 @@ Json Workshop::Answer(const nlohmann::json& order) {
 
 Json Workshop::Add(const nlohmann::json& order) {
     std::string error;
-    const StoredPicture* picture = pictures_.Add(order.at("number"), input_, order.at("matte"),
-                                                 FitOf(order.at("fit")), error);
+    const StoredPicture* picture =
+        pictures_.Add(order.at("number"), input_, order.at("matte"), FitOf(order.at("fit")), error);
     input_ = {};
     if (picture == nullptr) return Error(error);
-    std::int32_t width = 0, height = 0;
-    DibQuery(picture->dib.Get(), &width, &height, nullptr, nullptr);
-    if (order.value("show", false)) output_ = PixelsOf(picture->dib);
+    if (order.value("show", false)) output_ = PixelsOf(*picture->dib);
     return {{"width", picture->fileWidth},
             {"height", picture->fileHeight},
-            {"shownWidth", width},
-            {"shownHeight", height}};
+            {"shownWidth", picture->dib->biWidth},
+            {"shownHeight", picture->dib->biHeight}};
 }
 
 Json Workshop::Build(const nlohmann::json& order) {
@@ -123,17 +120,19 @@ Json Workshop::Build(const nlohmann::json& order) {
     screens_.reset();
     animation_.reset();
     kind_ = kind->id;
-    pluginSettings = SettingsFor(order, *kind);
-    MemoryList list(GapOf(nlohmann::json::object(), pluginSettings));
+    const PluginSettings settings = SettingsFor(order, *kind);
+    MemoryList list(GapOf(nlohmann::json::object(), settings));
     for (const nlohmann::json& entry : order.at("entries")) {
         const StoredPicture* picture = pictures_.Find(entry.at("picture"));
-        OwnedDib copy(picture != nullptr ? GlobalDuplicate(picture->dib.Get()) : 0);
-        if (!copy || !list.Add(std::move(copy), "", GapOf(entry, pluginSettings))) return Error("not enough memory");
+        OwnedDib copy = picture != nullptr ? DibCopy(*picture->dib) : OwnedDib();
+        if (!copy || !list.Add(std::move(copy), "", GapOf(entry, settings)))
+            return Error("not enough memory");
     }
     PageHost host(CapabilityFlagsOf(*kind), tell_);
-    const bool built = BuildAnimation(list, 0, host.Context(), TaskKind::Build) != 0;
+    const bool built = BuildAnimation({list, 0, host.Context(), TaskKind::Build, settings, host, Runner(),
+                                       UsualBudget()}) != 0;
     animation_ = host.Take();
-    if (!built || !animation_) return Error(host.Message().empty() ? "the build failed" : host.Message());
+    if (!built || !animation_) return Error(host.Failure().empty() ? "the build failed" : host.Failure());
     return Description(*animation_);
 }
 
@@ -144,9 +143,9 @@ Json Workshop::Frame(std::size_t index) {
     output_.reserve(pixels.size() * 4);
     for (const PixelValue pixel : pixels) {
         const auto alpha = static_cast<std::uint8_t>(pixel == kNoPixel ? 0 : 255);
-        output_.insert(output_.end(), {static_cast<std::uint8_t>(RedOf(pixel)),
-                                       static_cast<std::uint8_t>(GreenOf(pixel)),
-                                       static_cast<std::uint8_t>(BlueOf(pixel)), alpha});
+        output_.insert(output_.end(),
+                       {static_cast<std::uint8_t>(RedOf(pixel)), static_cast<std::uint8_t>(GreenOf(pixel)),
+                        static_cast<std::uint8_t>(BlueOf(pixel)), alpha});
     }
     return {{"width", animation_->width}, {"height", animation_->height}};
 }

@@ -78,12 +78,18 @@ export const texts = {
     playFilm: 'Play',
 
     size: 'Size',
-    canvasModes: { own: 'As they are', contain: 'Fit inside', cover: 'Fill and crop' },
+    canvasModes: { own: 'As they are', most: 'At most', contain: 'Whole', cover: 'Cropped' },
     canvasMode: 'How pictures come to their size',
     width: 'Width',
     height: 'Height',
-    largeCanvas: (width: number, height: number) =>
-        `The canvas has ${width} × ${height} pixels; “${'Fit inside'}” makes a smaller file.`,
+    canvasMeanings: {
+        own: 'Each picture keeps its size, on a canvas as large as the largest.',
+        most: 'Larger pictures are made smaller, in proportion.',
+        contain: 'Every picture whole on a canvas of this size, with the matte colour beside it.',
+        cover: 'Every picture fills a canvas of this size and is cut at its edges.',
+    },
+    canvasNow: (width: number, height: number) => `The canvas has ${width} × ${height} pixels.`,
+    largeCanvas: 'That makes a very large file: choose a smaller size.',
     kind: 'Kind of file',
     colours: 'Colours',
     trueColourNever: (kind: string) => `${kind} holds 256 colours at most.`,

@@ -19,7 +19,7 @@ export class PictureRoom {
         }
         for (const { id, file } of pictures) {
             const fit = fitOf(id);
-            const key = [matte, fit.mode, fit.width, fit.height].join(' ');
+            const key = JSON.stringify([matte, fit]);
             if (this.held.get(id) === key) continue;
             this.held.delete(id);
             await this.engine.ask('add', { number: id, bytes: await file.arrayBuffer(), matte, fit });

@@ -38,12 +38,12 @@ export interface Tables {
 
 export type SettingValues = Record<string, number>;
 
-/** How a picture comes to its size; `shrink` makes what does not fit smaller and leaves the rest. */
-export interface Fit {
-    mode: 'own' | 'contain' | 'cover' | 'shrink';
-    width: number;
-    height: number;
-}
+/** How a picture comes to its size: as it is; within a box, never larger than it is; in the box with the
+ *  matte beside it; filling the box, cut at its edges; or by a percentage. */
+export type Fit =
+    | { mode: 'own' }
+    | { mode: 'most' | 'contain' | 'cover'; width: number; height: number }
+    | { mode: 'scale'; percent: number };
 
 export interface Entry {
     picture: number;

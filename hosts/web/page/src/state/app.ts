@@ -175,7 +175,7 @@ export class App {
         const large = canvas.mode === 'own' && Math.max(read.width, read.height) > largeSide;
         this.change({
             pictures: [...pictures, picture],
-            ...(large ? { canvas: { mode: 'contain', ...usualBox } } : {}),
+            ...(large ? { canvas: { mode: 'most', ...usualBox } } : {}),
         });
         if (this.store.get().selected === null) this.store.set({ selected: picture.id });
     }

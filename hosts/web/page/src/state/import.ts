@@ -10,7 +10,7 @@ export interface ReadPicture {
     thumbnail: Blob;
 }
 
-const thumbnailBox = { mode: 'shrink', width: 320, height: 240 } as const;
+const thumbnailBox = { mode: 'most', width: 320, height: 240 } as const;
 
 export async function blobOf(pixels: Pixels, type = 'image/png'): Promise<Blob> {
     const canvas = new OffscreenCanvas(pixels.width, pixels.height);

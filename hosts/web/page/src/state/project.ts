@@ -21,7 +21,7 @@ export interface Picture {
 }
 
 export interface Canvas {
-    mode: 'own' | 'contain' | 'cover';
+    mode: 'own' | 'most' | 'contain' | 'cover';
     width: number;
     height: number;
 }
@@ -53,24 +53,20 @@ export interface Size {
     height: number;
 }
 
-/** The canvas that the engine makes of these pictures. */
-export function canvasSize(project: Project): Size {
-    const { canvas, pictures } = project;
-    if (canvas.mode === 'cover') return { width: canvas.width, height: canvas.height };
-    const sizes = pictures.map((picture) => fittedSize(picture, canvas));
-    return {
-        width: Math.max(1, ...sizes.map((size) => size.width)),
-        height: Math.max(1, ...sizes.map((size) => size.height)),
-    };
+/** How much smaller than its file a picture is in an animation whose canvas has no size of its own. */
+function pictureFactor(picture: Size, canvas: Canvas): number {
+    return canvas.mode === 'own'
+        ? 1
+        : Math.min(1, canvas.width / picture.width, canvas.height / picture.height);
 }
 
-function fittedSize(picture: Size, canvas: Canvas): Size {
-    if (canvas.mode === 'own') return picture;
-    const factor = Math.min(canvas.width / picture.width, canvas.height / picture.height);
-    return {
-        width: Math.max(1, Math.round(picture.width * factor)),
-        height: Math.max(1, Math.round(picture.height * factor)),
-    };
+/** The canvas that the engine makes of these pictures. */
+export function canvasSize({ canvas, pictures }: Project): Size {
+    if (canvas.mode === 'contain' || canvas.mode === 'cover')
+        return { width: canvas.width, height: canvas.height };
+    const largest = (side: keyof Size): number =>
+        Math.max(1, ...pictures.map((picture) => Math.round(picture[side] * pictureFactor(picture, canvas))));
+    return { width: largest('width'), height: largest('height') };
 }
 
 /** How much smaller than the real one a canvas in this box is; at most 1. */
@@ -80,15 +76,12 @@ export function boxFactor(project: Project, box: Size): number {
 }
 
 /** How a picture comes to its size on the real canvas (factor 1) or on a smaller one. */
-export function fitOf(project: Project, picture: Picture, factor: number): Fit {
-    const { canvas } = project;
-    if (factor === 1 && canvas.mode === 'own') return { mode: 'own', width: 1, height: 1 };
-    const box = canvas.mode === 'cover' ? canvas : fittedSize(picture, canvas);
-    return {
-        mode: canvas.mode === 'cover' ? 'cover' : 'contain',
-        width: Math.max(1, Math.round(box.width * factor)),
-        height: Math.max(1, Math.round(box.height * factor)),
-    };
+export function fitOf({ canvas }: Project, picture: Picture, factor: number): Fit {
+    const { mode, width, height } = canvas;
+    if (factor === 1) return mode === 'own' ? { mode } : { mode, width, height };
+    const scaled = (side: number): number => Math.max(1, Math.round(side * factor));
+    if (mode === 'contain' || mode === 'cover') return { mode, width: scaled(width), height: scaled(height) };
+    return { mode: 'scale', percent: 100 * factor * pictureFactor(picture, canvas) };
 }
 
 export const entryOf = (picture: Picture): Entry => ({ picture: picture.id, ...picture.gap });

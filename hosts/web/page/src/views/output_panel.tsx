@@ -6,7 +6,7 @@ import { useApp, useProject } from './context';
 import { FrameInspector } from './frame_inspector';
 import { SettingControl } from './setting_control';
 
-const canvasModes: Canvas['mode'][] = ['own', 'contain', 'cover'];
+const canvasModes: Canvas['mode'][] = ['own', 'most', 'contain', 'cover'];
 const largestSide = 4096;
 
 function SideField({ label, value, set }: { label: string; value: number; set(value: number): void }) {
@@ -64,9 +64,8 @@ function SizeChoice() {
                 </div>
             )}
             <p class="hint">
-                {size.width * size.height > 1500 * 1000
-                    ? texts.largeCanvas(size.width, size.height)
-                    : texts.pixels(size.width, size.height)}
+                {texts.canvasMeanings[canvas.mode]} {texts.canvasNow(size.width, size.height)}{' '}
+                {size.width * size.height > 1500 * 1000 && texts.largeCanvas}
             </p>
         </fieldset>
     );
