@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,14 +13,22 @@
 
 namespace lumafold {
 
+/// Frames of at most 256 colours; those or of 24 bits; or all that, and 24 bits unless a palette is asked
+/// for.
+enum class Colours { Palette, Any, UsuallyTrue };
+
 struct OutputKindRow {
     const char* id; ///< as the page names it
     const char* name;
     const char* suffix; ///< with its dot
     const char* mediaType;
-    bool trueColour; ///< whether frames of 24 bits can be kept
-    bool shown;      ///< whether browsers play it
-    std::vector<std::uint8_t> (*encode)(const Animation& animation, std::string& error);
+    Colours colours;
+    bool lossy; ///< whether there is a quality to choose
+    bool shown; ///< whether browsers play it
+    /// The whole file, or nothing with `error` in one line. Without a quality, 0 to 100, every colour is
+    /// kept.
+    std::vector<std::uint8_t> (*encode)(const Animation& animation, std::optional<int> quality,
+                                        std::string& error);
 };
 
 std::span<const OutputKindRow> OutputKinds();

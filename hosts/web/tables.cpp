@@ -83,7 +83,9 @@ Json KindsTable() {
                          {"name", kind.name},
                          {"suffix", kind.suffix},
                          {"mediaType", kind.mediaType},
-                         {"trueColour", kind.trueColour},
+                         {"trueColour", kind.colours != Colours::Palette},
+                         {"usuallyTrueColour", kind.colours == Colours::UsuallyTrue},
+                         {"lossy", kind.lossy},
                          {"shown", kind.shown}});
     }
     return table;

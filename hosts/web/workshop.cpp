@@ -1,6 +1,7 @@
 #include "hosts/web/workshop.h"
 
 #include "build/build_driver.h"
+#include "codecs/delays.h"
 #include "hosts/common/memory_list.h"
 #include "hosts/common/report.h"
 #include "hosts/web/kinds.h"
@@ -11,18 +12,20 @@ namespace {
 
 using Json = Workshop::Json;
 
+/// Of the 2 GB that the module can have, what a build may hold: the animation and its file come beside it.
+constexpr std::uint64_t kMostBytes = std::uint64_t{5} << 28;
+
 Json Error(const std::string& text) { return {{"error", text}}; }
 
-FitMode FitModeOf(const std::string& name) {
-    if (name == "most") return FitMode::Most;
-    if (name == "contain") return FitMode::Contain;
-    if (name == "cover") return FitMode::Cover;
-    return name == "scale" ? FitMode::Scale : FitMode::AsIs;
-}
-
-Fit FitOf(const nlohmann::json& fit) {
-    return {FitModeOf(fit.value("mode", "")), fit.value("width", 1), fit.value("height", 1),
-            fit.value("percent", 100.0)};
+SizeRequest SizeOf(const nlohmann::json& fit, PixelValue matte) {
+    using Kind = SizeRequest::Kind;
+    const std::string mode = fit.at("mode");
+    const Fit shape = mode == "cover" ? Fit::Cover : Fit::Contain;
+    const Kind kind = mode == "own"     ? Kind::Keep
+                      : mode == "most"  ? Kind::AtMost
+                      : mode == "scale" ? Kind::Scale
+                                        : Kind::Exact;
+    return {kind, {fit.value("width", 1), fit.value("height", 1)}, shape, fit.value("percent", 100.0), matte};
 }
 
 /// Numbers whose meaning is told in pixels are lengths; their own ranges hold for what comes of them.
@@ -54,6 +57,15 @@ GapValues GapOf(const nlohmann::json& entry, const PluginSettings& settings) {
     return {entry.value("transition", static_cast<std::int32_t>(settings.TransitionType)),
             entry.value("pause", static_cast<std::int32_t>(settings.TransitionPause)),
             entry.value("delay", static_cast<std::int32_t>(settings.TransitionDelay))};
+}
+
+void HoldShortFrames(Animation& animation) {
+    std::vector<std::int32_t> delays;
+    for (const AnimationFrame& frame : animation.frames)
+        delays.push_back(frame.delay);
+    lumafold::HoldShortFrames(delays);
+    for (std::size_t i = 0; i < delays.size(); ++i)
+        animation.frames[i].delay = delays[i];
 }
 
 Json Description(const Animation& animation) {
@@ -93,7 +105,9 @@ Json Workshop::Answer(const nlohmann::json& order) {
     if (what == "add") return Add(order);
     if (what == "build") return Build(order);
     if (what == "frame") return Frame(order.at("index"));
-    if (what == "pack") return Pack();
+    if (what == "pack") {
+        return Pack(order.contains("quality") ? std::optional<int>(order["quality"]) : std::nullopt);
+    }
     if (what == "remove") {
         pictures_.Remove(order.at("number"));
         return Json::object();
@@ -104,7 +118,7 @@ Json Workshop::Answer(const nlohmann::json& order) {
 Json Workshop::Add(const nlohmann::json& order) {
     std::string error;
     const StoredPicture* picture =
-        pictures_.Add(order.at("number"), input_, order.at("matte"), FitOf(order.at("fit")), error);
+        pictures_.Add(order.at("number"), input_, SizeOf(order.at("fit"), order.at("matte")), error);
     input_ = {};
     if (picture == nullptr) return Error(error);
     if (order.value("show", false)) output_ = PixelsOf(*picture->dib);
@@ -129,10 +143,11 @@ Json Workshop::Build(const nlohmann::json& order) {
             return Error("not enough memory");
     }
     PageHost host(CapabilityFlagsOf(*kind), tell_);
-    const bool built = BuildAnimation({list, 0, host.Context(), TaskKind::Build, settings, host, Runner(),
-                                       UsualBudget()}) != 0;
+    const bool built =
+        BuildAnimation({list, 0, host.Context(), TaskKind::Build, settings, host, Runner(), kMostBytes}) != 0;
     animation_ = host.Take();
     if (!built || !animation_) return Error(host.Failure().empty() ? "the build failed" : host.Failure());
+    HoldShortFrames(*animation_);
     return Description(*animation_);
 }
 
@@ -150,12 +165,12 @@ Json Workshop::Frame(std::size_t index) {
     return {{"width", animation_->width}, {"height", animation_->height}};
 }
 
-Json Workshop::Pack() {
+Json Workshop::Pack(std::optional<int> quality) {
     const OutputKindRow* kind = FindOutputKind(kind_);
     if (!animation_ || kind == nullptr) return Error("nothing was built");
     tell_("", 0, 0);
     std::string error;
-    output_ = kind->encode(*animation_, error);
+    output_ = kind->encode(*animation_, quality, error);
     return output_.empty() ? Error(error) : Json{{"bytes", output_.size()}};
 }
 

@@ -32,7 +32,7 @@ public:
     ///   {"do": "build", "kind", "settings", "entries": [{"picture", "transition", "pause", "delay"}],
     ///    "fullColour", "lengthPercent"}            "width", "height", "delays", "palette", "colours"
     ///   {"do": "frame", "index"}                   Output() has the pixels that are seen then
-    ///   {"do": "pack"}                             Output() has the file
+    ///   {"do": "pack", "quality"}                           Output() has the file
     ///
     /// "fullColour" leaves out every reduction of colours; "lengthPercent" scales the settings that are
     /// measured in pixels, for a build of smaller pictures that should look like the large one.
@@ -46,7 +46,7 @@ private:
     Json Add(const nlohmann::json& order);
     Json Build(const nlohmann::json& order);
     Json Frame(std::size_t index);
-    Json Pack();
+    Json Pack(std::optional<int> quality);
 
     TellProgress tell_;
     Bytes input_, output_;

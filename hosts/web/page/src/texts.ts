@@ -91,6 +91,9 @@ export const texts = {
     canvasNow: (width: number, height: number) => `The canvas has ${width} × ${height} pixels.`,
     largeCanvas: 'That makes a very large file: choose a smaller size.',
     kind: 'Kind of file',
+    lossless: 'Keep every colour',
+    losslessMeaning: 'Nothing of the picture is left out; the file is larger.',
+    quality: 'Quality',
     colours: 'Colours',
     trueColourNever: (kind: string) => `${kind} holds 256 colours at most.`,
     noSupercompression:

@@ -25,6 +25,10 @@ export interface OutputKind {
     suffix: string;
     mediaType: string;
     trueColour: boolean;
+    /** Whether frames have true colour unless a palette is asked for. */
+    usuallyTrueColour: boolean;
+    /** Whether there is a quality to choose. */
+    lossy: boolean;
     /** Whether browsers play it. */
     shown: boolean;
 }
@@ -98,7 +102,8 @@ export interface Orders {
     frame: [take: { index: number }, give: { pixels: Pixels }];
     /** All frames at once, for small ones. */
     frames: [take: Record<string, never>, give: { frames: Pixels[] }];
-    pack: [take: Record<string, never>, give: { file: Uint8Array<ArrayBuffer> }];
+    /** Without a quality, 0 to 100, every colour is kept. */
+    pack: [take: { quality?: number }, give: { file: Uint8Array<ArrayBuffer> }];
 }
 
 export type OrderName = keyof Orders;

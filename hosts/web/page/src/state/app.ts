@@ -100,7 +100,14 @@ export class App {
     }
 
     setKind(kind: string): void {
-        this.change({ kind });
+        const usual = this.tables.kinds.find((row) => row.id === kind)?.usuallyTrueColour === true;
+        const settings = { ...this.project.settings };
+        if (usual) settings.TransitionTruecolour = 1;
+        this.change({ kind, settings });
+    }
+
+    setQuality(quality: number | null): void {
+        this.change({ quality });
     }
 
     setCanvas(canvas: Partial<Canvas>): void {

@@ -4,7 +4,7 @@ import { Ended } from '../engine/client';
 import { PictureRoom } from '../engine/picture_room';
 import type { Built, Pixels, Progress } from '../engine/protocol';
 import { Store } from './store';
-import { boxFactor, buildOrder, canvasSize, entryOf, fitOf, valueOf } from './project';
+import { boxFactor, buildOrder, canvasSize, entryOf, fitOf, packOrder, valueOf } from './project';
 import type { Project } from './project';
 
 export interface Result {
@@ -206,7 +206,7 @@ export class Builder {
         const order = buildOrder(project, project.pictures.map(entryOf), factor);
         const built = await engine.ask('build', order, (progress) => phases.note(progress));
         phases.turnTo('');
-        const { file } = await engine.ask('pack', {});
+        const { file } = await engine.ask('pack', packOrder(project));
         phases.turnTo('end');
         this.shape = phases;
         const size = canvasSize(project);
@@ -229,7 +229,7 @@ export class Builder {
         const order = buildOrder(project, project.pictures.map(entryOf), 1);
         const built = await room.engine.ask('build', order, tell);
         tell({ caption: '', position: 0, total: 0 });
-        const { file } = await room.engine.ask('pack', {}, tell);
+        const { file } = await room.engine.ask('pack', packOrder(project), tell);
         return { project, built, file: new Blob([file]) };
     }
 }

@@ -31,6 +31,8 @@ export interface Project {
     settings: SettingValues;
     canvas: Canvas;
     kind: string;
+    /** Of kinds that can leave something out, 0 to 100; null keeps every colour. */
+    quality: number | null;
     /** Of the last "surprise me", null before it. */
     seed: number | null;
 }
@@ -41,6 +43,7 @@ export function newProject(tables: Tables): Project {
         settings: Object.fromEntries(tables.settings.map((setting) => [setting.key, setting.default])),
         canvas: { mode: 'own', width: 640, height: 480 },
         kind: tables.kinds[0]?.id ?? '',
+        quality: null,
         seed: null,
     };
 }
@@ -85,6 +88,9 @@ export function fitOf({ canvas }: Project, picture: Picture, factor: number): Fi
 }
 
 export const entryOf = (picture: Picture): Entry => ({ picture: picture.id, ...picture.gap });
+
+export const packOrder = ({ quality }: Project): { quality?: number } =>
+    quality === null ? {} : { quality };
 
 export function buildOrder(project: Project, entries: Entry[], factor: number): BuildOrder {
     return {

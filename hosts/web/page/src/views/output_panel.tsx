@@ -71,9 +71,49 @@ function SizeChoice() {
     );
 }
 
+const usualQuality = 80;
+
+function QualityChoice() {
+    const app = useApp();
+    const { quality } = useProject();
+    return (
+        <>
+            <div class="setting">
+                <label class="switch">
+                    <input
+                        type="checkbox"
+                        role="switch"
+                        checked={quality === null}
+                        onChange={(event) =>
+                            app.setQuality(event.currentTarget.checked ? null : usualQuality)
+                        }
+                    />
+                    <span>{texts.lossless}</span>
+                </label>
+                <small>{texts.losslessMeaning}</small>
+            </div>
+            {quality !== null && (
+                <label class="setting">
+                    <span>
+                        {texts.quality}: {quality}
+                    </span>
+                    <input
+                        type="range"
+                        min="0"
+                        max="100"
+                        value={quality}
+                        onInput={(event) => app.setQuality(Number(event.currentTarget.value))}
+                    />
+                </label>
+            )}
+        </>
+    );
+}
+
 function KindChoice() {
     const app = useApp();
     const { kind } = useProject();
+    const lossy = app.tables.kinds.find((row) => row.id === kind)?.lossy === true;
     return (
         <fieldset>
             <legend>{texts.kind}</legend>
@@ -91,6 +131,7 @@ function KindChoice() {
                     </label>
                 ))}
             </div>
+            {lossy && <QualityChoice />}
         </fieldset>
     );
 }
