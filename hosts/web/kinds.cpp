@@ -22,7 +22,7 @@ std::vector<std::uint8_t> Webp(const Animation& animation, std::optional<int> qu
 #endif
 
 constexpr OutputKindRow kKinds[] = {
-    {"gif", "GIF", ".gif", "image/gif", Colours::Palette, false, true, &Plain<EncodeGif>},
+    {"gif", "GIF", ".gif", "image/gif", Colours::Indexed, false, true, &Plain<EncodeGif>},
     {"apng", "Animated PNG", ".png", "image/png", Colours::Any, false, true, &Plain<EncodeApng>},
 #if LUMAFOLD_WEBP
     {"webp", "WebP", ".webp", "image/webp", Colours::UsuallyTrue, true, true, &Webp},
@@ -42,7 +42,7 @@ const OutputKindRow* FindOutputKind(std::string_view id) {
 }
 
 std::uint32_t CapabilityFlagsOf(const OutputKindRow& kind) {
-    return kHostTakesSupercompression | (kind.colours != Colours::Palette ? kHostTakesTrueColour : 0);
+    return kHostTakesSupercompression | (kind.colours != Colours::Indexed ? kHostTakesTrueColour : 0);
 }
 
 } // namespace lumafold

@@ -15,7 +15,7 @@ namespace lumafold {
 
 /// Frames of at most 256 colours; those or of 24 bits; or all that, and 24 bits unless a palette is asked
 /// for.
-enum class Colours { Palette, Any, UsuallyTrue };
+enum class Colours { Indexed, Any, UsuallyTrue };
 
 struct OutputKindRow {
     const char* id; ///< as the page names it

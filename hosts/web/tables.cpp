@@ -83,7 +83,7 @@ Json KindsTable() {
                          {"name", kind.name},
                          {"suffix", kind.suffix},
                          {"mediaType", kind.mediaType},
-                         {"trueColour", kind.colours != Colours::Palette},
+                         {"trueColour", kind.colours != Colours::Indexed},
                          {"usuallyTrueColour", kind.colours == Colours::UsuallyTrue},
                          {"lossy", kind.lossy},
                          {"shown", kind.shown}});
