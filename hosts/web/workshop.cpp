@@ -20,12 +20,9 @@ Json Error(const std::string& text) { return {{"error", text}}; }
 SizeRequest SizeOf(const nlohmann::json& fit, PixelValue matte) {
     using Kind = SizeRequest::Kind;
     const std::string mode = fit.at("mode");
-    const Fit shape = mode == "cover" ? Fit::Cover : Fit::Contain;
-    const Kind kind = mode == "own"     ? Kind::Keep
-                      : mode == "most"  ? Kind::AtMost
-                      : mode == "scale" ? Kind::Scale
-                                        : Kind::Exact;
-    return {kind, {fit.value("width", 1), fit.value("height", 1)}, shape, fit.value("percent", 100.0), matte};
+    const Fit shape = mode == "cover" ? Fit::Cover : mode == "stretch" ? Fit::Stretch : Fit::Contain;
+    const Kind kind = mode == "own" ? Kind::Keep : mode == "most" ? Kind::AtMost : Kind::Exact;
+    return {kind, {fit.value("width", 1), fit.value("height", 1)}, shape, 100, matte};
 }
 
 /// Numbers whose meaning is told in pixels are lengths; their own ranges hold for what comes of them.

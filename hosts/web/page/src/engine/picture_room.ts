@@ -6,19 +6,20 @@ import type { Fit } from './protocol';
 interface Wanted {
     id: number;
     file: Blob;
+    fit: Fit;
 }
 
 export class PictureRoom {
     readonly engine = new EngineClient();
     private readonly held = new Map<number, string>();
 
-    async hold(pictures: readonly Wanted[], matte: number, fitOf: (id: number) => Fit): Promise<void> {
+    /** Has these pictures and no others. */
+    async hold(pictures: readonly Wanted[], matte: number): Promise<void> {
         for (const number of [...this.held.keys()].filter((id) => !pictures.some((one) => one.id === id))) {
             this.held.delete(number);
-            void this.engine.ask('remove', { number });
+            await this.engine.ask('remove', { number });
         }
-        for (const { id, file } of pictures) {
-            const fit = fitOf(id);
+        for (const { id, file, fit } of pictures) {
             const key = JSON.stringify([matte, fit]);
             if (this.held.get(id) === key) continue;
             this.held.delete(id);

@@ -43,11 +43,9 @@ export interface Tables {
 export type SettingValues = Record<string, number>;
 
 /** How a picture comes to its size: as it is; within a box, never larger than it is; in the box with the
- *  matte beside it; filling the box, cut at its edges; or by a percentage. */
+ *  matte beside it; filling the box, cut at its edges; or filling it out of proportion. */
 export type Fit =
-    | { mode: 'own' }
-    | { mode: 'most' | 'contain' | 'cover'; width: number; height: number }
-    | { mode: 'scale'; percent: number };
+    { mode: 'own' } | { mode: 'most' | 'contain' | 'cover' | 'stretch'; width: number; height: number };
 
 export interface Entry {
     picture: number;

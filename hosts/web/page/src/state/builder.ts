@@ -4,7 +4,7 @@ import { Ended } from '../engine/client';
 import { PictureRoom } from '../engine/picture_room';
 import type { Built, Pixels, Progress } from '../engine/protocol';
 import { Store } from './store';
-import { boxFactor, buildOrder, canvasSize, entryOf, fitOf, packOrder, valueOf } from './project';
+import { boxFactor, buildOrder, canvasSize, entryOf, heldPictures, packOrder, valueOf } from './project';
 import type { Project } from './project';
 
 export interface Result {
@@ -100,10 +100,13 @@ export class Builder {
     /** How much more than by its area a large file is than a small one, from the last that was built. */
     private growth = 0.75;
     private shape: Phases | undefined;
+    /** Whether a person wants the project as it is, however long it takes. */
+    private asked = false;
 
     /** The project has changed; the build begins when the changes pause. */
     update(project: Project): void {
         this.project = project;
+        this.asked = false;
         clearTimeout(this.timer);
         if (this.store.get().running) this.stop();
         this.store.set({ result: null, error: null, large: false });
@@ -111,18 +114,20 @@ export class Builder {
             this.store.set({ ...idle });
             return;
         }
-        this.timer = setTimeout(() => void this.run(project, false), settleMilliseconds);
+        this.timer = setTimeout(() => void this.run(project), settleMilliseconds);
     }
 
     /** Builds now, however long it takes. */
     buildNow(): void {
+        this.asked = true;
         if (this.project === undefined || this.store.get().running || this.store.get().result) return;
         clearTimeout(this.timer);
-        void this.run(this.project, true);
+        void this.run(this.project);
     }
 
     /** Ends what runs; the project is built when it is asked for, or changes. */
     cancel(): void {
+        this.asked = false;
         clearTimeout(this.timer);
         this.stop();
         this.store.set({ large: true });
@@ -155,33 +160,28 @@ export class Builder {
     }
 
     private hold(room: PictureRoom, project: Project, factor: number): Promise<void> {
-        const { pictures } = project;
-        return room.hold(pictures, valueOf(project, 'TransitionMattcolour'), (id) =>
-            fitOf(
-                project,
-                pictures.find((picture) => picture.id === id)!,
-                factor,
-            ),
-        );
+        const matte = valueOf(project, 'TransitionMattcolour');
+        return room.hold(heldPictures(project, project.pictures, factor), matte);
     }
 
-    private async run(project: Project, asked: boolean): Promise<void> {
+    private async run(project: Project): Promise<void> {
         this.store.set({ running: true, error: null, large: false, done: 0, secondsLeft: null });
         this.room ??= new PictureRoom();
         const room = this.room;
         const current = (): boolean => this.room === room && this.project === project;
         try {
-            const small = await this.forecast(project);
+            // Where the small build would be the whole one, it tells nothing sooner.
+            const small = boxFactor(project, forecastBox) < 1 ? await this.forecast(project) : null;
             if (!current()) return;
             const size = canvasSize(project);
             const pixels = size.width * size.height * (this.store.get().forecast?.frames ?? 0);
-            if (!asked && pixels > mostPixelsUnasked) {
+            if (small !== null && !this.asked && pixels > mostPixelsUnasked) {
                 this.store.set({ running: false, large: true });
                 return;
             }
             const result = await this.build(room, project);
             if (!current()) return;
-            this.growth = result.file.size / small;
+            if (small !== null) this.growth = result.file.size / small;
             const forecast = this.described(result.built, result.file.size);
             this.store.set({ running: false, result, lastResult: result, forecast, done: 1 });
         } catch (error) {

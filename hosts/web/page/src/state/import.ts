@@ -2,15 +2,15 @@
 // engine gets it as a PNG.
 import { PictureRoom } from '../engine/picture_room';
 import type { Pixels } from '../engine/protocol';
+import { thumbnailBox } from './project';
 
 export interface ReadPicture {
     file: Blob;
     width: number;
     height: number;
     thumbnail: Blob;
+    opaque: boolean;
 }
-
-const thumbnailBox = { mode: 'most', width: 320, height: 240 } as const;
 
 export async function blobOf(pixels: Pixels, type = 'image/png'): Promise<Blob> {
     const canvas = new OffscreenCanvas(pixels.width, pixels.height);
@@ -27,10 +27,14 @@ async function asPng(file: Blob): Promise<Blob> {
     return canvas.convertToBlob({ type: 'image/png' });
 }
 
+async function beginsWith(file: Blob): Promise<(...bytes: number[]) => boolean> {
+    const head = new Uint8Array(await file.slice(0, 4).arrayBuffer());
+    return (...bytes) => bytes.every((byte, index) => head[index] === byte);
+}
+
 /** Whether the file is of a kind that the engine reads: then its own reason why it cannot counts. */
 async function isEnginesKind(file: Blob): Promise<boolean> {
-    const head = new Uint8Array(await file.slice(0, 4).arrayBuffer());
-    const starts = (...bytes: number[]): boolean => bytes.every((byte, index) => head[index] === byte);
+    const starts = await beginsWith(file);
     return (
         starts(0x89, 0x50, 0x4e, 0x47) || starts(0xff, 0xd8) || starts(0x47, 0x49, 0x46) || starts(0x42, 0x4d)
     );
@@ -56,16 +60,19 @@ export class Importer {
             this.room.engine.end();
             this.room = new PictureRoom();
         }
+        const fit = { mode: 'most', ...thumbnailBox } as const;
         const order = {
             number: 1,
             bytes: await file.arrayBuffer(),
             matte: 0xffffff,
-            fit: thumbnailBox,
+            fit,
             show: true,
         };
         const { width, height, shown } = await this.room.engine.ask('add', order);
         void this.room.engine.ask('remove', { number: 1 });
         if (shown === undefined) throw new Error('no pixels');
-        return { file, width, height, thumbnail: await blobOf(shown, 'image/jpeg') };
+        const starts = await beginsWith(file);
+        const opaque = starts(0xff, 0xd8) || starts(0x42, 0x4d);
+        return { file, width, height, opaque, thumbnail: await blobOf(shown, 'image/jpeg') };
     }
 }

@@ -2,7 +2,7 @@
 // comes first, and what nobody waits for any more is never rendered.
 import { PictureRoom } from '../engine/picture_room';
 import type { Entry, Pixels } from '../engine/protocol';
-import { boxFactor, buildOrder, entryOf, fitOf, nextPicture, valueOf } from './project';
+import { boxFactor, buildOrder, entryOf, heldPictures, nextPicture, valueOf } from './project';
 import type { Picture, Project, Size } from './project';
 
 export interface Film {
@@ -115,9 +115,7 @@ export class Previews {
         const room = this.roomFor(box);
         const factor = boxFactor(project, box);
         const pictures = next.id === picture.id ? [picture] : [picture, next];
-        await room.hold(pictures, valueOf(project, 'TransitionMattcolour'), (id) =>
-            fitOf(project, id === picture.id ? picture : next, factor),
-        );
+        await room.hold(heldPictures(project, pictures, factor), valueOf(project, 'TransitionMattcolour'));
         const first: Entry = {
             ...entryOf(picture),
             transition,

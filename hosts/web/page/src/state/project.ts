@@ -16,9 +16,14 @@ export interface Picture {
     file: Blob;
     width: number;
     height: number;
+    /** Within `thumbnailBox`. */
     thumbnail: Blob;
+    /** Whether its kind of file knows no clear pixels. */
+    opaque: boolean;
     gap: Gap;
 }
+
+export const thumbnailBox = { width: 640, height: 480 };
 
 export interface Canvas {
     mode: 'own' | 'most' | 'contain' | 'cover';
@@ -79,12 +84,35 @@ export function boxFactor(project: Project, box: Size): number {
 }
 
 /** How a picture comes to its size on the real canvas (factor 1) or on a smaller one. */
-export function fitOf({ canvas }: Project, picture: Picture, factor: number): Fit {
+function fitOf({ canvas }: Project, picture: Picture, factor: number): Fit {
     const { mode, width, height } = canvas;
     if (factor === 1) return mode === 'own' ? { mode } : { mode, width, height };
-    const scaled = (side: number): number => Math.max(1, Math.round(side * factor));
-    if (mode === 'contain' || mode === 'cover') return { mode, width: scaled(width), height: scaled(height) };
-    return { mode: 'scale', percent: 100 * factor * pictureFactor(picture, canvas) };
+    if (mode === 'contain' || mode === 'cover') {
+        const scaled = (length: number): number => Math.max(1, Math.round(length * factor));
+        return { mode, width: scaled(width), height: scaled(height) };
+    }
+    const own = factor * pictureFactor(picture, canvas);
+    const side = (length: number): number => Math.max(1, Math.round(length * own));
+    return { mode: 'stretch', width: side(picture.width), height: side(picture.height) };
+}
+
+/** Photos of more pixels than this are previewed by their thumbnails. */
+const mostPreviewed = 2e6;
+const smallBox = { width: 400, height: 300 };
+
+/** The file to make a picture of this size of, which need not be the whole one. */
+function sourceOf({ file, thumbnail, width, height, opaque }: Picture, fit: Fit, factor: number): Blob {
+    const small =
+        factor < 1 && fit.mode !== 'own' && fit.width <= smallBox.width && fit.height <= smallBox.height;
+    return small && opaque && width * height > mostPreviewed ? thumbnail : file;
+}
+
+/** The pictures as a room holds them for an animation of this project. */
+export function heldPictures(project: Project, pictures: readonly Picture[], factor: number) {
+    return pictures.map((picture) => {
+        const fit = fitOf(project, picture, factor);
+        return { id: picture.id, file: sourceOf(picture, fit, factor), fit };
+    });
 }
 
 export const entryOf = (picture: Picture): Entry => ({ picture: picture.id, ...picture.gap });
