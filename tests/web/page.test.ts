@@ -109,7 +109,9 @@ test('settings come and go in the form of the plug-in', async () => {
         given,
     );
     await visit.choose(() => visit.menu('Import LUMAFOLD.INI…'), [given]);
-    await visit.page.waitForFunction(() => document.querySelector('.notices')?.textContent?.includes('taken over'));
+    await visit.page.waitForFunction(() =>
+        document.querySelector('.notices')?.textContent?.includes('taken over'),
+    );
     const taken = await visit.saved(() => visit.menu('Export LUMAFOLD.INI'));
     const withoutTime = (path: string): string => readFileSync(path, 'latin1').replace(/;Last updated.*/, '');
     assert.equal(withoutTime(taken), withoutTime(given));

@@ -187,6 +187,9 @@ export class Builder {
         } catch (error) {
             if (!current() || error instanceof Ended) return;
             this.stop();
+            // It may be this one that has no memory left.
+            this.forecaster?.engine.end();
+            this.forecaster = undefined;
             this.store.set({ error: (error as Error).message });
         }
     }

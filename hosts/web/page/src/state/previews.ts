@@ -53,7 +53,7 @@ export class Previews {
     private readonly jobs = new Set<Job>();
     private readonly kept = new Map<string, Film>();
     private busy = false;
-    private rooms = new Map<number, PictureRoom>();
+    private readonly rooms = new Map<number, PictureRoom>();
 
     constructor(private readonly noTransition: number) {}
 
@@ -97,6 +97,9 @@ export class Previews {
             this.keep(job.key, film);
             if (this.jobs.delete(job)) job.show(film);
         } catch (error) {
+            // A worker that ran out of memory is of no more use; the next film gets a new one.
+            this.rooms.get(job.wish.box.width)?.engine.end();
+            this.rooms.delete(job.wish.box.width);
             if (this.jobs.delete(job)) job.fail(error as Error);
         }
     }
