@@ -12,7 +12,7 @@
 namespace lumafold {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::json;
 
 /// Where the settings' own reader and writer, which know files only, find and leave their text.
 constexpr char kSettingsPath[] = "settings.ini";

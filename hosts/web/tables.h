@@ -15,7 +15,7 @@ std::string TablesJson();
 
 /// The settings that an object of keys and numbers names, over the defaults. Unknown keys are passed over.
 PluginSettings SettingsFromJson(const nlohmann::json& values);
-nlohmann::ordered_json SettingsToJson(const PluginSettings& settings);
+nlohmann::json SettingsToJson(const PluginSettings& settings);
 
 /// The settings as the plug-in's file has them; "" when there is no memory for it.
 std::string SettingsFileText(const PluginSettings& settings);

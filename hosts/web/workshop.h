@@ -14,7 +14,7 @@ namespace lumafold {
 
 class Workshop {
 public:
-    using Json = nlohmann::ordered_json;
+    using Json = nlohmann::json;
     using Bytes = std::vector<std::uint8_t>;
 
     explicit Workshop(TellProgress tell) : tell_(std::move(tell)) {}

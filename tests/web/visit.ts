@@ -82,7 +82,7 @@ export class Visit {
         const scheme = look.dark === true ? 'dark' : 'light';
         await visit.page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: scheme }]);
         const session = await visit.page.createCDPSession();
-        const where = { behavior: 'allow', downloadPath: visit.downloads } as const;
+        const where = { behavior: 'allowAndName', downloadPath: visit.downloads } as const;
         await session.send('Browser.setDownloadBehavior', {
             ...where,
             browserContextId: context.id!,
