@@ -1,33 +1,32 @@
 #include "hosts/web/kinds.h"
 
-#include "codecs/apng_writer.h"
-#include "codecs/gif_writer.h"
-#include "codecs/mng_writer.h"
-#include "codecs/webp_writer.h"
 #include "settings/settings.h"
+#if LUMAFOLD_WEBP
+#include "codecs/webp_writer.h"
+#endif
 
 namespace lumafold {
 namespace {
 
-/// A writer that knows no quality.
-template <auto Encode>
-std::vector<std::uint8_t> Plain(const Animation& animation, std::optional<int>, std::string& error) {
-    return Encode(animation, error);
+template <AnimationKind Kind>
+std::vector<std::uint8_t> Encode(const Animation& animation, const EncodeOptions& options,
+                                 std::string& error) {
+    return EncodeAnimation(Kind, animation, error, {kUsualEffort, options.goOn});
 }
 
 #if LUMAFOLD_WEBP
-std::vector<std::uint8_t> Webp(const Animation& animation, std::optional<int> quality, std::string& error) {
-    return EncodeWebp(animation, {quality}, error);
+std::vector<std::uint8_t> Webp(const Animation& animation, const EncodeOptions& options, std::string& error) {
+    return EncodeWebp(animation, {options.quality}, error);
 }
 #endif
 
 constexpr OutputKindRow kKinds[] = {
-    {"gif", "GIF", ".gif", "image/gif", Colours::Indexed, false, true, &Plain<EncodeGif>},
-    {"apng", "Animated PNG", ".png", "image/png", Colours::Any, false, true, &Plain<EncodeApng>},
+    {"gif", "GIF", ".gif", "image/gif", Colours::Indexed, false, true, &Encode<AnimationKind::Gif>},
+    {"apng", "Animated PNG", ".png", "image/png", Colours::Any, false, true, &Encode<AnimationKind::Apng>},
 #if LUMAFOLD_WEBP
     {"webp", "WebP", ".webp", "image/webp", Colours::UsuallyTrue, true, true, &Webp},
 #endif
-    {"mng", "MNG", ".mng", "video/x-mng", Colours::Any, false, false, &Plain<EncodeMng>},
+    {"mng", "MNG", ".mng", "video/x-mng", Colours::Any, false, false, &Encode<AnimationKind::Mng>},
 };
 
 } // namespace

@@ -9,13 +9,18 @@
 #include <string_view>
 #include <vector>
 
-#include "codecs/animation.h"
+#include "codecs/animation_writer.h"
 
 namespace lumafold {
 
 /// Frames of at most 256 colours; those or of 24 bits; or all that, and 24 bits unless a palette is asked
 /// for.
 enum class Colours { Indexed, Any, UsuallyTrue };
+
+struct EncodeOptions {
+    std::optional<int> quality; ///< 0 to 100; without one every colour is kept
+    FrameProgress goOn;         ///< not of a WebP, which is packed as a whole
+};
 
 struct OutputKindRow {
     const char* id; ///< as the page names it
@@ -25,9 +30,8 @@ struct OutputKindRow {
     Colours colours;
     bool lossy; ///< whether there is a quality to choose
     bool shown; ///< whether browsers play it
-    /// The whole file, or nothing with `error` in one line. Without a quality, 0 to 100, every colour is
-    /// kept.
-    std::vector<std::uint8_t> (*encode)(const Animation& animation, std::optional<int> quality,
+    /// The whole file, or nothing with `error` in one line.
+    std::vector<std::uint8_t> (*encode)(const Animation& animation, const EncodeOptions& options,
                                         std::string& error);
 };
 

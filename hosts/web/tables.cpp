@@ -121,7 +121,7 @@ Json SettingsToJson(const PluginSettings& settings) {
 }
 
 std::string SettingsFileText(const PluginSettings& settings) {
-    std::vector<std::uint8_t> bytes;
+    Array<std::uint8_t> bytes;
     std::string error;
     if (!SaveSettings(kSettingsPath, settings) || !ReadWholeFile(kSettingsPath, bytes, error)) return {};
     return {bytes.begin(), bytes.end()};

@@ -166,8 +166,12 @@ Json Workshop::Pack(std::optional<int> quality) {
     const OutputKindRow* kind = FindOutputKind(kind_);
     if (!animation_ || kind == nullptr) return Error("nothing was built");
     tell_("", 0, 0);
+    const FrameProgress goOn = [this](std::size_t frame, std::size_t frames) {
+        tell_("", static_cast<std::int32_t>(frame), static_cast<std::int32_t>(frames));
+        return true;
+    };
     std::string error;
-    output_ = kind->encode(*animation_, quality, error);
+    output_ = kind->encode(*animation_, {quality, goOn}, error);
     return output_.empty() ? Error(error) : Json{{"bytes", output_.size()}};
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "codecs/gif_writer.h"
 #include "codecs/png_writer.h"
 #include "tests/support/pictures.h"
 

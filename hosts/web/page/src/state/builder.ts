@@ -57,7 +57,7 @@ const settleMilliseconds = 250;
 /** How far a build is, from how long each of its phases took in another of the same shape. */
 class Phases {
     private readonly seconds = new Map<string, number>();
-    private caption = '';
+    private caption = 'reading';
     private since = performance.now();
 
     constructor(private readonly like?: Phases) {}
