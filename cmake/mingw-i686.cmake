@@ -14,7 +14,7 @@ set(ZLIB_USE_STATIC_LIBS ON)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/wine-run)
 # The picture libraries that tools/setup builds come before what the compiler's own packages bring.
 if(NOT LUMAFOLD_WINDOWS_LIBRARIES)
-    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/windows-libraries --where
+    execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../tools/libraries windows --where
         OUTPUT_VARIABLE LUMAFOLD_WINDOWS_LIBRARIES OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 endif()
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES LUMAFOLD_WINDOWS_LIBRARIES)

@@ -14,6 +14,14 @@ asRoot() {
     fi
 }
 
+# buildPreset PRESET TARGET...
+buildPreset() {
+    say "building ($1)"
+    mkdir -p "$root/out"
+    cmake --preset "$1" >"$root/out/configure-$1.log" 2>&1 || { cat "$root/out/configure-$1.log" >&2; return 1; }
+    cmake --build --preset "$1" --target "${@:2}"
+}
+
 # makeRoot FOLDER ARCHITECTURE PACKAGE...: a small system with these packages, from where the machine's own come.
 makeRoot() {
     local folder=$1 architecture=$2 release mirror log

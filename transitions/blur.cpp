@@ -333,15 +333,15 @@ Array<double> GaussianKernel(std::int32_t taps, double sigma) {
     Array<double> weights(taps > kMostTaps ? SIZE_MAX : static_cast<std::size_t>(taps));
     if (!weights) return weights;
     const ExtendedPrecision precision;
-    const long double spread = 18.0L * sigma * sigma;
+    const long double spread = Extended(Extended(18.0L * sigma) * sigma);
     // Three samples a tap, a third of a pixel apart: hence the nine in the spread. Beyond `reach` all are 0.
     const std::int64_t half = std::int64_t{3} * taps / 2;
     const auto reach = static_cast<std::int64_t>(std::min<long double>(
         static_cast<long double>(half), std::sqrt(static_cast<double>(spread) * 750.0) + 1));
     for (std::int64_t i = -reach; i <= reach; ++i) {
-        const long double sample = PortableExp(static_cast<long double>(-(i * i)) / spread);
+        const double sample = PortableExp(Extended(static_cast<long double>(-(i * i)) / spread));
         double& weight = weights[static_cast<std::size_t>((i + half) / 3)];
-        weight = static_cast<double>(static_cast<long double>(weight) + sample);
+        weight = static_cast<double>(Extended(static_cast<long double>(weight) + sample));
     }
     double sum = 0;
     for (const double weight : weights) {

@@ -71,8 +71,9 @@ std::int64_t FramesUpTo100(std::int64_t step) { return LoopCount(step, 100, step
 /// Kept in single precision from frame to frame, with the rounding of each (docs/quirks.md 14).
 float Advance(float offset, std::int32_t distance, std::int64_t step) {
     const ExtendedPrecision precision;
-    const auto way = static_cast<long double>(distance * step) * static_cast<long double>(0.01);
-    return static_cast<float>(static_cast<long double>(offset) - way);
+    const long double way =
+        Extended(static_cast<long double>(distance * step) * static_cast<long double>(0.01));
+    return static_cast<float>(Extended(static_cast<long double>(offset) - way));
 }
 
 } // namespace

@@ -1,0 +1,87 @@
+// The page's end of a worker: orders as promises, and an end at any moment.
+import type { Give, OrderName, Progress, Reply, Request, Take } from './protocol';
+
+/** The worker was ended before it answered. */
+export class Ended extends Error {
+    constructor() {
+        super('ended');
+    }
+}
+
+interface Waiting {
+    resolve(give: Give<OrderName>): void;
+    reject(error: Error): void;
+    progress?: (progress: Progress) => void;
+}
+
+/** The engine stands in the page as texts: the worker's script, and the module packed and in base 64. */
+const textOf = (id: string): string => document.getElementById(id)?.textContent?.trim() ?? '';
+
+function once<T>(make: () => T): () => T {
+    let made: { value: T } | undefined;
+    return () => (made ??= { value: make() }).value;
+}
+
+const scriptUrl = once(() => URL.createObjectURL(new Blob([textOf('engine')], { type: 'text/javascript' })));
+
+const compiledModule = once(async () => {
+    const packed = Uint8Array.from(atob(textOf('module')), (letter) => letter.charCodeAt(0));
+    const unpacked = new Blob([packed]).stream().pipeThrough(new DecompressionStream('gzip'));
+    return WebAssembly.compile(await new Response(unpacked).arrayBuffer());
+});
+
+export class EngineClient {
+    private readonly worker = new Worker(scriptUrl());
+    private readonly waiting = new Map<number, Waiting>();
+    private nextId = 1;
+    private ended = false;
+
+    /** Orders go to the worker once it has the module. */
+    private readonly started = compiledModule().then((module) => this.worker.postMessage(module));
+
+    constructor() {
+        this.started.catch((error: Error) => this.end(error));
+        this.worker.onmessage = ({ data }: MessageEvent<Reply>) => this.take(data);
+        this.worker.onerror = (event) => {
+            event.preventDefault();
+            this.end(new Error(event.message));
+        };
+    }
+
+    /** Orders that are asked for before the worker is ready wait for it. */
+    ask<Name extends OrderName>(
+        name: Name,
+        take: Take<Name>,
+        progress?: (progress: Progress) => void,
+    ): Promise<Give<Name>> {
+        if (this.ended) return Promise.reject(new Ended());
+        const id = this.nextId++;
+        const request: Request = { id, name, take };
+        return new Promise<Give<Name>>((resolve, reject) => {
+            const waiting: Waiting = { resolve: resolve as Waiting['resolve'], reject };
+            if (progress !== undefined) waiting.progress = progress;
+            this.waiting.set(id, waiting);
+            void this.started.then(() => this.worker.postMessage(request));
+        });
+    }
+
+    /** Orders that are not done are rejected, with `Ended` unless another reason is given. */
+    end(reason: Error = new Ended()): void {
+        this.ended = true;
+        this.worker.terminate();
+        for (const waiting of this.waiting.values()) waiting.reject(reason);
+        this.waiting.clear();
+    }
+
+    private take(message: Reply): void {
+        const waiting = this.waiting.get(message.id);
+        if (waiting === undefined) return;
+        if ('progress' in message) {
+            waiting.progress?.(message.progress);
+            return;
+        }
+        this.waiting.delete(message.id);
+        if ('error' in message) waiting.reject(new Error(message.error));
+        else waiting.resolve(message.give);
+    }
+}

@@ -1,0 +1,153 @@
+// The worker's script, which stands behind the engine's own: it takes the page's orders to the engine.
+import type { Built, Give, OrderName, Pixels, Progress, Reply, Request, Take } from './protocol';
+
+interface EngineModule {
+    HEAPU8: Uint8Array<ArrayBuffer>;
+    ccall(name: string, returns: string, types: string[], values: unknown[]): unknown;
+}
+
+declare function createEngine(options: {
+    instantiateWasm(imports: WebAssembly.Imports, done: (instance: WebAssembly.Instance) => void): object;
+    tellProgress(caption: string, position: number, total: number): void;
+    print(text: string): void;
+    printErr(text: string): void;
+}): Promise<EngineModule>;
+
+const reply = (message: Reply, transfer: Transferable[] = []): void =>
+    self.postMessage(message, { transfer });
+
+let current = 0;
+let lastTold = 0;
+
+/** Not more often than a screen shows. */
+function tellProgress(progress: Progress): void {
+    const now = performance.now();
+    if (progress.position !== 0 && progress.position !== progress.total && now - lastTold < 15) return;
+    lastTold = now;
+    reply({ id: current, progress });
+}
+
+function transferable(given: object): Transferable[] {
+    const found: Transferable[] = [];
+    for (const value of Object.values(given)) {
+        if (ArrayBuffer.isView(value)) found.push(value.buffer);
+        else if (value !== null && typeof value === 'object') found.push(...transferable(value));
+    }
+    return found;
+}
+
+class Engine {
+    constructor(private readonly module: EngineModule) {}
+
+    do<Name extends OrderName>(name: Name, take: Take<Name>): Give<Name> {
+        return this.give(name, take) as Give<Name>;
+    }
+
+    private give(name: OrderName, take: Take<OrderName>): Give<OrderName> {
+        switch (name) {
+            case 'add':
+                return this.add(take as Take<'add'>);
+            case 'frame':
+                return { pixels: this.frame((take as Take<'frame'>).index) };
+            case 'build': {
+                const built = this.order(name, take) as unknown as Built;
+                this.frameCount = built.delays.length;
+                return built;
+            }
+            case 'frames':
+                return { frames: Array.from({ length: this.frameCount }, (_, index) => this.frame(index)) };
+            case 'pack':
+                this.order(name, take);
+                return { file: this.output() };
+            default:
+                return this.order(name, take) as unknown as Give<OrderName>;
+        }
+    }
+
+    private frameCount = 0;
+
+    private order(name: OrderName, take: object): Record<string, unknown> {
+        const text = JSON.stringify({ do: name, ...take });
+        const answer = JSON.parse(
+            this.module.ccall('LumafoldDo', 'string', ['string'], [text]) as string,
+        ) as {
+            error?: string;
+        };
+        if (answer.error !== undefined) throw new Error(answer.error);
+        return answer as Record<string, unknown>;
+    }
+
+    private output(): Uint8Array<ArrayBuffer> {
+        const start = this.number('LumafoldOutput');
+        return this.module.HEAPU8.slice(start, start + this.number('LumafoldOutputSize'));
+    }
+
+    private number(name: string, ...values: number[]): number {
+        const types = values.map(() => 'number');
+        return (this.module.ccall(name, 'number', types, values) as number) >>> 0;
+    }
+
+    private add(take: Take<'add'>): Give<'add'> {
+        const { bytes, ...rest } = take;
+        const room = this.number('LumafoldInput', bytes.byteLength);
+        if (room === 0 && bytes.byteLength > 0) throw new Error('not enough memory');
+        this.module.HEAPU8.set(new Uint8Array(bytes), room);
+        const added = this.order('add', rest) as unknown as {
+            width: number;
+            height: number;
+            shownWidth: number;
+            shownHeight: number;
+        };
+        const size = { width: added.width, height: added.height };
+        if (take.show !== true) return size;
+        return { ...size, shown: this.pixels(added.shownWidth, added.shownHeight) };
+    }
+
+    private frame(index: number): Pixels {
+        const size = this.order('frame', { index }) as unknown as { width: number; height: number };
+        return this.pixels(size.width, size.height);
+    }
+
+    private pixels(width: number, height: number): Pixels {
+        const bytes = this.output();
+        return { width, height, rgba: new Uint8ClampedArray(bytes.buffer, 0, width * height * 4) };
+    }
+}
+
+/** The engine's own failures are answers; what else goes wrong in it is memory that could not be had. */
+function describe(error: unknown): string {
+    return error instanceof Error && !(error instanceof WebAssembly.RuntimeError)
+        ? error.message
+        : 'Memory error';
+}
+
+let ready: Promise<Engine> | undefined;
+
+/** The page has compiled the module, so that every worker after the first starts at once. */
+function start(compiled: WebAssembly.Module): Promise<Engine> {
+    return createEngine({
+        instantiateWasm: (imports, done) => {
+            void WebAssembly.instantiate(compiled, imports).then(done);
+            return {};
+        },
+        tellProgress: (caption, position, total) => tellProgress({ caption, position, total }),
+        print: () => {},
+        printErr: () => {},
+    }).then((module) => new Engine(module));
+}
+
+self.onmessage = async ({ data }: MessageEvent<WebAssembly.Module | Request>) => {
+    if (data instanceof WebAssembly.Module) {
+        ready = start(data);
+        return;
+    }
+    try {
+        const engine = await ready;
+        if (engine === undefined) throw new Error('the engine was not started');
+        current = data.id;
+        const give = engine.do(data.name, data.take);
+        reply({ id: data.id, give }, transferable(give));
+    } catch (error) {
+        reply({ id: data.id, error: describe(error) });
+    }
+};

@@ -1,0 +1,318 @@
+// The page's state and everything that a person can do with it. Views read the store and call these.
+import { Ended, EngineClient } from '../engine/client';
+import type { Tables } from '../engine/protocol';
+import { texts } from '../texts';
+import { Builder } from './builder';
+import { Importer } from './import';
+import { Keeper, projectFile, readProjectFile } from './keep';
+import { Previews } from './previews';
+import { moved, newProject, randomNumbers } from './project';
+import type { Canvas, Gap, Picture, Project } from './project';
+import { Store } from './store';
+
+export interface Notice {
+    id: number;
+    text: string;
+    kind: 'error' | 'done';
+    undo?: () => void;
+}
+
+/** A picture that the page itself has, with what leads to the next. */
+export interface BroughtPicture {
+    name: string;
+    file: Blob;
+    transition: string;
+}
+
+export type Workspace = 'transition' | 'output';
+
+export interface AppState {
+    project: Project;
+    /** The picture whose gap is worked on. */
+    selected: number | null;
+    workspace: Workspace;
+    /** Pictures that are still being read. */
+    reading: number;
+    notices: Notice[];
+    resultOpen: boolean;
+}
+
+/** Pictures larger than this begin on a canvas that makes a file of sensible size. */
+const largeSide = 1280;
+const usualBox = { width: 640, height: 480 };
+const noticeMilliseconds = 8000;
+
+export class App {
+    readonly store: Store<AppState>;
+    readonly builder = new Builder();
+    readonly previews: Previews;
+    private readonly importer = new Importer();
+    private keeping: ReturnType<typeof setTimeout> | undefined;
+    private nextId = 1;
+
+    static async start(): Promise<App> {
+        const engine = new EngineClient();
+        const { tables } = await engine.ask('tables', {});
+        const keeper = new Keeper();
+        const kept = await keeper.load().catch(() => null);
+        return new App(engine, tables, keeper, kept);
+    }
+
+    private constructor(
+        private readonly engine: EngineClient,
+        readonly tables: Tables,
+        private readonly keeper: Keeper,
+        kept: Project | null,
+    ) {
+        this.previews = new Previews(tables.transitions.findIndex(({ name }) => name === 'None'));
+        const project = this.completed(kept);
+        this.nextId = 1 + Math.max(0, ...project.pictures.map((picture) => picture.id));
+        this.store = new Store<AppState>({
+            project,
+            selected: project.pictures[0]?.id ?? null,
+            workspace: 'transition',
+            reading: 0,
+            notices: [],
+            resultOpen: false,
+        });
+        this.builder.update(project);
+        this.store.subscribe((state, before) => {
+            if (state.project !== before.project) this.projectChanged(state.project);
+        });
+    }
+
+    get project(): Project {
+        return this.store.get().project;
+    }
+
+    // Settings and gaps
+
+    set(key: string, value: number): void {
+        this.change({ settings: { ...this.project.settings, [key]: value } });
+    }
+
+    resetSettings(keys: readonly string[]): void {
+        const settings = { ...this.project.settings };
+        for (const setting of this.tables.settings) {
+            if (keys.includes(setting.key)) settings[setting.key] = setting.default;
+        }
+        this.change({ settings });
+    }
+
+    setKind(kind: string): void {
+        const usual = this.tables.kinds.find((row) => row.id === kind)?.usuallyTrueColour === true;
+        const settings = { ...this.project.settings };
+        if (usual) settings.TransitionTruecolour = 1;
+        this.change({ kind, settings });
+    }
+
+    setQuality(quality: number | null): void {
+        this.change({ quality });
+    }
+
+    setCanvas(canvas: Partial<Canvas>): void {
+        this.change({ canvas: { ...this.project.canvas, ...canvas } });
+    }
+
+    setGap(id: number, gap: Partial<Gap>): void {
+        const pictures = this.project.pictures.map((picture) =>
+            picture.id === id ? { ...picture, gap: { ...picture.gap, ...gap } } : picture,
+        );
+        this.change({ pictures });
+    }
+
+    useForAll(transition: number): void {
+        const before = this.project;
+        const pictures = before.pictures.map((picture) => ({
+            ...picture,
+            gap: { ...picture.gap, transition },
+        }));
+        this.change({ pictures });
+        this.tell(texts.usedForAll(this.transitionName(transition)), () => this.replace(before));
+    }
+
+    surprise(seed: number): void {
+        const random = randomNumbers(seed);
+        const { length } = this.tables.transitions;
+        const pictures = this.project.pictures.map((picture) => {
+            const transition = Math.floor(random() * length);
+            return { ...picture, gap: { ...picture.gap, transition } };
+        });
+        this.change({ pictures, seed });
+        this.tell(texts.surprised(seed));
+    }
+
+    transitionName(row: number): string {
+        return this.tables.transitions[row]?.name ?? '';
+    }
+
+    // Pictures
+
+    async addFiles(files: readonly (File | BroughtPicture)[]): Promise<void> {
+        const first = files[0];
+        if (files.length === 1 && first instanceof Blob && /\.(ini|lumafold)$/i.test(first.name)) {
+            return /ini$/i.test(first.name) ? this.importSettings(first) : this.openProject(first);
+        }
+        this.store.set({ reading: this.store.get().reading + files.length });
+        for (const one of files) {
+            const file = one instanceof Blob ? one : one.file;
+            try {
+                const read = await this.importer.read(file);
+                this.addPicture(
+                    { ...read, name: one.name },
+                    one instanceof Blob ? undefined : one.transition,
+                );
+            } catch (error) {
+                const reason = error instanceof DOMException ? texts.unknownKind : (error as Error).message;
+                this.complain(texts.badPicture(one.name, reason));
+            }
+            this.store.set({ reading: this.store.get().reading - 1 });
+        }
+    }
+
+    private addPicture(read: Omit<Picture, 'id' | 'gap'>, transition = ''): void {
+        const { settings, pictures, canvas } = this.project;
+        const row = this.tables.transitions.findIndex(({ name }) => name === transition);
+        const gap: Gap = {
+            transition: row >= 0 ? row : (settings.TransitionType ?? 0),
+            pause: settings.TransitionPause ?? 0,
+            delay: settings.TransitionDelay ?? 0,
+        };
+        const picture: Picture = { ...read, id: this.nextId++, gap };
+        const large = canvas.mode === 'own' && Math.max(read.width, read.height) > largeSide;
+        this.change({
+            pictures: [...pictures, picture],
+            ...(large ? { canvas: { mode: 'most', ...usualBox } } : {}),
+        });
+        if (this.store.get().selected === null) this.store.set({ selected: picture.id });
+    }
+
+    movePicture(from: number, to: number): void {
+        const pictures = moved(this.project.pictures, from, to);
+        const place = Math.max(0, Math.min(to, pictures.length - 1));
+        const picture = this.project.pictures[from];
+        if (picture === undefined || place === from) return;
+        this.change({ pictures });
+        this.tell(texts.movedTo(picture.name, place + 1, pictures.length));
+    }
+
+    removePicture(id: number): void {
+        const before = this.project;
+        const index = before.pictures.findIndex((picture) => picture.id === id);
+        const picture = before.pictures[index];
+        if (picture === undefined) return;
+        const pictures = before.pictures.filter((one) => one.id !== id);
+        if (this.store.get().selected === id) {
+            this.store.set({ selected: (pictures[index] ?? pictures[index - 1])?.id ?? null });
+        }
+        this.change({ pictures });
+        this.tell(texts.removed(picture.name), () => this.replace(before));
+    }
+
+    selectGap(id: number): void {
+        this.store.set({ selected: id, workspace: 'transition' });
+    }
+
+    showWorkspace(workspace: Workspace): void {
+        this.store.set({ workspace });
+    }
+
+    // Whole projects and settings files
+
+    emptyProject(): void {
+        const before = this.project;
+        this.replace(newProject(this.tables));
+        this.tell(texts.emptied, () => this.replace(before));
+    }
+
+    projectFile(): Blob {
+        return projectFile(this.project);
+    }
+
+    async openProject(file: File): Promise<void> {
+        try {
+            const opened = await readProjectFile(file);
+            if (opened === null) throw new Error(texts.noProject);
+            // Numbers of its own, so that no picture is taken for one that was here before.
+            const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
+            const before = this.project;
+            this.replace(this.completed({ ...opened, pictures }));
+            this.tell(file.name, () => this.replace(before));
+        } catch (error) {
+            this.complain(texts.badProject(file.name, (error as Error).message));
+        }
+    }
+
+    async importSettings(file: File): Promise<void> {
+        const { values } = await this.engine.ask('read settings', { text: await file.text() });
+        const before = this.project;
+        this.change({ settings: { ...before.settings, ...values } });
+        this.tell(texts.settingsTaken, () => this.replace(before));
+    }
+
+    async settingsFile(): Promise<Blob> {
+        const { text } = await this.engine.ask('write settings', { values: this.project.settings });
+        return new Blob([text], { type: 'text/plain' });
+    }
+
+    // Result and notices
+
+    showResult(open: boolean): void {
+        this.store.set({ resultOpen: open });
+        if (open) this.builder.buildNow();
+    }
+
+    tell(text: string, undo?: () => void): void {
+        this.notify({ id: this.nextId++, text, kind: 'done', ...(undo === undefined ? {} : { undo }) });
+    }
+
+    complain(text: string): void {
+        this.notify({ id: this.nextId++, text, kind: 'error' });
+    }
+
+    dismiss(id: number): void {
+        this.store.set({ notices: this.store.get().notices.filter((notice) => notice.id !== id) });
+    }
+
+    /** What nobody foresaw is told, and nothing is lost by it. */
+    complainOf(error: unknown): void {
+        if (error instanceof Ended) return;
+        this.complain(error instanceof Error ? error.message : texts.unknownError);
+    }
+
+    private notify(notice: Notice): void {
+        // News of one kind take each other's place; complaints stay until they are dismissed.
+        const others = this.store.get().notices.filter((one) => one.kind === 'error');
+        this.store.set({ notices: [...others, notice].slice(-4) });
+        if (notice.kind === 'done') setTimeout(() => this.dismiss(notice.id), noticeMilliseconds);
+    }
+
+    private change(change: Partial<Project>): void {
+        this.store.set({ project: { ...this.project, ...change } });
+    }
+
+    private replace(project: Project): void {
+        this.store.set({ project, selected: project.pictures[0]?.id ?? null });
+    }
+
+    /** What an older page kept may lack what this one has. */
+    private completed(kept: Project | null): Project {
+        const fresh = newProject(this.tables);
+        if (kept === null) return fresh;
+        const known = this.tables.kinds.some((kind) => kind.id === kept.kind);
+        return {
+            ...fresh,
+            ...kept,
+            settings: { ...fresh.settings, ...kept.settings },
+            kind: known ? kept.kind : fresh.kind,
+        };
+    }
+
+    private projectChanged(project: Project): void {
+        this.builder.update(project);
+        clearTimeout(this.keeping);
+        this.keeping = setTimeout(() => {
+            this.keeper.save(this.project).catch(() => this.complain(texts.notKept));
+        }, 300);
+    }
+}

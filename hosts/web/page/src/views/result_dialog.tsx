@@ -1,0 +1,147 @@
+// The finished animation: playing, with what it is, to be saved, dragged out or copied; before it is finished,
+// how far it is.
+import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { blobOf } from '../state/import';
+import type { Result } from '../state/builder';
+import { bytes, texts } from '../texts';
+import { errorText, Progress } from './build_bar';
+import { useApp, useAppState, useBuilder } from './context';
+import { drawPixels } from './film';
+import { Icon } from './icons';
+import { saveBlob } from './saving';
+
+/** Plays frame by frame what browsers cannot. */
+function FramePlayer({ result, onFrame }: { result: Result; onFrame(index: number): void }) {
+    const app = useApp();
+    const canvas = useRef<HTMLCanvasElement>(null);
+    useEffect(() => {
+        let live = true;
+        const play = async (): Promise<void> => {
+            for (let index = 0; live; index = (index + 1) % result.built.delays.length) {
+                const pixels = await app.builder.frame(index);
+                if (live && canvas.current !== null) drawPixels(canvas.current, pixels);
+                onFrame(index);
+                await new Promise((next) => setTimeout(next, Math.max(20, result.built.delays[index]! * 10)));
+            }
+        };
+        play().catch(() => {});
+        return () => {
+            live = false;
+        };
+    }, [result]);
+    return <canvas ref={canvas} class="finished" role="img" aria-label={texts.resultAlternative} />;
+}
+
+function Finished({ result }: { result: Result }) {
+    const app = useApp();
+    const kind = app.tables.kinds.find((row) => row.id === result.project.kind)!;
+    const file = useMemo(() => new Blob([result.file], { type: kind.mediaType }), [result]);
+    const url = useMemo(() => URL.createObjectURL(file), [file]);
+    useEffect(() => () => URL.revokeObjectURL(url), [url]);
+    const began = useMemo(() => performance.now(), [result]);
+    const playerFrame = useRef(0);
+    const [told, setTold] = useState('');
+    const name = `lumafold${kind.suffix}`;
+    const { built } = result;
+    const duration = built.delays.reduce((sum, delay) => sum + delay, 0);
+    /** The browser plays from the moment the picture is shown. */
+    const frameShown = (): number => {
+        if (!kind.shown) return playerFrame.current;
+        let left = ((performance.now() - began) / 10) % Math.max(1, duration);
+        return Math.max(
+            0,
+            built.delays.findIndex((delay) => (left -= delay) < 0),
+        );
+    };
+    const copy = async (): Promise<void> => {
+        try {
+            const png = app.builder.frame(frameShown()).then((pixels) => blobOf(pixels));
+            await navigator.clipboard.write([new ClipboardItem({ 'image/png': png })]);
+            setTold(texts.copied);
+        } catch {
+            setTold(texts.notCopied);
+        }
+    };
+    return (
+        <>
+            {kind.shown ? (
+                <img
+                    class="finished"
+                    src={url}
+                    alt={texts.resultAlternative}
+                    width={built.width}
+                    height={built.height}
+                />
+            ) : (
+                <FramePlayer result={result} onFrame={(index) => (playerFrame.current = index)} />
+            )}
+            <p class="facts">
+                <strong>{bytes(file.size)}</strong> {texts.pixels(built.width, built.height)},{' '}
+                {texts.summary(built.delays.length, duration)}, {built.colours}
+            </p>
+            <div class="dialog-actions">
+                <button class="button primary" onClick={() => saveBlob(file, name)}>
+                    <Icon name="save" />
+                    <span>{texts.download(bytes(file.size))}</span>
+                </button>
+                <button class="button" onClick={() => void copy()}>
+                    <Icon name="copy" />
+                    <span>{texts.copyFrame}</span>
+                </button>
+            </div>
+            <p class="hint" role="status">
+                {told !== '' ? told : kind.shown ? texts.dragOut : texts.notShown}
+            </p>
+        </>
+    );
+}
+
+export function ResultDialog() {
+    const app = useApp();
+    const open = useAppState((state) => state.resultOpen);
+    const result = useBuilder((state) => state.result);
+    const error = useBuilder((state) => state.error);
+    const running = useBuilder((state) => state.running);
+    const dialog = useRef<HTMLDialogElement>(null);
+    useEffect(() => {
+        if (open && dialog.current?.open === false) dialog.current.showModal();
+        if (!open && dialog.current?.open === true) dialog.current.close();
+    }, [open]);
+    const cancel = (): void => {
+        app.builder.cancel();
+        app.showResult(false);
+    };
+    return (
+        <dialog
+            ref={dialog}
+            class="dialog"
+            aria-labelledby="result-title"
+            onClose={() => app.showResult(false)}
+        >
+            {open && (
+                <>
+                    <div class="title-row">
+                        <h2 id="result-title">{result !== null ? texts.result : texts.building}</h2>
+                        <button
+                            class="button quiet small"
+                            aria-label={texts.close}
+                            onClick={() => app.showResult(false)}
+                        >
+                            <Icon name="close" />
+                        </button>
+                    </div>
+                    {result !== null && <Finished result={result} />}
+                    {error !== null && <p class="error">{errorText(error)}</p>}
+                    <Progress />
+                    {running && (
+                        <div class="dialog-actions">
+                            <button class="button" onClick={cancel}>
+                                {texts.cancel}
+                            </button>
+                        </div>
+                    )}
+                </>
+            )}
+        </dialog>
+    );
+}

@@ -1,0 +1,239 @@
+// One gap: its transition played large beside the settings that it reads, and all others to choose from, each
+// playing this very gap.
+import { useEffect, useId, useState } from 'preact/hooks';
+import { nextPicture } from '../state/project';
+import type { Picture, Size } from '../state/project';
+import type { Film } from '../state/previews';
+import { texts } from '../texts';
+import { useApp, useAppState, useProject } from './context';
+import { FilmView, prefersStillness } from './film';
+import { Icon } from './icons';
+import { SettingControl } from './setting_control';
+
+interface Look {
+    box: Size;
+    /** Higher ones are rendered first. */
+    rank: number;
+    /** Milliseconds that a change has to rest before it is rendered. */
+    wait: number;
+    longestPause: number;
+}
+
+const tileLook: Look = { box: { width: 120, height: 90 }, rank: 0, wait: 60, longestPause: 30 };
+/** The quick one answers while a slider moves; the sharp one follows when it rests. */
+const quickLook: Look = { box: { width: 160, height: 120 }, rank: 100, wait: 0, longestPause: 70 };
+const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, rank: 50, wait: 200 };
+
+/** The film of a gap, the last one while a new one is made; null before the first. */
+function useFilm(picture: Picture, transition: number, look: Look): Film | null {
+    const app = useApp();
+    const project = useProject();
+    const [film, setFilm] = useState<Film | null>(null);
+    useEffect(() => {
+        let giveUp = (): void => {};
+        const wish = (): void => {
+            const wanted = { project, picture, transition, ...look };
+            giveUp = app.previews.want(wanted, setFilm, () => setFilm(null));
+        };
+        const timer = look.wait > 0 ? setTimeout(wish, look.wait) : (wish(), undefined);
+        return () => {
+            clearTimeout(timer);
+            giveUp();
+        };
+    }, [app, project.settings, project.canvas, project.pictures, picture, transition, look]);
+    return film;
+}
+
+function LargePreview({ picture }: { picture: Picture }) {
+    const app = useApp();
+    const [playing, setPlaying] = useState(!prefersStillness());
+    const { transition } = picture.gap;
+    const quick = useFilm(picture, transition, quickLook);
+    const sharp = useFilm(picture, transition, sharpLook);
+    const [film, setFilm] = useState<Film | null>(null);
+    useEffect(() => setFilm(quick), [quick]);
+    useEffect(() => setFilm(sharp ?? quick), [sharp]);
+    return (
+        <div class="large-preview">
+            {film !== null ? (
+                <FilmView film={film} playing={playing} label={texts.large(app.transitionName(transition))} />
+            ) : (
+                <div class="film waiting" />
+            )}
+            <button
+                class="button round play"
+                aria-label={playing ? texts.pauseFilm : texts.playFilm}
+                onClick={() => setPlaying(!playing)}
+            >
+                <Icon name={playing ? 'pause' : 'play'} />
+            </button>
+        </div>
+    );
+}
+
+function Tile({ picture, row }: { picture: Picture; row: number }) {
+    const app = useApp();
+    const film = useFilm(picture, row, tileLook);
+    const [pointed, setPointed] = useState(false);
+    const chosen = picture.gap.transition === row;
+    return (
+        <label class="tile" onPointerEnter={() => setPointed(true)} onPointerLeave={() => setPointed(false)}>
+            <input
+                type="radio"
+                name="transition"
+                class="for-readers"
+                checked={chosen}
+                onChange={() => app.setGap(picture.id, { transition: row })}
+            />
+            {film !== null ? (
+                <FilmView film={film} playing={pointed || !prefersStillness()} />
+            ) : (
+                <div class="film waiting" />
+            )}
+            <span class="tile-name">{app.transitionName(row)}</span>
+        </label>
+    );
+}
+
+function TimeField({
+    label,
+    value,
+    least,
+    set,
+}: {
+    label: string;
+    value: number;
+    least: number;
+    set(value: number): void;
+}) {
+    const id = useId();
+    return (
+        <div class="setting time">
+            <label for={id}>{label}</label>
+            <span class="number">
+                <input
+                    type="number"
+                    id={id}
+                    min={least / 100}
+                    max="10"
+                    step="0.01"
+                    value={value / 100}
+                    onChange={(event) => {
+                        const hundredths = Math.round(Number(event.currentTarget.value) * 100);
+                        if (Number.isFinite(hundredths)) set(Math.max(least, Math.min(1000, hundredths)));
+                    }}
+                />
+                <span class="unit">{texts.unitSeconds}</span>
+            </span>
+        </div>
+    );
+}
+
+function Surprise() {
+    const app = useApp();
+    const { seed } = useProject();
+    return (
+        <div class="surprise">
+            <button class="button" onClick={() => app.surprise(1 + Math.floor(Math.random() * 9999))}>
+                <Icon name="dice" />
+                <span>{texts.surprise}</span>
+            </button>
+            {seed !== null && (
+                <label>
+                    {texts.seed}
+                    <input
+                        type="number"
+                        min="0"
+                        value={seed}
+                        onChange={(event) =>
+                            app.surprise(Math.max(0, Math.trunc(Number(event.currentTarget.value))))
+                        }
+                    />
+                </label>
+            )}
+        </div>
+    );
+}
+
+function GapSettings({ picture }: { picture: Picture }) {
+    const app = useApp();
+    const transition = app.tables.transitions[picture.gap.transition];
+    const keys = transition?.settings ?? [];
+    const settings = app.tables.settings.filter((setting) => keys.includes(setting.key));
+    const name = transition?.name ?? '';
+    return (
+        <div class="gap-settings">
+            <div class="title-row">
+                <h2>{name}</h2>
+                <button class="button small" onClick={() => app.useForAll(picture.gap.transition)}>
+                    {texts.useForAll}
+                </button>
+            </div>
+            {settings.length === 0 ? (
+                <p class="hint">{texts.noSettings}</p>
+            ) : (
+                <fieldset>
+                    <legend class="hint">
+                        {texts.settingsScope(name)}{' '}
+                        <button class="link" onClick={() => app.resetSettings(keys)}>
+                            {texts.reset}
+                        </button>
+                    </legend>
+                    {settings.map((setting) => (
+                        <SettingControl key={setting.key} setting={setting} />
+                    ))}
+                </fieldset>
+            )}
+            <fieldset class="timing">
+                <legend class="hint">{texts.timing}</legend>
+                <TimeField
+                    label={texts.pause}
+                    value={picture.gap.pause}
+                    least={0}
+                    set={(pause) => app.setGap(picture.id, { pause })}
+                />
+                <TimeField
+                    label={texts.delay}
+                    value={picture.gap.delay}
+                    least={1}
+                    set={(delay) => app.setGap(picture.id, { delay })}
+                />
+            </fieldset>
+        </div>
+    );
+}
+
+export function TransitionPanel() {
+    const app = useApp();
+    const project = useProject();
+    const selected = useAppState((state) => state.selected);
+    const index = Math.max(
+        0,
+        project.pictures.findIndex((picture) => picture.id === selected),
+    );
+    const picture = project.pictures[index];
+    if (picture === undefined) return null;
+    const next = nextPicture(project, picture.id) ?? picture;
+    const to = project.pictures.indexOf(next) + 1;
+    const title = next === picture ? texts.gapTitleAlone : texts.gapTitle(index + 1, to);
+    return (
+        <div class="transition-panel">
+            <div class="stage">
+                <h2 class="stage-title">{title}</h2>
+                <LargePreview picture={picture} />
+            </div>
+            <GapSettings picture={picture} />
+            <section class="chooser" aria-label={texts.chooseTransition}>
+                <div class="title-row">
+                    <h2>{texts.chooseTransition}</h2>
+                    <Surprise />
+                </div>
+                <div class="tiles" role="radiogroup" aria-label={texts.chooseTransition}>
+                    {app.tables.transitions.map((_, row) => (
+                        <Tile key={row} picture={picture} row={row} />
+                    ))}
+                </div>
+            </section>
+        </div>
+    );
+}

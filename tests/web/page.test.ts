@@ -1,0 +1,288 @@
+import assert from 'node:assert/strict';
+import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, test } from 'node:test';
+import axe from 'axe-core';
+import { Visit, bitmap, closeBrowser, lumafold, root, samples, scratch, sha256 } from './visit';
+
+after(closeBrowser);
+
+const put = (name: string, bytes: string | Buffer): string => {
+    const path = join(scratch, name);
+    writeFileSync(path, bytes);
+    return path;
+};
+
+/** Builds what the page was told to, by the command line. */
+function expected(suffix: string, ...options: string[]): string {
+    const [dawn, lanterns, boats] = samples() as [string, string, string];
+    const path = join(scratch, `expected${suffix}`);
+    const gaps = ['--transition', 'Submerge', dawn, '--transition', 'Soft iris (diamond)', lanterns];
+    lumafold('build', '-q', '-o', path, '--delay', '8', ...options, ...gaps, '--transition', 'Burp', boats);
+    return sha256(path);
+}
+
+test('three files become the very bytes of the command line, as each kind of file', async (t) => {
+    const visit = await Visit.begin();
+    await visit.add(samples());
+    for (const [index, transition] of ['Submerge', 'Soft iris (diamond)', 'Burp'].entries()) {
+        await (await visit.page.$$('.gap'))[index]!.click();
+        await visit.click(transition, 'radio');
+        await visit.setNumber('Each frame in between', '0.08');
+    }
+    assert.match((await visit.names('.gap')).join(), /: Submerge,.*: Soft iris \(diamond\),.*: Burp$/);
+    await visit.click('Output', 'tab');
+    assert.equal(sha256(await visit.savedAnimation()), expected('.gif'));
+    await visit.click('Dither', 'switch');
+    await visit.click('Custom palette', 'switch');
+    assert.equal(
+        sha256(await visit.savedAnimation()),
+        expected('.gif', '--no-dither', '--set', 'TransitionCustompalette=0'),
+    );
+    await visit.click('Animated PNG', 'radio');
+    await visit.click('True color', 'switch');
+    assert.equal(sha256(await visit.savedAnimation()), expected('.png', '--true-colour'));
+    await visit.click('MNG', 'radio');
+    await visit.click('True color', 'switch');
+    const reduced = ['--no-dither', '--set', 'TransitionCustompalette=0'];
+    assert.equal(sha256(await visit.savedAnimation()), expected('.mng', ...reduced));
+    await visit.end();
+    t.diagnostic('GIF twice, animated PNG in true colour, MNG with a fixed palette');
+});
+
+test('pictures are sorted by mouse and keyboard, removed and brought back, and kept over a reload', async () => {
+    const visit = await Visit.begin();
+    await visit.add(samples());
+    const order = async (): Promise<string> =>
+        (await visit.names('.picture')).map((name) => name.replace(/.*: (\w+)\.png.*/, '$1')).join(' ');
+    assert.equal(await order(), 'dawn lanterns boats');
+    const [first, , third] = await visit.page.$$('.picture');
+    const from = (await first!.boundingBox())!;
+    const to = (await third!.boundingBox())!;
+    await visit.page.mouse.move(from.x + 40, from.y + 60);
+    await visit.page.mouse.down();
+    await visit.page.mouse.move(from.x + 80, from.y + 60, { steps: 5 });
+    await visit.page.mouse.move(to.x + 120, to.y + 60, { steps: 15 });
+    await visit.page.mouse.up();
+    await visit.page.waitForFunction(() =>
+        document.querySelector('.picture')?.ariaLabel?.includes('lanterns'),
+    );
+    assert.equal(await order(), 'lanterns boats dawn');
+    await (await visit.page.$('.picture'))!.focus();
+    await visit.page.keyboard.down('Alt');
+    await visit.page.keyboard.press('ArrowRight');
+    await visit.page.keyboard.up('Alt');
+    assert.equal(await order(), 'boats lanterns dawn');
+    assert.match(
+        await visit.page.evaluate(() => document.activeElement?.ariaLabel ?? ''),
+        /2 of 3: lanterns/,
+    );
+    await visit.page.keyboard.press('Delete');
+    assert.equal(await order(), 'boats dawn');
+    await visit.click('Undo');
+    assert.equal(await order(), 'boats lanterns dawn');
+    await visit.click('Output', 'tab');
+    await visit.click('Dither', 'switch');
+    const size = await visit.built();
+    await new Promise((kept) => setTimeout(kept, 1500));
+    await visit.open();
+    assert.equal(await order(), 'boats lanterns dawn');
+    assert.equal(await visit.built(), size);
+    const project = await visit.saved(() => visit.menu('Save the project'));
+    await visit.menu('New');
+    await visit.find('Try it with three sample pictures', 'button');
+    await visit.choose(() => visit.menu('Open a project…'), [project]);
+    assert.equal(await visit.built(), size);
+    await visit.end();
+});
+
+test('settings come and go in the form of the plug-in', async () => {
+    const visit = await Visit.begin();
+    const given = join(scratch, 'given.ini');
+    lumafold(
+        'settings',
+        '--set',
+        'TransitionIrisStep=9',
+        '--set',
+        'TransitionMattcolour=255',
+        '--write',
+        given,
+    );
+    await visit.choose(() => visit.menu('Import LUMAFOLD.INI…'), [given]);
+    await visit.page.waitForFunction(() =>
+        document.querySelector('.notices')?.textContent?.includes('taken over'),
+    );
+    const taken = await visit.saved(() => visit.menu('Export LUMAFOLD.INI'));
+    const withoutTime = (path: string): string => readFileSync(path, 'latin1').replace(/;Last updated.*/, '');
+    assert.equal(withoutTime(taken), withoutTime(given));
+    await visit.end();
+});
+
+test('a preview follows its slider, and all 33 play the chosen gap', async (t) => {
+    const visit = await Visit.begin();
+    await visit.click('Try it with three sample pictures', 'button');
+    await visit.built();
+    await visit.page.waitForFunction(() => document.querySelectorAll('.tile canvas').length === 33);
+    const tiles = await visit.page.$$eval('.tile canvas', (all) =>
+        all.map((one) => (one as HTMLCanvasElement).width * (one as HTMLCanvasElement).height),
+    );
+    assert.ok(tiles.every((pixels) => pixels === 120 * 80));
+    await visit.page.click('.play');
+    const milliseconds = await visit.page.evaluate(async () => {
+        const slider = document.querySelector<HTMLInputElement>('.gap-settings input[type=range]')!;
+        const shown = (): string =>
+            document.querySelector<HTMLCanvasElement>('.large-preview canvas')!.toDataURL();
+        const before = shown();
+        const began = performance.now();
+        slider.value = '13';
+        slider.dispatchEvent(new Event('input', { bubbles: true }));
+        while (shown() === before) {
+            if (performance.now() - began > 10_000) throw new Error('the preview stays as it was');
+            await new Promise((next) => setTimeout(next, 4));
+        }
+        return performance.now() - began;
+    });
+    t.diagnostic(`the preview answered after ${milliseconds.toFixed(0)} ms`);
+    await visit.click('Surprise me');
+    await visit.setNumber('Seed', '77');
+    const drawn = await visit.names('.gap');
+    await visit.click('Use for all');
+    assert.notDeepEqual(await visit.names('.gap'), drawn);
+    await visit.setNumber('Seed', '5');
+    await visit.setNumber('Seed', '77');
+    assert.deepEqual(await visit.names('.gap'), drawn);
+    await visit.end();
+});
+
+test('a frame is compared with its full colour, pixel by pixel', async () => {
+    const visit = await Visit.begin();
+    await visit.add(samples());
+    await visit.click('Output', 'tab');
+    await visit.built();
+    await visit.page.waitForSelector('.frame');
+    await visit.click('Compare with full colour', 'switch');
+    await visit.page.waitForSelector('.frame.full', { timeout: 180_000 });
+    await visit.click('4×', 'radio');
+    const colours = await visit.page.$$eval('.frame', (canvases) =>
+        canvases.map((one) => {
+            const canvas = one as HTMLCanvasElement;
+            const { data } = canvas.getContext('2d')!.getImageData(0, 0, canvas.width, canvas.height);
+            return new Set(new Uint32Array(data.buffer)).size;
+        }),
+    );
+    assert.ok(colours[0]! <= 256 && colours[1]! > 5000, colours.join());
+    await visit.end();
+});
+
+const ticks = (visit: Visit): Promise<number> =>
+    visit.page.evaluate(
+        () =>
+            new Promise<number>((done) => {
+                let count = 0;
+                const timer = setInterval(() => count++, 10);
+                setTimeout(() => (clearInterval(timer), done(count)), 1000);
+            }),
+    );
+
+test('a build is cancelled in the middle, the page never stalls, and it builds again', async (t) => {
+    const visit = await Visit.begin();
+    await visit.add(samples());
+    const size = await visit.built();
+    await visit.click('Output', 'tab');
+    await visit.click('Cropped', 'radio');
+    await visit.setNumber('Width', '2000');
+    await visit.setNumber('Height', '1500');
+    await visit.click('Build', 'button');
+    await visit.find('Cancel');
+    const building = await ticks(visit);
+    await visit.click('Cancel');
+    await visit.find('Build');
+    const idle = await ticks(visit);
+    t.diagnostic(`a 10 ms timer ticked ${building} times in a second of building, ${idle} in one of rest`);
+    assert.ok(building > 0.7 * idle);
+    await visit.click('As they are', 'radio');
+    assert.equal(await visit.built(), size);
+    await visit.end();
+});
+
+test('what cannot be read or built is told, and nothing is lost', async () => {
+    const visit = await Visit.begin();
+    const [dawn] = samples() as [string];
+    const cut = put('cut.png', readFileSync(dawn).subarray(0, 5000));
+    const note = put('note.txt', 'This is no picture.');
+    await visit.add([cut, dawn, note], 1);
+    const notices = await visit.text('.notices');
+    assert.match(notices, /cut\.png was not added: .*note\.txt was not added: .*PNG, JPEG, GIF and BMP/s);
+    await visit.add([put('second.bmp', bitmap(300, 200, 1))], 2);
+    await visit.built();
+    await visit.click('Output', 'tab');
+    await visit.click('Whole', 'radio');
+    await visit.setNumber('Width', '4096');
+    await visit.setNumber('Height', '4096');
+    await visit.click('Build', 'button');
+    await visit.page.waitForSelector('.dialog .error', { timeout: 180_000 });
+    assert.match(await visit.text('.dialog .error'), /not enough memory/);
+    await visit.click('Close');
+    assert.equal((await visit.names('.picture')).length, 2);
+    await visit.setNumber('Width', '200');
+    await visit.setNumber('Height', '200');
+    await visit.built();
+    await visit.end();
+});
+
+test('photos of 12 megapixels and sixty pictures are no trouble', async (t) => {
+    const visit = await Visit.begin();
+    const photos = [1, 2].map((seed) => put(`photo${seed}.bmp`, bitmap(4000, 3000, seed)));
+    const began = Date.now();
+    await visit.add(photos);
+    await visit.built();
+    t.diagnostic(`two photos were read and built in ${Date.now() - began} ms`);
+    await visit.click('Output', 'tab');
+    assert.match(await visit.text('.output-settings'), /640 × 480 pixels/);
+    await visit.menu('New');
+    const many = Array.from({ length: 60 }, (_, index) => put(`${index}.bmp`, bitmap(96, 72, index)));
+    await visit.add(many, 60);
+    await visit.click('Transition', 'tab');
+    await visit.built();
+    assert.equal((await visit.names('.gap')).length, 60);
+    await visit.end();
+});
+
+test('no rule of accessibility is broken, and nothing is wider than the screen', async () => {
+    const folder = join(root, 'out/web/screenshots');
+    mkdirSync(folder, { recursive: true });
+    for (const width of [360, 800, 1440]) {
+        for (const dark of [false, true]) {
+            const visit = await Visit.begin({ width, dark });
+            const look = async (name: string): Promise<void> => {
+                await visit.page.screenshot({
+                    path: join(folder, `${name}-${width}-${dark ? 'dark' : 'light'}.png`) as `${string}.png`,
+                });
+                assert.ok(
+                    await visit.page.evaluate(() => document.documentElement.scrollWidth <= innerWidth),
+                    name,
+                );
+                await visit.page.evaluate(axe.source);
+                const { violations } = await visit.page.evaluate(() =>
+                    (window as unknown as { axe: typeof axe }).axe.run(),
+                );
+                assert.deepEqual(
+                    violations.map(({ id, nodes }) => [name, id, nodes[0]?.html]),
+                    [],
+                );
+            };
+            await look('welcome');
+            await visit.click('Try it with three sample pictures', 'button');
+            await visit.built();
+            await visit.page.waitForFunction(() => document.querySelectorAll('.tile canvas').length === 33);
+            await look('transition');
+            await visit.click('Output', 'tab');
+            await visit.page.waitForSelector('.frame');
+            await look('output');
+            await visit.click('Show and save');
+            await visit.page.waitForSelector('.finished');
+            await look('result');
+            await visit.end();
+        }
+    }
+});
