@@ -276,8 +276,8 @@ bool AnimationBuild::ForEachFrame(Work work) {
         std::size_t count = 0;
         for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_->count; ++count) {
             const std::int32_t index = first + static_cast<std::int32_t>(count);
-            if (!FrameListGet(*frames_, index, frames[count])) return false;
             host_.Position(index, frames_->count);
+            if (!FrameListGet(*frames_, index, frames[count])) return false;
         }
         // The list itself is changed by this thread alone, so that work may read it.
         std::atomic<bool> failed = false;
