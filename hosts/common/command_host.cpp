@@ -1,11 +1,14 @@
 #include "hosts/common/command_host.h"
 
+#include <atomic>
 #include <exception>
 
 namespace lumafold {
 namespace {
 
 thread_local CommandHost* current = nullptr;
+/// For a thread that made none.
+std::atomic<CommandHost*> latest = nullptr;
 
 /// What a command's last argument points to.
 template <typename T>
@@ -16,15 +19,20 @@ T* At(std::intptr_t lparam) {
 } // namespace
 
 CommandHost::CommandHost(std::uint32_t capabilityFlags) : before_(std::exchange(current, this)) {
+    latest = this;
     context_.callback = &Callback;
     context_.capabilityFlags = capabilityFlags;
 }
 
-CommandHost::~CommandHost() { current = before_; }
+CommandHost::~CommandHost() {
+    current = before_;
+    CommandHost* self = this;
+    latest.compare_exchange_strong(self, before_);
+}
 
 std::int32_t LUMAFOLD_CALL CommandHost::Callback(TaskRecord* task, std::uint32_t command,
                                                  std::uint32_t wparam, std::intptr_t lparam) {
-    CommandHost* host = current;
+    CommandHost* host = current != nullptr ? current : latest.load();
     if (host == nullptr) return 0;
     try {
         const auto known = static_cast<HostCommand>(command);

@@ -6,8 +6,9 @@
 
 namespace lumafold {
 
-/// The callback has no place for an object, so there is one host at a time on each thread: the one made last,
-/// until it goes. Functions may throw: the command has failed then, since the plug-in knows no exceptions.
+/// The callback has no place for an object, so there is one host at a time on each thread: the one made last
+/// there, until it goes. On a thread that made none it is the last of all. Functions may throw: the command
+/// has failed then, since the plug-in knows no exceptions.
 class CommandHost {
 public:
     explicit CommandHost(std::uint32_t capabilityFlags);

@@ -132,9 +132,10 @@ TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
         LONG first = -1, last = -1;
         for (LONG x = 0; x < client.right; ++x) {
             const COLORREF colour = shown.At(list, {x, 50});
-            const auto near = [&](int channel, int other) { return std::abs(channel - other) < 70; };
-            if (!near(GetRValue(colour), GetRValue(mixed)) || !near(GetGValue(colour), GetGValue(mixed)) ||
-                !near(GetBValue(colour), GetBValue(mixed))) {
+            const auto isNear = [&](int channel, int other) { return std::abs(channel - other) < 70; };
+            if (!isNear(GetRValue(colour), GetRValue(mixed)) ||
+                !isNear(GetGValue(colour), GetGValue(mixed)) ||
+                !isNear(GetBValue(colour), GetBValue(mixed))) {
                 continue;
             }
             if (first < 0) first = x;
