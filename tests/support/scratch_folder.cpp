@@ -18,12 +18,15 @@ ScratchFolder::ScratchFolder() {
 }
 
 ScratchFolder::~ScratchFolder() {
-    // What a test made read-only would stay on Windows.
-    for (const auto& entry : fs::recursive_directory_iterator(path_)) {
-        if (fs::is_regular_file(entry.symlink_status()))
-            fs::permissions(entry.path(), fs::perms::owner_write, fs::perm_options::add);
+    // What a test made read-only would stay on Windows, and so does what lies deeper than the run-time library
+    // can name there.
+    std::error_code ignored;
+    for (auto entry = fs::recursive_directory_iterator(path_, ignored); entry != fs::end(entry);
+         entry.increment(ignored)) {
+        if (fs::is_regular_file(entry->symlink_status(ignored)))
+            fs::permissions(entry->path(), fs::perms::owner_write, fs::perm_options::add, ignored);
     }
-    fs::remove_all(path_);
+    fs::remove_all(path_, ignored);
 }
 
 std::string ScratchFolder::Path(const std::string& name) const {
