@@ -10,8 +10,7 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
     const std::unique_ptr<AnimationWriter> writer = NewAnimationWriter(kind, facts, options.effort);
     std::size_t done = 0;
     for (const AnimationFrame& frame : animation.frames) {
-        if (options.goOn && !options.goOn(done++, animation.frames.size()))
-            throw AnimationError("cancelled");
+        if (options.goOn && !options.goOn(done++, animation.frames.size())) throw AnimationError("cancelled");
         if (!frame.image) throw AnimationError("a frame of the animation has no picture");
         writer->Add({*frame.image, frame.delay, frame.transparentIndex});
     }

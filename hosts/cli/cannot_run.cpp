@@ -48,7 +48,7 @@ std::string WhyCannotRun(ImageList& list, const PluginSettings& settings, std::i
     std::vector<std::int32_t> rows;
     ImageEntry entry;
     for (std::int32_t i = 0; i < list.Count(); ++i) {
-        if (list.Read(i, entry)) rows.push_back(entry.transition);
+        if (list.Read(i, entry)) rows.push_back(+entry.transition); // a value: the record is packed
     }
     // One picture alone gets the plain background beside it.
     if (list.Count() == 1) rows.push_back(list.DefaultTransition());

@@ -2,7 +2,6 @@
 
 #include <span>
 
-
 namespace lumafold {
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <future>
 
-#include "codecs/decode.h"
 #include "codecs/animation_writer.h"
+#include "codecs/decode.h"
 #include "hosts/common/paths.h"
 #include "hosts/common/task_collector.h"
 #include "hosts/desktop/document_set.h"

@@ -18,8 +18,8 @@ ScratchFolder::ScratchFolder() {
 }
 
 ScratchFolder::~ScratchFolder() {
-    // What a test made read-only would stay on Windows, and so does what lies deeper than the run-time library
-    // can name there.
+    // What a test made read-only would stay on Windows, and so does what lies deeper than the run-time
+    // library can name there.
     std::error_code ignored;
     for (auto entry = fs::recursive_directory_iterator(path_, ignored); entry != fs::end(entry);
          entry.increment(ignored)) {
