@@ -13,6 +13,11 @@ void* operator new(std::size_t bytes) {
     ++liveObjects;
     return made;
 }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    void* made = std::malloc(bytes != 0 ? bytes : 1);
+    if (made != nullptr) ++liveObjects;
+    return made;
+}
 void operator delete(void* object) noexcept {
     if (object != nullptr) --liveObjects;
     std::free(object);
