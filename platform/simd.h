@@ -9,13 +9,19 @@
 #else
 #define LUMAFOLD_SSE2 0
 #endif
+// WebAssembly has vectors of 16 bytes alone, which SSE2's instructions are compiled to.
+#if LUMAFOLD_SSE2 && !defined(__wasm__)
+#define LUMAFOLD_AVX2 1
+#else
+#define LUMAFOLD_AVX2 0
+#endif
 
 /// On a function that takes part in WithWidestLanes: it is compiled anew within each of its callers.
 #define LUMAFOLD_IN_CALLER [[gnu::always_inline]] inline
 
 namespace lumafold {
 
-#if LUMAFOLD_SSE2
+#if LUMAFOLD_AVX2
 template <typename Body>
 [[gnu::target("avx2")]] void WithAvx2(const Body& body) {
     body.template Run<32>();
@@ -26,7 +32,7 @@ template <typename Body>
 /// 16. Run and what it calls are LUMAFOLD_IN_CALLER, so that they are compiled for that processor.
 template <typename Body>
 void WithWidestLanes(const Body& body) {
-#if LUMAFOLD_SSE2
+#if LUMAFOLD_AVX2
     if (__builtin_cpu_supports("avx2")) return WithAvx2(body);
 #endif
     body.template Run<16>();
