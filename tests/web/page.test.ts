@@ -63,6 +63,10 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     await visit.page.mouse.down();
     await visit.page.mouse.move(from.x + 80, from.y + 60, { steps: 5 });
     await visit.page.mouse.move(to.x + 120, to.y + 60, { steps: 15 });
+    // The others glide aside first, as a person sees before letting go.
+    await new Promise((resolve) => setTimeout(resolve, 400));
+    await visit.page.mouse.move(to.x + 130, to.y + 62, { steps: 5 });
+    await new Promise((resolve) => setTimeout(resolve, 400));
     await visit.page.mouse.up();
     await visit.page.waitForFunction(() =>
         document.querySelector('.picture')?.ariaLabel?.includes('lanterns'),
