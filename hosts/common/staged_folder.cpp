@@ -23,7 +23,11 @@ public:
     FolderTakenBack& operator=(const FolderTakenBack&) = delete;
     ~FolderTakenBack() {
         std::error_code ignored;
-        if (!path_.empty()) fs::remove_all(path_, ignored);
+        if (path_.empty()) return;
+        // One by one where nothing is left inside: on Windows the run-time library walks no folder whose path
+        // is very long.
+        fs::remove(path_ / "former", ignored);
+        if (!fs::remove(path_, ignored)) fs::remove_all(path_, ignored);
     }
     void Keep() { path_.clear(); }
 
