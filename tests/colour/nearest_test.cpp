@@ -67,7 +67,7 @@ TEST(Searches, AgreeWithTheirDefinitionOnEveryCellAndBeyond) {
         const Array<std::uint8_t> cache = BuildLookupCache(search);
         const ExactColours exact(palette, count);
         int wrong = 0;
-        const auto check = [&](PixelValue colour) {
+        const auto check = [&, &palette = palette, count = count](PixelValue colour) {
             const Rgb c = RgbOf(colour);
             const int nearest = PlainNearest(c, palette, real), equal = PlainExact(c, palette, real);
             wrong += search.Find(colour) != nearest;

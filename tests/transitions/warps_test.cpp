@@ -173,7 +173,7 @@ TEST(Spiral, IsItsPlainDefinition) {
                 if (entry == 0 && size.width > 40) continue; // 360 frames
                 for (const bool in : {true, false}) {
                     ExpectFrames(in ? "Spiral in" : "Spiral out", settings, size,
-                                 [&](int k, const DibHeader& from, const DibHeader& to) {
+                                 [&, degrees = degrees](int k, const DibHeader& from, const DibHeader& to) {
                                      const double done = static_cast<double>(k) / (360 / degrees);
                                      const PlainSpin spin(in ? done : 1 - done, k * degrees, size);
                                      return plain(spin, in ? to : from, in ? from : to);
