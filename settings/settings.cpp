@@ -25,6 +25,11 @@ constexpr SettingDescriptor kDescriptors[] = {
 
 } // namespace
 
+const char* NameOf(SettingKind kind) {
+    constexpr const char* kNames[] = {"switch", "number", "colour", "choice", "fixed"};
+    return kNames[static_cast<int>(kind)];
+}
+
 std::span<const SettingDescriptor> SettingDescriptors() { return kDescriptors; }
 
 void ApplyCapabilities(PluginSettings& settings, std::uint32_t capabilityFlags) {

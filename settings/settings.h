@@ -13,6 +13,9 @@ struct PluginSettings {
 };
 
 enum class SettingKind { Switch, Number, Colour, Choice, Fixed };
+/// "switch", "number", "colour", "choice" or "fixed", as lists for other programs name it.
+const char* NameOf(SettingKind kind);
+
 /// Whose control edits a setting.
 enum class SettingDialog { Main, Advanced, Nowhere };
 

@@ -15,22 +15,6 @@
 namespace lumafold {
 namespace {
 
-std::string_view KindText(const SettingDescriptor& setting) {
-    switch (setting.kind) {
-    case SettingKind::Switch:
-        return "switch";
-    case SettingKind::Number:
-        return "number";
-    case SettingKind::Colour:
-        return "colour";
-    case SettingKind::Choice:
-        return "choice";
-    case SettingKind::Fixed:
-        break;
-    }
-    return "fixed";
-}
-
 /// Without the mark of the letter that chooses the control.
 std::string LabelText(const SettingDescriptor& setting) {
     std::string label = setting.label;
@@ -46,7 +30,8 @@ void TableOfSettings(const PluginSettings& settings, std::ostream& out) {
         out << std::left << std::setw(33) << setting.key << std::setw(12)
             << ValueText(setting, settings.*setting.value) << std::setw(10)
             << ValueText(setting, setting.defaultValue) << std::setw(22) << RangeText(setting) << std::setw(8)
-            << KindText(setting) << std::setw(27) << (label.empty() ? "-" : label) << setting.meaning << '\n';
+            << NameOf(setting.kind) << std::setw(27) << (label.empty() ? "-" : label) << setting.meaning
+            << '\n';
         const auto choices = ChoicesOf(setting);
         for (std::size_t i = 0; i < choices.size(); ++i)
             out << (i == 0 ? "    " : ", ") << i << " = " << choices[i];
@@ -62,7 +47,7 @@ void JsonOfSettings(const PluginSettings& settings, std::ostream& out) {
                                       {"default", setting.defaultValue},
                                       {"minimum", setting.minimum},
                                       {"maximum", setting.maximum},
-                                      {"kind", KindText(setting)},
+                                      {"kind", NameOf(setting.kind)},
                                       {"label", LabelText(setting)},
                                       {"meaning", setting.meaning}};
         if (const auto choices = ChoicesOf(setting); !choices.empty()) row["choices"] = choices;

@@ -17,22 +17,6 @@ using Json = nlohmann::json;
 /// Where the settings' own reader and writer, which know files only, find and leave their text.
 constexpr char kSettingsPath[] = "settings.ini";
 
-std::string_view KindText(SettingKind kind) {
-    switch (kind) {
-    case SettingKind::Switch:
-        return "switch";
-    case SettingKind::Number:
-        return "number";
-    case SettingKind::Colour:
-        return "colour";
-    case SettingKind::Choice:
-        return "choice";
-    case SettingKind::Fixed:
-        break;
-    }
-    return "fixed";
-}
-
 /// Without the mark of the letter that chooses the control, and without a colon at its end.
 std::string LabelText(const SettingDescriptor& setting) {
     std::string label = setting.label;
@@ -56,7 +40,7 @@ Json SettingsTable() {
     for (const SettingDescriptor& setting : SettingDescriptors()) {
         if (setting.kind == SettingKind::Fixed) continue;
         table.push_back({{"key", setting.key},
-                         {"kind", KindText(setting.kind)},
+                         {"kind", NameOf(setting.kind)},
                          {"default", setting.defaultValue},
                          {"minimum", setting.minimum},
                          {"maximum", setting.maximum},
