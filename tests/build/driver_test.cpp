@@ -255,6 +255,7 @@ TEST(WholeBuilds, AreTheSameWithAnyNumberOfWorkers) {
     EXPECT_EQ(allocation_hooks::LiveLocks(), locks);
 }
 
+#ifndef __EMSCRIPTEN__ // one thread
 TEST(WholeBuilds, MayRunAtTheSameTime) {
     const auto each = [](bool backwards) {
         return [=] {
@@ -266,6 +267,7 @@ TEST(WholeBuilds, MayRunAtTheSameTime) {
     };
     const std::jthread forwards(each(false)), backwards(each(true));
 }
+#endif
 
 /// What one effect leaves in the context is the next one's; none leaves anything.
 TEST(WholeBuilds, EffectsLeaveTheContextAsItIs) {

@@ -162,6 +162,7 @@ TEST_F(PlatformFiles, BehindLinksAreReplacedAndKeepTheirMode) {
     EXPECT_EQ(folder_.Names().size(), 7U);
 }
 
+#ifndef __EMSCRIPTEN__ // one thread
 // What a signal handler removes while one file is written and another could not be: the first one's
 // temporary.
 TEST_F(PlatformFiles, OneWritersFailureLeavesTheOthersTemporaryKnown) {
@@ -186,6 +187,7 @@ TEST_F(PlatformFiles, OneWritersFailureLeavesTheOthersTemporaryKnown) {
     }
     EXPECT_EQ(stored, ENOENT) << "its temporary was still there";
 }
+#endif
 
 /// An environment variable, or none, while it lives.
 class Variable {
