@@ -150,10 +150,11 @@ std::uint32_t MaskedPixel(const std::uint8_t* row, std::size_t x, int bits) {
 class StoredRows {
 public:
     StoredRows(const BmpBytes& file, const BmpShape& shape)
-        : shape_(shape), stride_(DibStride(static_cast<std::int32_t>(shape.width), shape.bits)) {
+        : shape_(shape),
+          stride_(static_cast<std::size_t>(DibStride(static_cast<std::int32_t>(shape.width), shape.bits))) {
         // The padding of the last row is missing in some files, and is not needed.
         const std::size_t lastRow = (static_cast<std::size_t>(shape.bits) * shape.width + 7) / 8;
-        rows_ = file.Piece(shape.pixelsOffset, stride_ * (shape.height - 1) + lastRow).data();
+        rows_ = file.Piece(shape.pixelsOffset, stride_ * (std::size_t{shape.height} - 1) + lastRow).data();
     }
     const std::uint8_t* Row(std::uint32_t y) const {
         return rows_ + stride_ * (shape_.topDown ? y : shape_.height - 1 - y);

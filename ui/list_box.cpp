@@ -62,12 +62,15 @@ void DrawLabel(const DRAWITEMSTRUCT& item, const char* name) {
     if (Session().listFont != nullptr) SelectObject(item.hDC, Session().listFont);
     SetTextColor(item.hDC, RGB(0, 0, 0));
     SetBkMode(item.hDC, TRANSPARENT);
+    // GDI reads bytes in the machine's code page, names are in the process's.
+    wchar_t letters[sizeof(ImageEntry::label)];
+    if (MultiByteToWideChar(CP_ACP, 0, name, -1, letters, static_cast<int>(std::size(letters))) == 0) return;
     RECT measured{};
-    DrawTextA(item.hDC, name, -1, &measured, kFormat | DT_CALCRECT);
+    DrawTextW(item.hDC, letters, -1, &measured, kFormat | DT_CALCRECT);
     const LONG bottom = item.rcItem.bottom - kInset;
     RECT line{item.rcItem.left + kInset, bottom - (measured.bottom - measured.top),
               item.rcItem.right - kInset, bottom};
-    DrawTextA(item.hDC, name, -1, &line, kFormat | DT_VCENTER | DT_END_ELLIPSIS);
+    DrawTextW(item.hDC, letters, -1, &line, kFormat | DT_VCENTER | DT_END_ELLIPSIS);
 }
 
 /// A drag from the press to the release. There is one list and one mouse.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "codecs/picture_kinds.h"
 #include "hosts/common/wide_text.h"
 #include "hosts/desktop/file_address.h"
 #include "plugin/protocol/chosen_names.h"
@@ -14,29 +15,51 @@ namespace lumafold {
 namespace {
 
 constexpr wchar_t kProgram[] = L"Lumafold Host";
-constexpr wchar_t kPictureFilter[] =
-    L"Pictures (PNG, JPEG, GIF, BMP)\0*.png;*.jpg;*.jpeg;*.jpe;*.jfif;*.gif;*.bmp;*.dib\0"
-    L"PNG pictures\0*.png\0"
-    L"JPEG pictures\0*.jpg;*.jpeg;*.jpe;*.jfif\0"
-    L"GIF pictures\0*.gif\0"
-    L"Windows bitmaps\0*.bmp;*.dib\0"
-    L"All files\0*.*\0";
-constexpr wchar_t kAnimationFilter[] =
-    L"Animations and pictures\0*.gif;*.png;*.apng;*.mng;*.jpg;*.jpeg;*.bmp\0"
-    L"All files\0*.*\0";
-constexpr wchar_t kSaveFilter[] = L"Animated GIF (*.gif)\0*.gif\0"
-                                  L"Animated PNG (*.png)\0*.png\0"
-                                  L"MNG (*.mng)\0*.mng\0";
 constexpr const char* kSaveSuffixes[] = {".gif", ".png", ".mng"};
+
+/// One line of a file dialog's list: what is shown, a zero, the patterns, a zero.
+std::wstring FilterLine(const std::string& shown, const std::string& patterns) {
+    return Wide(shown) + L'\0' + Wide(patterns) + L'\0';
+}
+
+/// "*.jpg;*.jpeg" for a kind of picture.
+std::string Patterns(const PictureKind& kind) {
+    std::string patterns = "*" + std::string(kind.suffixes);
+    for (std::size_t at = 0; (at = patterns.find(' ', at)) != std::string::npos;)
+        patterns.replace(at, 1, ";*");
+    return patterns;
+}
+
+/// All kinds of pictures that this build reads, then each, then all files.
+std::wstring PictureFilter() {
+    std::string all;
+    std::wstring each;
+    for (const PictureKind& kind : PictureKinds()) {
+        if (!kind.Readable()) continue;
+        all += (all.empty() ? "" : ";") + Patterns(kind);
+        each += FilterLine(std::string(kind.name), Patterns(kind));
+    }
+    return FilterLine("Pictures (" + ReadablePictureKinds("and") + ")", all) + each +
+           FilterLine("All files", "*.*");
+}
+
+/// Animations and the stills that are opened as animations of one frame.
+std::wstring AnimationFilter() {
+    std::string all = "*.mng";
+    for (const PictureKind& kind : PictureKinds()) {
+        if (kind.Readable()) all += ";" + Patterns(kind);
+    }
+    return FilterLine("Animations and pictures", all) + FilterLine("All files", "*.*");
+}
 
 /// The system's dialog for files with the room it writes into.
 class FileDialog {
 public:
-    FileDialog(HWND owner, const wchar_t* filter, const wchar_t* title, std::size_t room)
-        : names_(room, L'\0') {
+    FileDialog(HWND owner, const std::wstring& filter, const wchar_t* title, std::size_t room)
+        : filter_(filter), names_(room, L'\0') {
         fields_.lStructSize = sizeof(fields_);
         fields_.hwndOwner = owner;
-        fields_.lpstrFilter = filter;
+        fields_.lpstrFilter = filter_.c_str();
         fields_.nFilterIndex = 1;
         fields_.lpstrFile = names_.data();
         fields_.nMaxFile = static_cast<DWORD>(names_.size());
@@ -62,6 +85,7 @@ public:
     }
 
 private:
+    std::wstring filter_;
     std::vector<wchar_t> names_;
     OPENFILENAMEW fields_{};
 };
@@ -81,7 +105,7 @@ void Person::Tell(HWND owner, const std::string& text, Tone tone) {
 }
 
 std::vector<std::string> Person::ChoosePictures(HWND owner) {
-    FileDialog dialog(owner, kPictureFilter, L"Add pictures", kChosenNamesBytes);
+    FileDialog dialog(owner, PictureFilter(), L"Add pictures", kChosenNamesBytes);
     dialog.Fields().Flags |= OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
     if (GetOpenFileNameW(&dialog.Fields()) != 0) return dialog.Paths();
     if (CommDlgExtendedError() == FNERR_BUFFERTOOSMALL)
@@ -91,13 +115,16 @@ std::vector<std::string> Person::ChoosePictures(HWND owner) {
 }
 
 std::string Person::ChooseAnimation(HWND owner) {
-    FileDialog dialog(owner, kAnimationFilter, L"Open an animation", kPathRoom);
+    FileDialog dialog(owner, AnimationFilter(), L"Open an animation", kPathRoom);
     dialog.Fields().Flags |= OFN_FILEMUSTEXIST;
     return GetOpenFileNameW(&dialog.Fields()) != 0 ? dialog.Path() : "";
 }
 
 std::string Person::ChooseSaveName(HWND owner, const std::string& suggested, bool trueColour) {
-    FileDialog dialog(owner, kSaveFilter, L"Save the animation", kPathRoom);
+    FileDialog dialog(owner,
+                      FilterLine("Animated GIF (*.gif)", "*.gif") +
+                          FilterLine("Animated PNG (*.png)", "*.png") + FilterLine("MNG (*.mng)", "*.mng"),
+                      L"Save the animation", kPathRoom);
     dialog.Suggest(suggested);
     OPENFILENAMEW& fields = dialog.Fields();
     fields.nFilterIndex = trueColour ? 2 : 1;
