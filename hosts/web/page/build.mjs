@@ -1,14 +1,14 @@
 // Puts the page together: one file with the engine, the program and the style inside.
-//   node build.mjs ENGINE_SCRIPT OUTPUT
+//   node build.mjs ENGINE_SCRIPT LICENCES OUTPUT
 import { build } from 'esbuild';
+import { execFileSync } from 'node:child_process';
 import { readFile, readdir, writeFile } from 'node:fs/promises';
 import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
-import { gzipSync } from 'node:zlib';
 
 const here = dirname(fileURLToPath(import.meta.url));
-const [engineScript, output] = process.argv.slice(2);
-if (output === undefined) throw new Error('node build.mjs ENGINE_SCRIPT OUTPUT');
+const [engineScript, licences, output] = process.argv.slice(2);
+if (output === undefined) throw new Error('node build.mjs ENGINE_SCRIPT LICENCES OUTPUT');
 
 /** One file of ours with all it imports, as text. */
 async function bundled(path) {
@@ -29,6 +29,9 @@ async function bundled(path) {
 /** Text for a script element, which ends at the first closing tag in it. */
 const inScript = (text) => text.replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
 
+/** A file packed in gzip's form as small as it gets. */
+const smallest = (path) => execFileSync('libdeflate-gzip', ['-12', '-c', path], { maxBuffer: 1 << 26 });
+
 const samples = {};
 for (const name of (await readdir(join(here, 'samples'))).sort()) {
     samples[name] = (await readFile(join(here, 'samples', name))).toString('base64');
@@ -38,7 +41,8 @@ const parts = {
     STYLE: await bundled('src/style.css'),
     PROGRAM: inScript(await bundled('src/main.tsx')),
     ENGINE: inScript((await readFile(engineScript, 'utf8')) + (await bundled('src/engine/worker.ts'))),
-    MODULE: gzipSync(await readFile(engineScript.replace(/\.js$/, '.wasm')), { level: 9 }).toString('base64'),
+    MODULE: smallest(engineScript.replace(/\.js$/, '.wasm')).toString('base64'),
+    LICENCES: inScript(await readFile(licences, 'utf8')),
     SAMPLES: JSON.stringify(samples),
 };
 const template = await readFile(join(here, 'src/index.html'), 'utf8');

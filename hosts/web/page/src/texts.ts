@@ -36,6 +36,7 @@ export const texts = {
     saveProject: 'Save the project',
     importSettings: 'Import LUMAFOLD.INI…',
     exportSettings: 'Export LUMAFOLD.INI',
+    licences: 'Licenses of the libraries inside',
     emptied: 'A new, empty project.',
     undo: 'Undo',
     dismiss: 'Dismiss',

@@ -1,14 +1,16 @@
 // The name, and a menu for whole projects and settings files.
-import { useEffect, useRef } from 'preact/hooks';
+import { useEffect, useRef, useState } from 'preact/hooks';
 import { texts } from '../texts';
 import { ChooseFiles } from './choose_files';
 import { useApp, useProject } from './context';
 import { Icon } from './icons';
+import { Licences } from './licences';
 import { saveBlob } from './saving';
 
 function Menu() {
     const app = useApp();
     const details = useRef<HTMLDetailsElement>(null);
+    const [licences, setLicences] = useState(false);
     const close = (): void => details.current?.removeAttribute('open');
     useEffect(() => {
         const outside = (event: Event): void => {
@@ -55,7 +57,12 @@ function Menu() {
                 <button class="menu-item" onClick={act(() => void exportSettings())}>
                     {texts.exportSettings}
                 </button>
+                <hr />
+                <button class="menu-item" onClick={act(() => setLicences(true))}>
+                    {texts.licences}
+                </button>
             </div>
+            {licences && <Licences onClose={() => setLicences(false)} />}
         </details>
     );
 }

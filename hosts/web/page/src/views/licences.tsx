@@ -1,0 +1,20 @@
+// The conditions of the libraries inside the page, in a dialog.
+import { useEffect, useRef } from 'preact/hooks';
+import { texts } from '../texts';
+
+export function Licences({ onClose }: { onClose(): void }) {
+    const dialog = useRef<HTMLDialogElement>(null);
+    useEffect(() => dialog.current?.showModal(), []);
+    return (
+        <dialog ref={dialog} class="dialog" aria-label={texts.licences} onClose={onClose}>
+            <pre class="licences" tabIndex={0}>
+                {document.getElementById('licences')?.textContent}
+            </pre>
+            <div class="dialog-actions">
+                <button class="button" onClick={() => dialog.current?.close()}>
+                    {texts.close}
+                </button>
+            </div>
+        </dialog>
+    );
+}
