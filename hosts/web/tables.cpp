@@ -1,5 +1,6 @@
 #include "hosts/web/tables.h"
 
+#include <filesystem>
 #include <string_view>
 
 #include "codecs/files.h"
@@ -15,7 +16,7 @@ namespace {
 using Json = nlohmann::json;
 
 /// Where the settings' own reader and writer, which know files only, find and leave their text.
-constexpr char kSettingsPath[] = "settings.ini";
+std::string SettingsPath() { return (std::filesystem::temp_directory_path() / "lumafold-page.ini").string(); }
 
 /// Without the mark of the letter that chooses the control, and without a colon at its end.
 std::string LabelText(const SettingDescriptor& setting) {
@@ -107,7 +108,8 @@ Json SettingsToJson(const PluginSettings& settings) {
 std::string SettingsFileText(const PluginSettings& settings) {
     Array<std::uint8_t> bytes;
     std::string error;
-    if (!SaveSettings(kSettingsPath, settings) || !ReadWholeFile(kSettingsPath, bytes, error)) return {};
+    const std::string path = SettingsPath();
+    if (!SaveSettings(path.c_str(), settings) || !ReadWholeFile(path, bytes, error)) return {};
     return {bytes.begin(), bytes.end()};
 }
 
@@ -115,7 +117,8 @@ PluginSettings SettingsFromFileText(const std::string& text) {
     PluginSettings settings;
     std::string error;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    if (WriteFileSafely(kSettingsPath, {bytes, text.size()}, error)) LoadSettings(kSettingsPath, settings);
+    const std::string path = SettingsPath();
+    if (WriteFileSafely(path, {bytes, text.size()}, error)) LoadSettings(path.c_str(), settings);
     return settings;
 }
 

@@ -46,8 +46,37 @@ test('three files become the very bytes of the command line, as each kind of fil
     await visit.click('True color', 'switch');
     const reduced = ['--no-dither', '--set', 'TransitionCustompalette=0'];
     assert.equal(sha256(await visit.savedAnimation()), expected('.mng', ...reduced));
+    await visit.click('WebP', 'radio');
+    assert.equal(sha256(await visit.savedAnimation()), expected('.webp'));
     await visit.end();
-    t.diagnostic('GIF twice, animated PNG in true colour, MNG with a fixed palette');
+    t.diagnostic('GIF twice, animated PNG in true colour, MNG with a fixed palette, WebP');
+});
+
+/** A picture of 8 by 6 pixels that no codec of the engine's reads. */
+const avif =
+    'AAAAHGZ0eXBhdmlmAAAAAGF2aWZtaWYxbWlhZgAAAOptZXRhAAAAAAAAACFoZGxyAAAAAAAAAABwaWN0AAAA' +
+    'AAAAAAAAAAAAAAAAAA5waXRtAAAAAAABAAAAImlsb2MAAAAAREAAAQABAAAAAAEOAAEAAAAAAAAAIgAAACNp' +
+    'aW5mAAAAAAABAAAAFWluZmUCAAAAAAEAAGF2MDEAAAAAamlwcnAAAABLaXBjbwAAABNjb2xybmNseAACAAIA' +
+    'BoAAAAAMYXYxQ4EADAAAAAAUaXNwZQAAAAAAAAAIAAAABgAAABBwaXhpAAAAAAMICAgAAAAXaXBtYQAAAAAA' +
+    'AAABAAEEgYIDhAAAACptZGF0EgAKCBgIvWCBAQNCMhQbABpppoUAA1Y66OXXx+bQTIfvQA==';
+
+test('pictures are pasted, and those that only the browser reads are read by it', async () => {
+    const visit = await Visit.begin();
+    await visit.page.evaluate(async (packed) => {
+        const canvas = new OffscreenCanvas(9, 7);
+        canvas.getContext('2d')!.fillRect(1, 1, 3, 3);
+        const clipboardData = new DataTransfer();
+        clipboardData.items.add(
+            new File([await canvas.convertToBlob()], 'pasted.png', { type: 'image/png' }),
+        );
+        clipboardData.items.add(
+            new File([Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0))], 'pasted.avif'),
+        );
+        document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
+    }, avif);
+    await visit.page.waitForFunction(() => document.querySelectorAll('.picture').length === 2);
+    assert.match((await visit.names('.picture')).join(), /pasted\.png, 9 × 7.*pasted\.avif, 8 × 6/);
+    await visit.end();
 });
 
 test('pictures are sorted by mouse and keyboard, removed and brought back, and kept over a reload', async () => {
@@ -283,6 +312,9 @@ test('no rule of accessibility is broken, and nothing is wider than the screen',
             await visit.click('Output', 'tab');
             await visit.page.waitForSelector('.frame');
             await look('output');
+            await visit.menu('Licenses of the libraries inside');
+            await look('licenses');
+            await visit.click('Close', 'button');
             await visit.click('Show and save');
             await visit.page.waitForSelector('.finished');
             await look('result');
