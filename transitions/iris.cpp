@@ -19,10 +19,10 @@ OwnedDib IrisFrame(const Gap& gap, IrisShape shape, std::int64_t percent, std::u
                    const DibHeader& inside, const DibHeader& outside) {
     constexpr std::int32_t kSigma = 100; // tenths of a pixel
     const auto draw = shape == IrisShape::Ellipse ? EllipseMask : DiamondMask;
-    const Mask mask = draw(gap.window, gap.size.width, gap.size.height, percent);
+    Mask mask = draw(gap.window, gap.size.width, gap.size.height, percent);
     if (!mask) return {};
-    const Mask soft = MaskGaussianBlur(mask, static_cast<std::int32_t>(radius), kSigma);
-    return soft ? MaskBlend(inside, outside, soft) : OwnedDib();
+    mask = MaskGaussianBlur(std::move(mask), static_cast<std::int32_t>(radius), kSigma);
+    return mask ? MaskBlend(inside, outside, mask) : OwnedDib();
 }
 
 struct SoftIris {

@@ -81,9 +81,9 @@ Mask SlideMaskHorizontal(WindowHandle window, CanvasSize frame) {
     return SlideMask(window, frame, Travel::Right);
 }
 
-Mask Blurred(const Mask& mask, std::uint32_t radius) {
+Mask Blurred(Mask mask, std::uint32_t radius) {
     constexpr std::int32_t kSigma = 100; // tenths of a pixel
-    return mask ? MaskGaussianBlur(mask, static_cast<std::int32_t>(radius), kSigma) : Mask();
+    return mask ? MaskGaussianBlur(std::move(mask), static_cast<std::int32_t>(radius), kSigma) : Mask();
 }
 
 /// Where the window stands in frame `index`, of the whole `distance`. It is kept in single precision from

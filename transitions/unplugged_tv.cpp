@@ -25,7 +25,7 @@ Mask GlowingDot(std::uint8_t level) {
         const std::int32_t reach = kGlowReach - std::abs(dy);
         std::fill_n(dot.Row(kGlowSize / 2 + dy) + kGlowSize / 2 - reach, 2 * reach + 1, level);
     }
-    return MaskGaussianBlur(dot, kGlowRadius, kGlowSigma);
+    return MaskGaussianBlur(std::move(dot), kGlowRadius, kGlowSigma);
 }
 
 PixelValue Lightened(PixelValue colour, unsigned weight) {
