@@ -1,15 +1,27 @@
-#include "transitions/alpha_pieces.h"
-
+// Alpha bars and tiles: pieces of the picture, picked at random, fade to the target, several at a time. An
+// opaque piece starts as a block of one colour, a transparent one as the source.
 #include <cmath>
 
+#include "transitions/drawing_list.h"
 #include "transitions/mix_bytes.h"
+#include "transitions/random.h"
+#include "transitions/run.h"
 
 namespace lumafold {
 namespace {
 
-// A limit below 2 would admit nothing, ever: a picture one row high has such bars.
-constexpr std::int64_t kLowestLimit = 2;
+enum class PieceShape { HorizontalBar, VerticalBar, Tile };
+enum class PieceLook { Opaque, Transparent };
+
 constexpr float kStartAlpha = 255;
+
+struct PieceBox {
+    std::int32_t x, y, width, height;
+};
+struct FadingPiece {
+    PieceBox box;
+    float alpha; ///< kStartAlpha is the start look, 0 the target
+};
 
 /// What a piece loses from frame to frame; 0 when the fade would never end.
 float FadeStep(std::uint32_t frames) {
@@ -43,7 +55,7 @@ void ForEachBar(std::int32_t extent, std::int32_t bars, Bar bar) {
     }
 }
 
-void ListTiles(CanvasSize canvas, std::int64_t size, PieceList<PieceBox>& boxes) {
+void ListTiles(CanvasSize canvas, std::int64_t size, DrawingList<PieceBox>& boxes) {
     for (std::int64_t y = 0; y < canvas.height; y += size) {
         for (std::int64_t x = 0; x < canvas.width; x += size) {
             boxes.Append({static_cast<std::int32_t>(x), static_cast<std::int32_t>(y),
@@ -53,29 +65,8 @@ void ListTiles(CanvasSize canvas, std::int64_t size, PieceList<PieceBox>& boxes)
     }
 }
 
-void ListPieces(PieceShape shape, const PluginSettings& settings, CanvasSize canvas,
-                PieceList<PieceBox>& boxes) {
-    switch (shape) {
-    case PieceShape::HorizontalBar:
-        ForEachBar(canvas.height, BarsAcross(canvas.height, settings.TransitionAlphaBarCount),
-                   [&](std::int32_t y, std::int32_t height) {
-                       boxes.Append({0, y, canvas.width, height});
-                   });
-        break;
-    case PieceShape::VerticalBar:
-        ForEachBar(canvas.width, BarsAcross(canvas.width, settings.TransitionAlphaBarCount),
-                   [&](std::int32_t x, std::int32_t width) {
-                       boxes.Append({x, 0, width, canvas.height});
-                   });
-        break;
-    case PieceShape::Tile:
-        ListTiles(canvas, settings.TransitionAlphaTileSize, boxes);
-        break;
-    }
-}
-
-} // namespace
-
+/// Draws the pieces onto the canvas, which keeps them, and returns a copy of it. `look` is the picture that
+/// pieces start from; its last row stands for those below it.
 OwnedDib RenderAlphaPieces(DibHeader& canvas, const DibHeader& look, const DibHeader& target,
                            std::span<const FadingPiece> pieces) {
     const RowView rows(canvas);
@@ -91,85 +82,126 @@ OwnedDib RenderAlphaPieces(DibHeader& canvas, const DibHeader& look, const DibHe
     return DibCopy(canvas);
 }
 
-AlphaPiecesPainter::AlphaPiecesPainter(const Gap& gap, const PiecePlan& plan)
-    : gap_(gap), plan_(plan), random_(gap.settings.RandomSeed),
-      waiting_(static_cast<std::size_t>(plan.count)),
-      fading_(static_cast<std::size_t>(std::min(plan.count, plan.limit))), canvas_(DibCopy(gap.source)),
-      block_(plan.look == PieceLook::Opaque ? DibCreateFlat(gap.size.width, gap.size.height,
-                                                            gap.settings.TransitionAlphaTileColor & 0xFFFFFF)
-                                            : OwnedDib()) {
-    if (waiting_) ListPieces(plan_.shape, gap.settings, gap.size, waiting_);
-}
+struct AlphaPieces {
+    PieceShape shape;
+    PieceLook look;
+    std::int64_t count; ///< of pieces
+    std::int64_t limit; ///< one more than may fade at a time (docs/quirks.md 30), at least 2
+    float fade;         ///< what a piece loses of its alpha from frame to frame
 
-OwnedDib AlphaPiecesPainter::Frame(std::int64_t) {
-    Admit();
-    OwnedDib frame =
-        RenderAlphaPieces(*canvas_, block_ ? *block_ : gap_.source, gap_.target, fading_.Entries());
-    Retire();
-    return frame;
-}
-
-/// At most one piece a frame.
-void AlphaPiecesPainter::Admit() {
-    if (static_cast<std::int64_t>(fading_.Count()) + 1 >= plan_.limit || waiting_.Count() == 0) return;
-    fading_.Append({waiting_.Take(random_.Draw() % waiting_.Count()), kStartAlpha});
-}
-
-/// Takes out every piece below 0, and fades the others. At exactly 0 a piece stays and shows the target once
-/// more (docs/quirks.md 32).
-void AlphaPiecesPainter::Retire() {
-    for (std::size_t i = 0; i < fading_.Count();) {
-        if (fading_.Entries()[i].alpha < 0) {
-            (void)fading_.Take(i);
+    static std::optional<AlphaPieces> Plan(const PluginSettings& settings, CanvasSize canvas,
+                                           PieceShape shape, PieceLook look) {
+        AlphaPieces plan{shape, look, 0, 0, FadeStep(settings.TransitionAlphaTileStep)};
+        if (shape == PieceShape::Tile) {
+            const std::int64_t size = settings.TransitionAlphaTileSize;
+            plan.count = size == 0 ? 0 : LoopCount(0, canvas.width, size) * LoopCount(0, canvas.height, size);
+            plan.limit = settings.TransitionAlphaTileCount;
         } else {
-            ++i;
+            const std::int32_t extent = shape == PieceShape::HorizontalBar ? canvas.height : canvas.width;
+            const std::int32_t bars = BarsAcross(extent, settings.TransitionAlphaBarCount);
+            plan.count = BarCount(extent, bars);
+            plan.limit = bars;
+        }
+        // A limit below 2 would admit nothing, ever: a picture one row high has such bars.
+        plan.limit = std::max<std::int64_t>(plan.limit, 2);
+        if (plan.count == 0 || plan.fade == 0) return {};
+        return plan;
+    }
+
+    /// One piece is admitted a frame while there is a place; a place is held until the piece is below 0. The
+    /// run ends when the last piece has come down to 0 or below.
+    std::int64_t Frames() const {
+        std::int64_t above = 0; // frames that show a piece before it has come down
+        float alpha = kStartAlpha;
+        while (alpha > 0) {
+            alpha -= fade;
+            ++above;
+        }
+        const std::int64_t held = above + (alpha < 0 ? 1 : 2);
+        const std::int64_t places = limit - 1;
+        const std::int64_t last = count - 1;
+        const std::int64_t admitted = places >= held ? last : last / places * held + last % places;
+        return admitted + above + 1;
+    }
+
+    struct State {
+        Random random;
+        DrawingList<PieceBox> waiting;
+        DrawingList<FadingPiece> fading;
+        OwnedDib canvas, block;           ///< the latter one row of the colour that opaque pieces are
+        const DibHeader* start = nullptr; ///< what pieces look like at first: that block, or the source
+
+        explicit operator bool() const { return waiting && fading && canvas && start != nullptr; }
+    };
+    State Start(const Gap& gap) const {
+        const PluginSettings& settings = gap.settings;
+        State state{Random(settings.RandomSeed),
+                    DrawingList<PieceBox>(count),
+                    DrawingList<FadingPiece>(std::min(count, limit)),
+                    DibCopy(gap.source),
+                    {}};
+        if (look == PieceLook::Opaque) {
+            state.block = DibCreateFlat(gap.size.width, 1, settings.TransitionAlphaTileColor & 0xFFFFFF);
+            if (state.block) state.start = &*state.block;
+        } else {
+            state.start = &gap.source;
+        }
+        if (state.waiting) ListPieces(settings, gap.size, state.waiting);
+        return state;
+    }
+    void ListPieces(const PluginSettings& settings, CanvasSize canvas, DrawingList<PieceBox>& boxes) const {
+        const auto bars = [&](std::int32_t extent, auto box) {
+            ForEachBar(extent, BarsAcross(extent, settings.TransitionAlphaBarCount),
+                       [&](std::int32_t at, std::int32_t thickness) { boxes.Append(box(at, thickness)); });
+        };
+        switch (shape) {
+        case PieceShape::HorizontalBar:
+            bars(canvas.height, [&](std::int32_t y, std::int32_t height) {
+                return PieceBox{0, y, canvas.width, height};
+            });
+            break;
+        case PieceShape::VerticalBar:
+            bars(canvas.width, [&](std::int32_t x, std::int32_t width) {
+                return PieceBox{x, 0, width, canvas.height};
+            });
+            break;
+        case PieceShape::Tile:
+            ListTiles(canvas, settings.TransitionAlphaTileSize, boxes);
+            break;
         }
     }
-    for (FadingPiece& piece : fading_.Entries())
-        piece.alpha -= plan_.fade;
-}
 
-template <PieceShape Shape, PieceLook Look>
-std::optional<AlphaPieces<Shape, Look>> AlphaPieces<Shape, Look>::Plan(const PluginSettings& settings,
-                                                                       CanvasSize canvas) {
-    PiecePlan plan{Shape, Look, 0, 0, FadeStep(settings.TransitionAlphaTileStep)};
-    if constexpr (Shape == PieceShape::Tile) {
-        const std::int64_t size = settings.TransitionAlphaTileSize;
-        plan.count = size == 0 ? 0 : LoopCount(0, canvas.width, size) * LoopCount(0, canvas.height, size);
-        plan.limit = settings.TransitionAlphaTileCount;
-    } else {
-        const std::int32_t extent = Shape == PieceShape::HorizontalBar ? canvas.height : canvas.width;
-        const std::int32_t bars = BarsAcross(extent, settings.TransitionAlphaBarCount);
-        plan.count = BarCount(extent, bars);
-        plan.limit = bars;
+    OwnedDib Frame(const Gap& gap, State& state, std::int64_t) const {
+        // At most one piece is admitted a frame.
+        if (static_cast<std::int64_t>(state.fading.Count()) + 1 < limit && state.waiting.Count() > 0)
+            state.fading.Append(
+                {state.waiting.Take(state.random.Draw() % state.waiting.Count()), kStartAlpha});
+        OwnedDib frame = RenderAlphaPieces(*state.canvas, *state.start, gap.target, state.fading.Entries());
+        Fade(state.fading);
+        return frame;
     }
-    plan.limit = std::max(plan.limit, kLowestLimit);
-    if (plan.count == 0 || plan.fade == 0) return {};
-    return AlphaPieces(plan);
-}
-
-/// One piece is admitted a frame while there is a place; a place is held until the piece is below 0. The run
-/// ends when the last piece has come down to 0 or below.
-template <PieceShape Shape, PieceLook Look>
-std::int64_t AlphaPieces<Shape, Look>::Frames() const {
-    std::int64_t above = 0; // frames that show a piece before it has come down
-    float alpha = kStartAlpha;
-    while (alpha > 0) {
-        alpha -= plan_.fade;
-        ++above;
+    /// Takes out every piece below 0, and fades the others. At exactly 0 a piece stays and shows the target
+    /// once more (docs/quirks.md 32).
+    void Fade(DrawingList<FadingPiece>& pieces) const {
+        for (std::size_t i = pieces.Count(); i > 0; --i) {
+            if (pieces.Entries()[i - 1].alpha < 0) (void)pieces.Take(i - 1);
+        }
+        for (FadingPiece& piece : pieces.Entries())
+            piece.alpha -= fade;
     }
-    const std::int64_t held = above + (alpha < 0 ? 1 : 2);
-    const std::int64_t places = plan_.limit - 1;
-    const std::int64_t last = plan_.count - 1;
-    const std::int64_t admitted = places >= held ? last : last / places * held + last % places;
-    return admitted + above + 1;
-}
+};
 
-template class AlphaPieces<PieceShape::HorizontalBar, PieceLook::Opaque>;
-template class AlphaPieces<PieceShape::HorizontalBar, PieceLook::Transparent>;
-template class AlphaPieces<PieceShape::VerticalBar, PieceLook::Opaque>;
-template class AlphaPieces<PieceShape::VerticalBar, PieceLook::Transparent>;
-template class AlphaPieces<PieceShape::Tile, PieceLook::Opaque>;
-template class AlphaPieces<PieceShape::Tile, PieceLook::Transparent>;
+} // namespace
+
+constinit const Effect kAlphaBarsOpaqueHorizontal =
+    EffectOf<AlphaPieces, PieceShape::HorizontalBar, PieceLook::Opaque>();
+constinit const Effect kAlphaBarsHorizontal =
+    EffectOf<AlphaPieces, PieceShape::HorizontalBar, PieceLook::Transparent>();
+constinit const Effect kAlphaBarsOpaqueVertical =
+    EffectOf<AlphaPieces, PieceShape::VerticalBar, PieceLook::Opaque>();
+constinit const Effect kAlphaBarsVertical =
+    EffectOf<AlphaPieces, PieceShape::VerticalBar, PieceLook::Transparent>();
+constinit const Effect kAlphaTilesOpaque = EffectOf<AlphaPieces, PieceShape::Tile, PieceLook::Opaque>();
+constinit const Effect kAlphaTiles = EffectOf<AlphaPieces, PieceShape::Tile, PieceLook::Transparent>();
 
 } // namespace lumafold

@@ -2,32 +2,25 @@
 
 #include <cstdlib>
 
+#include "transitions/run.h"
+
 namespace lumafold {
 namespace {
 
-// A hundred times what the dialog allows. How many draws a point of the vertical scatter takes is told by the
-// draws themselves, so that they can only be taken one by one (docs/quirks.md 35).
-constexpr std::uint32_t kLargestVerticalSize = 10000;
+enum class PushAxis { Horizontal, Vertical };
 
 /// The colour with each channel shifted down.
 PixelValue Dimmed(PixelValue colour, int shift) {
     return MakeColour(RedOf(colour) >> shift, GreenOf(colour) >> shift, BlueOf(colour) >> shift);
 }
 
-template <PushAxis Axis>
-void DrawSeam(DibHeader& frame, std::int64_t seam, PixelValue colour) {
-    const PixelValue lines[] = {Dimmed(colour, 2), Dimmed(colour, 1), colour, Dimmed(colour, 1),
-                                Dimmed(colour, 2)};
-    const std::int32_t length = Axis == PushAxis::Vertical ? frame.biWidth : frame.biHeight;
+void DrawSeam(PushAxis axis, DibHeader& frame, std::int64_t seam, PixelValue colour) {
+    const PixelValue outer = Dimmed(colour, 2), inner = Dimmed(colour, 1);
     std::int64_t across = seam - 2;
-    for (const PixelValue line : lines) {
-        for (std::int32_t i = 0; i < length; ++i) {
-            if constexpr (Axis == PushAxis::Vertical) {
-                DibSetPixel(frame, i, across, line);
-            } else {
-                DibSetPixel(frame, across, i, line);
-            }
-        }
+    for (const PixelValue line : {outer, inner, colour, inner, outer}) {
+        const bool isRow = axis == PushAxis::Vertical;
+        for (std::int32_t i = 0; i < (isRow ? frame.biWidth : frame.biHeight); ++i)
+            DibSetPixel(frame, isRow ? i : across, isRow ? across : i, line);
         ++across;
     }
 }
@@ -91,7 +84,7 @@ OwnedDib PushWipeHorizontal(const DibHeader& target, const DibHeader& source, st
 
 void ScatterSeamVertical(DibHeader& frame, std::int64_t seam, std::int32_t size, PixelValue colour,
                          Random& random) {
-    DrawSeam<PushAxis::Vertical>(frame, seam, colour);
+    DrawSeam(PushAxis::Vertical, frame, seam, colour);
     if (size <= 0) return;
     const RowView rows(frame);
     const Band band(seam, size, rows.Height());
@@ -109,7 +102,7 @@ void ScatterSeamVertical(DibHeader& frame, std::int64_t seam, std::int32_t size,
 
 void ScatterSeamHorizontal(DibHeader& frame, std::int64_t seam, std::int32_t size, PixelValue colour,
                            Random& random) {
-    DrawSeam<PushAxis::Horizontal>(frame, seam, colour);
+    DrawSeam(PushAxis::Horizontal, frame, seam, colour);
     if (size <= 0) return;
     constexpr std::uint64_t kDrawsOfAPoint = 2;
     const RowView rows(frame);
@@ -125,39 +118,46 @@ void ScatterSeamHorizontal(DibHeader& frame, std::int64_t seam, std::int32_t siz
     }
 }
 
-/// The first and the last seam stand a step outside; with a step of 2 their outer lines still show
-/// (docs/quirks.md 36).
-template <PushAxis Axis>
-OwnedDib BackscatterPainter<Axis>::Frame(std::int64_t index) {
-    constexpr bool kVertical = Axis == PushAxis::Vertical;
-    const std::int64_t percent = index < last_ ? index * step_ : 100;
-    const std::int64_t end = kVertical ? gap_.size.height : gap_.size.width;
-    const std::int64_t seam = index == 0      ? -step_
-                              : index < last_ ? SeamAt(gap_.target, percent)
-                                              : end + step_;
-    const auto size = static_cast<std::int32_t>(gap_.settings.TransitionSparkleSize);
-    constexpr auto kWipe = kVertical ? PushWipeVertical : PushWipeHorizontal;
-    constexpr auto kScatter = kVertical ? ScatterSeamVertical : ScatterSeamHorizontal;
-    OwnedDib frame = kWipe(gap_.target, gap_.source, percent);
-    if (frame) kScatter(*frame, seam, size, gap_.settings.TransitionSparkleColor, random_);
-    return frame;
-}
+namespace {
 
-template <PushAxis Axis>
-std::optional<Backscatter<Axis>> Backscatter<Axis>::Plan(const PluginSettings& settings, CanvasSize) {
-    if (settings.TransitionSparkleStep == 0) return {};
-    if (Axis == PushAxis::Vertical && settings.TransitionSparkleSize > kLargestVerticalSize) return {};
-    return Backscatter(settings.TransitionSparkleStep);
-}
+struct Backscatter {
+    // A hundred times what the dialog allows. How many draws a point of the vertical scatter takes is told by
+    // the draws themselves, so that they can only be taken one by one (docs/quirks.md 35).
+    static constexpr std::uint32_t kLargestVerticalSize = 10000;
 
-template <PushAxis Axis>
-std::int64_t Backscatter<Axis>::Frames() const {
-    return 1 + LoopCount(step_, 100, step_) + 1;
-}
+    std::int64_t step; ///< percent a frame
+    PushAxis axis;
 
-template class BackscatterPainter<PushAxis::Horizontal>;
-template class BackscatterPainter<PushAxis::Vertical>;
-template class Backscatter<PushAxis::Horizontal>;
-template class Backscatter<PushAxis::Vertical>;
+    static std::optional<Backscatter> Plan(const PluginSettings& settings, CanvasSize, PushAxis axis) {
+        if (settings.TransitionSparkleStep == 0) return {};
+        if (axis == PushAxis::Vertical && settings.TransitionSparkleSize > kLargestVerticalSize) return {};
+        return Backscatter{settings.TransitionSparkleStep, axis};
+    }
+    std::int64_t Frames() const { return 1 + FramesBelow(100, step) + 1; }
+
+    /// A frame takes up the draws where the one before left off.
+    std::optional<Random> Start(const Gap& gap) const { return Random(gap.settings.RandomSeed); }
+
+    /// The first and the last seam stand a step outside; with a step of 2 their outer lines still show
+    /// (docs/quirks.md 36).
+    OwnedDib Frame(const Gap& gap, std::optional<Random>& random, std::int64_t index) const {
+        const bool vertical = axis == PushAxis::Vertical, last = index == Frames() - 1;
+        const std::int64_t percent = last ? 100 : index * step;
+        const auto wipe = vertical ? PushWipeVertical : PushWipeHorizontal;
+        OwnedDib frame = wipe(gap.target, gap.source, percent);
+        if (!frame) return frame;
+        std::int64_t seam = index == 0 ? -step : SeamAt(gap.target, percent);
+        if (last) seam = step + (vertical ? gap.size.height : gap.size.width);
+        const auto scatter = vertical ? ScatterSeamVertical : ScatterSeamHorizontal;
+        const auto size = static_cast<std::int32_t>(gap.settings.TransitionSparkleSize);
+        scatter(*frame, seam, size, gap.settings.TransitionSparkleColor, *random);
+        return frame;
+    }
+};
+
+} // namespace
+
+constinit const Effect kBackscatterHorizontal = EffectOf<Backscatter, PushAxis::Horizontal>();
+constinit const Effect kBackscatterVertical = EffectOf<Backscatter, PushAxis::Vertical>();
 
 } // namespace lumafold

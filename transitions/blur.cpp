@@ -1,7 +1,7 @@
-// The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole picture work
-// in floats, many bytes at once, with a bound on their error: a value too near a step to be sure of is
-// computed again by the definition, so every byte is the definition's. Where all taps see one value, as they
-// do nearly everywhere in a mask, nothing is summed.
+// The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole mask work in
+// floats, many pixels at once, with a bound on their error: a value too near a step to be sure of is computed
+// again by the definition, so every byte is the definition's. Where all taps see one value, as they do nearly
+// everywhere in a mask, nothing is summed. A picture is blurred as three masks.
 #include <cmath>
 
 #include "numbers/portable_math.h"
@@ -11,138 +11,112 @@
 namespace lumafold {
 namespace {
 
-/// More taps than this count as a kernel that cannot be had; no dialog allows a thousandth of it.
-constexpr std::int32_t kMostTaps = 1 << 20;
+/// More taps than this count as a kernel that cannot be had: 2 GB of weights, the room of a 32-bit process.
+constexpr std::int32_t kMostTaps = (1 << 28) - 1;
+/// Pixels that a pass works on at once, at the most.
+constexpr std::size_t kMostLanes = 32;
 
-/// The weights with the taps whose weight is not zero: what lies beyond them adds nothing.
+/// The taps of a kernel that fall inside a line, as distances from the pixel; `last` is included.
+struct TapRange {
+    std::int32_t first, last;
+};
+
+/// A kernel's weights as seen from the middle one, and how far its taps go to either side.
 struct Kernel {
-    const double* weights;
-    std::int32_t taps, half, first, last; // last not included
+    const double* middle;
+    std::int32_t half;
+    std::int32_t reach; ///< the farthest tap that weighs anything, at most `half`; -1 where there is none
 
-    explicit Kernel(const Array<double>& array)
-        : weights(array.data()), taps(static_cast<std::int32_t>(array.size())), half(taps / 2), first(0),
-          last(taps) {
-        while (first < last && weights[first] == 0) {
-            ++first;
-        }
-        while (last > first && weights[last - 1] == 0) {
-            --last;
+    /// `weights` are those in the middle of a kernel that goes as far as `half`; they outlive this.
+    Kernel(const Array<double>& weights, std::int32_t tapsAside)
+        : middle(weights.data() + weights.size() / 2), half(tapsAside),
+          reach(weights ? static_cast<std::int32_t>(weights.size() / 2) : -1) {
+        while (reach > 0 && middle[reach] == 0) {
+            --reach;
         }
     }
-};
 
-/// The taps that fall inside a line of `count` pixels around pixel x.
-struct TapRange {
-    std::int32_t first, last; // last not included
-    bool whole;
+    /// Whether all taps fall inside a line of `count` pixels around those from `first` to `last`.
+    bool IsWhole(std::int32_t first, std::int32_t last, std::int32_t count) const {
+        return first >= half && last < count - half;
+    }
+    TapRange Inside(std::int32_t x, std::int32_t count) const {
+        return {std::max(-reach, -x), std::min(reach, count - 1 - x)};
+    }
 };
-TapRange TapsInside(const Kernel& kernel, std::int32_t count, std::int32_t x) {
-    const bool whole = x >= kernel.half && x < count - kernel.half;
-    return {std::max(kernel.first, kernel.half - x), std::min(kernel.last, count - x + kernel.half), whole};
-}
 
 /// One byte of the result by the definition. `line` is that byte in the line's first pixel, `step` the way
 /// on.
 std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrdiff_t step,
                        std::int32_t count, std::int32_t x) {
-    const TapRange range = TapsInside(kernel, count, x);
-    const std::uint8_t* tap = line + step * (x - kernel.half + range.first);
+    const TapRange taps = kernel.Inside(x, count);
+    const std::uint8_t* tap = line + step * (x + taps.first);
     double sum = 0, used = 0;
-    for (std::int32_t k = range.first; k < range.last; ++k, tap += step) {
-        sum += kernel.weights[k] * *tap;
-        used += kernel.weights[k];
+    for (std::int32_t k = taps.first; k <= taps.last; ++k, tap += step) {
+        sum += kernel.middle[k] * *tap;
+        used += kernel.middle[k];
     }
     // At the borders half a level is added before the division, not after it (docs/quirks.md 10). It must not
     // pass white.
-    const double value = range.whole ? sum + 0.5 : (sum + 0.5) / used;
+    const double value = kernel.IsWhole(x, x, count) ? sum + 0.5 : (sum + 0.5) / used;
     return static_cast<std::uint8_t>(std::min(static_cast<int>(value), 255));
 }
 
 /// What the passes share: the kernel in floats, and how far a float sum may be from the definition's. Weights
 /// at the same distance before and behind the middle are the same sum of samples, so two taps take one
 /// multiplication.
-class FastBlur {
-public:
-    /// `weights` has an odd number of taps and outlives this. Check it before use.
-    explicit FastBlur(const Array<double>& weights) : kernel_(weights) {
-        for (reach_ = kernel_.half; reach_ > 0 && kernel_.weights[kernel_.half + reach_] == 0;)
-            --reach_;
-        floats_ = Array<float>(static_cast<std::size_t>(reach_) + 1);
-        for (std::size_t k = 0; k < floats_.size(); ++k)
-            floats_[k] = static_cast<float>(kernel_.weights[kernel_.half + static_cast<std::int32_t>(k)]);
-        margin_ = static_cast<float>(reach_ + 9) * 256.0F * 0x1p-24F;
-        keepsAll_ = true;
+struct FastKernel {
+    Kernel exact;
+    Array<float> weights; ///< of the middle tap, and of those at distances from 1 to the reach
+    float margin;         ///< of the sums, in levels, where all taps fall inside
+    bool keepsAll = true; ///< whether values that all taps see come out as they are, inside
+
+    /// Check it before use.
+    explicit FastKernel(const Kernel& kernel)
+        : exact(kernel), weights(static_cast<std::size_t>(kernel.reach) + 1),
+          margin(static_cast<float>(kernel.reach + 9) * 256.0F * 0x1p-24F) {
+        for (std::size_t k = 0; k < weights.size(); ++k)
+            weights[k] = static_cast<float>(kernel.middle[k]);
         for (int v = 0; v < 256; ++v) {
             double level = 0;
-            for (std::int32_t k = kernel_.first; k < kernel_.last; ++k)
-                level += kernel_.weights[k] * v;
+            for (std::int32_t k = -kernel.reach; k <= kernel.reach; ++k)
+                level += kernel.middle[k] * v;
             level += 0.5;
-            keepsAll_ = keepsAll_ && static_cast<int>(level) == v;
+            keepsAll = keepsAll && static_cast<int>(level) == v;
         }
     }
-    explicit operator bool() const { return static_cast<bool>(floats_); }
+    explicit operator bool() const { return static_cast<bool>(weights); }
 
-    const Kernel& Taps() const { return kernel_; }
-    /// The farthest tap that weighs anything.
-    std::int32_t Reach() const { return reach_; }
-    /// Of the middle tap, and of those at distances from 1 to the reach.
-    const float* Weights() const { return floats_.data(); }
-    /// Of the sums, in levels, where all taps fall inside.
-    float Margin() const { return margin_; }
-    /// Whether all taps fall inside a line of `count` pixels around those from `first` to `last`.
-    bool IsWhole(std::int32_t first, std::int32_t last, std::int32_t count) const {
-        return first >= kernel_.half && last < count - kernel_.half;
-    }
-    /// Whether values that all taps see come out as they are. At the border, where up to half a level over
-    /// the weight inside is added, black and white do: nothing passes white.
+    /// Whether these values come out as they are where all taps see them. At the border, where up to half a
+    /// level over the weight inside is added, black and white do: nothing passes white.
     bool Keeps(const std::uint8_t* values, std::int32_t count, bool whole, float leastWeight) const {
-        if (whole || !keepsAll_) return keepsAll_;
+        if (whole || !keepsAll) return keepsAll;
         return leastWeight > 0.51F && std::all_of(values, values + count, [](std::uint8_t value) {
                    return value == 0 || value == 255;
                });
     }
-
-private:
-    Kernel kernel_;
-    std::int32_t reach_ = 0;
-    Array<float> floats_;
-    float margin_ = 0;
-    bool keepsAll_ = false; ///< where all taps fall inside
 };
 
 /// What a sum at each position of a line is multiplied with: 1, or at the borders the inverse of the weights
 /// inside.
 struct Inverses {
-    Array<float> values; ///< `channels` equal ones a pixel, and kMostLanes more
+    Array<float> values; ///< and kMostLanes more
     float most = 1;
 
-    Inverses(const FastBlur& blur, std::int32_t count, std::int32_t channels)
-        : values(static_cast<std::size_t>(count) * static_cast<std::size_t>(channels) + kMostLanes) {
+    Inverses(const Kernel& kernel, std::int32_t count)
+        : values(static_cast<std::size_t>(count) + kMostLanes) {
         std::fill(values.begin(), values.end(), 1.0F);
         for (std::int32_t x = 0; values && x < count; ++x) {
-            const TapRange range = TapsInside(blur.Taps(), count, x);
-            if (range.whole) continue;
+            if (kernel.IsWhole(x, x, count)) continue;
+            const TapRange taps = kernel.Inside(x, count);
             double used = 0;
-            for (std::int32_t k = range.first; k < range.last; ++k)
-                used += blur.Taps().weights[k];
+            for (std::int32_t k = taps.first; k <= taps.last; ++k)
+                used += kernel.middle[k];
             const auto inverse = static_cast<float>(1.0 / used);
             most = std::max(most, inverse);
-            std::fill_n(values.begin() + std::ptrdiff_t{x} * channels, channels, inverse);
+            values[static_cast<std::size_t>(x)] = inverse;
         }
     }
-    static constexpr std::size_t kMostLanes = 32;
-};
-
-/// Rows of bytes, the pixels of a row side by side.
-template <typename Byte>
-struct Lines {
-    Byte* first;
-    std::ptrdiff_t stride;
-    std::int32_t width, height, channels;
-
-    Byte* Row(std::int32_t y) const { return first + stride * y; }
-    std::int32_t RowBytes() const { return width * channels; }
-    operator Lines<const Byte>() const { return {first, stride, width, height, channels}; }
 };
 
 LUMAFOLD_IN_CALLER void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
@@ -156,10 +130,11 @@ bool AreEqual(const std::uint8_t* bytes, std::int32_t count) {
 
 /// kLanes neighbouring sums around floats at `middle`, a tap every `step`, in four vectors.
 template <int kLanes>
-LUMAFOLD_IN_CALLER void SumTaps(const FastBlur& blur, const float* middle, std::ptrdiff_t step, float* out) {
+LUMAFOLD_IN_CALLER void SumTaps(const FastKernel& kernel, const float* middle, std::ptrdiff_t step,
+                                float* out) {
     constexpr int kFloats = kLanes / 4;
     using Vector [[gnu::vector_size(kFloats * sizeof(float))]] = float;
-    const float* weights = blur.Weights();
+    const float* weights = kernel.weights.data();
     Vector sums[4];
     for (int j = 0; j < 4; ++j) {
         Vector tap;
@@ -167,7 +142,7 @@ LUMAFOLD_IN_CALLER void SumTaps(const FastBlur& blur, const float* middle, std::
         sums[j] = weights[0] * tap;
     }
     const float *before = middle - step, *after = middle + step;
-    for (std::int32_t k = 1; k <= blur.Reach(); ++k, before -= step, after += step) {
+    for (std::int32_t k = 1; k <= kernel.exact.reach; ++k, before -= step, after += step) {
         for (int j = 0; j < 4; ++j) {
             Vector left, right;
             std::memcpy(&left, before + kFloats * j, sizeof(left));
@@ -186,11 +161,11 @@ LUMAFOLD_IN_CALLER bool IsOpen(float value, float margin) {
 /// kLanes bytes of the result, of which the first `count` are used: those that the margin leaves open are
 /// `exact(lane)`.
 template <int kLanes, typename Exact>
-LUMAFOLD_IN_CALLER void BlurBlock(const FastBlur& blur, const float* middle, std::ptrdiff_t step,
+LUMAFOLD_IN_CALLER void BlurBlock(const FastKernel& kernel, const float* middle, std::ptrdiff_t step,
                                   const float* inverses, float margin, std::uint8_t* out, std::int32_t count,
                                   const Exact& exact) {
     float values[kLanes];
-    SumTaps<kLanes>(blur, middle, step, values);
+    SumTaps<kLanes>(kernel, middle, step, values);
     std::uint8_t levels[kLanes];
     int open = 0;
     for (int i = 0; i < kLanes; ++i) {
@@ -204,126 +179,140 @@ LUMAFOLD_IN_CALLER void BlurBlock(const FastBlur& blur, const float* middle, std
     std::memcpy(out, levels, static_cast<std::size_t>(count));
 }
 
-/// Blurs every row.
+/// Blurs every row in place.
 struct RowPass {
-    const FastBlur& blur;
-    Lines<const std::uint8_t> in;
-    Lines<std::uint8_t> out;
+    const FastKernel& kernel;
+    Mask& mask;
     const Inverses& inverses;
-    float* floats; ///< of one row, with zeros as far as taps and lanes go beyond it
+    std::uint8_t* copy; ///< of a row as it was
+    float* line;        ///< the same, with zeros before and behind as far as taps and lanes go beyond it
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Run() const {
-        const std::int32_t bytes = in.RowBytes(), channels = in.channels, reach = blur.Reach();
-        const float borderMargin = 2 * blur.Margin() * inverses.most;
-        float* const line = floats + std::ptrdiff_t{reach} * channels;
-        for (std::int32_t y = 0; y < in.height; ++y) {
-            const std::uint8_t* row = in.Row(y);
-            std::uint8_t* target = out.Row(y);
-            if (StaysFlat(row, 0, bytes)) {
-                std::memcpy(target, row, static_cast<std::size_t>(bytes));
-                continue;
-            }
-            ToFloats(row, line, bytes);
-            for (std::int32_t i = 0; i < bytes; i += kLanes) {
-                const std::int32_t count = std::min(kLanes, bytes - i);
-                if (StaysFlat(row, i, count)) {
-                    std::memcpy(target + i, row + i, static_cast<std::size_t>(count));
-                    continue;
-                }
-                const bool whole = blur.IsWhole(i / channels, (i + count - 1) / channels, in.width);
+        const std::int32_t width = mask.Width();
+        const float borderMargin = 2 * kernel.margin * inverses.most;
+        for (std::int32_t y = 0; y < mask.Height(); ++y) {
+            std::uint8_t* row = mask.Row(y);
+            if (StaysFlat(row, 0, width)) continue;
+            std::memcpy(copy, row, static_cast<std::size_t>(width));
+            ToFloats(copy, line, width);
+            for (std::int32_t x = 0; x < width; x += kLanes) {
+                const std::int32_t count = std::min(kLanes, width - x);
+                if (StaysFlat(copy, x, count)) continue;
+                const bool whole = kernel.exact.IsWhole(x, x + count - 1, width);
                 BlurBlock<kLanes>(
-                    blur, line + i, channels, &inverses.values[static_cast<std::size_t>(i)],
-                    whole ? blur.Margin() : borderMargin, target + i, count, [&](std::int32_t lane) {
-                        const std::int32_t at = i + lane;
-                        return ExactByte(blur.Taps(), row + at % channels, channels, in.width, at / channels);
-                    });
+                    kernel, line + x, 1, &inverses.values[static_cast<std::size_t>(x)],
+                    whole ? kernel.margin : borderMargin, row + x, count,
+                    [&](std::int32_t lane) { return ExactByte(kernel.exact, copy, 1, width, x + lane); });
             }
         }
     }
 
-    /// Only looked for in one channel, since masks are mostly flat.
     bool StaysFlat(const std::uint8_t* row, std::int32_t first, std::int32_t count) const {
-        if (in.channels != 1) return false;
-        const std::int32_t from = std::max(first - blur.Reach(), 0),
-                           to = std::min(first + count + blur.Reach(), in.width);
+        const std::int32_t from = std::max(first - kernel.exact.reach, 0),
+                           to = std::min(first + count + kernel.exact.reach, mask.Width());
         return AreEqual(row + from, to - from) &&
-               blur.Keeps(row + first, 1, blur.IsWhole(first, first + count - 1, in.width),
-                          1 / inverses.most);
+               kernel.Keeps(row + first, 1, kernel.exact.IsWhole(first, first + count - 1, mask.Width()),
+                            1 / inverses.most);
     }
 };
 
-/// Blurs every column, kLanes bytes side by side at once. They are held as floats so that the window slides
-/// down within the nearest cache.
+/// Blurs every column in place, kLanes side by side at once. They are held as floats so that the window
+/// slides down within the nearest cache.
 struct ColumnPass {
-    const FastBlur& blur;
-    Lines<const std::uint8_t> in;
-    Lines<std::uint8_t> out;
+    const FastKernel& kernel;
+    Mask& mask;
     const Inverses& inverses;
-    float* floats; ///< of Inverses::kMostLanes columns, with rows of zeros as far as taps go beyond them
+    std::uint8_t* copy; ///< of kMostLanes columns as they were
+    float* strip;       ///< the same, with rows of zeros as far as taps go beyond them
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Run() const {
-        for (std::int32_t i = 0; i < in.RowBytes(); i += kLanes)
-            Strip<kLanes>(i, std::min(kLanes, in.RowBytes() - i));
+        for (std::int32_t x = 0; x < mask.Width(); x += kLanes)
+            Strip<kLanes>(x, std::min(kLanes, mask.Width() - x));
     }
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Strip(std::int32_t first, std::int32_t count) const {
-        const std::int32_t reach = blur.Reach();
+        const std::int32_t reach = kernel.exact.reach, height = mask.Height();
         std::int32_t converted = 0, entered = 0, equal = 0;
-        for (std::int32_t y = 0; y < in.height; ++y) {
-            const bool whole = blur.IsWhole(y, y, in.height);
-            const std::int32_t top = std::max(y - reach, 0), end = std::min(y + reach + 1, in.height);
+        for (std::int32_t y = 0; y < height; ++y) {
+            const std::uint8_t* row = copy + std::ptrdiff_t{y} * kLanes;
+            const bool whole = kernel.exact.IsWhole(y, y, height);
+            const std::int32_t top = std::max(y - reach, 0), end = std::min(y + reach + 1, height);
             for (; entered < end; ++entered)
-                equal = entered > 0 && IsAsAbove(in.Row(entered) + first, count) ? equal + 1 : 1;
-            if (equal >= end - top && blur.Keeps(in.Row(y) + first, count, whole, 1 / inverses.most)) {
-                std::memcpy(out.Row(y) + first, in.Row(y) + first, static_cast<std::size_t>(count));
-                continue;
-            }
+                equal = Enter<kLanes>(mask.Row(entered) + first, entered, count) ? equal + 1 : 1;
+            if (equal >= end - top && kernel.Keeps(row, count, whole, 1 / inverses.most)) continue;
             for (converted = std::max(converted, top); converted < end; ++converted)
-                ToFloats(in.Row(converted) + first, floats + std::ptrdiff_t{reach + converted} * kLanes,
-                         count);
+                ToFloats(copy + std::ptrdiff_t{converted} * kLanes,
+                         strip + std::ptrdiff_t{reach + converted} * kLanes, kLanes);
             float border[kLanes];
             std::fill(border, border + kLanes, inverses.values[static_cast<std::size_t>(y)]);
-            BlurBlock<kLanes>(blur, floats + std::ptrdiff_t{reach + y} * kLanes, kLanes, border,
-                              whole ? blur.Margin() : 2 * blur.Margin() * border[0], out.Row(y) + first,
-                              count, [&](std::int32_t lane) {
-                                  return ExactByte(blur.Taps(), in.first + first + lane, in.stride, in.height,
-                                                   y);
-                              });
+            BlurBlock<kLanes>(
+                kernel, strip + std::ptrdiff_t{reach + y} * kLanes, kLanes, border,
+                whole ? kernel.margin : 2 * kernel.margin * border[0], mask.Row(y) + first, count,
+                [&](std::int32_t lane) { return ExactByte(kernel.exact, copy + lane, kLanes, height, y); });
         }
     }
 
-    /// Only looked for in one channel.
-    bool IsAsAbove(const std::uint8_t* bytes, std::int32_t count) const {
-        return in.channels == 1 &&
-               std::memcmp(bytes, bytes - in.stride, static_cast<std::size_t>(count)) == 0;
+    /// Copies row y of the strip; whether it is as the one above.
+    template <int kLanes>
+    LUMAFOLD_IN_CALLER bool Enter(const std::uint8_t* bytes, std::int32_t y, std::int32_t count) const {
+        std::uint8_t* row = copy + std::ptrdiff_t{y} * kLanes;
+        if (count == kLanes) {
+            std::memcpy(row, bytes, kLanes);
+        } else {
+            std::memcpy(row, bytes, static_cast<std::size_t>(count));
+        }
+        return y > 0 && std::memcmp(row, row - kLanes, static_cast<std::size_t>(count)) == 0;
     }
 };
 
-/// Both passes; false when memory is short.
-bool BlurLines(const FastBlur& blur, const Lines<const std::uint8_t>& in, const Lines<std::uint8_t>& out) {
-    const auto bytes = static_cast<std::size_t>(in.RowBytes()), rows = static_cast<std::size_t>(in.height),
-               reach = static_cast<std::size_t>(blur.Reach()),
-               channels = static_cast<std::size_t>(in.channels);
-    // For the tallest pictures this needs more than 32 bits; no array is as long as SIZE_MAX.
-    const std::uint64_t stripFloats = (std::uint64_t{rows} + 2 * reach) * Inverses::kMostLanes;
-    Array<std::uint8_t> between(bytes * rows);
-    const Inverses across(blur, in.width, in.channels), down(blur, in.height, 1);
-    Array<float> line(bytes + 2 * reach * channels + Inverses::kMostLanes),
-        strip(static_cast<std::size_t>(std::min<std::uint64_t>(stripFloats, SIZE_MAX)));
-    if (!between || !across.values || !down.values || !line || !strip) return false;
-    const Lines<std::uint8_t> middle{between.data(), in.RowBytes(), in.width, in.height, in.channels};
-    WithWidestLanes(RowPass{blur, in, middle, across, line.data()});
-    WithWidestLanes(ColumnPass{blur, middle, out, down, strip.data()});
+/// Both passes, in place; false when memory is short.
+bool BlurMask(Mask& mask, const Kernel& exact) {
+    const FastKernel kernel(exact);
+    const auto width = static_cast<std::size_t>(mask.Width()),
+               height = static_cast<std::size_t>(mask.Height()),
+               reach = static_cast<std::size_t>(exact.reach);
+    // For the tallest masks this needs more than 32 bits; no array is as long as SIZE_MAX.
+    const auto lanes = [](std::uint64_t rows) {
+        return static_cast<std::size_t>(std::min<std::uint64_t>(rows * kMostLanes, SIZE_MAX));
+    };
+    const Inverses across(exact, mask.Width()), down(exact, mask.Height());
+    Array<std::uint8_t> row(width), columns(lanes(height));
+    Array<float> line(width + 2 * reach + kMostLanes), strip(lanes(std::uint64_t{height} + 2 * reach));
+    if (!kernel || !across.values || !down.values || !row || !columns || !line || !strip) return false;
+    WithWidestLanes(RowPass{kernel, mask, across, row.data(), line.data() + reach});
+    WithWidestLanes(ColumnPass{kernel, mask, down, columns.data(), strip.data()});
     return true;
 }
 
-/// Radius and sigma in tenths of a pixel. None is a kernel that cannot be had, which leaves no taps.
-Array<double> KernelOf(std::int32_t radius, std::int32_t sigma) {
-    const double taps = 2 * std::ceil(radius * 0.1) + 1;
-    return GaussianKernel(taps > kMostTaps ? INT32_MAX : static_cast<std::int32_t>(taps), sigma * 0.1);
+/// A blur's kernel without its outer taps that weigh nothing.
+struct BlurWeights {
+    Array<double> weights; ///< none: a kernel that cannot be had
+    std::int32_t half = 0; ///< how far the taps go to either side, those without weight included
+
+    /// Radius and sigma in tenths of a pixel.
+    BlurWeights(std::int32_t radius, std::int32_t sigma) {
+        double taps = 2 * std::ceil(radius * 0.1) + 1;
+        if (taps < 1) taps = 3;
+        if (taps > kMostTaps) return;
+        half = static_cast<std::int32_t>(taps) / 2;
+        const double pixels = sigma * 0.1;
+        // From 39 sigma on all are 0.
+        const double weighing = std::ceil(39 * std::abs(pixels)) + 1;
+        weights = GaussianKernel(static_cast<std::int32_t>(std::min(taps, 2 * weighing + 1)), pixels);
+    }
+};
+
+/// One channel of a 24-bit picture, by its place in the pixel's bytes.
+Mask ChannelOf(const ConstRowView& rows, std::ptrdiff_t channel) {
+    Mask mask(rows.Width(), rows.Height());
+    for (std::int32_t y = 0; mask && y < mask.Height(); ++y) {
+        for (std::int32_t x = 0; x < mask.Width(); ++x)
+            mask.Row(y)[x] = rows.Row(y)[3 * x + channel];
+    }
+    return mask;
 }
 
 } // namespace
@@ -355,7 +344,7 @@ Array<double> GaussianKernel(std::int32_t taps, double sigma) {
 
 void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint8_t* target,
              std::int32_t count) {
-    const Kernel kernel(weights);
+    const Kernel kernel(weights, static_cast<std::int32_t>(weights.size() / 2));
     for (std::int32_t i = 0; i < count * 3; ++i) {
         target[i] = ExactByte(kernel, source + i % 3, 3, count, i / 3);
     }
@@ -364,29 +353,25 @@ void BlurRow(const Array<double>& weights, const std::uint8_t* source, std::uint
 OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int32_t sigma) {
     if (picture.biBitCount != 24) return {};
     OwnedDib result = DibCreate(picture.biWidth, picture.biHeight, nullptr, 24);
-    const Array<double> weights = KernelOf(radius, sigma);
-    // Without taps the passes would give black, which a new picture is.
-    if (!result || !weights || picture.biWidth < 1 || picture.biHeight < 1) return result;
-    const FastBlur blur(weights);
-    const ConstRowView from(picture);
-    const RowView to = result.Rows();
-    const std::int32_t width = from.Width(), height = from.Height();
-    if (!blur || !BlurLines(blur, {from.Row(0), -from.Stride(), width, height, 3},
-                            {to.Row(0), -to.Stride(), width, height, 3}))
-        return {};
+    if (!result || picture.biWidth < 1 || picture.biHeight < 1) return result;
+    const RowView rows = result.Rows();
+    for (std::ptrdiff_t channel = 0; channel < 3; ++channel) {
+        Mask mask = ChannelOf(ConstRowView(picture), channel);
+        const Mask blurred = mask ? MaskGaussianBlur(std::move(mask), radius, sigma) : Mask();
+        if (!blurred) return {};
+        for (std::int32_t y = 0; y < rows.Height(); ++y) {
+            for (std::int32_t x = 0; x < rows.Width(); ++x)
+                rows.Row(y)[3 * x + channel] = blurred.Row(y)[x];
+        }
+    }
     return result;
 }
 
-Mask MaskGaussianBlur(const Mask& mask, std::int32_t radius, std::int32_t sigma) {
-    const std::int32_t width = mask.Width(), height = mask.Height();
-    Mask result(width, height);
-    const Array<double> weights = KernelOf(radius, sigma);
-    if (!result || !weights) return result;
-    const FastBlur blur(weights);
-    if (!blur ||
-        !BlurLines(blur, {mask.Row(0), width, width, height, 1}, {result.Row(0), width, width, height, 1}))
-        return {};
-    return result;
+Mask MaskGaussianBlur(Mask mask, std::int32_t radius, std::int32_t sigma) {
+    const BlurWeights blur(radius, sigma);
+    // Without taps the passes would give black, which a new mask is.
+    if (!blur.weights) return {mask.Width(), mask.Height()};
+    return BlurMask(mask, Kernel(blur.weights, blur.half)) ? std::move(mask) : Mask();
 }
 
 } // namespace lumafold

@@ -16,15 +16,8 @@ PixelValue MixColours(PixelValue a, PixelValue b, std::uint8_t shareOfB) {
 /// Pixels that are blended at once.
 constexpr std::size_t kBlock = 16;
 
-/// Each byte by a weight of its own; white is `a`.
-void MixBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
-              const std::uint8_t* __restrict weights, std::uint8_t* __restrict out) {
-    for (std::size_t i = 0; i < 3 * kBlock; ++i)
-        out[i] = Mix(b[i], a[i], weights[i]);
-}
-
-/// Four pixels of the mask become three words, since a byte at a time takes twice
-/// as long.
+/// White is `a`. Four pixels of the mask become three words of weights, since a byte at a time takes twice as
+/// long.
 void BlendBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict b,
                 const std::uint8_t* __restrict mask, std::uint8_t* __restrict out) {
     std::uint32_t words[kBlock / 4 * 3];
@@ -36,7 +29,8 @@ void BlendBlock(const std::uint8_t* __restrict a, const std::uint8_t* __restrict
     }
     std::uint8_t weights[3 * kBlock];
     std::memcpy(weights, words, sizeof(weights));
-    MixBlock(a, b, weights, out);
+    for (std::size_t i = 0; i < 3 * kBlock; ++i)
+        out[i] = Mix(b[i], a[i], weights[i]);
 }
 
 /// How many pixels from the first on are in whole blocks of this value.
@@ -73,22 +67,15 @@ void BlendRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* 
     }
 }
 
-/// The same through the red of a 24-bit mask.
-void BlendRowByRed(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
-                   std::size_t bytes) {
-    constexpr std::size_t kBlockBytes = 3 * kBlock;
-    for (std::size_t i = 0; i < bytes; i += kBlockBytes) {
-        std::uint8_t weights[kBlockBytes];
-        const std::size_t count = std::min(kBlockBytes, bytes - i);
-        for (std::size_t k = 0; k < count; k += 3)
-            weights[k] = weights[k + 1] = weights[k + 2] = mask[i + k + 2];
-        if (count == kBlockBytes) {
-            MixBlock(a + i, b + i, weights, out + i);
-        } else {
-            for (std::size_t k = 0; k < count; ++k)
-                out[i + k] = Mix(b[i + k], a[i + k], weights[k]);
-        }
-    }
+/// Into `box` of `out`, by the weights that `mask` begins with, a row every `stride`.
+void BlendBox(const DibHeader& a, const DibHeader& b, const std::uint8_t* mask, std::ptrdiff_t stride,
+              const Rect& box, DibHeader& out) {
+    const ConstRowView rowsA(a), rowsB(b);
+    const RowView rows(out);
+    const std::ptrdiff_t left = std::ptrdiff_t{3} * box.left;
+    for (std::int32_t y = box.top; y < box.bottom; ++y, mask += stride)
+        BlendRow(rowsA.Row(y) + left, rowsB.Row(y) + left, mask, rows.Row(y) + left,
+                 static_cast<std::size_t>(RectWidth(box)));
 }
 
 PixelValue BlendPixel(PixelValue a, PixelValue b, PixelValue mask, bool oneBit) {
@@ -128,16 +115,22 @@ OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& m
     const std::int32_t width = a.biWidth, height = a.biHeight;
     OwnedDib out = DibCreate(width, height, nullptr, 24);
     if (!out) return out;
-    if (Covers24(a, width, height) && Covers24(b, width, height) && Covers24(mask, width, height)) {
-        const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
-        const RowView rows = out.Rows();
-        for (std::int32_t y = 0; y < height; ++y)
-            BlendRowByRed(rowsA.Row(y), rowsB.Row(y), rowsMask.Row(y), rows.Row(y), rows.RowBytes());
-    } else {
+    if (!Covers24(a, width, height) || !Covers24(b, width, height) || !Covers24(mask, width, height)) {
         const bool oneBit = mask.biBitCount == 1;
         ForEachPixel(*out, [&](std::int32_t x, std::int32_t y) {
             return BlendPixel(DibGetPixel(a, x, y), DibGetPixel(b, x, y), DibGetPixel(mask, x, y), oneBit);
         });
+        return out;
+    }
+    const ConstRowView rowsA(a), rowsB(b), rowsMask(mask);
+    const RowView rows = out.Rows();
+    Array<std::uint8_t> weights(static_cast<std::size_t>(width)); // the mask's red
+    if (!weights) return {};
+    for (std::int32_t y = 0; y < height; ++y) {
+        const std::uint8_t* red = rowsMask.Row(y) + 2;
+        for (std::size_t x = 0; x < weights.size(); ++x)
+            weights[x] = red[3 * x];
+        BlendRow(rowsA.Row(y), rowsB.Row(y), weights.data(), rows.Row(y), weights.size());
     }
     return out;
 }
@@ -145,22 +138,12 @@ OwnedDib DibMaskBlend(const DibHeader& a, const DibHeader& b, const DibHeader& m
 OwnedDib MaskBlend(const DibHeader& a, const DibHeader& b, const Mask& mask, std::int32_t left,
                    std::int32_t top) {
     OwnedDib out = DibCreate(a.biWidth, a.biHeight, nullptr, 24);
-    if (!out) return out;
-    const ConstRowView rowsA(a), rowsB(b);
-    const RowView rows = out.Rows();
-    for (std::int32_t y = 0; y < rows.Height(); ++y)
-        BlendRow(rowsA.Row(y), rowsB.Row(y), mask.Row(top + y) + left, rows.Row(y),
-                 static_cast<std::size_t>(rows.Width()));
+    if (out) BlendBox(a, b, mask.Row(top) + left, mask.Width(), {0, 0, a.biWidth, a.biHeight}, *out);
     return out;
 }
 
 void MaskBlendBox(const DibHeader& a, const DibHeader& b, const Mask& mask, const Rect& box, DibHeader& out) {
-    const ConstRowView rowsA(a), rowsB(b);
-    const RowView rows(out);
-    const std::ptrdiff_t left = std::ptrdiff_t{3} * box.left;
-    for (std::int32_t y = 0; y < mask.Height(); ++y)
-        BlendRow(rowsA.Row(box.top + y) + left, rowsB.Row(box.top + y) + left, mask.Row(y),
-                 rows.Row(box.top + y) + left, static_cast<std::size_t>(mask.Width()));
+    BlendBox(a, b, mask.Row(0), mask.Width(), box, out);
 }
 
 } // namespace lumafold

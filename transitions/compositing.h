@@ -19,7 +19,7 @@ void BlurRow(const Array<double>& kernel, const std::uint8_t* source, std::uint8
 /// Radius and sigma in tenths of a pixel; a picture has 24 bits, or the blur fails. A kernel that cannot be
 /// had gives black, not a failure (docs/quirks.md 11).
 OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int32_t sigma);
-Mask MaskGaussianBlur(const Mask& mask, std::int32_t radius, std::int32_t sigma);
+Mask MaskGaussianBlur(Mask mask, std::int32_t radius, std::int32_t sigma);
 
 /// (b x t) / 255 + (a x (255 - t)) / 255 in each channel, both quotients truncated; t from 0 (a) to 255 (b).
 OwnedDib DibCrossfade(const DibHeader& a, const DibHeader& b, int t);

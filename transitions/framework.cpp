@@ -1,13 +1,12 @@
-#include "transitions/framework.h"
-
+// Framework: a cross-fade in which every frame is smeared towards the middle, most in the middle of the fade.
+// It reads no setting, though the dialog shows three for it (docs/quirks.md 39).
 #include "transitions/compositing.h"
+#include "transitions/run.h"
 
 namespace lumafold {
 namespace {
 
 constexpr std::size_t kSamples = 20;
-constexpr std::int64_t kFadeStep = 10;
-constexpr std::int64_t kFullShare = 255;
 
 /// For every position along an axis the positions its samples come from. They lie between it and the middle,
 /// truncated in picture coordinates, so the two halves are no mirror images (docs/quirks.md 40). Empty when
@@ -56,14 +55,8 @@ void BlurRow(const std::array<const WidePixel*, kSamples>& lines, const std::uin
     }
 }
 
-/// The intensity rises by 31.25 a frame as long as less than half of the target shows, then falls again.
-int IntensityAt(std::int64_t index) {
-    constexpr std::int64_t kRising = 12;
-    return static_cast<int>(static_cast<double>(std::min(index, 2 * kRising - index)) * 31.25) + 100;
-}
-
-} // namespace
-
+/// Each pixel of a 24-bit picture becomes the mean of twenty between it and a point towards the middle, which
+/// `intensity` of 1 to 500 puts the farther away the larger it is.
 OwnedDib ZoomBlur(const DibHeader& picture, int intensity) {
     const std::int32_t width = picture.biWidth, height = picture.biHeight;
     const Array<std::uint32_t> columns = SampleTable(width, intensity),
@@ -83,11 +76,26 @@ OwnedDib ZoomBlur(const DibHeader& picture, int intensity) {
     return result;
 }
 
-std::int64_t Framework::Frames() const { return LoopCount(kFadeStep, kFullShare, kFadeStep); }
-
-OwnedDib Framework::Frame(const Gap& gap, std::int64_t index) const {
-    const OwnedDib mix = DibCrossfade(gap.source, gap.target, static_cast<int>((index + 1) * kFadeStep));
-    return mix ? ZoomBlur(*mix, IntensityAt(index)) : OwnedDib();
+/// The intensity rises by 31.25 a frame as long as less than half of the target shows, then falls again.
+int IntensityAt(std::int64_t index) {
+    constexpr std::int64_t kRising = 12;
+    return static_cast<int>(static_cast<double>(std::min(index, 2 * kRising - index)) * 31.25) + 100;
 }
+
+struct Framework {
+    static constexpr std::int64_t kStep = 10; // levels of 255 a frame
+
+    static std::optional<Framework> Plan(const PluginSettings&, CanvasSize) { return Framework(); }
+    std::int64_t Frames() const { return FramesBelow(255, kStep); }
+
+    OwnedDib Frame(const Gap& gap, std::int64_t index) const {
+        const OwnedDib mix = DibCrossfade(gap.source, gap.target, static_cast<int>((index + 1) * kStep));
+        return mix ? ZoomBlur(*mix, IntensityAt(index)) : OwnedDib();
+    }
+};
+
+} // namespace
+
+constinit const Effect kFramework = EffectOf<Framework>();
 
 } // namespace lumafold

@@ -25,6 +25,11 @@ constexpr std::int64_t LoopCount(std::int64_t first, std::int64_t limit, std::in
     return first >= limit ? 0 : (limit - first + step - 1) / step;
 }
 
+/// How many frames show a share of a whole that rises by `step` a frame, up to below `whole`.
+constexpr std::int64_t FramesBelow(std::int64_t whole, std::int64_t step) {
+    return LoopCount(step, whole, step);
+}
+
 /// Half of a fade's 255 levels, rounded up: what rises with a fade falls from there on.
 inline constexpr std::int64_t kLastRising = 128;
 

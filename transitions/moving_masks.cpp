@@ -1,15 +1,17 @@
-#include "transitions/moving_masks.h"
-
+// Spikes and Soft slide: a mask larger than the frame, white where the target shows, is drawn and blurred
+// once. Each frame looks at it through a window that moves from the black end towards the white one.
 #include <cmath>
 
 #include "numbers/portable_math.h"
 #include "transitions/compositing.h"
+#include "transitions/run.h"
 #include "transitions/shape_masks.h"
 
 namespace lumafold {
 namespace {
 
-constexpr std::int32_t kSigma = 100; // tenths of a pixel
+/// Where the target moves to: right from the left side, or down from the top.
+enum class Travel { Right, Down };
 
 /// Width and height, or x and y, from what lies across the travel and what lies along it.
 struct Extent {
@@ -53,6 +55,15 @@ Mask SpikeMask(WindowHandle window, CanvasSize frame, Travel travel, std::int64_
     });
 }
 
+/// White above, or left of, `count` teeth whose tips point along the travel; a frame is one of `frame`'s
+/// size. The mask is three frames long and a little broader than the frame where the teeth need it.
+Mask SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count) {
+    return SpikeMask(window, frame, Travel::Down, count);
+}
+Mask SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count) {
+    return SpikeMask(window, frame, Travel::Right, count);
+}
+
 Mask SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     const std::int64_t across = 2 * Across(travel, frame), along = 2 * Along(travel, frame);
     const Extent canvas = Place(travel, across, 2 * along);
@@ -62,28 +73,7 @@ Mask SlideMask(WindowHandle window, CanvasSize frame, Travel travel) {
     });
 }
 
-Mask Blurred(const Mask& mask, std::uint32_t radius) {
-    return mask ? MaskGaussianBlur(mask, static_cast<std::int32_t>(radius), kSigma) : Mask();
-}
-
-std::int64_t FramesUpTo100(std::int64_t step) { return LoopCount(step, 100, step); }
-
-/// Kept in single precision from frame to frame, with the rounding of each (docs/quirks.md 14).
-float Advance(float offset, std::int32_t distance, std::int64_t step) {
-    const ExtendedPrecision precision;
-    const long double way =
-        Extended(static_cast<long double>(distance * step) * static_cast<long double>(0.01));
-    return static_cast<float>(Extended(static_cast<long double>(offset) - way));
-}
-
-} // namespace
-
-Mask SpikeMaskVertical(WindowHandle window, CanvasSize frame, std::int64_t count) {
-    return SpikeMask(window, frame, Travel::Down, count);
-}
-Mask SpikeMaskHorizontal(WindowHandle window, CanvasSize frame, std::int64_t count) {
-    return SpikeMask(window, frame, Travel::Right, count);
-}
+/// Two frames long, the upper, or left, one white and the other black.
 Mask SlideMaskVertical(WindowHandle window, CanvasSize frame) {
     return SlideMask(window, frame, Travel::Down);
 }
@@ -91,69 +81,80 @@ Mask SlideMaskHorizontal(WindowHandle window, CanvasSize frame) {
     return SlideMask(window, frame, Travel::Right);
 }
 
-MovingMask::MovingMask(const Gap& gap, Mask mask, Travel travel, std::int64_t step)
-    : gap_(gap), mask_(std::move(mask)), travel_(travel) {
-    if (!mask_) return;
-    const std::int32_t distance =
-        travel == Travel::Down ? mask_.Height() - gap.size.height : mask_.Width() - gap.size.width;
+Mask Blurred(Mask mask, std::uint32_t radius) {
+    constexpr std::int32_t kSigma = 100; // tenths of a pixel
+    return mask ? MaskGaussianBlur(std::move(mask), static_cast<std::int32_t>(radius), kSigma) : Mask();
+}
+
+/// Where the window stands in frame `index`, of the whole `distance`. It is kept in single precision from
+/// frame to frame, with the rounding of each (docs/quirks.md 14).
+std::int32_t WindowAt(std::int64_t index, std::int32_t distance, std::int64_t step) {
+    const ExtendedPrecision precision;
+    const long double way =
+        Extended(static_cast<long double>(distance * step) * static_cast<long double>(0.01));
     auto offset = static_cast<float>(distance);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(FramesUpTo100(step)); ++i) {
-        offset = Advance(offset, distance, step);
-        offsets_[i] = static_cast<std::int32_t>(std::floor(offset));
+    for (std::int64_t i = 0; i <= index; ++i)
+        offset = static_cast<float>(Extended(static_cast<long double>(offset) - way));
+    return static_cast<std::int32_t>(std::floor(offset));
+}
+
+/// A frame through a window that moves along the mask by `step` percent of the way a frame.
+OwnedDib WindowFrame(const Gap& gap, const Mask& mask, Travel travel, std::int64_t step, std::int64_t index) {
+    const std::int32_t restX = mask.Width() - gap.size.width, restY = mask.Height() - gap.size.height;
+    if (travel == Travel::Down)
+        return MaskBlend(gap.target, gap.source, mask, restX / 2, WindowAt(index, restY, step));
+    return MaskBlend(gap.target, gap.source, mask, WindowAt(index, restX, step), restY / 2);
+}
+
+struct Spikes {
+    std::int64_t count; ///< teeth
+    std::int64_t step;  ///< percent of the way a frame
+    Travel travel;
+
+    static std::optional<Spikes> Plan(const PluginSettings& settings, CanvasSize canvas, Travel travel) {
+        const std::int64_t count = settings.TransitionSpikeCount, step = settings.TransitionSpikeStep;
+        if (count == 0 || step == 0) return {};
+        // No picture could hold more teeth than these.
+        constexpr std::int64_t kMostPixels = 0x7FFFFFFF / 3;
+        const std::int64_t length = 6 * Along(travel, canvas);
+        if (Teeth(count, Across(travel, canvas)).Breadth() > kMostPixels / length) return {};
+        return Spikes{count, step, travel};
     }
-}
+    std::int64_t Frames() const { return FramesBelow(100, step); }
 
-OwnedDib MovingMask::Frame(std::int64_t index) const {
-    const std::int32_t offset = offsets_[static_cast<std::size_t>(index)];
-    const bool down = travel_ == Travel::Down;
-    const std::int32_t left = down ? (mask_.Width() - gap_.size.width) / 2 : offset;
-    const std::int32_t top = down ? offset : (mask_.Height() - gap_.size.height) / 2;
-    return MaskBlend(gap_.target, gap_.source, mask_, left, top);
-}
+    Mask Start(const Gap& gap) const {
+        const auto draw = travel == Travel::Down ? SpikeMaskVertical : SpikeMaskHorizontal;
+        return Blurred(draw(gap.window, gap.size, count), gap.settings.TransitionSpikeRadius);
+    }
+    OwnedDib Frame(const Gap& gap, const Mask& mask, std::int64_t index) const {
+        return WindowFrame(gap, mask, travel, step, index);
+    }
+};
 
-template <Travel kTravel>
-std::optional<Spikes<kTravel>> Spikes<kTravel>::Plan(const PluginSettings& settings, CanvasSize canvas) {
-    const std::int64_t count = settings.TransitionSpikeCount, step = settings.TransitionSpikeStep;
-    if (count == 0 || step == 0) return {};
-    // No picture could hold more teeth than these.
-    constexpr std::int64_t kMostPixels = 0x7FFFFFFF / 3;
-    const std::int64_t length = 6 * Along(kTravel, canvas);
-    if (Teeth(count, Across(kTravel, canvas)).Breadth() > kMostPixels / length) return {};
-    return Spikes(count, step);
-}
+struct SoftSlide {
+    std::int64_t step; ///< percent of the way a frame
+    Travel travel;
 
-template <Travel kTravel>
-std::int64_t Spikes<kTravel>::Frames() const {
-    return FramesUpTo100(step_);
-}
+    static std::optional<SoftSlide> Plan(const PluginSettings& settings, CanvasSize, Travel travel) {
+        if (settings.TransitionSoftSlideStep == 0) return {};
+        return SoftSlide{settings.TransitionSoftSlideStep, travel};
+    }
+    std::int64_t Frames() const { return FramesBelow(100, step); }
 
-template <Travel kTravel>
-MovingMask Spikes<kTravel>::Start(const Gap& gap) const {
-    const Mask mask = SpikeMask(gap.window, gap.size, kTravel, count_);
-    return {gap, Blurred(mask, gap.settings.TransitionSpikeRadius), kTravel, step_};
-}
+    Mask Start(const Gap& gap) const {
+        const auto draw = travel == Travel::Down ? SlideMaskVertical : SlideMaskHorizontal;
+        return Blurred(draw(gap.window, gap.size), gap.settings.TransitionSoftSlideRadius);
+    }
+    OwnedDib Frame(const Gap& gap, const Mask& mask, std::int64_t index) const {
+        return WindowFrame(gap, mask, travel, step, index);
+    }
+};
 
-template class Spikes<Travel::Right>;
-template class Spikes<Travel::Down>;
+} // namespace
 
-template <Travel kTravel>
-std::optional<SoftSlide<kTravel>> SoftSlide<kTravel>::Plan(const PluginSettings& settings, CanvasSize) {
-    if (settings.TransitionSoftSlideStep == 0) return {};
-    return SoftSlide(settings.TransitionSoftSlideStep);
-}
-
-template <Travel kTravel>
-std::int64_t SoftSlide<kTravel>::Frames() const {
-    return FramesUpTo100(step_);
-}
-
-template <Travel kTravel>
-MovingMask SoftSlide<kTravel>::Start(const Gap& gap) const {
-    const Mask mask = SlideMask(gap.window, gap.size, kTravel);
-    return {gap, Blurred(mask, gap.settings.TransitionSoftSlideRadius), kTravel, step_};
-}
-
-template class SoftSlide<Travel::Right>;
-template class SoftSlide<Travel::Down>;
+constinit const Effect kSpikesHorizontal = EffectOf<Spikes, Travel::Right>();
+constinit const Effect kSpikesVertical = EffectOf<Spikes, Travel::Down>();
+constinit const Effect kSoftSlideHorizontal = EffectOf<SoftSlide, Travel::Right>();
+constinit const Effect kSoftSlideVertical = EffectOf<SoftSlide, Travel::Down>();
 
 } // namespace lumafold

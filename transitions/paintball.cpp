@@ -1,82 +1,121 @@
-#include "transitions/paintball.h"
-
+// Paintball: round splats of the target land one a frame on random points of a grid, until it covers the
+// source. Splats only add to the mask, so a frame is the one before, blended anew where its splat landed.
 #include <cmath>
 
 #include "transitions/compositing.h"
+#include "transitions/drawing_list.h"
+#include "transitions/random.h"
+#include "transitions/run.h"
 #include "transitions/shape_masks.h"
 
 namespace lumafold {
+namespace {
 
-Splat::Splat(const SplatGrid& grid, std::int64_t cell, CanvasSize picture)
-    : x(cell % grid.columns * grid.spacing * 2), y(cell / grid.columns * grid.spacing * 2) {
-    const double side = 2.0 * static_cast<double>(grid.spacing);
-    // What covers the canvas from any point of the grid is large enough.
-    const std::int64_t largest = 4 * (std::int64_t{picture.width} + picture.height);
-    radius = static_cast<std::int64_t>(
-        std::min(std::ceil(std::sqrt(side * side + side * side) * 0.5), static_cast<double>(largest)));
-}
+/// A circle on the canvas of all splats, which is twice as fine as the picture so that halving softens the
+/// edges.
+struct Splat {
+    std::int64_t x, y, radius;
 
-Rect Splat::Box(CanvasSize picture) const {
-    const auto first = [this](std::int64_t at) {
-        return static_cast<std::int32_t>(std::max<std::int64_t>(at - radius, 0) / 2);
-    };
-    const auto end = [this](std::int64_t at, std::int64_t size) {
-        return static_cast<std::int32_t>(std::min((at + radius + 1) / 2, size));
-    };
-    return {first(x), first(y), end(x, picture.width), end(y, picture.height)};
-}
+    /// The pixels of a picture it can reach; right and bottom may lie before left and top.
+    Rect Box(CanvasSize picture) const {
+        const auto first = [this](std::int64_t at) {
+            return static_cast<std::int32_t>(std::max<std::int64_t>(at - radius, 0) / 2);
+        };
+        const auto end = [this](std::int64_t at, std::int64_t size) {
+            return static_cast<std::int32_t>(std::min((at + radius + 1) / 2, size));
+        };
+        return {first(x), first(y), end(x, picture.width), end(y, picture.height)};
+    }
+};
 
-SplatCanvas::SplatCanvas(WindowHandle window, CanvasSize picture)
-    : pixels_(std::int64_t{2} * picture.width, std::int64_t{2} * picture.height) {
-    if (pixels_) shapes_.emplace(window, pixels_.Width(), pixels_.Height(), pixels_.Row(0));
-}
+/// The points the splats land on, `spacing` pixels apart. Every axis has one cell more than it has whole
+/// ones, even where nothing is left over (docs/quirks.md 15).
+struct SplatGrid {
+    std::int64_t spacing, columns, rows;
 
+    SplatGrid(CanvasSize picture, std::int64_t size)
+        : spacing(size), columns(picture.width / size + 1), rows(picture.height / size + 1) {}
+
+    /// Circles meet in the middle of the cells, so that the last ones leave nothing uncovered.
+    Splat At(std::int64_t cell, CanvasSize picture) const {
+        const double side = 2.0 * static_cast<double>(spacing);
+        const double radius = std::ceil(std::sqrt(side * side + side * side) * 0.5);
+        // What covers the canvas from any point of the grid is large enough.
+        const double largest = 4.0 * picture.width + 4.0 * picture.height;
+        return {cell % columns * spacing * 2, cell / columns * spacing * 2,
+                static_cast<std::int64_t>(std::min(radius, largest))};
+    }
+};
+
+/// Where all splats so far are, twice as fine as the picture.
+struct SplatCanvas {
+    Mask pixels;
+    std::optional<ShapeCanvas> shapes; ///< draws into the pixels
+
+    SplatCanvas(WindowHandle window, CanvasSize picture)
+        : pixels(std::int64_t{2} * picture.width, std::int64_t{2} * picture.height) {
+        if (pixels) shapes.emplace(window, pixels.Width(), pixels.Height(), pixels.Row(0));
+    }
+    explicit operator bool() const { return shapes && *shapes; }
+};
+
+/// Adds a splat and returns the mask of all within `box`, its part of the picture: white where splats are.
 Mask PaintballMask(SplatCanvas& canvas, const Splat& splat, const Rect& box) {
     const auto at = [](std::int64_t v) { return static_cast<std::int32_t>(v); };
-    canvas.Shapes().Ellipse(at(splat.x - splat.radius), at(splat.y - splat.radius),
-                            at(splat.x + splat.radius), at(splat.y + splat.radius));
-    return canvas.Shapes().Finish(2 * box.top, 2 * box.bottom) ? Halved(canvas.Pixels(), box) : Mask();
+    canvas.shapes->Ellipse(at(splat.x - splat.radius), at(splat.y - splat.radius), at(splat.x + splat.radius),
+                           at(splat.y + splat.radius));
+    return canvas.shapes->Finish(2 * box.top, 2 * box.bottom) ? Halved(canvas.pixels, box) : Mask();
 }
 
-FreeCells::FreeCells(std::int64_t count) : cells_(static_cast<std::size_t>(count)), count_(cells_.size()) {
-    for (std::size_t i = 0; i < count_; ++i)
-        cells_[i] = static_cast<std::uint32_t>(i);
-}
+struct Paintball {
+    SplatGrid grid;
+    std::uint32_t perturb; ///< of the delays, as the setting
 
-std::int64_t FreeCells::Take(Random& random) {
-    const std::size_t place = random.Draw() % count_;
-    const std::uint32_t cell = cells_[place];
-    // The later ones keep their order: it decides what the next draws hit.
-    --count_;
-    std::memmove(&cells_[place], &cells_[place] + 1, (count_ - place) * sizeof(cell));
-    return cell;
-}
-
-std::optional<Paintball> Paintball::Plan(const PluginSettings& settings, CanvasSize canvas) {
-    if (settings.TransitionPaintballSize == 0) return {};
-    return Paintball(SplatGrid(canvas, settings.TransitionPaintballSize));
-}
-
-Paintball::Painter::Painter(const SplatGrid& grid, const Gap& gap)
-    : grid_(grid), gap_(gap), random_(gap.settings.RandomSeed), cells_(grid.Cells()),
-      canvas_(gap.window, gap.size), current_(DibCopy(gap.source)) {}
-
-OwnedDib Paintball::Painter::Frame(std::int64_t) {
-    const Splat splat(grid_, cells_.Take(random_), gap_.size);
-    const Rect box = splat.Box(gap_.size);
-    if (box.left < box.right && box.top < box.bottom) {
-        const Mask mask = PaintballMask(canvas_, splat, box);
-        if (!mask) return {};
-        MaskBlendBox(gap_.target, gap_.source, mask, box, *current_);
+    static std::optional<Paintball> Plan(const PluginSettings& settings, CanvasSize canvas) {
+        if (settings.TransitionPaintballSize == 0) return {};
+        return Paintball{SplatGrid(canvas, settings.TransitionPaintballSize),
+                         settings.TransitionPaintballPerturb};
     }
-    return DibCopy(*current_);
-}
+    std::int64_t Frames() const { return grid.columns * grid.rows; }
 
-/// Shortened by chance, but not to nothing.
-std::int32_t Paintball::Painter::Delay(std::int64_t, std::int32_t delay) {
-    const std::int64_t perturb = gap_.settings.TransitionPaintballPerturb;
-    if (perturb == 0) return delay;
-    return static_cast<std::int32_t>(std::max<std::int64_t>(random_.Draw() % perturb * delay / perturb, 1));
-}
+    struct State {
+        Random random;
+        DrawingList<std::uint32_t> cells; ///< not hit yet, in reading order
+        SplatCanvas canvas;
+        OwnedDib picture; ///< with the splats so far
+
+        State(const Gap& gap, std::int64_t count)
+            : random(gap.settings.RandomSeed), cells(count), canvas(gap.window, gap.size),
+              picture(DibCopy(gap.source)) {
+            for (std::int64_t cell = 0; cells && cell < count; ++cell)
+                cells.Append(static_cast<std::uint32_t>(cell));
+        }
+        explicit operator bool() const { return cells && canvas && picture; }
+    };
+    State Start(const Gap& gap) const { return State(gap, Frames()); }
+
+    OwnedDib Frame(const Gap& gap, State& state, std::int64_t) const {
+        const std::uint32_t cell = state.cells.Take(state.random.Draw() % state.cells.Count());
+        const Splat splat = grid.At(cell, gap.size);
+        const Rect box = splat.Box(gap.size);
+        if (box.left < box.right && box.top < box.bottom) {
+            const Mask mask = PaintballMask(state.canvas, splat, box);
+            if (!mask) return {};
+            MaskBlendBox(gap.target, gap.source, mask, box, *state.picture);
+        }
+        return DibCopy(*state.picture);
+    }
+
+    /// Shortened by chance, but not to nothing.
+    std::int32_t Delay(State& state, std::int64_t, std::int32_t delay) const {
+        if (perturb == 0) return delay;
+        const std::int64_t share = state.random.Draw() % perturb;
+        return static_cast<std::int32_t>(std::max<std::int64_t>(share * delay / perturb, 1));
+    }
+};
+
+} // namespace
+
+constinit const Effect kPaintball = EffectOf<Paintball>();
 
 } // namespace lumafold

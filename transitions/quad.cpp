@@ -1,6 +1,7 @@
-#include "transitions/quad.h"
-
+// Quad: the target's four quarters grow, each from the middle of its own place, over the source; or the
+// source's shrink there and uncover the target.
 #include "image/resample.h"
+#include "transitions/run.h"
 
 namespace lumafold {
 namespace {
@@ -34,31 +35,29 @@ OwnedDib QuadFrame(const DibHeader& background, const DibHeader& picture, std::i
     return frame;
 }
 
+enum class QuadDirection { Expand, Contract };
+
+struct Quad {
+    std::int64_t step; ///< percent a frame
+    QuadDirection direction;
+
+    static std::optional<Quad> Plan(const PluginSettings& settings, CanvasSize, QuadDirection direction) {
+        if (settings.TransitionQuadStepSize == 0) return {};
+        return Quad{settings.TransitionQuadStepSize, direction};
+    }
+    /// The last frame is a step short of 100, so that a step of 50 shows nothing between (docs/quirks.md 44).
+    std::int64_t Frames() const { return FramesBelow(100 - step, step); }
+
+    OwnedDib Frame(const Gap& gap, std::int64_t index) const {
+        const auto percent = static_cast<std::int32_t>((index + 1) * step);
+        return direction == QuadDirection::Expand ? QuadFrame(gap.source, gap.target, percent)
+                                                  : QuadFrame(gap.target, gap.source, 100 - percent);
+    }
+};
+
 } // namespace
 
-template <QuadDirection Direction>
-std::optional<Quad<Direction>> Quad<Direction>::Plan(const PluginSettings& settings, CanvasSize) {
-    if (settings.TransitionQuadStepSize == 0) return {};
-    return Quad(settings.TransitionQuadStepSize);
-}
-
-/// The last frame is a step short of 100, so that a step of 50 shows nothing between (docs/quirks.md 44).
-template <QuadDirection Direction>
-std::int64_t Quad<Direction>::Frames() const {
-    return LoopCount(step_, 100 - step_, step_);
-}
-
-template <QuadDirection Direction>
-OwnedDib Quad<Direction>::Frame(const Gap& gap, std::int64_t index) const {
-    const auto percent = static_cast<std::int32_t>((index + 1) * step_);
-    if constexpr (Direction == QuadDirection::Expand) {
-        return QuadFrame(gap.source, gap.target, percent);
-    } else {
-        return QuadFrame(gap.target, gap.source, 100 - percent);
-    }
-}
-
-template class Quad<QuadDirection::Expand>;
-template class Quad<QuadDirection::Contract>;
+constinit const Effect kQuadExpand = EffectOf<Quad, QuadDirection::Expand>();
+constinit const Effect kQuadContract = EffectOf<Quad, QuadDirection::Contract>();
 
 } // namespace lumafold

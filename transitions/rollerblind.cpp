@@ -1,20 +1,20 @@
-#include "transitions/rollerblind.h"
-
+// Rollerblind: the source parts at its centre line and its halves slide to the edges. In the opening the
+// target's two edges meet at that line, darkened towards it as if the opening were deep.
 #include <numbers>
 
 #include "numbers/portable_math.h"
+#include "transitions/run.h"
 
 namespace lumafold {
 namespace {
+
+/// The line the picture parts at: a row, the halves moving up and down, or a column.
+enum class BlindLine { Row, Column };
 
 /// `half` is the centre line, `reach` what each side has moved by.
 struct Opening {
     std::int32_t half, reach;
 };
-Opening OpeningAt(std::int32_t size, std::int64_t percent) {
-    const std::int32_t half = size / 2;
-    return {half, static_cast<std::int32_t>(half * percent / 100)};
-}
 
 /// `count` whole rows or columns.
 void CopyLines(BlindLine line, DibHeader& frame, std::int32_t to, const DibHeader& picture, std::int32_t from,
@@ -26,15 +26,14 @@ void CopyLines(BlindLine line, DibHeader& frame, std::int32_t to, const DibHeade
     }
 }
 
-void Part(BlindLine line, Opening opening, DibHeader& frame, const DibHeader& source,
-          const DibHeader& target) {
-    const std::int32_t size = line == BlindLine::Row ? frame.biHeight : frame.biWidth;
+/// The source parted over the target, of which both edges show; `size` is the way's.
+void Part(BlindLine line, Opening opening, std::int32_t size, const Gap& gap, DibHeader& frame) {
     const auto [half, reach] = opening;
-    CopyLines(line, frame, 0, source, reach, half - reach);
+    CopyLines(line, frame, 0, gap.source, reach, half - reach);
     // One line more than half of an even picture has, for the odd ones; what is too much is clipped.
-    CopyLines(line, frame, half + reach, source, half, half - reach + 1);
-    CopyLines(line, frame, half - reach, target, 0, reach);
-    CopyLines(line, frame, half, target, size - reach, reach);
+    CopyLines(line, frame, half + reach, gap.source, half, half - reach + 1);
+    CopyLines(line, frame, half - reach, gap.target, 0, reach);
+    CopyLines(line, frame, half, gap.target, size - reach, reach);
 }
 
 /// The brightness out of 255 of each line of the opening, by its distance from the centre line.
@@ -90,45 +89,42 @@ bool ShadeColumns(const RowView& rows, std::int32_t half, const Array<std::uint8
     return true;
 }
 
-bool Shade(BlindLine line, Opening opening, std::int64_t percent, const RowView& rows) {
-    const Array<std::uint8_t> shades = Shades(opening.reach, percent);
-    if (!shades) return false;
-    if (line == BlindLine::Column) return ShadeColumns(rows, opening.half, shades);
-    ShadeRows(rows, opening.half, shades);
-    return true;
-}
+struct Rollerblind {
+    std::int64_t step; ///< percent a frame
+    bool shades;
+    BlindLine line;
+
+    static std::optional<Rollerblind> Plan(const PluginSettings& settings, CanvasSize, BlindLine line) {
+        if (settings.TransitionRollerblindStep == 0) return {};
+        return Rollerblind{settings.TransitionRollerblindStep, settings.TransitionRollerblindShading != 0,
+                           line};
+    }
+    std::int64_t Frames() const { return LoopCount(0, 100, step); }
+
+    /// The first frame repeats the source (docs/quirks.md 38).
+    OwnedDib Frame(const Gap& gap, std::int64_t index) const {
+        OwnedDib frame = DibCreate(gap.size.width, gap.size.height, nullptr, 24);
+        if (!frame) return frame;
+        const std::int32_t size = line == BlindLine::Row ? gap.size.height : gap.size.width;
+        const std::int64_t percent = index * step;
+        const Opening opening{size / 2, static_cast<std::int32_t>(size / 2 * percent / 100)};
+        Part(line, opening, size, gap, *frame);
+        if (!shades || opening.reach <= 1) return frame;
+        return Shade(opening, percent, frame.Rows()) ? std::move(frame) : OwnedDib();
+    }
+
+    bool Shade(Opening opening, std::int64_t percent, const RowView& rows) const {
+        const Array<std::uint8_t> levels = Shades(opening.reach, percent);
+        if (!levels) return false;
+        if (line == BlindLine::Column) return ShadeColumns(rows, opening.half, levels);
+        ShadeRows(rows, opening.half, levels);
+        return true;
+    }
+};
 
 } // namespace
 
-OwnedDib RollerblindFrame(const DibHeader& source, const DibHeader& target, BlindLine line,
-                          std::int64_t percent, BlindShading shading) {
-    OwnedDib frame = DibCreate(source.biWidth, source.biHeight, nullptr, 24);
-    if (!frame) return frame;
-    const Opening opening = OpeningAt(line == BlindLine::Row ? source.biHeight : source.biWidth, percent);
-    Part(line, opening, *frame, source, target);
-    if (shading == BlindShading::Off || opening.reach <= 1) return frame;
-    return Shade(line, opening, percent, frame.Rows()) ? std::move(frame) : OwnedDib();
-}
-
-template <BlindLine Line>
-std::optional<Rollerblind<Line>> Rollerblind<Line>::Plan(const PluginSettings& settings, CanvasSize) {
-    if (settings.TransitionRollerblindStep == 0) return {};
-    return Rollerblind(settings.TransitionRollerblindStep,
-                       settings.TransitionRollerblindShading != 0 ? BlindShading::On : BlindShading::Off);
-}
-
-template <BlindLine Line>
-std::int64_t Rollerblind<Line>::Frames() const {
-    return LoopCount(0, 100, step_);
-}
-
-/// The first frame repeats the source (docs/quirks.md 38).
-template <BlindLine Line>
-OwnedDib Rollerblind<Line>::Frame(const Gap& gap, std::int64_t index) const {
-    return RollerblindFrame(gap.source, gap.target, Line, index * step_, shading_);
-}
-
-template class Rollerblind<BlindLine::Row>;
-template class Rollerblind<BlindLine::Column>;
+constinit const Effect kRollerblindHorizontal = EffectOf<Rollerblind, BlindLine::Row>();
+constinit const Effect kRollerblindVertical = EffectOf<Rollerblind, BlindLine::Column>();
 
 } // namespace lumafold

@@ -1,7 +1,6 @@
 #include "transitions/run.h"
 
 namespace lumafold {
-namespace {
 
 bool AppendInTurn(const TransitionContext& context, FrameSource& frames, std::int64_t count) {
     for (std::int64_t i = 0; i < count; ++i) {
@@ -31,16 +30,8 @@ bool AppendAtOnce(const TransitionContext& context, FrameSource& frames, std::in
     return true;
 }
 
-} // namespace
-
 bool AppendStill(const TransitionContext& context) {
     return FrameListAddImage(*context.frames, OwnedDib(GlobalDuplicate(context.image)), context.pause);
-}
-
-bool AppendFrames(const TransitionContext& context, FrameSource& frames, std::int64_t count,
-                  const Runner& runner) {
-    return frames.AnyOrder() && runner.Workers() > 1 ? AppendAtOnce(context, frames, count, runner)
-                                                     : AppendInTurn(context, frames, count);
 }
 
 bool IsGap(const DibHeader& source, const DibHeader& target) {

@@ -3,26 +3,22 @@
 //
 // An effect family is a plan and a frame:
 //
-//     class Solarize {
-//     public:
-//         static std::optional<Solarize> Plan(const PluginSettings& settings, CanvasSize canvas); // none:
-//         cannot run std::int64_t Frames() const;                                // between the stills
-//         OwnedDib Frame(const Gap& gap, std::int64_t index) const;   // in any order; empty: memory is short
-//         std::int32_t Delay(std::int64_t index, std::int32_t delay) const; // only where it is not the gap's
+//     struct Solarize {
+//         /// None where the effect cannot run; the parameters tell its kinds apart, if it has several.
+//         static std::optional<Solarize> Plan(const PluginSettings& settings, CanvasSize canvas, kinds...);
+//         std::int64_t Frames() const; // between the stills
+//         OwnedDib Frame(const Gap& gap, std::int64_t index) const; // in any order; empty: memory is short
+//         std::int32_t Delay(std::int64_t index, std::int32_t delay) const; // where it is not the gap's
 //     };
+//     constinit const Effect kSolarize = EffectOf<Solarize>();
 //
-// A family that makes something once for the whole gap (a mask, a table) has, instead of Frame, a Start that
-// returns a painter: `explicit operator bool` tells whether it could be had, and its Frame(index) is const
-// where frames follow from their number. A painter whose Frame is not const remembers the frame before: it is
-// asked for each frame in turn, and for the frame's delay right after it.
+// A family that makes something once for the whole gap (a mask, a table) has a `Start(gap)` that returns it,
+// false where it could not be had; Frame then takes it behind the gap. A Frame that takes it to change it
+// remembers the frame before: it is called for each frame in turn, and a `Delay(made, index, delay)` after
+// it.
 #pragma once
 
-#include <concepts>
-#include <memory>
-
-#include "platform/runner.h"
-#include "transitions/context.h"
-#include "transitions/gap.h"
+#include "transitions/table.h"
 
 namespace lumafold {
 
@@ -30,68 +26,61 @@ namespace lumafold {
 inline constexpr int kEffectDone = 1;
 inline constexpr int kEffectFailed = 0;
 
+/// What the table knows of an effect.
+struct Effect {
+    EffectFunction run;
+    std::int64_t (*count)(const PluginSettings& settings, CanvasSize canvas); ///< as FrameCount
+    bool inTurn;                                                              ///< as RendersInTurn
+};
+#define LUMAFOLD_EFFECT(effect, name, keys) extern const Effect k##effect;
+#include "transitions/effects.def"
+#undef LUMAFOLD_EFFECT
+
 /// The frames of one gap, whatever family they are of.
 class FrameSource {
 public:
     virtual ~FrameSource() = default;
-    /// Whether frames may be rendered in any order, and several at once.
-    virtual bool AnyOrder() const = 0;
     virtual OwnedDib Frame(std::int64_t index) = 0;
     virtual std::int32_t Delay(std::int64_t index, std::int32_t delay) = 0;
 };
 
-template <typename T>
-concept HasDelay = requires(T& t) {
-    { t.Delay(std::int64_t{}, std::int32_t{}) } -> std::same_as<std::int32_t>;
-};
-template <typename T>
-concept HasFrame = requires(const T& t, const Gap& gap) {
-    { t.Frame(gap, std::int64_t{}) } -> std::same_as<OwnedDib>;
-};
-template <typename T>
-concept HasConstFrame = requires(const T& t) {
-    { t.Frame(std::int64_t{}) } -> std::same_as<OwnedDib>;
-};
-
-/// The painter of a family that needs nothing made beforehand.
-template <HasFrame Family>
-class PlainPainter {
-public:
-    PlainPainter(const Family& family, const Gap& gap) : family_(family), gap_(gap) {}
-    explicit operator bool() const { return true; }
-    OwnedDib Frame(std::int64_t index) const { return family_.Frame(gap_, index); }
-
-private:
-    const Family& family_;
-    const Gap& gap_;
-};
-
 template <typename Family>
-auto StartPainter(const Family& family, const Gap& gap) {
-    if constexpr (HasFrame<Family>) {
-        return PlainPainter<Family>(family, gap);
-    } else {
+auto StartGap(const Family& family, const Gap& gap) {
+    if constexpr (requires { family.Start(gap); }) {
         return family.Start(gap);
+    } else {
+        return true;
     }
 }
 
 template <typename Family>
-using PainterOf = decltype(StartPainter(std::declval<const Family&>(), std::declval<const Gap&>()));
-/// Whether frames follow from their number, and so may be rendered in any order.
-template <typename Family>
-inline constexpr bool kAnyOrder = HasConstFrame<PainterOf<Family>>;
+class FamilyFrames final : public FrameSource {
+    using Made = decltype(StartGap(std::declval<const Family&>(), std::declval<const Gap&>()));
 
-template <typename Family, typename Painter>
-class PainterFrames final : public FrameSource {
 public:
-    PainterFrames(const Family& family, Painter& painter) : family_(family), painter_(painter) {}
-    bool AnyOrder() const override { return kAnyOrder<Family>; }
-    OwnedDib Frame(std::int64_t index) override { return painter_.Frame(index); }
+    static constexpr bool kAnyOrder = requires(const Family& family, const Gap& gap) {
+        family.Frame(gap, std::int64_t{});
+    }
+    || requires(const Family& family, const Gap& gap, const Made& made) {
+        family.Frame(gap, made, std::int64_t{});
+    };
+
+    FamilyFrames(const Family& family, const Gap& gap)
+        : family_(family), gap_(gap), made_(StartGap(family, gap)) {}
+    explicit operator bool() const { return static_cast<bool>(made_); }
+
+    OwnedDib Frame(std::int64_t index) override {
+        if constexpr (requires { family_.Frame(gap_, index); }) {
+            return family_.Frame(gap_, index);
+        } else {
+            return family_.Frame(gap_, made_, index);
+        }
+    }
     std::int32_t Delay(std::int64_t index, std::int32_t delay) override {
-        if constexpr (HasDelay<Painter>) {
-            return painter_.Delay(index, delay);
-        } else if constexpr (HasDelay<const Family>) {
+        if constexpr (requires { family_.Delay(index, delay); }) {
             return family_.Delay(index, delay);
+        } else if constexpr (requires { family_.Delay(made_, index, delay); }) {
+            return family_.Delay(made_, index, delay);
         } else {
             return delay;
         }
@@ -99,38 +88,48 @@ public:
 
 private:
     const Family& family_;
-    Painter& painter_;
+    const Gap& gap_;
+    Made made_;
 };
 
 /// Appends a copy of the gap's first picture with the pause.
 bool AppendStill(const TransitionContext& context);
-/// Appends `count` frames; false when one cannot be had or the list cannot take it.
-bool AppendFrames(const TransitionContext& context, FrameSource& frames, std::int64_t count,
-                  const Runner& runner);
 /// Whether source and target are what the driver makes of every picture: 24 bits deep and of one size.
 bool IsGap(const DibHeader& source, const DibHeader& target);
+/// Append `count` frames, one after the other, or several at once; false when one cannot be had or the list
+/// cannot take it.
+bool AppendInTurn(const TransitionContext& context, FrameSource& frames, std::int64_t count);
+bool AppendAtOnce(const TransitionContext& context, FrameSource& frames, std::int64_t count,
+                  const Runner& runner);
 
-/// An effect function of the table.
-template <typename Family>
+template <typename Family, auto... kKinds>
 int RunEffect(TransitionContext& context, const PluginSettings& settings, const Runner& runner) {
     if (!AppendStill(context)) return kEffectFailed;
     const ReadDib source(context.image), target(context.nextImage);
     if (!source || !target || !IsGap(*source, *target)) return kEffectFailed;
     const Gap gap{*source, *target, {source->biWidth, source->biHeight}, settings, context.window};
-    const std::optional<Family> family = Family::Plan(settings, gap.size);
+    const std::optional<Family> family = Family::Plan(settings, gap.size, kKinds...);
     if (!family) return kEffectFailed;
-    if (family->Frames() == 0) return kEffectDone;
-    auto painter = StartPainter(*family, gap);
-    if (!painter) return kEffectFailed;
-    PainterFrames<Family, decltype(painter)> frames(*family, painter);
-    return AppendFrames(context, frames, family->Frames(), runner) ? kEffectDone : kEffectFailed;
+    const std::int64_t count = family->Frames();
+    if (count == 0) return kEffectDone;
+    FamilyFrames<Family> frames(*family, gap);
+    if (!frames) return kEffectFailed;
+    const bool atOnce = FamilyFrames<Family>::kAnyOrder && runner.Workers() > 1;
+    const bool all =
+        atOnce ? AppendAtOnce(context, frames, count, runner) : AppendInTurn(context, frames, count);
+    return all ? kEffectDone : kEffectFailed;
 }
 
-/// How many frames that appends, the still included; 0 when the effect cannot run.
-template <typename Family>
+template <typename Family, auto... kKinds>
 std::int64_t CountFrames(const PluginSettings& settings, CanvasSize canvas) {
-    const std::optional<Family> family = Family::Plan(settings, canvas);
+    const std::optional<Family> family = Family::Plan(settings, canvas, kKinds...);
     return family ? 1 + family->Frames() : 0;
+}
+
+/// The effect that a family is with these arguments behind its plan's own.
+template <typename Family, auto... kKinds>
+constexpr Effect EffectOf() {
+    return {RunEffect<Family, kKinds...>, CountFrames<Family, kKinds...>, !FamilyFrames<Family>::kAnyOrder};
 }
 
 } // namespace lumafold

@@ -7,8 +7,9 @@
 
 #include <limits>
 
-#include "image/dib.h"
 #include "platform/simd.h"
+#include "transitions/compositing.h"
+#include "transitions/gap.h"
 
 namespace lumafold {
 
@@ -161,5 +162,32 @@ private:
     double width_, height_;
     double matte_[3]; // in the order of the bytes
 };
+
+/// What WithWidestLanes runs for BentCrossfade.
+template <typename Bend>
+struct BendLoop {
+    const Bend& bend;
+    WarpSampler sampler;
+    RowView rows;
+
+    template <int>
+    LUMAFOLD_IN_CALLER void Run() const {
+        bend.Render(sampler, rows);
+    }
+};
+
+/// The cross-fade of the gap at `percent`, bent: `bend.Render(sampler, rows)` writes all rows of the frame
+/// through a sampler of the fade, whose matte is the setting's, and is LUMAFOLD_IN_CALLER.
+template <typename Bend>
+OwnedDib BentCrossfade(const Gap& gap, std::int64_t percent, const Bend& bend) {
+    const OwnedDib mix = DibCrossfade(gap.source, gap.target, static_cast<int>(percent * 255 / 100));
+    if (!mix) return {};
+    const SamplePlane plane(*mix, SamplePlane::Border::Nearest);
+    OwnedDib result = DibCreate(gap.size.width, gap.size.height, nullptr, 24);
+    if (!plane || !result) return {};
+    const WarpSampler sampler(plane, gap.settings.TransitionMattcolour);
+    WithWidestLanes(BendLoop<Bend>{bend, sampler, result.Rows()});
+    return result;
+}
 
 } // namespace lumafold

@@ -22,7 +22,11 @@ struct TransitionRow {
     std::uint32_t reserved;
 };
 
-inline constexpr int kTransitionCount = 33;
+inline constexpr int kTransitionCount = 0
+#define LUMAFOLD_EFFECT(effect, name, keys) +1
+#include "transitions/effects.def"
+#undef LUMAFOLD_EFFECT
+    ;
 extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
 
 /// How many frames row `row` appends for a canvas of this size, the still frame included; 0 when the effect

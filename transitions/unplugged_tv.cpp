@@ -1,9 +1,10 @@
-#include "transitions/unplugged_tv.h"
-
+// Unplugged TV: the source collapses into a line and the line into a dot, with the target behind it; then,
+// if the setting asks for it, the dot glows up once more and fades.
 #include <cstdlib>
 
 #include "image/resample.h"
 #include "transitions/compositing.h"
+#include "transitions/run.h"
 
 namespace lumafold {
 namespace {
@@ -24,7 +25,7 @@ Mask GlowingDot(std::uint8_t level) {
         const std::int32_t reach = kGlowReach - std::abs(dy);
         std::fill_n(dot.Row(kGlowSize / 2 + dy) + kGlowSize / 2 - reach, 2 * reach + 1, level);
     }
-    return MaskGaussianBlur(dot, kGlowRadius, kGlowSigma);
+    return MaskGaussianBlur(std::move(dot), kGlowRadius, kGlowSigma);
 }
 
 PixelValue Lightened(PixelValue colour, unsigned weight) {
@@ -47,8 +48,14 @@ OwnedDib GlowFrame(const DibHeader& background, std::uint8_t level) {
     return frame;
 }
 
-} // namespace
+/// What the screen shows, all in percent.
+struct TvScreen {
+    std::int64_t vertical, horizontal; ///< of the picture, at least 2 are drawn
+    std::optional<std::int64_t> glow;  ///< brightness of the dot that is there instead of the picture
+};
 
+/// The picture, squashed, in the middle of the background; or the background with the dot glowing in its
+/// middle. Both pictures have 24 bits.
 OwnedDib UnpluggedTVFrame(const DibHeader& background, const DibHeader& picture, const TvScreen& screen) {
     if (screen.glow) return GlowFrame(background, static_cast<std::uint8_t>(*screen.glow * 255 / 100));
     const auto percent = [](std::int64_t p) { return static_cast<std::int32_t>(std::max(p, kThinnest)); };
@@ -60,37 +67,41 @@ OwnedDib UnpluggedTVFrame(const DibHeader& background, const DibHeader& picture,
     return frame;
 }
 
-std::optional<UnpluggedTv> UnpluggedTv::Plan(const PluginSettings& settings, CanvasSize) {
-    if (settings.TransitionUnpluggedTVStep == 0) return {};
-    return UnpluggedTv(settings.TransitionUnpluggedTVStep,
-                       settings.TransitionUnpluggedTVAfterglow == 0 ? Afterglow::Off : Afterglow::On);
-}
+struct UnpluggedTv {
+    std::int64_t step; ///< percent a frame
+    bool glows;        ///< once it has collapsed
 
-std::int64_t UnpluggedTv::CollapseFrames() const { return 100 / step_; }
-std::int64_t UnpluggedTv::BrighteningFrames() const { return LoopCount(kGlowFirst, kGlowFull, step_); }
+    static std::optional<UnpluggedTv> Plan(const PluginSettings& settings, CanvasSize) {
+        if (settings.TransitionUnpluggedTVStep == 0) return {};
+        return UnpluggedTv{settings.TransitionUnpluggedTVStep, settings.TransitionUnpluggedTVAfterglow != 0};
+    }
+    std::int64_t CollapseFrames() const { return 100 / step; }
+    std::int64_t BrighteningFrames() const { return LoopCount(kGlowFirst, kGlowFull, step); }
+    std::int64_t FadingFrames() const { return LoopCount(0, kGlowFull - kGlowEnd, step); }
+    std::int64_t Frames() const {
+        return 2 * CollapseFrames() + (glows ? BrighteningFrames() + FadingFrames() : 0);
+    }
 
-std::int64_t UnpluggedTv::Frames() const {
-    const std::int64_t collapses = 2 * CollapseFrames();
-    if (afterglow_ == Afterglow::Off) return collapses;
-    return collapses + BrighteningFrames() + LoopCount(0, kGlowFull - kGlowEnd, step_);
-}
+    TvScreen Screen(std::int64_t index) const {
+        const std::int64_t collapse = CollapseFrames(), brightening = BrighteningFrames();
+        if (index < collapse) return {100 - (index + 1) * step, 100, {}};
+        index -= collapse;
+        if (index < collapse) return {0, 100 - (index + 1) * step, {}};
+        index -= collapse;
+        if (index < brightening) return {0, 0, kGlowFirst + index * step};
+        return {0, 0, kGlowFull - (index - brightening) * step};
+    }
+    OwnedDib Frame(const Gap& gap, std::int64_t index) const {
+        return UnpluggedTVFrame(gap.target, gap.source, Screen(index));
+    }
+    /// All but the first collapse goes at twice the speed.
+    std::int32_t Delay(std::int64_t index, std::int32_t delay) const {
+        return index < CollapseFrames() ? delay : std::max(delay / 2, 1);
+    }
+};
 
-TvScreen UnpluggedTv::Screen(std::int64_t index) const {
-    const std::int64_t collapse = CollapseFrames(), brightening = BrighteningFrames();
-    if (index < collapse) return {100 - (index + 1) * step_, 100, {}};
-    index -= collapse;
-    if (index < collapse) return {0, 100 - (index + 1) * step_, {}};
-    index -= collapse;
-    if (index < brightening) return {0, 0, kGlowFirst + index * step_};
-    return {0, 0, kGlowFull - (index - brightening) * step_};
-}
+} // namespace
 
-OwnedDib UnpluggedTv::Frame(const Gap& gap, std::int64_t index) const {
-    return UnpluggedTVFrame(gap.target, gap.source, Screen(index));
-}
-
-std::int32_t UnpluggedTv::Delay(std::int64_t index, std::int32_t delay) const {
-    return index < CollapseFrames() ? delay : std::max(delay / 2, 1);
-}
+constinit const Effect kUnpluggedTv = EffectOf<UnpluggedTv>();
 
 } // namespace lumafold
