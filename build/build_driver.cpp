@@ -10,7 +10,7 @@
 #include "colour/remap.h"
 #include "colour/supercompression.h"
 #include "image/resample.h"
-#include "platform/memory_room.h"
+#include "platform/machine.h"
 #include "resources/texts/strings.h"
 #include "transitions/table.h"
 
@@ -18,11 +18,9 @@ namespace lumafold {
 namespace {
 
 /// The time of the wait cursor.
-class Waiting {
+class Waiting : NonCopyable {
 public:
     explicit Waiting(BuildObserver& observer) : observer_(observer) { observer_.Begin(); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
     ~Waiting() { observer_.End(); }
 
 private:
@@ -30,14 +28,12 @@ private:
 };
 
 /// One build, from the list to the host. Its steps return false to stop; its end puts everything back.
-class AnimationBuild {
+class AnimationBuild : NonCopyable {
 public:
     explicit AnimationBuild(const BuildRequest& request)
         : request_(request), settings_(request.settings), list_(request.list), host_(request.host),
           supercompress_(request.kind == TaskKind::Build && request.settings.Supercompress != 0),
           waiting_(request.observer) {}
-    AnimationBuild(const AnimationBuild&) = delete;
-    AnimationBuild& operator=(const AnimationBuild&) = delete;
     ~AnimationBuild() { PutBack(); }
 
     bool Run() {

@@ -2,6 +2,7 @@
 // message boxes and cursors, other hosts print a line or do nothing.
 #pragma once
 
+#include "platform/non_copyable.h"
 #include "resources/texts/strings.h"
 
 namespace lumafold {
@@ -26,11 +27,8 @@ constexpr const char* TextOf(BuildFailure failure) {
     return LUMAFOLD_TEXT_MEMORY_ERROR;
 }
 
-class BuildObserver {
+class BuildObserver : NonCopyable {
 public:
-    BuildObserver() = default;
-    BuildObserver(const BuildObserver&) = delete;
-    BuildObserver& operator=(const BuildObserver&) = delete;
     virtual ~BuildObserver() = default;
 
     /// The build begins, and ends with everything put back: the time of the wait cursor.

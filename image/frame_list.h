@@ -3,6 +3,7 @@
 #pragma once
 
 #include "image/dib.h"
+#include "platform/non_copyable.h"
 
 namespace lumafold {
 
@@ -40,11 +41,8 @@ void FrameRecordRelease(FrameRecord& record);
 void FrameListRelease(FrameList& list);
 
 /// A list that releases itself.
-class OwnedFrameList {
+class OwnedFrameList : NonCopyable {
 public:
-    OwnedFrameList() = default;
-    OwnedFrameList(const OwnedFrameList&) = delete;
-    OwnedFrameList& operator=(const OwnedFrameList&) = delete;
     ~OwnedFrameList() { FrameListRelease(list_); }
 
     FrameList& operator*() { return list_; }

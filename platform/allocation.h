@@ -38,8 +38,6 @@ public:
         std::swap(size_, other.size_);
         return *this;
     }
-    Array(const Array&) = delete;
-    Array& operator=(const Array&) = delete;
     ~Array() { PlainFree(data_); }
 
     /// False, with all as it was, when there is no room.

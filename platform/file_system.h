@@ -41,8 +41,4 @@ void MakeFolder(const char* path);
 /// A person's own application-data folder; false where the system knows none, with `folder` as it was.
 bool ApplicationDataFolder(char (&folder)[kPathBytes]);
 
-bool IsSeparator(char letter);
-/// Differs from call to call and from program to program, mostly.
-std::uint32_t SomeNumber();
-
 } // namespace lumafold::file_system

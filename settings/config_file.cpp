@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/local_time.h"
+#include "platform/machine.h"
 #include "settings/line_reader.h"
 #include "settings/line_writer.h"
 
@@ -58,10 +58,11 @@ struct TimeText {
     char text[32];
 
     TimeText() {
-        const LocalTime now = LocalTimeNow();
+        const std::tm now = LocalTimeNow();
         constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.weekday,
-                      kMonths + 3 * (now.month - 1), now.day, now.hour, now.minute, now.second, now.year);
+        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.tm_wday,
+                      kMonths + 3 * now.tm_mon, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec,
+                      1900 + now.tm_year);
         text[24] = 0;
     }
 };
