@@ -1,6 +1,6 @@
 #include "colour/channels.h"
-#include "colour/colour_rows.h"
 #include "colour/remap.h"
+#include "image/colour_rows.h"
 
 namespace lumafold {
 namespace {
@@ -48,10 +48,10 @@ bool Diffuse(const DibHeader& source, DibHeader& target, const Palette& palette,
         entries[i] = {{palette[i].red, palette[i].green, palette[i].blue, 0}};
     }
     return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
-        const Rgb* colours = rows.Row(y);
+        const std::uint8_t* pixels = rows.Row(y);
         ErrorRow row(errors.data());
         const auto place = [&](std::size_t x) {
-            const PixelValue aim = row.Aim(x, ColourOf(colours[x]));
+            const PixelValue aim = row.Aim(x, LoadColour(pixels + 3 * x));
             const std::size_t index = choose(aim);
             indices[x] = static_cast<std::uint8_t>(index);
             row.Give(x, Channels(aim) - Channels(entries[index]));
@@ -95,9 +95,9 @@ Grays ReadGrays(const DibHeader& source) {
     if (!grays.levels) return grays;
     std::uint8_t* level = grays.levels.data();
     for (std::int32_t y = 0; y < source.biHeight; ++y) {
-        const Rgb* colours = rows.Row(y);
-        for (std::int32_t x = 0; x < source.biWidth; ++x) {
-            *level = Luminance(colours[x]);
+        const std::uint8_t* pixel = rows.Row(y);
+        for (std::int32_t x = 0; x < source.biWidth; ++x, pixel += 3) {
+            *level = Luminance(LoadRgb(pixel));
             grays.smallest = std::min<int>(grays.smallest, *level);
             grays.largest = std::max<int>(grays.largest, *level);
             ++level;

@@ -112,11 +112,6 @@ void PaintMarked(const DibHeader& mask, DibHeader& frame, PixelValue value) {
         paintRow(marks.Row(y), rows.Width(), rows.Row(y), value);
 }
 
-/// Table entries lie blue, green, red behind the header.
-void SetTableEntry(DibHeader& frame, int index, PixelValue colour) {
-    StoreColour(reinterpret_cast<std::uint8_t*>(&frame) + frame.biSize + 4 * index, colour);
-}
-
 } // namespace
 
 bool MarkUnchanged(DibHandle before, FrameRecord& frame, PixelValue matte) {
@@ -152,7 +147,8 @@ bool PaintUnchanged(FrameRecord& frame, int slot, PixelValue matte) {
     frame.transparentIndex = slot;
     if (slot < 0) return true;
     PaintMarked(*mask, *picture, static_cast<PixelValue>(slot));
-    SetTableEntry(*picture, slot, matte);
+    // Table entries lie behind the header, four bytes each.
+    StoreColour(reinterpret_cast<std::uint8_t*>(picture.Get()) + picture->biSize + 4 * slot, matte);
     return true;
 }
 

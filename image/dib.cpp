@@ -3,8 +3,6 @@
 namespace lumafold {
 namespace {
 
-constexpr std::uint8_t kBitMasks[8] = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
-
 bool Inside(const DibHeader& dib, std::int64_t x, std::int64_t y) {
     return x >= 0 && x < dib.biWidth && y >= 0 && y < dib.biHeight;
 }
@@ -96,7 +94,7 @@ PixelValue DibGetPixel(const DibHeader& dib, std::int64_t x, std::int64_t y) {
     const auto column = static_cast<std::size_t>(x);
     switch (dib.biBitCount) {
     case 1:
-        return (row[column / 8] & kBitMasks[column % 8]) != 0 ? 1 : 0;
+        return row[column / 8] >> (7 - column % 8) & 1;
     case 4:
         return column % 2 == 0 ? row[column / 2] >> 4 : row[column / 2] & 0x0F;
     case 8:
@@ -118,7 +116,7 @@ void DibSetPixel(DibHeader& dib, std::int64_t x, std::int64_t y, PixelValue valu
     switch (dib.biBitCount) {
     case 1: {
         std::uint8_t& byte = row[column / 8];
-        const std::uint8_t mask = kBitMasks[column % 8];
+        const unsigned mask = 0x80U >> column % 8;
         byte = static_cast<std::uint8_t>(value != 0 ? byte | mask : byte & ~mask);
         break;
     }
