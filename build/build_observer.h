@@ -16,15 +16,9 @@ enum class BuildFailure {
 
 /// The English text; the plug-in takes what has a number from its string table.
 constexpr const char* TextOf(BuildFailure failure) {
-    switch (failure) {
-    case BuildFailure::Task:
-        return LUMAFOLD_TEXT_TASK_ERROR;
-    case BuildFailure::Frame:
-        return LUMAFOLD_TEXT_FRAME_ERROR;
-    case BuildFailure::Memory:
-        break;
-    }
-    return LUMAFOLD_TEXT_MEMORY_ERROR;
+    constexpr const char* kTexts[] = {LUMAFOLD_TEXT_MEMORY_ERROR, LUMAFOLD_TEXT_TASK_ERROR,
+                                      LUMAFOLD_TEXT_FRAME_ERROR};
+    return kTexts[static_cast<int>(failure)];
 }
 
 class BuildObserver : NonCopyable {

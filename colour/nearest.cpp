@@ -90,8 +90,6 @@ std::size_t ListCandidates(const DistinctEntries& entries, const Reach& block, c
 } // namespace
 
 int FindNearestColour(int red, int green, int blue, const Palette& palette, int count) {
-    const int exact = FindExactColour(red, green, blue, palette, count);
-    if (exact >= 0) return exact;
     std::size_t best = 0;
     int bestDistance = kBeyondEveryDistance;
     for (std::size_t i = 0; i < Entries(count); ++i) {

@@ -25,18 +25,14 @@ OwnedDib DibCreate(std::int64_t width, std::int64_t height, const Palette* palet
     if (!bytes) return {};
     OwnedDib dib(GlobalCreate(GlobalKind::MovableShared, *bytes));
     if (!dib) return dib;
-    const std::uint16_t colours = DibTableEntries(bits);
-    *dib = {sizeof(DibHeader),
-            static_cast<std::int32_t>(width),
-            static_cast<std::int32_t>(height),
-            1,
-            static_cast<std::uint16_t>(bits),
-            0,
-            static_cast<std::uint32_t>(DibStride(width, bits) * static_cast<std::uint64_t>(height)),
-            0,
-            0,
-            colours,
-            colours};
+    dib->biSize = sizeof(DibHeader);
+    dib->biWidth = static_cast<std::int32_t>(width);
+    dib->biHeight = static_cast<std::int32_t>(height);
+    dib->biPlanes = 1;
+    dib->biBitCount = static_cast<std::uint16_t>(bits);
+    dib->biSizeImage =
+        static_cast<std::uint32_t>(DibStride(width, bits) * static_cast<std::uint64_t>(height));
+    dib->biClrUsed = dib->biClrImportant = DibTableEntries(bits);
     // At 32 bits the one entry lands on the first stored pixel, as hosts have always been given it.
     if (palette != nullptr) DibSetPalette(*dib, *palette);
     return dib;
@@ -169,14 +165,10 @@ void DibCopyRect(DibHeader& target, std::int64_t targetX, std::int64_t targetY, 
 
 void DibFill(DibHeader& dib, PixelValue colour) {
     const RowView rows(dib);
-    if (rows.Bits() != 24 || rows.Width() < 1 || colour == kNoPixel) return;
-    for (std::int32_t y = 0; y < rows.Height(); ++y) {
-        if (y == 0) {
-            StoreColours(rows.Row(0), static_cast<std::size_t>(rows.Width()), colour);
-        } else {
-            std::memcpy(rows.Row(y), rows.Row(0), rows.RowBytes());
-        }
-    }
+    if (rows.Bits() != 24 || rows.Height() < 1 || colour == kNoPixel) return;
+    StoreColours(rows.Row(0), static_cast<std::size_t>(rows.Width()), colour);
+    for (std::int32_t y = 1; y < rows.Height(); ++y)
+        std::memcpy(rows.Row(y), rows.Row(0), rows.RowBytes());
 }
 
 } // namespace lumafold

@@ -250,18 +250,13 @@ Scaled Exponential(Pair x) {
 /// The nearest double, the denormal ones rounded once like all others.
 double Round(Scaled number) {
     const auto [value, exponent] = number;
-    if (exponent < -1080) return 0.0;
-    double rounded = value.high;
-    if (exponent < -1022 || (exponent == -1022 && value.high < 1)) {
-        const double quantum = PowerOfTwo(-1074 - exponent);
-        const double shift = 4503599627370496.0 * quantum; // 2^52: the sum's last bit is the quantum
-        rounded = (value.high + shift) - shift;
-        const double rest = value.high - rounded;
-        if (rest == quantum / 2 && value.low > 0) rounded += quantum;
-        if (rest == -quantum / 2 && value.low < 0) rounded -= quantum;
-    }
-    const int half = exponent / 2;
-    return rounded * PowerOfTwo(half) * PowerOfTwo(exponent - half);
+    if (exponent > -1022 && exponent < 1024) return value.high * PowerOfTwo(exponent);
+    double high = value.high;
+    const bool isDenormal = exponent < -1022 || (exponent == -1022 && high < 1);
+    // An odd last bit stands for what lies beyond it, so that nothing is rounded twice.
+    if (isDenormal && value.low != 0 && (std::bit_cast<std::uint64_t>(high) & 1) == 0)
+        high = std::nextafter(high, value.low > 0 ? 2 : 0);
+    return std::ldexp(high, exponent);
 }
 
 } // namespace

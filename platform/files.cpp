@@ -17,6 +17,7 @@ namespace {
 using file_system::File;
 using file_system::Kind;
 using file_system::kNoFile;
+using file_system::Opening;
 
 /// The temporaries under way, for the signal handler, which may read no string but these addresses. As many
 /// writers as have a place here are cleaned up after; a further one only loses that.
@@ -48,6 +49,14 @@ std::string_view FolderOf(std::string_view path) {
     return path.substr(0, path.find_last_of(kSeparators) + 1); // none is npos, which becomes 0
 }
 
+/// Writes a file down to the disk and closes it. What went wrong first.
+FileError WriteAll(File file, std::span<const std::uint8_t> bytes) {
+    FileError error = file_system::Write(file, bytes);
+    if (error == 0) error = file_system::Flush(file);
+    const FileError closed = file_system::Close(file);
+    return error != 0 ? error : closed;
+}
+
 /// A temporary file beside its target, announced to the signal handler and removed unless it took the
 /// target's name.
 class Temporary : NonCopyable {
@@ -58,7 +67,7 @@ public:
             if (error_ != 0) return;
             // Announced first: a signal in between then finds at worst a name that does not exist yet.
             pending_.emplace(path_);
-            error_ = file_system::CreateNew(path_, file_);
+            error_ = file_system::Open(path_, Opening::New, file_);
         }
         if (error_ != 0) pending_.reset();
     }
@@ -68,10 +77,7 @@ public:
     }
 
     FileError Fill(std::span<const std::uint8_t> bytes) {
-        if (error_ != 0) return error_;
-        if (const FileError error = file_system::Write(file_, bytes)) return error;
-        if (const FileError error = file_system::Flush(file_)) return error;
-        return file_system::Close(std::exchange(file_, kNoFile));
+        return error_ != 0 ? error_ : WriteAll(std::exchange(file_, kNoFile), bytes);
     }
     void TakeMode(std::uint32_t mode) {
         if (error_ == 0) file_system::TakeMode(path_, mode);
@@ -106,11 +112,8 @@ private:
 
 FileError StoreStraight(const char* target, std::span<const std::uint8_t> bytes) {
     File file = kNoFile;
-    if (const FileError error = file_system::OpenToOverwrite(target, file)) return error;
-    const FileError written = file_system::Write(file, bytes);
-    const FileError flushed = written == 0 ? file_system::Flush(file) : written;
-    const FileError closed = file_system::Close(file);
-    return flushed != 0 ? flushed : closed;
+    const FileError error = file_system::Open(target, Opening::Overwrite, file);
+    return error != 0 ? error : WriteAll(file, bytes);
 }
 
 FileError StoreBeside(const char* target, const file_system::Standing& before,
@@ -129,7 +132,7 @@ bool FileExists(const char* path) {
     return kind != Kind::Missing && kind != Kind::Folder;
 }
 
-InputFile::InputFile(const char* path) : error_(file_system::OpenToRead(path, file_)) {}
+InputFile::InputFile(const char* path) : error_(file_system::Open(path, Opening::Read, file_)) {}
 
 InputFile::~InputFile() {
     if (file_ != kNoFile) file_system::Close(file_);

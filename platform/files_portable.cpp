@@ -12,11 +12,6 @@
 namespace lumafold::file_system {
 namespace {
 
-FileError Opened(int descriptor, File& file) {
-    file = descriptor;
-    return descriptor < 0 ? errno : 0;
-}
-
 /// The absolute path in an environment variable with `behind` after it.
 bool TakeFromEnvironment(const char* name, const char* behind, char (&folder)[kPathBytes]) {
     const char* path = std::getenv(name);
@@ -34,14 +29,10 @@ FileError Result(int returned) { return returned < 0 ? errno : 0; }
 
 } // namespace
 
-FileError OpenToRead(const char* path, File& file) { return Opened(open(path, O_RDONLY | O_CLOEXEC), file); }
-
-FileError CreateNew(const char* path, File& file) {
-    return Opened(open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666), file);
-}
-
-FileError OpenToOverwrite(const char* path, File& file) {
-    return Opened(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC), file);
+FileError Open(const char* path, Opening opening, File& file) {
+    constexpr int kFlags[] = {O_RDONLY, O_CREAT | O_EXCL | O_WRONLY, O_WRONLY | O_TRUNC};
+    file = open(path, kFlags[static_cast<int>(opening)] | O_CLOEXEC, 0666);
+    return file < 0 ? errno : 0;
 }
 
 FileError Read(File file, void* into, std::size_t most, std::size_t& got) {

@@ -11,8 +11,6 @@
 namespace lumafold::file_system {
 namespace {
 
-constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 /// A name as the wide calls take it: names are UTF-8 everywhere in the house, whatever code page the process
 /// has. Bytes that are no UTF-8 are read in that. Long paths get the prefix behind which the system counts to
 /// 32767 instead of 260, so they need no switch of the machine's. What does not fit is "".
@@ -80,25 +78,20 @@ HANDLE Handle(File file) { return reinterpret_cast<HANDLE>(file); }
 
 FileError Result(BOOL returned) { return returned != FALSE ? 0 : LastError(); }
 
-FileError Open(const char* path, DWORD access, DWORD how, File& file) {
-    const HANDLE handle =
-        CreateFileW(WideName(path), access, kShare, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
-    file = handle == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<File>(handle);
-    return handle == INVALID_HANDLE_VALUE ? LastError() : 0;
-}
-
 } // namespace
 
-FileError OpenToRead(const char* path, File& file) {
-    const FileError error = Open(path, GENERIC_READ, OPEN_EXISTING, file);
+FileError Open(const char* path, Opening opening, File& file) {
+    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    constexpr DWORD kHow[] = {OPEN_EXISTING, CREATE_NEW, TRUNCATE_EXISTING};
+    const bool reads = opening == Opening::Read;
+    file = reinterpret_cast<File>(CreateFileW(WideName(path), reads ? GENERIC_READ : GENERIC_WRITE, kShare,
+                                              nullptr, kHow[static_cast<int>(opening)], FILE_ATTRIBUTE_NORMAL,
+                                              nullptr));
+    static_assert(kNoFile == -1, "what the system gives for no file");
+    if (file != kNoFile) return 0;
+    const FileError error = LastError();
     // The system calls a folder a matter of permission.
-    return error != 0 && Inspect(path).kind == Kind::Folder ? EISDIR : error;
-}
-
-FileError CreateNew(const char* path, File& file) { return Open(path, GENERIC_WRITE, CREATE_NEW, file); }
-
-FileError OpenToOverwrite(const char* path, File& file) {
-    return Open(path, GENERIC_WRITE, TRUNCATE_EXISTING, file);
+    return reads && Inspect(path).kind == Kind::Folder ? EISDIR : error;
 }
 
 FileError Read(File file, void* into, std::size_t most, std::size_t& got) {

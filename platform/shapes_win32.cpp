@@ -21,13 +21,7 @@ HDC MemoryContextLike(WindowHandle window) {
 }
 
 HBITMAP CreateSection(HDC context, std::int32_t width, std::int32_t height, void** bits) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
-    info.bmiHeader.biCompression = BI_RGB;
+    const BITMAPINFO info = {{sizeof(info.bmiHeader), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0}, {}};
     const HBITMAP bitmap = CreateDIBSection(context, &info, DIB_RGB_COLORS, bits, nullptr, 0);
     GdiFlush();
     return bitmap;
@@ -42,11 +36,7 @@ ShapeCanvas::ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t h
     context_ = context;
     bitmap_ = CreateSection(context, width, height, &bits_);
     if (bitmap_ == nullptr) return;
-    SetMapMode(context, MM_TEXT);
     if (SelectObject(context, bitmap_) == nullptr) return;
-    SetWindowExtEx(context, width, height, nullptr);
-    SetViewportExtEx(context, width, height, nullptr);
-    SetWindowOrgEx(context, 0, 0, nullptr);
     const RECT all = {0, 0, width, height};
     usable_ = SelectObject(context, GetStockObject(WHITE_BRUSH)) != nullptr &&
               SelectObject(context, GetStockObject(WHITE_PEN)) != nullptr &&
