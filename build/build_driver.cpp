@@ -10,35 +10,26 @@
 #include "colour/remap.h"
 #include "colour/supercompression.h"
 #include "image/resample.h"
-#include "platform/memory_room.h"
+#include "platform/machine.h"
 #include "resources/texts/strings.h"
 #include "transitions/table.h"
 
 namespace lumafold {
 namespace {
 
-/// The time of the wait cursor.
-class Waiting {
-public:
-    explicit Waiting(BuildObserver& observer) : observer_(observer) { observer_.Begin(); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
-    ~Waiting() { observer_.End(); }
-
-private:
-    BuildObserver& observer_;
-};
-
 /// One build, from the list to the host. Its steps return false to stop; its end puts everything back.
-class AnimationBuild {
+class AnimationBuild : NonCopyable {
 public:
     explicit AnimationBuild(const BuildRequest& request)
         : request_(request), settings_(request.settings), list_(request.list), host_(request.host),
-          supercompress_(request.kind == TaskKind::Build && request.settings.Supercompress != 0),
-          waiting_(request.observer) {}
-    AnimationBuild(const AnimationBuild&) = delete;
-    AnimationBuild& operator=(const AnimationBuild&) = delete;
-    ~AnimationBuild() { PutBack(); }
+          supercompress_(request.kind == TaskKind::Build && request.settings.Supercompress != 0) {
+        request_.observer.Begin();
+    }
+    ~AnimationBuild() {
+        PutBack();
+        FrameListRelease(frames_);
+        request_.observer.End();
+    }
 
     bool Run() {
         BuildFixedPalette(&palette_, &paletteBits_, static_cast<std::int32_t>(settings_.TransitionPalette));
@@ -56,26 +47,285 @@ private:
         request_.observer.Fail(failure);
         return false;
     }
-    bool CountEntries();
-    bool AddTemporaryEntry();
-    bool MeasureCanvas();
-    bool FitsBudget();
-    bool PlaceImages();
-    OwnedDib Place(DibHandle image) const;
-    bool RenderGaps();
-    std::size_t GapsAtOnce() const;
-    std::int32_t TransitionOf(std::int32_t index);
-    bool ReadGap(std::int32_t index, TransitionContext& context);
-    bool RenderGaps(std::span<TransitionContext> gaps);
-    bool ChoosePalette();
+
+    bool CountEntries() {
+        count_ = list_.Count();
+        if (count_ < 1) return false;
+        return count_ > 1 || AddTemporaryEntry();
+    }
+
+    /// One picture alone fades to the matte colour and back.
+    bool AddTemporaryEntry() {
+        ImageEntry only;
+        std::int32_t width = 0, height = 0;
+        if (!list_.Read(0, only) || !DibQuery(only.image, &width, &height, nullptr, nullptr)) return false;
+        OwnedDib background = DibCreateFlat(width, height, settings_.TransitionMattcolour);
+        OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
+        if (!background || !block) return false;
+        {
+            const GlobalLocked<ImageEntry> entry(block.Get());
+            if (!entry) return false;
+            entry->image = background.Get();
+            std::memcpy(entry->label, LUMAFOLD_LABEL_TEMPORARY, sizeof(LUMAFOLD_LABEL_TEMPORARY));
+            entry->transition = list_.DefaultTransition();
+            entry->pause = list_.DefaultPause();
+            entry->delay = list_.DefaultDelay();
+        }
+        if (!list_.AddTemporary(block.Get())) return false;
+        (void)block.Release();
+        (void)background.Release();
+        hasTemporary_ = true;
+        count_ = 2;
+        return true;
+    }
+
+    bool MeasureCanvas() {
+        host_.Caption(LUMAFOLD_CAPTION_CALCULATING);
+        for (std::int32_t i = 0; i < count_; ++i) {
+            host_.Position(i + 1, count_);
+            ImageEntry entry;
+            std::int32_t width = 0, height = 0;
+            if (!list_.Read(i, entry) || !DibQuery(entry.image, &width, &height, nullptr, nullptr))
+                return false;
+            canvasWidth_ = std::max(canvasWidth_, width);
+            canvasHeight_ = std::max(canvasHeight_, height);
+        }
+        return true;
+    }
+
+    /// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
+    bool FitsBudget() {
+        BuildEstimate estimate;
+        return EstimateBuild(list_, request_.kind, settings_, estimate) && estimate.bytes <= request_.budget;
+    }
+
+    bool PlaceImages() {
+        host_.Caption(LUMAFOLD_CAPTION_ADJUSTING);
+        for (std::int32_t i = 0; i < count_; ++i) {
+            host_.Position(i + 1, count_);
+            ImageEntry entry;
+            if (!list_.Read(i, entry)) return false;
+            OwnedDib placed = Place(entry.image);
+            if (!placed) return false;
+            entry.workImage = placed.Get();
+            entry.frames = &frames_;
+            if (!list_.Write(i, entry)) return false;
+            (void)placed.Release();
+        }
+        return true;
+    }
+
+    /// The picture in true colour, centred on a canvas of the matte colour.
+    OwnedDib Place(DibHandle image) const {
+        const ReadDib loaded(image);
+        if (!loaded) return {};
+        const OwnedDib source = DibToTrueColour(*loaded);
+        if (!source) return {};
+        OwnedDib canvas = DibCreateFlat(canvasWidth_, canvasHeight_, settings_.TransitionMattcolour);
+        if (!canvas) return {};
+        DibCopyRect(*canvas, (canvasWidth_ - source->biWidth) / 2, (canvasHeight_ - source->biHeight) / 2,
+                    *source, 0, 0, source->biWidth, source->biHeight);
+        return canvas;
+    }
+
+    bool RenderGaps() {
+        host_.ResetPosition();
+        host_.Caption(LUMAFOLD_CAPTION_BUILDING);
+        // Gaps whose frames must be rendered in turn keep one worker busy each; all others use every worker.
+        const std::size_t most = std::min(request_.runner.Workers(), kMostGapsAtOnce);
+        for (std::int32_t first = 0; first < count_;) {
+            std::array<TransitionContext, kMostGapsAtOnce> contexts;
+            std::size_t gaps = 0;
+            do {
+                host_.Position(first + 1, count_);
+                if (!ReadGap(first++, contexts[gaps++])) return false;
+            } while (gaps < most && first < count_ && RendersInTurn(contexts[gaps - 1].transition) &&
+                     RendersInTurn(TransitionOf(first)));
+            if (!RenderGaps({contexts.data(), gaps})) return false;
+        }
+        host_.ResetPosition();
+        return frames_.count >= 2;
+    }
+
+    /// -1 where the line cannot be read.
+    std::int32_t TransitionOf(std::int32_t index) {
+        ImageEntry entry;
+        return list_.Read(index, entry) ? entry.transition : -1;
+    }
+
+    /// The list wraps: before the first picture comes the last, and the last leads back to the first.
+    bool ReadGap(std::int32_t index, TransitionContext& context) {
+        ImageEntry previous, next, current;
+        if (!list_.Read((index + count_ - 1) % count_, previous) || !list_.Read((index + 1) % count_, next) ||
+            !list_.Read(index, current)) {
+            return false;
+        }
+        std::memcpy(&context, &current, sizeof(context));
+        context.nextImage = next.workImage;
+        context.previousImage = previous.workImage;
+        context.carryWord = carryWord_;
+        context.paletteBits = paletteBits_;
+        context.palette = palette_;
+        context.window = request_.window;
+        return context.transition >= 0 && context.transition < kTransitionCount;
+    }
+
+    /// One gap with every worker, or several with one each; their frames are appended in order.
+    bool RenderGaps(std::span<TransitionContext> gaps) {
+        std::atomic<bool> failed = false;
+        const auto render = [&](TransitionContext& gap, const Runner& runner) {
+            const auto& row = TransitionTable[static_cast<std::size_t>(gap.transition)];
+            if (row.effect(gap, settings_, runner) == 0) failed = true;
+            assert(gap.carryWord == carryWord_ && "no effect changes what it is given to pass on");
+        };
+        if (gaps.size() == 1) {
+            render(gaps[0], request_.runner);
+        } else {
+            std::array<OwnedFrameList, kMostGapsAtOnce> lists;
+            request_.runner.ForEach(gaps.size(), [&](std::size_t i) {
+                gaps[i].frames = &*lists[i];
+                render(gaps[i], Runner());
+            });
+            for (std::size_t i = 0; i < gaps.size() && !failed; ++i) {
+                if (!FrameListTakeAll(frames_, *lists[i])) failed = true;
+            }
+        }
+        carryWord_ = gaps.back().carryWord;
+        return !failed;
+    }
+
+    /// A palette for these very frames, darkest colour first, and behind it the slot for what is transparent.
+    bool ChoosePalette() {
+        if (settings_.TransitionTruecolour != 0 || settings_.TransitionCustompalette == 0) return true;
+        host_.Caption(LUMAFOLD_CAPTION_QUANTIZING);
+        colourCount_ = supercompress_ ? 255 : 256;
+        // Without even a tree the palette is black, and the build goes on with it (docs/quirks.md 61).
+        const PaletteResult made = ComputeOptimalPalette(frames_, colourCount_, palette_, request_.runner);
+        if (made == PaletteResult::Failed) return false;
+        SortByLuminance(palette_, colourCount_);
+        paletteBits_ = PaletteBitsFor(supercompress_ ? colourCount_ + 1 : colourCount_);
+        if (supercompress_) {
+            transparentSlot_ = colourCount_;
+            palette_[static_cast<std::size_t>(transparentSlot_)] = RgbOf(settings_.TransitionMattcolour);
+        }
+        return true;
+    }
+
+    /// Calls `work(index, frame)` for every frame, as many at once as there are workers, and puts the records
+    /// back, changed or not: what a record was given is the list's to free. Positions are told in order, each
+    /// before the work on its frame. False as soon as one fails.
     template <typename Work>
-    bool ForEachFrame(Work work);
-    bool MarkUnchangedPixels();
-    bool ReduceColours();
-    bool ReduceFrame(const Remapper* remapper, FrameRecord& frame) const;
-    bool HandOver();
-    bool AddFrame(TaskRecord& task, std::int32_t index);
-    void PutBack();
+    bool ForEachFrame(Work work) {
+        std::array<FrameRecord, 64> frames;
+        const std::size_t atOnce = std::min(request_.runner.Workers(), frames.size());
+        for (std::int32_t first = 0; first < frames_.count;) {
+            std::size_t count = 0;
+            for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_.count; ++count) {
+                const std::int32_t index = first + static_cast<std::int32_t>(count);
+                host_.Position(index, frames_.count);
+                if (!FrameListGet(frames_, index, frames[count])) return false;
+            }
+            // The list itself is changed by this thread alone, so that work may read it.
+            std::atomic<bool> failed = false;
+            request_.runner.ForEach(count, [&](std::size_t i) {
+                if (!work(first + static_cast<std::int32_t>(i), frames[i])) failed = true;
+            });
+            for (std::size_t i = 0; i < count; ++i) {
+                if (!FrameListPut(frames_, first++, frames[i])) failed = true;
+            }
+            if (failed) return false;
+        }
+        return true;
+    }
+
+    bool MarkUnchangedPixels() {
+        if (!supercompress_) return true;
+        host_.Caption(LUMAFOLD_CAPTION_SUPERCOMPRESSING);
+        return ForEachFrame([&](std::int32_t index, FrameRecord& frame) {
+            FrameRecord before;
+            return index == 0 || (FrameListGet(frames_, index - 1, before) &&
+                                  MarkUnchanged(before.image, frame, settings_.TransitionMattcolour));
+        });
+    }
+
+    bool ReduceColours() {
+        host_.ResetPosition();
+        host_.Caption(LUMAFOLD_CAPTION_REMAPPING);
+        std::optional<Remapper> remapper;
+        if (settings_.TransitionTruecolour == 0) {
+            remapper.emplace(palette_, paletteBits_, colourCount_, RemapOptionsOf(settings_));
+            if (!*remapper) return false;
+        }
+        return ForEachFrame([&](std::int32_t, FrameRecord& frame) {
+            return ReduceFrame(remapper ? &*remapper : nullptr, frame);
+        });
+    }
+
+    /// Puts the reduced picture in the place of the frame's, which is freed; on failure it keeps the one it
+    /// had. `remapper` null keeps true colour.
+    bool ReduceFrame(const Remapper* remapper, FrameRecord& frame) const {
+        if (remapper != nullptr) {
+            OwnedDib reduced;
+            if (const ReadDib picture(frame.image); picture) reduced = remapper->Reduce(*picture);
+            if (!reduced) return false;
+            GlobalDestroy(std::exchange(frame.image, reduced.Release()));
+        }
+        return !supercompress_ || frame.mask == 0 ||
+               PaintUnchanged(frame, transparentSlot_, settings_.TransitionMattcolour);
+    }
+
+    bool HandOver() {
+        host_.ResetPosition();
+        TaskRecord task{};
+        task.size = sizeof(task);
+        task.version = kInterfaceVersion;
+        task.owner = request_.window;
+        task.width = canvasWidth_;
+        task.height = canvasHeight_;
+        task.paletteBits = paletteBits_;
+        task.palette = palette_;
+        task.frameCount = frames_.count;
+        if (!host_.CreateTask(request_.kind, task)) return Fail(BuildFailure::Task);
+        for (std::int32_t i = 0; i < frames_.count; ++i) {
+            if (AddFrame(task, i)) continue;
+            host_.FinishTask(task, TaskEnd::Abandoned);
+            return false;
+        }
+        if (settings_.AddDescriptiveCommentBlock != 0) host_.AddComment(task, kDescriptiveComment);
+        host_.FinishTask(task, TaskEnd::Complete);
+        return true;
+    }
+
+    bool AddFrame(TaskRecord& task, std::int32_t index) {
+        FrameRecord frame;
+        if (!FrameListGet(frames_, index, frame)) return Fail(BuildFailure::Memory);
+        ImageRecord record{};
+        record.size = sizeof(record);
+        record.version = kInterfaceVersion;
+        record.image = frame.image;
+        record.delay = frame.delay;
+        record.index = index;
+        record.transparentIndex = frame.transparentIndex;
+        return host_.AddFrame(task, record) || Fail(BuildFailure::Frame);
+    }
+
+    /// Leaves the list as it was found; the user's own pictures stay.
+    void PutBack() {
+        ImageEntry entry;
+        for (std::int32_t i = 0; i < count_; ++i) {
+            if (!list_.Read(i, entry)) continue;
+            GlobalDestroy(entry.workImage);
+            entry.workImage = 0;
+            entry.frames = nullptr;
+            list_.Write(i, entry);
+        }
+        if (!hasTemporary_) return;
+        if (list_.Read(0, entry)) {
+            GlobalDestroy(entry.image);
+            list_.Write(0, ImageEntry{});
+        }
+        list_.DeleteFirst();
+    }
 
     const BuildRequest& request_;
     const PluginSettings& settings_;
@@ -83,8 +333,7 @@ private:
     const Host host_;
     const bool supercompress_;
 
-    const Waiting waiting_; // declared before the frames, so that they are freed before it ends
-    OwnedFrameList frames_;
+    FrameList frames_{}; ///< owned
     Palette palette_{};
     int paletteBits_ = 8;
     // A fixed palette is searched over all 256 entries, the black ones beyond its own count included
@@ -93,304 +342,9 @@ private:
     int transparentSlot_ = -1;
     std::int32_t count_ = 0;
     bool hasTemporary_ = false;
-    std::int32_t canvasWidth_ = 0, canvasHeight_ = 0;
-    std::int32_t frameWidth_ = 0, frameHeight_ = 0;
+    std::int32_t canvasWidth_ = 0, canvasHeight_ = 0; // of every frame
     std::int32_t carryWord_ = 1;
 };
-
-bool AnimationBuild::CountEntries() {
-    count_ = list_.Count();
-    if (count_ < 1) return false;
-    return count_ > 1 || AddTemporaryEntry();
-}
-
-/// One picture alone fades to the matte colour and back.
-bool AnimationBuild::AddTemporaryEntry() {
-    ImageEntry only;
-    std::int32_t width = 0, height = 0;
-    if (!list_.Read(0, only) || !DibQuery(only.image, &width, &height, nullptr, nullptr)) return false;
-    OwnedDib background = DibCreateFlat(width, height, settings_.TransitionMattcolour);
-    OwnedGlobal block(GlobalCreate(GlobalKind::Movable, sizeof(ImageEntry)));
-    if (!background || !block) return false;
-    {
-        const GlobalLocked<ImageEntry> entry(block.Get());
-        if (!entry) return false;
-        entry->image = background.Get();
-        std::memcpy(entry->label, LUMAFOLD_LABEL_TEMPORARY, sizeof(LUMAFOLD_LABEL_TEMPORARY));
-        entry->transition = list_.DefaultTransition();
-        entry->pause = list_.DefaultPause();
-        entry->delay = list_.DefaultDelay();
-    }
-    if (!list_.AddTemporary(block.Get())) return false;
-    (void)block.Release();
-    (void)background.Release();
-    hasTemporary_ = true;
-    count_ = 2;
-    return true;
-}
-
-bool AnimationBuild::MeasureCanvas() {
-    host_.Caption(LUMAFOLD_CAPTION_CALCULATING);
-    for (std::int32_t i = 0; i < count_; ++i) {
-        host_.Position(i + 1, count_);
-        ImageEntry entry;
-        std::int32_t width = 0, height = 0;
-        if (!list_.Read(i, entry) || !DibQuery(entry.image, &width, &height, nullptr, nullptr)) return false;
-        canvasWidth_ = std::max(canvasWidth_, width);
-        canvasHeight_ = std::max(canvasHeight_, height);
-    }
-    return true;
-}
-
-/// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
-bool AnimationBuild::FitsBudget() {
-    BuildEstimate estimate;
-    return EstimateBuild(list_, request_.kind, settings_, estimate) && estimate.bytes <= request_.budget;
-}
-
-bool AnimationBuild::PlaceImages() {
-    host_.Caption(LUMAFOLD_CAPTION_ADJUSTING);
-    for (std::int32_t i = 0; i < count_; ++i) {
-        host_.Position(i + 1, count_);
-        ImageEntry entry;
-        if (!list_.Read(i, entry)) return false;
-        OwnedDib placed = Place(entry.image);
-        if (!placed) return false;
-        entry.workImage = placed.Get();
-        entry.frames = &*frames_;
-        if (!list_.Write(i, entry)) return false;
-        (void)placed.Release();
-    }
-    return true;
-}
-
-/// The picture in true colour, centred on a canvas of the matte colour.
-OwnedDib AnimationBuild::Place(DibHandle image) const {
-    const ReadDib loaded(image);
-    if (!loaded) return {};
-    const OwnedDib source = DibToTrueColour(*loaded);
-    if (!source) return {};
-    OwnedDib canvas = DibCreateFlat(canvasWidth_, canvasHeight_, settings_.TransitionMattcolour);
-    if (!canvas) return {};
-    DibCopyRect(*canvas, (canvasWidth_ - source->biWidth) / 2, (canvasHeight_ - source->biHeight) / 2,
-                *source, 0, 0, source->biWidth, source->biHeight);
-    return canvas;
-}
-
-bool AnimationBuild::RenderGaps() {
-    host_.ResetPosition();
-    host_.Caption(LUMAFOLD_CAPTION_BUILDING);
-    for (std::int32_t first = 0; first < count_;) {
-        std::array<TransitionContext, kMostGapsAtOnce> contexts;
-        std::size_t gaps = 0;
-        do {
-            host_.Position(first + 1, count_);
-            if (!ReadGap(first++, contexts[gaps++])) return false;
-        } while (gaps < GapsAtOnce() && first < count_ && RendersInTurn(contexts[gaps - 1].transition) &&
-                 RendersInTurn(TransitionOf(first)));
-        if (!RenderGaps({contexts.data(), gaps})) return false;
-    }
-    host_.ResetPosition();
-    return frames_->count >= 2;
-}
-
-/// Gaps whose frames must be rendered in turn keep one worker busy each; all others use every worker.
-std::size_t AnimationBuild::GapsAtOnce() const {
-    return std::min(request_.runner.Workers(), kMostGapsAtOnce);
-}
-
-/// -1 where the line cannot be read.
-std::int32_t AnimationBuild::TransitionOf(std::int32_t index) {
-    ImageEntry entry;
-    return list_.Read(index, entry) ? entry.transition : -1;
-}
-
-/// The list wraps: before the first picture comes the last, and the last leads back to the first.
-bool AnimationBuild::ReadGap(std::int32_t index, TransitionContext& context) {
-    ImageEntry previous, next, current;
-    if (!list_.Read((index + count_ - 1) % count_, previous) || !list_.Read((index + 1) % count_, next) ||
-        !list_.Read(index, current)) {
-        return false;
-    }
-    std::memcpy(&context, &current, sizeof(context));
-    context.nextImage = next.workImage;
-    context.previousImage = previous.workImage;
-    context.carryWord = carryWord_;
-    context.paletteBits = paletteBits_;
-    context.palette = palette_;
-    context.window = request_.window;
-    return context.transition >= 0 && context.transition < kTransitionCount;
-}
-
-/// One gap with every worker, or several with one each; their frames are appended in order.
-bool AnimationBuild::RenderGaps(std::span<TransitionContext> gaps) {
-    const auto render = [&](TransitionContext& gap, const Runner& runner) {
-        const int done =
-            TransitionTable[static_cast<std::size_t>(gap.transition)].effect(gap, settings_, runner);
-        assert(gap.carryWord == carryWord_ && "no effect changes what it is given to pass on");
-        return done != 0;
-    };
-    if (gaps.size() == 1) {
-        if (!render(gaps[0], request_.runner)) return false;
-        carryWord_ = gaps[0].carryWord;
-        return true;
-    }
-    std::array<OwnedFrameList, kMostGapsAtOnce> lists;
-    std::atomic<bool> failed = false;
-    request_.runner.ForEach(gaps.size(), [&](std::size_t i) {
-        gaps[i].frames = &*lists[i];
-        if (!render(gaps[i], Runner())) failed = true;
-    });
-    for (std::size_t i = 0; i < gaps.size() && !failed; ++i) {
-        if (!FrameListTakeAll(*frames_, *lists[i])) failed = true;
-        carryWord_ = gaps[i].carryWord;
-    }
-    return !failed;
-}
-
-/// A palette for these very frames, darkest colour first, and behind it the slot for what is transparent.
-bool AnimationBuild::ChoosePalette() {
-    if (settings_.TransitionTruecolour != 0 || settings_.TransitionCustompalette == 0) return true;
-    host_.Caption(LUMAFOLD_CAPTION_QUANTIZING);
-    colourCount_ = supercompress_ ? 255 : 256;
-    // Without even a tree the palette is black, and the build goes on with it (docs/quirks.md 61).
-    const PaletteResult made = ComputeOptimalPalette(*frames_, colourCount_, palette_, request_.runner);
-    if (made == PaletteResult::Failed) return false;
-    SortByLuminance(palette_, colourCount_);
-    paletteBits_ = PaletteBitsFor(supercompress_ ? colourCount_ + 1 : colourCount_);
-    if (supercompress_) {
-        transparentSlot_ = colourCount_;
-        palette_[static_cast<std::size_t>(transparentSlot_)] = RgbOf(settings_.TransitionMattcolour);
-    }
-    return true;
-}
-
-/// Calls `work(index, frame)` for every frame, as many at once as there are workers, and puts the records
-/// back, changed or not: what a record was given is the list's to free. Positions are told in order, each
-/// before the work on its frame. False as soon as one fails.
-template <typename Work>
-bool AnimationBuild::ForEachFrame(Work work) {
-    std::array<FrameRecord, 64> frames;
-    const std::size_t atOnce = std::min(request_.runner.Workers(), frames.size());
-    for (std::int32_t first = 0; first < frames_->count;) {
-        std::size_t count = 0;
-        for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_->count; ++count) {
-            const std::int32_t index = first + static_cast<std::int32_t>(count);
-            host_.Position(index, frames_->count);
-            if (!FrameListGet(*frames_, index, frames[count])) return false;
-        }
-        // The list itself is changed by this thread alone, so that work may read it.
-        std::atomic<bool> failed = false;
-        request_.runner.ForEach(count, [&](std::size_t i) {
-            if (!work(first + static_cast<std::int32_t>(i), frames[i])) failed = true;
-        });
-        for (std::size_t i = 0; i < count; ++i) {
-            if (!FrameListPut(*frames_, first++, frames[i])) failed = true;
-        }
-        if (failed) return false;
-    }
-    return true;
-}
-
-bool AnimationBuild::MarkUnchangedPixels() {
-    if (!supercompress_) return true;
-    host_.Caption(LUMAFOLD_CAPTION_SUPERCOMPRESSING);
-    return ForEachFrame([&](std::int32_t index, FrameRecord& frame) {
-        FrameRecord before;
-        return index == 0 || (FrameListGet(*frames_, index - 1, before) &&
-                              MarkUnchanged(before.image, frame, settings_.TransitionMattcolour));
-    });
-}
-
-bool AnimationBuild::ReduceColours() {
-    host_.ResetPosition();
-    host_.Caption(LUMAFOLD_CAPTION_REMAPPING);
-    std::optional<Remapper> remapper;
-    if (settings_.TransitionTruecolour == 0) {
-        remapper.emplace(palette_, paletteBits_, colourCount_, RemapOptionsOf(settings_));
-        if (!*remapper) return false;
-    }
-    if (!ForEachFrame([&](std::int32_t, FrameRecord& frame) {
-            return ReduceFrame(remapper ? &*remapper : nullptr, frame);
-        })) {
-        return false;
-    }
-    for (std::int32_t i = 0; i < frames_->count; ++i) {
-        FrameRecord frame;
-        std::int32_t width = 0, height = 0;
-        if (!FrameListGet(*frames_, i, frame) || !DibQuery(frame.image, &width, &height, nullptr, nullptr))
-            return false;
-        frameWidth_ = std::max(frameWidth_, width);
-        frameHeight_ = std::max(frameHeight_, height);
-    }
-    return true;
-}
-
-/// Puts the reduced picture in the place of the frame's, which is freed; on failure it keeps the one it had.
-/// `remapper` null keeps true colour.
-bool AnimationBuild::ReduceFrame(const Remapper* remapper, FrameRecord& frame) const {
-    if (remapper != nullptr) {
-        OwnedDib reduced;
-        if (const ReadDib picture(frame.image); picture) reduced = remapper->Reduce(*picture);
-        if (!reduced) return false;
-        GlobalDestroy(std::exchange(frame.image, reduced.Release()));
-    }
-    return !supercompress_ || frame.mask == 0 ||
-           PaintUnchanged(frame, transparentSlot_, settings_.TransitionMattcolour);
-}
-
-bool AnimationBuild::HandOver() {
-    host_.ResetPosition();
-    TaskRecord task{};
-    task.size = sizeof(task);
-    task.version = kInterfaceVersion;
-    task.owner = request_.window;
-    task.width = frameWidth_;
-    task.height = frameHeight_;
-    task.paletteBits = paletteBits_;
-    task.palette = palette_;
-    task.frameCount = frames_->count;
-    if (!host_.CreateTask(request_.kind, task)) return Fail(BuildFailure::Task);
-    for (std::int32_t i = 0; i < frames_->count; ++i) {
-        if (AddFrame(task, i)) continue;
-        host_.FinishTask(task, TaskEnd::Abandoned);
-        return false;
-    }
-    if (settings_.AddDescriptiveCommentBlock != 0) host_.AddComment(task, kDescriptiveComment);
-    host_.FinishTask(task, TaskEnd::Complete);
-    return true;
-}
-
-bool AnimationBuild::AddFrame(TaskRecord& task, std::int32_t index) {
-    FrameRecord frame;
-    if (!FrameListGet(*frames_, index, frame)) return Fail(BuildFailure::Memory);
-    ImageRecord record{};
-    record.size = sizeof(record);
-    record.version = kInterfaceVersion;
-    record.image = frame.image;
-    record.delay = frame.delay;
-    record.index = index;
-    record.transparentIndex = frame.transparentIndex;
-    return host_.AddFrame(task, record) || Fail(BuildFailure::Frame);
-}
-
-/// Leaves the list as it was found; the user's own pictures stay.
-void AnimationBuild::PutBack() {
-    ImageEntry entry;
-    for (std::int32_t i = 0; i < count_; ++i) {
-        if (!list_.Read(i, entry)) continue;
-        GlobalDestroy(entry.workImage);
-        entry.workImage = 0;
-        entry.frames = nullptr;
-        list_.Write(i, entry);
-    }
-    if (!hasTemporary_) return;
-    if (list_.Read(0, entry)) {
-        GlobalDestroy(entry.image);
-        list_.Write(0, ImageEntry{});
-    }
-    list_.DeleteFirst();
-}
 
 } // namespace
 

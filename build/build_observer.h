@@ -2,6 +2,7 @@
 // message boxes and cursors, other hosts print a line or do nothing.
 #pragma once
 
+#include "platform/non_copyable.h"
 #include "resources/texts/strings.h"
 
 namespace lumafold {
@@ -15,22 +16,13 @@ enum class BuildFailure {
 
 /// The English text; the plug-in takes what has a number from its string table.
 constexpr const char* TextOf(BuildFailure failure) {
-    switch (failure) {
-    case BuildFailure::Task:
-        return LUMAFOLD_TEXT_TASK_ERROR;
-    case BuildFailure::Frame:
-        return LUMAFOLD_TEXT_FRAME_ERROR;
-    case BuildFailure::Memory:
-        break;
-    }
-    return LUMAFOLD_TEXT_MEMORY_ERROR;
+    constexpr const char* kTexts[] = {LUMAFOLD_TEXT_MEMORY_ERROR, LUMAFOLD_TEXT_TASK_ERROR,
+                                      LUMAFOLD_TEXT_FRAME_ERROR};
+    return kTexts[static_cast<int>(failure)];
 }
 
-class BuildObserver {
+class BuildObserver : NonCopyable {
 public:
-    BuildObserver() = default;
-    BuildObserver(const BuildObserver&) = delete;
-    BuildObserver& operator=(const BuildObserver&) = delete;
     virtual ~BuildObserver() = default;
 
     /// The build begins, and ends with everything put back: the time of the wait cursor.

@@ -3,14 +3,12 @@
 #pragma once
 
 #include "build/image_entry.h"
+#include "platform/non_copyable.h"
 
 namespace lumafold {
 
-class ImageList {
+class ImageList : NonCopyable {
 public:
-    ImageList() = default;
-    ImageList(const ImageList&) = delete;
-    ImageList& operator=(const ImageList&) = delete;
     virtual ~ImageList() = default;
 
     virtual std::int32_t Count() = 0;

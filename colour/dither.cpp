@@ -1,9 +1,42 @@
-#include "colour/channels.h"
-#include "colour/colour_rows.h"
 #include "colour/remap.h"
+#include "image/colour_rows.h"
 
 namespace lumafold {
 namespace {
+
+/// How channels lie in memory; the fourth word fills up.
+struct StoredChannels {
+    std::int16_t words[4];
+};
+
+/// Red, green and blue side by side in 16-bit words, for arithmetic on all three at once. The words wrap as
+/// such storage does; shifts round down.
+class Channels {
+public:
+    Channels() = default;
+    explicit Channels(const StoredChannels& stored) { std::memcpy(&words_, &stored, sizeof(stored)); }
+    explicit Channels(PixelValue colour)
+        : words_{static_cast<std::int16_t>(RedOf(colour)), static_cast<std::int16_t>(GreenOf(colour)),
+                 static_cast<std::int16_t>(BlueOf(colour))} {}
+
+    void Store(StoredChannels& stored) const { std::memcpy(&stored, &words_, sizeof(stored)); }
+    /// The colour, each channel clamped to 0..255.
+    PixelValue Clamped() const {
+        const Words low = words_ < 0 ? Words{} : words_;
+        const Words level = low > 255 ? Words{} + 255 : low;
+        return MakeColour(static_cast<unsigned>(level[0]), static_cast<unsigned>(level[1]),
+                          static_cast<unsigned>(level[2]));
+    }
+    /// `weight` sixteenths.
+    Channels Share(std::int16_t weight) const { return Channels(words_ * weight >> 4); }
+    friend Channels operator+(Channels a, Channels b) { return Channels(a.words_ + b.words_); }
+    friend Channels operator-(Channels a, Channels b) { return Channels(a.words_ - b.words_); }
+
+private:
+    using Words = std::int16_t __attribute__((vector_size(16)));
+    explicit Channels(Words words) : words_(words) {}
+    Words words_{};
+};
 
 /// Spreads one row's errors over the row itself and the next. `errors` holds what each pixel was given from
 /// above, pixel x at x + 1, and afterwards what the pixels below are given; slot 0 takes what falls off to
@@ -48,10 +81,10 @@ bool Diffuse(const DibHeader& source, DibHeader& target, const Palette& palette,
         entries[i] = {{palette[i].red, palette[i].green, palette[i].blue, 0}};
     }
     return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
-        const Rgb* colours = rows.Row(y);
+        const std::uint8_t* pixels = rows.Row(y);
         ErrorRow row(errors.data());
         const auto place = [&](std::size_t x) {
-            const PixelValue aim = row.Aim(x, ColourOf(colours[x]));
+            const PixelValue aim = row.Aim(x, LoadColour(pixels + 3 * x));
             const std::size_t index = choose(aim);
             indices[x] = static_cast<std::uint8_t>(index);
             row.Give(x, Channels(aim) - Channels(entries[index]));
@@ -95,9 +128,9 @@ Grays ReadGrays(const DibHeader& source) {
     if (!grays.levels) return grays;
     std::uint8_t* level = grays.levels.data();
     for (std::int32_t y = 0; y < source.biHeight; ++y) {
-        const Rgb* colours = rows.Row(y);
-        for (std::int32_t x = 0; x < source.biWidth; ++x) {
-            *level = Luminance(colours[x]);
+        const std::uint8_t* pixel = rows.Row(y);
+        for (std::int32_t x = 0; x < source.biWidth; ++x, pixel += 3) {
+            *level = Luminance(LoadRgb(pixel));
             grays.smallest = std::min<int>(grays.smallest, *level);
             grays.largest = std::max<int>(grays.largest, *level);
             ++level;

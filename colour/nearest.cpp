@@ -12,21 +12,19 @@ struct DistinctEntries {
     std::size_t count = 0;
     std::uint8_t indices[256];
     std::uint8_t levels[3][256]; ///< red, green, blue of each
-};
 
-std::size_t ListDistinct(const Palette& palette, std::size_t count, DistinctEntries& entries) {
-    std::size_t distinct = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const Rgb entry = palette[i];
-        if (std::find(palette.begin(), palette.begin() + i, entry) != palette.begin() + i) continue;
-        entries.indices[distinct] = static_cast<std::uint8_t>(i);
-        entries.levels[0][distinct] = entry.red;
-        entries.levels[1][distinct] = entry.green;
-        entries.levels[2][distinct] = entry.blue;
-        ++distinct;
+    DistinctEntries(const Palette& palette, std::size_t length) {
+        for (std::size_t i = 0; i < length; ++i) {
+            const Rgb entry = palette[i];
+            if (std::find(palette.begin(), palette.begin() + i, entry) != palette.begin() + i) continue;
+            indices[count] = static_cast<std::uint8_t>(i);
+            levels[0][count] = entry.red;
+            levels[1][count] = entry.green;
+            levels[2][count] = entry.blue;
+            ++count;
+        }
     }
-    return distinct;
-}
+};
 
 /// How near to each entry a colour can be, and how far from it, seen along some of the channels.
 struct Reach {
@@ -92,8 +90,6 @@ std::size_t ListCandidates(const DistinctEntries& entries, const Reach& block, c
 } // namespace
 
 int FindNearestColour(int red, int green, int blue, const Palette& palette, int count) {
-    const int exact = FindExactColour(red, green, blue, palette, count);
-    if (exact >= 0) return exact;
     std::size_t best = 0;
     int bestDistance = kBeyondEveryDistance;
     for (std::size_t i = 0; i < Entries(count); ++i) {
@@ -116,8 +112,7 @@ int FindExactColour(int red, int green, int blue, const Palette& palette, int co
 }
 
 bool NearestSearch::Build(const Palette& palette, int count) {
-    DistinctEntries entries;
-    entries.count = ListDistinct(palette, Entries(count), entries);
+    const DistinctEntries entries(palette, Entries(count));
     Array<std::uint8_t> candidates(kBlocks * entries.count);
     Array<std::uint32_t> starts(kBlocks + 1);
     Array<Reach> slabs(3 * kBlocksPerAxis); // red's, green's, blue's
@@ -155,26 +150,12 @@ Array<std::uint8_t> BuildLookupCache(const NearestSearch& search) {
 }
 
 ExactColours::ExactColours(const Palette& palette, int count) {
-    slots_.fill({0, -1});
     for (std::size_t i = 0; i < Entries(count); ++i) {
         const PixelValue colour = ColourOf(palette[i]);
-        Slot& slot = slots_[SlotOf(colour)];
-        if (slot.index >= 0) continue; // an earlier equal entry keeps the colour
-        slot = {colour, static_cast<std::int32_t>(i)};
+        indices_.Add(colour, static_cast<int>(i));
         const std::size_t cell = CellOf(colour);
         occupied_[cell / 32] |= 1U << (cell % 32);
     }
 }
-
-std::size_t ExactColours::SlotOf(PixelValue colour) const {
-    // At most 256 of the slots are ever taken, so a free one ends every walk.
-    std::size_t at = (colour * 0x9E3779B1U) >> 22;
-    static_assert(kSlots == 1U << 10);
-    while (slots_[at].index >= 0 && slots_[at].colour != colour)
-        at = (at + 1) % kSlots;
-    return at;
-}
-
-int ExactColours::FindInTable(PixelValue colour) const { return slots_[SlotOf(colour)].index; }
 
 } // namespace lumafold

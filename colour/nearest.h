@@ -72,6 +72,35 @@ private:
 /// The nearest entry of each cell's colour; empty when memory is short.
 Array<std::uint8_t> BuildLookupCache(const NearestSearch& search);
 
+/// Up to 256 different colours, each with a number. Needs no memory of its own.
+class NumberedColours {
+public:
+    /// The number the colour has, or -1.
+    int Find(PixelValue colour) const { return slots_[SlotOf(colour)].number; }
+    /// Gives the colour a number, from 0 on, unless it has one. The number it has.
+    int Add(PixelValue colour, int number) {
+        Slot& slot = slots_[SlotOf(colour)];
+        if (slot.number < 0) slot = {colour, number};
+        return slot.number;
+    }
+
+private:
+    struct Slot {
+        PixelValue colour = 0;
+        std::int32_t number = -1;
+    };
+
+    /// The colour's slot, or the free one where it belongs. Most slots stay free, so one ends every walk.
+    std::size_t SlotOf(PixelValue colour) const {
+        std::size_t at = (colour * 0x9E3779B1U) >> 22; // of 1024
+        while (slots_[at].number >= 0 && slots_[at].colour != colour)
+            at = (at + 1) % slots_.size();
+        return at;
+    }
+
+    std::array<Slot, 1024> slots_;
+};
+
 /// FindExactColour for one palette. Needs no memory of its own.
 class ExactColours {
 public:
@@ -81,22 +110,12 @@ public:
         // Few cells hold an entry at all, so this first question is nearly always the last.
         const std::size_t cell = CellOf(colour);
         if ((occupied_[cell / 32] >> (cell % 32) & 1) == 0) return -1;
-        return FindInTable(colour);
+        return indices_.Find(colour);
     }
 
 private:
-    struct Slot {
-        PixelValue colour;
-        std::int32_t index; ///< -1 in a free slot
-    };
-    static constexpr std::size_t kSlots = 1024;
-
-    /// The slot of `colour`, or the free one where it belongs.
-    std::size_t SlotOf(PixelValue colour) const;
-    int FindInTable(PixelValue colour) const;
-
     std::array<std::uint32_t, kCellCount / 32> occupied_{};
-    std::array<Slot, kSlots> slots_;
+    NumberedColours indices_;
 };
 
 } // namespace lumafold

@@ -1,5 +1,6 @@
 #include "colour/palettes.h"
 
+#include <bit>
 #include <span>
 
 namespace lumafold {
@@ -21,52 +22,72 @@ constexpr Rgb kWindowsColours[] = {
     {0, 0, 255},   {255, 0, 255},   {0, 255, 255},   {255, 255, 255},
 };
 
-struct PaletteShape {
-    int bits, colours;
+/// Every combination of levels makes a cube. The palettes without levels are filled by themselves.
+struct FixedPalette {
+    int colours;
+    Levels red, green, blue;
 };
-constexpr PaletteShape kShapes[kFixedPaletteCount] = {{1, 2},   {4, 16},  {5, 32},  {6, 64}, {7, 128},
-                                                      {8, 216}, {8, 256}, {8, 256}, {8, 256}};
+constexpr FixedPalette kFixed[kFixedPaletteCount] = {
+    {2, {}, {}, {}},
+    {16, {}, {}, {}},
+    {32, kFour, kFour, kTwo},
+    {64, kFour, kFour, kFour},
+    {128, kFour, kEight, kFour},
+    {216, kSix, kSix, kSix},
+    {256, kEight, kEight, kFour},
+    {256, kSeven, kEightRounded, kFour},
+    {256, {}, {}, {}},
+};
 
-/// Every combination of levels: red varies slowest, blue fastest.
-void FillCube(Palette& palette, Levels red, Levels green, Levels blue) {
+/// Red varies slowest, blue fastest.
+void FillCube(Palette& palette, const FixedPalette& cube) {
     std::size_t i = 0;
-    for (const std::uint8_t r : red) {
-        for (const std::uint8_t g : green) {
-            for (const std::uint8_t b : blue)
+    for (const std::uint8_t r : cube.red) {
+        for (const std::uint8_t g : cube.green) {
+            for (const std::uint8_t b : cube.blue)
                 palette[i++] = {r, g, b};
         }
     }
 }
 
-/// The safe colours: green varies slowest, then red, then blue.
-void FillSafe(Palette& palette) {
-    std::size_t i = 0;
-    for (const std::uint8_t g : kSix) {
-        for (const std::uint8_t r : kSix) {
-            for (const std::uint8_t b : kSix)
-                palette[i++] = {r, g, b};
-        }
-    }
+constexpr Rgb Gray(std::size_t level) {
+    const auto byte = static_cast<std::uint8_t>(level);
+    return {byte, byte, byte};
 }
 
-/// A cube of 224 colours with 32 grays in its middle.
-void FillCubeWithGray(Palette& palette) {
+/// Moves the upper half of a cube of 224 colours up, to make room for 32 grays in its middle.
+void InsertGrays(Palette& palette) {
     constexpr std::size_t kHalf = 112, kGrays = 32;
-    FillCube(palette, kSeven, kEightRounded, kFour);
     std::copy_backward(palette.begin() + kHalf, palette.begin() + 2 * kHalf, palette.end());
-    for (std::size_t i = 0; i < kGrays; ++i) {
-        // The ends stand off by one, so that no gray repeats the cube's black or white.
-        const auto level = static_cast<std::uint8_t>(i == 0            ? 1
-                                                     : i == kGrays - 1 ? 254
-                                                                       : i * 255 / (kGrays - 1));
-        palette[kHalf + i] = {level, level, level};
-    }
+    for (std::size_t i = 0; i < kGrays; ++i)
+        palette[kHalf + i] = Gray(i * 255 / (kGrays - 1));
+    // The ends stand off by one, so that no gray repeats the cube's black or white.
+    palette[kHalf] = Gray(1);
+    palette[kHalf + kGrays - 1] = Gray(254);
 }
 
-void FillGrays(Palette& palette) {
-    for (std::size_t i = 0; i < palette.size(); ++i) {
-        const auto level = static_cast<std::uint8_t>(i);
-        palette[i] = {level, level, level};
+/// What a palette has beyond its cube, or instead of one.
+void FinishPalette(Palette& palette, std::int32_t number) {
+    switch (number) {
+    case 0:
+        palette[1] = Gray(255);
+        break;
+    case 1:
+        std::copy(std::begin(kWindowsColours), std::end(kWindowsColours), palette.begin());
+        break;
+    case 5: // green varies slowest in the safe colours
+        for (Rgb& colour : palette)
+            std::swap(colour.red, colour.green);
+        break;
+    case 7:
+        InsertGrays(palette);
+        break;
+    case 8:
+        for (std::size_t i = 0; i < palette.size(); ++i)
+            palette[i] = Gray(i);
+        break;
+    default:
+        break;
     }
 }
 
@@ -74,48 +95,19 @@ void FillGrays(Palette& palette) {
 
 int BuildFixedPalette(Palette* palette, int* bits, std::int32_t number) {
     if (number < 0 || number >= kFixedPaletteCount) number = kDefaultFixedPalette;
-    const PaletteShape shape = kShapes[number];
-    if (bits != nullptr) *bits = shape.bits;
-    if (palette == nullptr) return shape.colours;
-
-    *palette = {};
-    switch (number) {
-    case 0:
-        (*palette)[1] = {255, 255, 255};
-        break;
-    case 1:
-        std::copy(std::begin(kWindowsColours), std::end(kWindowsColours), palette->begin());
-        break;
-    case 2:
-        FillCube(*palette, kFour, kFour, kTwo);
-        break;
-    case 3:
-        FillCube(*palette, kFour, kFour, kFour);
-        break;
-    case 4:
-        FillCube(*palette, kFour, kEight, kFour);
-        break;
-    case 5:
-        FillSafe(*palette);
-        break;
-    case 6:
-        FillCube(*palette, kEight, kEight, kFour);
-        break;
-    case 7:
-        FillCubeWithGray(*palette);
-        break;
-    default:
-        FillGrays(*palette);
-        break;
+    const FixedPalette& fixed = kFixed[number];
+    if (bits != nullptr) *bits = PaletteBitsFor(fixed.colours);
+    if (palette != nullptr) {
+        *palette = {};
+        FillCube(*palette, fixed);
+        FinishPalette(*palette, number);
     }
-    return shape.colours;
+    return fixed.colours;
 }
 
 int PaletteBitsFor(int colours) {
-    int bits = 1;
-    while (bits < 8 && colours > 1 << bits)
-        ++bits;
-    return bits;
+    return std::clamp(static_cast<int>(std::bit_width(static_cast<unsigned>(std::max(colours, 1) - 1))), 1,
+                      8);
 }
 
 } // namespace lumafold

@@ -1,5 +1,7 @@
 #include "colour/quantizer.h"
 
+#include "colour/nearest.h"
+
 namespace lumafold {
 namespace {
 
@@ -22,7 +24,7 @@ bool VisitPictures(const FrameList& frames, std::int32_t first, std::int32_t ste
 /// The colours of the frames in the order they are first seen in, as long as a palette could hold them.
 class FirstColours {
 public:
-    explicit FirstColours(int most) : most_(most) { slots_.fill(kNoPixel); }
+    explicit FirstColours(int most) : most_(most) {}
 
     bool TooMany() const { return count_ > most_; }
     int Count() const { return count_; }
@@ -48,21 +50,15 @@ private:
         }
         if (colour == latest_) return;
         latest_ = colour;
-        std::size_t slot = (colour * 0x9E3779B1U) >> 22;
-        for (; slots_[slot] != kNoPixel; slot = (slot + 1) % kSlots) {
-            if (slots_[slot] == colour) return;
-        }
-        slots_[slot] = colour;
-        listed_[static_cast<std::size_t>(count_++)] = RgbOf(colour);
+        if (places_.Add(colour, count_) == count_)
+            listed_[static_cast<std::size_t>(count_++)] = RgbOf(colour);
     }
-
-    static constexpr std::size_t kSlots = 1024;
 
     const int most_;
     int count_ = 0;
     PixelValue latest_ = kNoPixel;
     Palette listed_{};
-    std::array<PixelValue, kSlots> slots_; ///< the listed colours, hashed
+    NumberedColours places_; ///< of the colours in the list
 };
 
 /// How deep the tree for a palette is. It always allows for dithering: one level less than colours need.
@@ -158,11 +154,52 @@ public:
     explicit operator bool() const { return static_cast<bool>(order_); }
 
     /// Makes the nodes from what was counted. False when memory is short.
-    bool MakeNodes(const LeafCounts& counts);
-    /// Reduces the tree to at most so many colours.
-    void Prune(int most);
-    /// Writes the average of each node's pixels. Their number.
-    int Read(Palette& palette) const;
+    bool MakeNodes(const LeafCounts& counts) {
+        sums_ = Array<PixelSums>(LevelStart(depth_ + 1));
+        errors_ = Array<std::uint64_t>(LevelStart(depth_ + 1));
+        if (!sums_ || !errors_) return false;
+        std::copy(counts.Leaves().begin(), counts.Leaves().end(), sums_.begin() + LevelStart(depth_));
+        return true;
+    }
+
+    /// Reduces the tree to at most so many colours: pass after pass prunes the nodes with the least error
+    /// left. A pass counts nodes as it comes to them, children first: one that stands when its turn comes
+    /// counts, and sets the next pass's error, even if the same pass then takes it away with its parent.
+    void Prune(int most) {
+        Measure(0, {});
+        if (colours_ <= most) return;
+        const std::size_t listed = ListByError();
+        std::uint64_t threshold = errors_[order_[0]];
+        std::size_t next = 0;
+        for (int counted = colours_; counted > most;) {
+            const std::size_t first = next;
+            // Nodes that are gone have no error, so they are passed over here.
+            while (next < listed && errors_[order_[next]] <= threshold)
+                ++next;
+            const std::uint64_t nextThreshold = next < listed ? errors_[order_[next]] : 0;
+            int takenAlong = 0;
+            for (std::size_t i = first; i < next; ++i) {
+                if (Exists(order_[i])) takenAlong += CutBranch(order_[i]);
+            }
+            counted = colours_ + takenAlong;
+            threshold = nextThreshold;
+        }
+    }
+
+    /// Writes the average of each node's pixels, those of a branch from `node` on behind `entries` others.
+    /// The number of all.
+    int Read(Palette& palette, std::size_t node = 0, int entries = 0) const {
+        ForEachChild(node, [&](std::size_t child) { entries = Read(palette, child, entries); });
+        const PixelSums& sums = sums_[node];
+        if (sums.pixels == 0) return entries;
+        const auto average = [&](std::uint64_t total) {
+            const double raised = static_cast<double>(total) / static_cast<double>(sums.pixels) + 0.5;
+            return static_cast<std::uint8_t>(raised);
+        };
+        palette[static_cast<std::size_t>(entries)] = {average(sums.red), average(sums.green),
+                                                      average(sums.blue)};
+        return entries + 1;
+    }
 
 private:
     bool Exists(std::size_t node) const { return errors_[node] != 0; }
@@ -174,10 +211,47 @@ private:
             if (Exists(child)) visit(child);
         }
     }
-    PixelSums Measure(std::size_t node, const Cube& cube);
-    std::size_t ListByError();
-    int CutBranch(std::size_t node);
-    void ReadBranch(std::size_t node, Palette& palette, int& entries) const;
+
+    /// Gives a branch its errors and returns its sums, of which only leaves keep theirs.
+    PixelSums Measure(std::size_t node, const Cube& cube) {
+        PixelSums sums = sums_[node];
+        if (HasChildren(node)) {
+            for (unsigned id = 0; id < 8; ++id)
+                sums += Measure(8 * node + 1 + id, cube.Child(id));
+        } else if (sums.pixels != 0) {
+            ++colours_;
+        }
+        errors_[node] = QuarterErrors(sums, cube);
+        return sums;
+    }
+
+    /// All nodes but the root, which always has more error than any other and so is never pruned. Those with
+    /// the least error come first, deeper ones before higher ones. Their number.
+    std::size_t ListByError() {
+        std::size_t listed = 0;
+        for (std::size_t node = 1; node < errors_.size(); ++node) {
+            if (Exists(node)) order_[listed++] = static_cast<std::uint32_t>(node);
+        }
+        std::sort(order_.begin(), order_.begin() + listed, [&](std::uint32_t a, std::uint32_t b) {
+            return errors_[a] != errors_[b] ? errors_[a] < errors_[b] : a > b;
+        });
+        return listed;
+    }
+
+    /// Moves a branch's pixels to the node above it. The number of nodes below `node` that had pixels.
+    int CutBranch(std::size_t node) {
+        int takenAlong = 0;
+        ForEachChild(node, [&](std::size_t child) {
+            if (sums_[child].pixels != 0) ++takenAlong;
+            takenAlong += CutBranch(child);
+        });
+        const std::size_t parent = (node - 1) / 8;
+        if (sums_[parent].pixels != 0) --colours_;
+        sums_[parent] += sums_[node];
+        sums_[node] = {};
+        errors_[node] = 0;
+        return takenAlong;
+    }
 
     const int depth_;
     int colours_ = 0;             ///< nodes with pixels of their own
@@ -185,97 +259,6 @@ private:
     Array<std::uint64_t> errors_; ///< four times each node's error; 0 where there is no node
     Array<std::uint32_t> order_;  ///< room for the nodes in the order they are pruned in
 };
-
-bool ColourTree::MakeNodes(const LeafCounts& counts) {
-    sums_ = Array<PixelSums>(LevelStart(depth_ + 1));
-    errors_ = Array<std::uint64_t>(LevelStart(depth_ + 1));
-    if (!sums_ || !errors_) return false;
-    std::copy(counts.Leaves().begin(), counts.Leaves().end(), sums_.begin() + LevelStart(depth_));
-    return true;
-}
-
-/// Gives a branch its errors and returns its sums, of which only leaves keep theirs.
-PixelSums ColourTree::Measure(std::size_t node, const Cube& cube) {
-    PixelSums sums = sums_[node];
-    if (HasChildren(node)) {
-        for (unsigned id = 0; id < 8; ++id)
-            sums += Measure(8 * node + 1 + id, cube.Child(id));
-    } else if (sums.pixels != 0) {
-        ++colours_;
-    }
-    errors_[node] = QuarterErrors(sums, cube);
-    return sums;
-}
-
-/// All nodes but the root, which always has more error than any other and so is never pruned. Those with
-/// the least error come first, deeper ones before higher ones. Their number.
-std::size_t ColourTree::ListByError() {
-    std::size_t listed = 0;
-    for (std::size_t node = 1; node < errors_.size(); ++node) {
-        if (Exists(node)) order_[listed++] = static_cast<std::uint32_t>(node);
-    }
-    std::sort(order_.begin(), order_.begin() + listed, [&](std::uint32_t a, std::uint32_t b) {
-        return errors_[a] != errors_[b] ? errors_[a] < errors_[b] : a > b;
-    });
-    return listed;
-}
-
-/// Pass after pass prunes the nodes with the least error left. A pass counts nodes as it comes to them,
-/// children first: one that stands when its turn comes counts, and sets the next pass's error, even if the
-/// same pass then takes it away with its parent.
-void ColourTree::Prune(int most) {
-    Measure(0, {});
-    if (colours_ <= most) return;
-    const std::size_t listed = ListByError();
-    std::uint64_t threshold = errors_[order_[0]];
-    std::size_t next = 0;
-    for (int counted = colours_; counted > most;) {
-        const std::size_t first = next;
-        // Nodes that are gone have no error, so they are passed over here.
-        while (next < listed && errors_[order_[next]] <= threshold)
-            ++next;
-        const std::uint64_t nextThreshold = next < listed ? errors_[order_[next]] : 0;
-        int takenAlong = 0;
-        for (std::size_t i = first; i < next; ++i) {
-            if (Exists(order_[i])) takenAlong += CutBranch(order_[i]);
-        }
-        counted = colours_ + takenAlong;
-        threshold = nextThreshold;
-    }
-}
-
-/// Moves a branch's pixels to the node above it. The number of nodes below `node` that had pixels.
-int ColourTree::CutBranch(std::size_t node) {
-    int takenAlong = 0;
-    ForEachChild(node, [&](std::size_t child) {
-        if (sums_[child].pixels != 0) ++takenAlong;
-        takenAlong += CutBranch(child);
-    });
-    const std::size_t parent = (node - 1) / 8;
-    if (sums_[parent].pixels != 0) --colours_;
-    sums_[parent] += sums_[node];
-    sums_[node] = {};
-    errors_[node] = 0;
-    return takenAlong;
-}
-
-int ColourTree::Read(Palette& palette) const {
-    int entries = 0;
-    ReadBranch(0, palette, entries);
-    return entries;
-}
-
-void ColourTree::ReadBranch(std::size_t node, Palette& palette, int& entries) const {
-    ForEachChild(node, [&](std::size_t child) { ReadBranch(child, palette, entries); });
-    const PixelSums& sums = sums_[node];
-    if (sums.pixels == 0) return;
-    const auto average = [&](std::uint64_t total) {
-        const double raised = static_cast<double>(total) / static_cast<double>(sums.pixels) + 0.5;
-        return static_cast<std::uint8_t>(raised);
-    };
-    palette[static_cast<std::size_t>(entries++)] = {average(sums.red), average(sums.green),
-                                                    average(sums.blue)};
-}
 
 /// Counts all frames, those of each worker by themselves. Empty when memory is short or one cannot be read.
 LeafCounts CountPixels(const FrameList& frames, int depth, const Runner& runner) {
@@ -324,13 +307,10 @@ PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette
 }
 
 void SortByLuminance(Palette& palette, int count) {
-    for (std::size_t i = 1; i < static_cast<std::size_t>(std::max(count, 1)); ++i) {
-        const Rgb entry = palette[i];
-        std::size_t place = i;
-        for (; place > 0 && Luminance(palette[place - 1]) > Luminance(entry); --place)
-            palette[place] = palette[place - 1];
-        palette[place] = entry;
-    }
+    const auto isDarker = [](Rgb a, Rgb b) { return Luminance(a) < Luminance(b); };
+    // Each moves down to its place among those before it, which takes no memory as a stable sort would.
+    for (auto at = palette.begin(); at != palette.begin() + count; ++at)
+        std::rotate(std::upper_bound(palette.begin(), at, *at, isDarker), at, at + 1);
 }
 
 } // namespace lumafold

@@ -84,19 +84,17 @@ bool Remapper::FillNearest(const DibHeader& source, DibHeader& target) const {
                 indices[x] = map[indices[x]];
         });
     }
-    if (bits_ == 1) {
+    const auto fill = [&](auto indexOf) {
         return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
             const std::uint8_t* pixel = rows.Row(y);
             for (std::size_t x = 0; x < width; ++x, pixel += 3)
-                indices[x] = BitOf(LoadRgb(pixel));
+                indices[x] = indexOf(pixel);
         });
-    }
+    };
+    if (bits_ == 1) return fill([](const std::uint8_t* pixel) { return BitOf(LoadRgb(pixel)); });
     // True colour goes through the cache whether or not the fast way is chosen.
-    return FillIndexed(target, [&, cache = cache_.data()](std::int32_t y, std::uint8_t* indices) {
-        const std::uint8_t* pixel = rows.Row(y);
-        for (std::size_t x = 0; x < width; ++x, pixel += 3)
-            indices[x] = cache[CellOf(LoadColour(pixel))];
-    });
+    return fill(
+        [cache = cache_.data()](const std::uint8_t* pixel) { return cache[CellOf(LoadColour(pixel))]; });
 }
 
 } // namespace lumafold

@@ -89,32 +89,18 @@ void PaintHalfBytes(const std::uint8_t* mask, std::int32_t width, std::uint8_t* 
     }
 }
 
-using RowPainter = void (*)(const std::uint8_t* mask, std::int32_t width, std::uint8_t* row, unsigned value);
-
-/// Null where only the definition will do.
-RowPainter RowPainterFor(int bits, PixelValue value) {
-    if (bits == 4) return PaintHalfBytes;
-    if (bits == 8) return PaintRow<1>;
-    if (bits == 24 && value == 0) return PaintRow<3>;
-    return nullptr;
-}
-
 void PaintMarked(const DibHeader& mask, DibHeader& frame, PixelValue value) {
     const ConstRowView marks(mask);
     const RowView rows(frame);
+    const auto paintRows = [&](auto paintRow) {
+        for (std::int32_t y = 0; y < rows.Height(); ++y)
+            paintRow(marks.Row(y), rows.Width(), rows.Row(y), value);
+    };
     const bool sameSize = marks.Width() == rows.Width() && marks.Height() == rows.Height();
-    const RowPainter paintRow = RowPainterFor(rows.Bits(), value);
-    if (!sameSize || paintRow == nullptr) {
-        PaintPixels(mask, frame, value);
-        return;
-    }
-    for (std::int32_t y = 0; y < rows.Height(); ++y)
-        paintRow(marks.Row(y), rows.Width(), rows.Row(y), value);
-}
-
-/// Table entries lie blue, green, red behind the header.
-void SetTableEntry(DibHeader& frame, int index, PixelValue colour) {
-    StoreColour(reinterpret_cast<std::uint8_t*>(&frame) + frame.biSize + 4 * index, colour);
+    if (sameSize && rows.Bits() == 4) return paintRows(PaintHalfBytes);
+    if (sameSize && rows.Bits() == 8) return paintRows(PaintRow<1>);
+    if (sameSize && rows.Bits() == 24 && value == 0) return paintRows(PaintRow<3>);
+    PaintPixels(mask, frame, value);
 }
 
 } // namespace
@@ -152,7 +138,8 @@ bool PaintUnchanged(FrameRecord& frame, int slot, PixelValue matte) {
     frame.transparentIndex = slot;
     if (slot < 0) return true;
     PaintMarked(*mask, *picture, static_cast<PixelValue>(slot));
-    SetTableEntry(*picture, slot, matte);
+    // Table entries lie behind the header, four bytes each.
+    StoreColour(reinterpret_cast<std::uint8_t*>(picture.Get()) + picture->biSize + 4 * slot, matte);
     return true;
 }
 

@@ -3,8 +3,6 @@
 namespace lumafold {
 namespace {
 
-constexpr std::uint8_t kBitMasks[8] = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
-
 bool Inside(const DibHeader& dib, std::int64_t x, std::int64_t y) {
     return x >= 0 && x < dib.biWidth && y >= 0 && y < dib.biHeight;
 }
@@ -27,18 +25,14 @@ OwnedDib DibCreate(std::int64_t width, std::int64_t height, const Palette* palet
     if (!bytes) return {};
     OwnedDib dib(GlobalCreate(GlobalKind::MovableShared, *bytes));
     if (!dib) return dib;
-    const std::uint16_t colours = DibTableEntries(bits);
-    *dib = {sizeof(DibHeader),
-            static_cast<std::int32_t>(width),
-            static_cast<std::int32_t>(height),
-            1,
-            static_cast<std::uint16_t>(bits),
-            0,
-            static_cast<std::uint32_t>(DibStride(width, bits) * static_cast<std::uint64_t>(height)),
-            0,
-            0,
-            colours,
-            colours};
+    dib->biSize = sizeof(DibHeader);
+    dib->biWidth = static_cast<std::int32_t>(width);
+    dib->biHeight = static_cast<std::int32_t>(height);
+    dib->biPlanes = 1;
+    dib->biBitCount = static_cast<std::uint16_t>(bits);
+    dib->biSizeImage =
+        static_cast<std::uint32_t>(DibStride(width, bits) * static_cast<std::uint64_t>(height));
+    dib->biClrUsed = dib->biClrImportant = DibTableEntries(bits);
     // At 32 bits the one entry lands on the first stored pixel, as hosts have always been given it.
     if (palette != nullptr) DibSetPalette(*dib, *palette);
     return dib;
@@ -100,7 +94,7 @@ PixelValue DibGetPixel(const DibHeader& dib, std::int64_t x, std::int64_t y) {
     const auto column = static_cast<std::size_t>(x);
     switch (dib.biBitCount) {
     case 1:
-        return (row[column / 8] & kBitMasks[column % 8]) != 0 ? 1 : 0;
+        return row[column / 8] >> (7 - column % 8) & 1;
     case 4:
         return column % 2 == 0 ? row[column / 2] >> 4 : row[column / 2] & 0x0F;
     case 8:
@@ -122,7 +116,7 @@ void DibSetPixel(DibHeader& dib, std::int64_t x, std::int64_t y, PixelValue valu
     switch (dib.biBitCount) {
     case 1: {
         std::uint8_t& byte = row[column / 8];
-        const std::uint8_t mask = kBitMasks[column % 8];
+        const unsigned mask = 0x80U >> column % 8;
         byte = static_cast<std::uint8_t>(value != 0 ? byte | mask : byte & ~mask);
         break;
     }
@@ -175,14 +169,10 @@ void DibCopyRect(DibHeader& target, std::int64_t targetX, std::int64_t targetY, 
 
 void DibFill(DibHeader& dib, PixelValue colour) {
     const RowView rows(dib);
-    if (rows.Bits() != 24 || rows.Width() < 1 || colour == kNoPixel) return;
-    for (std::int32_t y = 0; y < rows.Height(); ++y) {
-        if (y == 0) {
-            StoreColours(rows.Row(0), static_cast<std::size_t>(rows.Width()), colour);
-        } else {
-            std::memcpy(rows.Row(y), rows.Row(0), rows.RowBytes());
-        }
-    }
+    if (rows.Bits() != 24 || rows.Height() < 1 || colour == kNoPixel) return;
+    StoreColours(rows.Row(0), static_cast<std::size_t>(rows.Width()), colour);
+    for (std::int32_t y = 1; y < rows.Height(); ++y)
+        std::memcpy(rows.Row(y), rows.Row(0), rows.RowBytes());
 }
 
 } // namespace lumafold

@@ -21,28 +21,15 @@ public:
     OwnedDib() = default;
     /// Takes over a block. One that cannot be locked is freed, and the owner is empty.
     explicit OwnedDib(DibHandle handle) : OwnedDib(OwnedGlobal(handle)) {}
-    explicit OwnedDib(OwnedGlobal block) : block_(std::move(block)) {
-        if (block_) header_ = static_cast<DibHeader*>(GlobalAcquire(block_.Get()));
-        if (header_ == nullptr) block_ = OwnedGlobal();
-    }
-    OwnedDib(OwnedDib&& other) noexcept
-        : block_(std::move(other.block_)), header_(std::exchange(other.header_, nullptr)) {}
-    OwnedDib& operator=(OwnedDib&& other) noexcept {
-        std::swap(block_, other.block_);
-        std::swap(header_, other.header_);
-        return *this;
-    }
-    OwnedDib(const OwnedDib&) = delete;
-    OwnedDib& operator=(const OwnedDib&) = delete;
-    ~OwnedDib() {
-        if (header_ != nullptr) GlobalRelease(block_.Get());
+    explicit OwnedDib(OwnedGlobal block) : block_(std::move(block)), header_(block_.Get()) {
+        if (!header_) block_ = OwnedGlobal();
     }
 
-    explicit operator bool() const { return header_ != nullptr; }
+    explicit operator bool() const { return static_cast<bool>(header_); }
     DibHeader& operator*() { return *header_; }
     const DibHeader& operator*() const { return *header_; }
-    DibHeader* operator->() { return header_; }
-    const DibHeader* operator->() const { return header_; }
+    DibHeader* operator->() { return header_.Get(); }
+    const DibHeader* operator->() const { return header_.Get(); }
     RowView Rows() { return RowView(*header_); }
     ConstRowView Rows() const { return ConstRowView(*header_); }
 
@@ -50,13 +37,13 @@ public:
     DibHandle Get() const { return block_.Get(); }
     /// Unlocks the picture and gives it away.
     [[nodiscard]] DibHandle Release() {
-        if (std::exchange(header_, nullptr) != nullptr) GlobalRelease(block_.Get());
+        header_ = LockedDib();
         return block_.Release();
     }
 
 private:
     OwnedGlobal block_;
-    DibHeader* header_ = nullptr;
+    LockedDib header_; // unlocked before the block is freed
 };
 
 /// A new picture of all-zero pixels; empty when memory is short or DibBlockBytes allows no such size.

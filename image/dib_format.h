@@ -83,10 +83,9 @@ constexpr std::int32_t RectHeight(const Rect& rect) { return rect.bottom - rect.
 
 /// 1, 4, 8, 24 or 32: what a picture asked for with `bits` is made of.
 constexpr int DibRoundBitDepth(int bits) {
-    if (bits == 1) return 1;
-    if (bits >= 2 && bits <= 4) return 4;
-    if (bits >= 5 && bits <= 8) return 8;
-    if (bits >= 9 && bits <= 24) return 24;
+    for (const int depth : {1, 4, 8, 24}) {
+        if (bits >= 1 && bits <= depth) return depth;
+    }
     return 32;
 }
 

@@ -5,19 +5,14 @@ namespace lumafold {
 bool FrameListAppend(FrameList& list, const FrameRecord& record) {
     if (list.count == INT32_MAX) return false;
     const std::size_t bytes = (static_cast<std::size_t>(list.count) + 1) * sizeof(FrameRecord);
-    const bool first = list.handle == 0;
     const GlobalHandle grown =
-        first ? GlobalCreate(GlobalKind::Movable, bytes) : GlobalResize(list.handle, bytes);
+        list.handle == 0 ? GlobalCreate(GlobalKind::Movable, bytes) : GlobalResize(list.handle, bytes);
     if (grown == 0) return false;
     list.handle = grown;
-    ++list.count;
-    if (FrameListPut(list, list.count - 1, record)) return true;
-    --list.count;
-    if (first) {
-        GlobalDestroy(list.handle);
-        list.handle = 0;
-    }
-    return false;
+    const GlobalLocked<FrameRecord> records(grown);
+    if (!records) return false;
+    records.Get()[list.count++] = record;
+    return true;
 }
 
 bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "image/dib.h"
+#include "platform/non_copyable.h"
 
 namespace lumafold {
 
@@ -15,13 +16,13 @@ struct FrameRecord {
     std::uint8_t reserved[24];
 };
 struct FrameList {
-    GlobalHandle handle; ///< the records, or 0 while there are none
+    GlobalHandle handle; ///< the records; 0 before the first
     std::int32_t count;
 };
 #pragma pack(pop)
 static_assert(sizeof(FrameRecord) == 40 && sizeof(FrameList) == 8);
 
-/// Appends a copy of the record and owns its pictures from then on. False leaves the list as it was.
+/// Appends a copy of the record and owns its pictures from then on. False leaves the records as they were.
 bool FrameListAppend(FrameList& list, const FrameRecord& record);
 /// Appends a picture with nothing special about it, which is freed when the list does not take it; false for
 /// no picture.
@@ -40,11 +41,8 @@ void FrameRecordRelease(FrameRecord& record);
 void FrameListRelease(FrameList& list);
 
 /// A list that releases itself.
-class OwnedFrameList {
+class OwnedFrameList : NonCopyable {
 public:
-    OwnedFrameList() = default;
-    OwnedFrameList(const OwnedFrameList&) = delete;
-    OwnedFrameList& operator=(const OwnedFrameList&) = delete;
     ~OwnedFrameList() { FrameListRelease(list_); }
 
     FrameList& operator*() { return list_; }

@@ -12,13 +12,12 @@ constexpr std::uint32_t kMasksOffset = 40; // inside the larger headers, right b
 enum Compression : std::uint32_t { kRgb = 0, kBitFields = 3, kAlphaBitFields = 6 };
 
 /// A host's block, of which nothing is believed. Offsets are checked by whoever reads.
-class ForeignBytes {
-public:
-    explicit ForeignBytes(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
+struct ForeignBytes {
+    std::span<const std::uint8_t> bytes;
 
-    bool Holds(std::uint64_t bytes) const { return bytes <= bytes_.size(); }
+    bool Holds(std::uint64_t count) const { return count <= bytes.size(); }
     const std::uint8_t* At(std::uint64_t offset) const {
-        return bytes_.data() + static_cast<std::size_t>(offset);
+        return bytes.data() + static_cast<std::size_t>(offset);
     }
     template <typename T>
     T Read(std::uint64_t offset) const {
@@ -26,9 +25,6 @@ public:
         std::memcpy(&value, At(offset), sizeof(value));
         return value;
     }
-
-private:
-    std::span<const std::uint8_t> bytes_;
 };
 
 /// Where everything lies in a foreign picture.
@@ -41,41 +37,22 @@ struct ForeignShape {
     std::uint64_t tableOffset = 0, tableEntries = 0, tableEntryBytes = 4;
     std::uint64_t rowsOffset = 0, stride = 0;
 
-    bool IsIndexed() const { return bits <= 8; }
+    bool IsIndexed() const { return bits == 1 || bits == 4 || bits == 8; }
+    bool IsDeep() const { return bits == 16 || bits == 32; }
     bool HasMasks() const { return compression != kRgb; }
+    std::uint64_t WholeTable() const { return IsIndexed() ? std::uint64_t{1} << bits : 0; }
 };
 
 bool IsKnownHeader(std::uint32_t bytes) {
-    switch (bytes) {
-    case kCoreHeaderBytes:
-    case 40:
-    case 52:
-    case 56:
-    case 64:
-    case 108:
-    case 124:
-        return true;
-    default:
-        return false;
-    }
+    constexpr std::uint32_t kKnown[] = {kCoreHeaderBytes, 40, 52, 56, 64, 108, 124};
+    return std::find(std::begin(kKnown), std::end(kKnown), bytes) != std::end(kKnown);
 }
 
 bool IsKnownKind(const ForeignShape& shape) {
-    switch (shape.bits) {
-    case 1:
-    case 4:
-    case 8:
-    case 24:
-        return shape.compression == kRgb;
-    case 16:
-    case 32:
-        // A 64-byte header numbers its compressions differently.
-        return shape.compression == kRgb ||
-               (shape.headerBytes != 64 &&
-                (shape.compression == kBitFields || shape.compression == kAlphaBitFields));
-    default:
-        return false;
-    }
+    if (shape.compression == kRgb) return shape.IsDeep() || shape.IsIndexed() || shape.bits == 24;
+    // A 64-byte header numbers its compressions differently.
+    return shape.IsDeep() && shape.headerBytes != 64 &&
+           (shape.compression == kBitFields || shape.compression == kAlphaBitFields);
 }
 
 void ReadCoreHeader(const ForeignBytes& block, ForeignShape& shape) {
@@ -83,7 +60,7 @@ void ReadCoreHeader(const ForeignBytes& block, ForeignShape& shape) {
     shape.height = block.Read<std::uint16_t>(6);
     shape.bits = block.Read<std::uint16_t>(10);
     shape.tableEntryBytes = 3;
-    if (shape.IsIndexed()) shape.tableEntries = std::uint64_t{1} << shape.bits;
+    shape.tableEntries = shape.WholeTable();
 }
 
 void ReadInfoHeader(const ForeignBytes& block, ForeignShape& shape) {
@@ -93,8 +70,7 @@ void ReadInfoHeader(const ForeignBytes& block, ForeignShape& shape) {
     shape.height = shape.topDown ? -std::int64_t{header.biHeight} : header.biHeight;
     shape.bits = header.biBitCount;
     shape.compression = header.biCompression;
-    shape.tableEntries = header.biClrUsed;
-    if (shape.IsIndexed() && header.biClrUsed == 0) shape.tableEntries = std::uint64_t{1} << shape.bits;
+    shape.tableEntries = header.biClrUsed != 0 ? header.biClrUsed : shape.WholeTable();
     if (shape.headerBytes == kMasksOffset && shape.HasMasks()) {
         shape.tableOffset += shape.compression == kAlphaBitFields ? 16 : 12;
     }
@@ -105,8 +81,7 @@ void ReadInfoHeader(const ForeignBytes& block, ForeignShape& shape) {
 bool PlaceRows(const ForeignBytes& block, ForeignShape& shape) {
     // No size here is beyond 35 bits, so the products stay below 64.
     shape.stride = DibStride(shape.width, static_cast<int>(shape.bits));
-    const std::uint64_t wholeTable = shape.IsIndexed() ? std::uint64_t{1} << shape.bits : 0;
-    for (const std::uint64_t entries : {wholeTable, shape.tableEntries}) {
+    for (const std::uint64_t entries : {shape.WholeTable(), shape.tableEntries}) {
         shape.tableEntries = entries;
         shape.rowsOffset = shape.tableOffset + entries * shape.tableEntryBytes;
         if (block.Holds(shape.stride) && block.Holds(shape.rowsOffset) &&
@@ -140,15 +115,14 @@ bool FitsTrueColour(const ForeignShape& shape) {
 }
 
 bool IsOurForm(const ForeignShape& shape) {
-    const std::uint64_t wholeTable = shape.IsIndexed() ? std::uint64_t{1} << shape.bits : 0;
-    return shape.headerBytes == sizeof(DibHeader) && !shape.topDown && shape.bits != 16 && shape.bits != 32 &&
-           shape.tableEntries == wholeTable;
+    return shape.headerBytes == sizeof(DibHeader) && !shape.topDown && !shape.IsDeep() &&
+           shape.tableEntries == shape.WholeTable();
 }
 
 /// Entries that are missing are black; those beyond the depth name no pixel.
 Palette ReadPalette(const ForeignBytes& block, const ForeignShape& shape) {
     Palette palette{};
-    const std::uint64_t entries = std::min(shape.tableEntries, std::uint64_t{1} << shape.bits);
+    const std::uint64_t entries = std::min(shape.tableEntries, shape.WholeTable());
     for (std::uint64_t i = 0; i < entries; ++i) {
         const std::uint8_t* entry = block.At(shape.tableOffset + i * shape.tableEntryBytes);
         palette[static_cast<std::size_t>(i)] = LoadRgb(entry);
@@ -182,7 +156,7 @@ private:
 };
 
 OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
-    const Palette palette = shape.IsIndexed() ? ReadPalette(block, shape) : Palette{};
+    const Palette palette = ReadPalette(block, shape);
     const auto width = static_cast<std::int32_t>(shape.width);
     const auto height = static_cast<std::int32_t>(shape.height);
     OwnedDib made = DibCreate(width, height, &palette, shape.IsIndexed() ? static_cast<int>(shape.bits) : 24);
@@ -193,7 +167,7 @@ OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
         const std::int32_t stored = shape.topDown ? y : height - 1 - y;
         const std::uint8_t* from =
             block.At(shape.rowsOffset + shape.stride * static_cast<std::uint64_t>(stored));
-        if (shape.bits == 16 || shape.bits == 32) {
+        if (shape.IsDeep()) {
             deep.Convert(from, rows.Row(y), width);
         } else {
             std::memcpy(rows.Row(y), from, static_cast<std::size_t>(shape.stride));
@@ -207,7 +181,7 @@ OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
 OwnedDib DibImport(DibHandle foreign) {
     OwnedDib picture(foreign);
     if (!picture) return picture;
-    const ForeignBytes block({reinterpret_cast<const std::uint8_t*>(&*picture), GlobalBytes(picture.Get())});
+    const ForeignBytes block{{reinterpret_cast<const std::uint8_t*>(&*picture), GlobalBytes(picture.Get())}};
     const std::optional<ForeignShape> shape = ReadShape(block);
     if (!shape || !FitsTrueColour(*shape)) return {};
     if (IsOurForm(*shape)) return picture;

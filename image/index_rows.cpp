@@ -8,7 +8,7 @@ void UnpackIndices(const std::uint8_t* row, int bits, std::span<std::uint8_t> in
         std::copy_n(row, count, indices.data());
     } else if (bits == 4) {
         for (std::size_t x = 0; x < count; ++x)
-            indices[x] = static_cast<std::uint8_t>(x % 2 == 0 ? row[x / 2] >> 4 : row[x / 2] & 0x0F);
+            indices[x] = row[x / 2] >> (4 - x % 2 * 4) & 0x0F;
     } else {
         for (std::size_t x = 0; x < count; ++x)
             indices[x] = row[x / 8] >> (7 - x % 8) & 1;

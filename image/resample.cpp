@@ -1,12 +1,16 @@
 #include "image/resample.h"
 
-#include "image/index_rows.h"
+#include "image/colour_rows.h"
 
 namespace lumafold {
 namespace {
 
 enum class Axis { Width, Height };
-enum class Pass { Stretch, Shrink };
+
+/// How many positions a picture has along the axis.
+std::int32_t LengthOf(const DibHeader& dib, Axis axis) {
+    return axis == Axis::Width ? dib.biWidth : dib.biHeight;
+}
 
 /// Position `to` of a stretched line is weightA * (source a) / of + weightB * (source b) / of, both
 /// truncated. Where a is b, it is a copy.
@@ -62,43 +66,50 @@ public:
         if (whole_) return {static_cast<std::int32_t>(v)};
         return {RedOf(v), GreenOf(v), BlueOf(v)};
     }
-    void Set(std::int64_t i, const Parts& parts) {
-        const auto part = [&](std::size_t c) { return static_cast<PixelValue>(parts[c]); };
-        const PixelValue v = whole_ ? part(0) : MakeColour(part(0), part(1), part(2));
-        axis_ == Axis::Width ? DibSetPixel(dib_, i, at_, v) : DibSetPixel(dib_, at_, i, v);
-    }
-
-private:
-    Header& dib_;
-    Axis axis_;
-    std::int32_t at_;
-    bool whole_;
-};
-
-void StretchLine(const Line<const DibHeader>& from, std::int64_t length, Line<DibHeader>& to,
-                 std::int64_t newLength, std::int64_t percent, Axis axis) {
-    ForEachMix(axis, length, newLength, percent, [&](const Mix& mix) {
+    void SetMix(const Line<const DibHeader>& from, const Mix& mix) {
         if (mix.a == mix.b && from.Value(mix.a) == kNoPixel) return;
-        auto a = from.Get(mix.a);
-        const auto b = from.Get(mix.b);
+        Parts a = from.Get(mix.a);
+        const Parts b = from.Get(mix.b);
         for (std::size_t c = 0; c < 3; ++c)
             a[c] = mix.weightA * a[c] / mix.of + mix.weightB * b[c] / mix.of;
-        to.Set(mix.to, a);
-    });
-}
-
-void ShrinkLine(const Line<const DibHeader>& from, std::int64_t length, Line<DibHeader>& to,
-                std::int64_t newLength, std::int64_t percent) {
-    for (std::int64_t x = 0; x < newLength; ++x) {
-        const Box box = BoxOf(x, length, percent);
-        std::array<std::int64_t, 3> sums{};
+        Set(mix.to, a);
+    }
+    void SetMean(std::int64_t to, const Line<const DibHeader>& from, const Box& box) {
+        Parts sums{};
         for (std::int64_t i = box.begin; i < box.end; ++i) {
             for (std::size_t c = 0; c < 3; ++c)
                 sums[c] += from.Get(i)[c];
         }
         for (std::int64_t& sum : sums)
             sum /= box.end - box.begin;
-        to.Set(x, sums);
+        Set(to, sums);
+    }
+
+private:
+    void Set(std::int64_t i, const Parts& parts) {
+        const auto part = [&](std::size_t c) { return static_cast<PixelValue>(parts[c]); };
+        const PixelValue v = whole_ ? part(0) : MakeColour(part(0), part(1), part(2));
+        axis_ == Axis::Width ? DibSetPixel(dib_, i, at_, v) : DibSetPixel(dib_, at_, i, v);
+    }
+
+    Header& dib_;
+    Axis axis_;
+    std::int32_t at_;
+    bool whole_;
+};
+
+void ResampleLines(const DibHeader& source, DibHeader& target, std::int32_t percent, Axis axis) {
+    const std::int32_t lines = LengthOf(source, axis == Axis::Width ? Axis::Height : Axis::Width);
+    for (std::int32_t at = 0; at < lines; ++at) {
+        const Line<const DibHeader> from(source, axis, at);
+        Line<DibHeader> to(target, axis, at);
+        if (percent > 100) {
+            ForEachMix(axis, LengthOf(source, axis), LengthOf(target, axis), percent,
+                       [&](const Mix& mix) { to.SetMix(from, mix); });
+        } else {
+            for (std::int32_t i = 0; i < LengthOf(target, axis); ++i)
+                to.SetMean(i, from, BoxOf(i, LengthOf(source, axis), percent));
+        }
     }
 }
 
@@ -123,24 +134,21 @@ struct QuickMix {
 
 /// False when memory is short.
 bool StretchQuickly(const DibHeader& source, DibHeader& target, std::int64_t percent, Axis axis) {
-    const bool wide = axis == Axis::Width;
     const ConstRowView from(source);
     const RowView to(target);
-    Array<QuickMix> mixes(static_cast<std::size_t>(wide ? to.Width() : to.Height()));
+    Array<QuickMix> mixes(static_cast<std::size_t>(LengthOf(target, axis)));
     Array<std::uint8_t> white(to.RowBytes());
     if (!mixes || !white) return false;
     std::memset(white.data(), 0xFF, white.size());
-    ForEachMix(axis, wide ? from.Width() : from.Height(), static_cast<std::int64_t>(mixes.size()), percent,
-               [&](const Mix& mix) {
-                   const std::uint32_t share = ShareOf(mix.of);
-                   mixes[static_cast<std::size_t>(mix.to)] = {
-                       static_cast<std::int32_t>(mix.a), static_cast<std::int32_t>(mix.b),
-                       static_cast<std::uint32_t>(mix.weightA) * share,
-                       static_cast<std::uint32_t>(mix.weightB) * share};
-               });
+    ForEachMix(axis, LengthOf(source, axis), LengthOf(target, axis), percent, [&](const Mix& mix) {
+        const std::uint32_t share = ShareOf(mix.of);
+        mixes[static_cast<std::size_t>(mix.to)] = {
+            static_cast<std::int32_t>(mix.a), static_cast<std::int32_t>(mix.b),
+            static_cast<std::uint32_t>(mix.weightA) * share, static_cast<std::uint32_t>(mix.weightB) * share};
+    });
     for (std::int32_t y = 0; y < to.Height(); ++y) {
         std::uint8_t* out = to.Row(y);
-        if (wide) {
+        if (axis == Axis::Width) {
             const std::uint8_t* row = from.Row(y);
             for (const QuickMix& mix : mixes) {
                 for (int c = 0; c < 3; ++c)
@@ -224,29 +232,15 @@ void ShrinkHeightQuickly(const DibHeader& source, DibHeader& target, std::int64_
     }
 }
 
-void ResampleLines(const DibHeader& source, DibHeader& target, std::int32_t percent, Pass pass, Axis axis) {
+/// Stretches above 100 percent and shrinks below.
+OwnedDib Resample(const DibHeader& source, std::int32_t percent, Axis axis) {
     const bool wide = axis == Axis::Width;
-    const std::int64_t length = wide ? source.biWidth : source.biHeight;
-    const std::int64_t newLength = wide ? target.biWidth : target.biHeight;
-    for (std::int32_t at = 0; at < (wide ? source.biHeight : source.biWidth); ++at) {
-        const Line<const DibHeader> from(source, axis, at);
-        Line<DibHeader> to(target, axis, at);
-        if (pass == Pass::Stretch) {
-            StretchLine(from, length, to, newLength, percent, axis);
-        } else {
-            ShrinkLine(from, length, to, newLength, percent);
-        }
-    }
-}
-
-OwnedDib Resample(const DibHeader& source, std::int32_t percent, Pass pass, Axis axis) {
-    const bool wide = axis == Axis::Width;
-    const std::int64_t size = std::int64_t{wide ? source.biWidth : source.biHeight} * percent / 100;
+    const std::int64_t size = std::int64_t{LengthOf(source, axis)} * percent / 100;
     OwnedDib target = DibCreateLike(source, wide ? size : source.biWidth, wide ? source.biHeight : size);
     if (!target) return target;
     if (source.biBitCount != 24 || percent > kMostQuickPercent) {
-        ResampleLines(source, *target, percent, pass, axis);
-    } else if (pass == Pass::Stretch) {
+        ResampleLines(source, *target, percent, axis);
+    } else if (percent > 100) {
         if (!StretchQuickly(source, *target, percent, axis)) return {};
     } else if (percent == 50) {
         Halve(source, *target, axis);
@@ -257,8 +251,7 @@ OwnedDib Resample(const DibHeader& source, std::int32_t percent, Pass pass, Axis
 }
 
 OwnedDib ScaleAxis(const DibHeader& source, std::int32_t percent, Axis axis) {
-    if (percent == 100) return DibCopy(source);
-    return Resample(source, percent, percent > 100 ? Pass::Stretch : Pass::Shrink, axis);
+    return percent == 100 ? DibCopy(source) : Resample(source, percent, axis);
 }
 
 } // namespace
@@ -267,39 +260,26 @@ OwnedDib DibToTrueColour(const DibHeader& source) {
     if (source.biBitCount != DibRoundBitDepth(source.biBitCount)) return {};
     OwnedDib target = DibCreate(source.biWidth, source.biHeight, nullptr, 24);
     if (!target || target->biWidth == 0) return target;
-    Palette palette;
-    DibGetPalette(source, palette);
-    const ConstRowView from(source);
+    ColourRows from(source);
+    if (!from) return {};
     const RowView to = target.Rows();
-    Array<std::uint8_t> indices(from.Bits() > 8 ? 0 : static_cast<std::size_t>(from.Width()));
-    if (!indices) return {};
-    for (std::int32_t y = 0; y < to.Height(); ++y) {
-        std::uint8_t* out = to.Row(y);
-        if (from.Bits() > 8) {
-            // Deeper than 24 bits the row is still taken as it stands, three bytes a pixel.
-            std::memcpy(out, from.Row(y), to.RowBytes());
-            continue;
-        }
-        UnpackIndices(from.Row(y), from.Bits(), indices);
-        for (const std::uint8_t index : indices) {
-            StoreColour(out, palette[index]);
-            out += 3;
-        }
-    }
+    // Deeper than 24 bits the row is still taken as it stands, three bytes a pixel.
+    for (std::int32_t y = 0; y < to.Height(); ++y)
+        std::memcpy(to.Row(y), from.Row(y), to.RowBytes());
     return target;
 }
 
 OwnedDib DibStretchWidth(const DibHeader& source, std::int32_t percent) {
-    return Resample(source, percent, Pass::Stretch, Axis::Width);
+    return Resample(source, percent, Axis::Width);
 }
 OwnedDib DibShrinkWidth(const DibHeader& source, std::int32_t percent) {
-    return Resample(source, percent, Pass::Shrink, Axis::Width);
+    return Resample(source, percent, Axis::Width);
 }
 OwnedDib DibStretchHeight(const DibHeader& source, std::int32_t percent) {
-    return Resample(source, percent, Pass::Stretch, Axis::Height);
+    return Resample(source, percent, Axis::Height);
 }
 OwnedDib DibShrinkHeight(const DibHeader& source, std::int32_t percent) {
-    return Resample(source, percent, Pass::Shrink, Axis::Height);
+    return Resample(source, percent, Axis::Height);
 }
 
 OwnedDib DibScale(const DibHeader& source, std::int32_t percentX, std::int32_t percentY) {

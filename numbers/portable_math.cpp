@@ -1,11 +1,10 @@
 #include "numbers/portable_math.h"
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-
-#include "numbers/portable_math_tables.h"
 
 // Everything is worked out as the unevaluated sum of two doubles, good to about 100 bits, and rounded once.
 // Only sums and products of doubles are used: those give the same bits on every machine of ours.
@@ -13,59 +12,114 @@
 namespace lumafold {
 namespace {
 
-using namespace portable_math_tables;
+/// An unevaluated sum of two doubles.
+struct Pair {
+    double high, low;
+};
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-inline Pair Sum(double a, double b) {
+constexpr Pair Sum(double a, double b) {
     const double sum = a + b;
     const double part = sum - a;
     return {sum, (a - (sum - part)) + (b - part)};
 }
 
 /// The same where |a| >= |b|.
-inline Pair QuickSum(double a, double b) {
+constexpr Pair QuickSum(double a, double b) {
     const double sum = a + b;
     return {sum, b - (sum - a)};
 }
 
-inline Pair Split(double a) {
+constexpr Pair Split(double a) {
     const double scaled = 134217729.0 * a; // 2^27 + 1
     const double high = scaled - (scaled - a);
     return {high, a - high};
 }
 
-inline Pair Product(double a, double b) {
+constexpr Pair Product(double a, double b) {
     const double product = a * b;
     const Pair x = Split(a), y = Split(b);
     return {product, ((x.high * y.high - product) + x.high * y.low + x.low * y.high) + x.low * y.low};
 }
 
 /// Sums must not cancel much; every one below is of a small correction, or loses two bits at most.
-inline Pair operator+(Pair a, Pair b) {
+constexpr Pair operator+(Pair a, Pair b) {
     const Pair sum = Sum(a.high, b.high);
     return QuickSum(sum.high, sum.low + (a.low + b.low));
 }
-inline Pair operator+(Pair a, double b) {
+constexpr Pair operator+(Pair a, double b) {
     const Pair sum = Sum(a.high, b);
     return QuickSum(sum.high, sum.low + a.low);
 }
-inline Pair operator*(Pair a, Pair b) {
+constexpr Pair operator*(Pair a, Pair b) {
     const Pair product = Product(a.high, b.high);
     return QuickSum(product.high, product.low + (a.high * b.low + a.low * b.high));
 }
-inline Pair operator-(Pair a) { return {-a.high, -a.low}; }
+constexpr Pair operator-(Pair a) { return {-a.high, -a.low}; }
+constexpr Pair operator/(Pair a, int divisor) {
+    const double quotient = a.high / divisor;
+    const Pair product = Product(quotient, divisor);
+    return QuickSum(quotient, ((a.high - product.high) - product.low + a.low) / divisor);
+}
 
 /// The nearest whole number, for |a| < 2^51.
-inline double Nearest(double a) {
+constexpr double Nearest(double a) {
     constexpr double kShift = 6755399441055744.0; // 1.5 * 2^52
     return (a + kShift) - kShift;
 }
 
 /// 2^exponent, for exponents of normal numbers.
-inline double PowerOfTwo(int exponent) {
+constexpr double PowerOfTwo(int exponent) {
     return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52);
 }
+
+// Split so that a multiple of up to 21 bits is exact in every part but the last.
+constexpr double kHalfPiParts[5] = {0x1.921fb54400000p+0, 0x1.0b4611a600000p-34, 0x1.3198a2e000000p-69,
+                                    0x1.b839a25200000p-104, 0x1.27044533e63a0p-142};
+constexpr double kTwoOverPi = 0x1.45f306dc9c883p-1;
+// The same for factors of up to 12 bits.
+constexpr double kLn2Parts[3] = {0x1.62e42fefa2000p-1, 0x1.9ef35793c6000p-41, 0x1.673007e5ed5e8p-81};
+constexpr double kOneOverLn2 = 0x1.71547652b82fep+0;
+
+/// 1 / n!
+constexpr auto kInverseFactorial = [] {
+    std::array<Pair, 13> inverse{{{1, 0}}};
+    for (int n = 1; n < 13; ++n)
+        inverse[static_cast<std::size_t>(n)] = inverse[static_cast<std::size_t>(n) - 1] / n;
+    return inverse;
+}();
+
+// The tables are of arguments j / kStepsPerUnit: exponentials from -23 to 23, angles up to a little over pi
+// / 4. All are summed by Taylor's series, whose terms beyond 1 / 28! are too small to count.
+constexpr int kStepsPerUnit = 64, kExpMiddle = 23, kLastTerm = 28;
+
+constexpr auto kExp = [] {
+    std::array<Pair, 2 * kExpMiddle + 1> table{};
+    for (int j = 0; j <= 2 * kExpMiddle; ++j) {
+        const Pair x{(j - kExpMiddle) / double{kStepsPerUnit}, 0};
+        Pair sum{1, 0};
+        for (int n = kLastTerm; n > 0; --n)
+            sum = x * sum / n + 1;
+        table[static_cast<std::size_t>(j)] = sum;
+    }
+    return table;
+}();
+
+struct SineCosine {
+    Pair sine, cosine;
+};
+constexpr auto kSinCos = [] {
+    std::array<SineCosine, 52> table{};
+    for (int j = 0; j < 52; ++j) {
+        const Pair x{j / double{kStepsPerUnit}, 0}, square = x * x;
+        SineCosine sums{{1, 0}, {1, 0}};
+        for (int n = kLastTerm; n > 0; n -= 2) {
+            sums.sine = -(square * sums.sine / (n * (n + 1))) + 1;
+            sums.cosine = -(square * sums.cosine / ((n - 1) * n)) + 1;
+        }
+        table[static_cast<std::size_t>(j)] = {x * sums.sine, sums.cosine};
+    }
+    return table;
+}();
 
 /// x - count * pi / 2, at most a little over pi / 4, with an error below 2^-80.
 Pair ReduceQuickly(double x, double count) {
@@ -77,9 +131,8 @@ Pair ReduceQuickly(double x, double count) {
 Pair ReduceExactly(double x, double count) {
     double part[5];
     part[0] = x - count * kHalfPiParts[0];
-    for (int i = 1; i < 5; ++i) {
+    for (int i = 1; i < 5; ++i)
         part[i] = -(count * kHalfPiParts[i]);
-    }
     for (int sweep = 0; sweep < 2; ++sweep) {
         for (int i = 4; i > 0; --i) {
             const Pair sum = Sum(part[i - 1], part[i]);
@@ -90,11 +143,8 @@ Pair ReduceExactly(double x, double count) {
     return QuickSum(part[0], part[1] + (part[2] + part[3]));
 }
 
-struct SineCosine {
-    Pair sine, cosine; // the cosine less 1
-};
-
-/// For |x| up to 1/64. What a term's second double would add is below the sum's last bit from x^7 on.
+/// For |x| up to 1/64, the cosine less 1. What a term's second double would add is below the sum's last bit
+/// from x^7 on.
 SineCosine SmallSineCosine(Pair x) {
     const Pair square = x * x;
     const double z = square.high;
@@ -116,7 +166,7 @@ struct NearAngle {
 
 NearAngle FromTable(Pair angle, bool ofCosine) {
     const double step = Nearest(angle.high * kStepsPerUnit);
-    const SinCosEntry& entry = kSinCos[static_cast<int>(step)];
+    const SineCosine& entry = kSinCos[static_cast<std::size_t>(step)];
     const Pair rest = Sum(angle.high - step / kStepsPerUnit, angle.low);
     if (ofCosine) return {entry.cosine, -entry.sine, rest};
     return {entry.sine, entry.cosine, rest};
@@ -187,33 +237,26 @@ Scaled Exponential(Pair x) {
     rest = Sum(rest.high - step / kStepsPerUnit, rest.low);
 
     double tail = kInverseFactorial[12].high;
-    for (int n = 11; n >= 7; --n) {
+    for (std::size_t n = 11; n >= 7; --n)
         tail = tail * rest.high + kInverseFactorial[n].high;
-    }
     Pair sum = kInverseFactorial[6] + tail * rest.high;
-    for (int n = 5; n >= 2; --n) {
+    for (std::size_t n = 5; n >= 2; --n)
         sum = kInverseFactorial[n] + sum * rest;
-    }
     const Pair lessOne = rest + rest * rest * sum;
-    const Pair& base = kExp[kExpMiddle + static_cast<int>(step)];
+    const Pair& base = kExp[static_cast<std::size_t>(step + kExpMiddle)];
     return {base + base * lessOne, static_cast<int>(count)};
 }
 
 /// The nearest double, the denormal ones rounded once like all others.
 double Round(Scaled number) {
     const auto [value, exponent] = number;
-    if (exponent < -1080) return 0.0;
-    double rounded = value.high;
-    if (exponent < -1022 || (exponent == -1022 && value.high < 1)) {
-        const double quantum = PowerOfTwo(-1074 - exponent);
-        const double shift = 4503599627370496.0 * quantum; // 2^52: the sum's last bit is the quantum
-        rounded = (value.high + shift) - shift;
-        const double rest = value.high - rounded;
-        if (rest == quantum / 2 && value.low > 0) rounded += quantum;
-        if (rest == -quantum / 2 && value.low < 0) rounded -= quantum;
-    }
-    const int half = exponent / 2;
-    return rounded * PowerOfTwo(half) * PowerOfTwo(exponent - half);
+    if (exponent > -1022 && exponent < 1024) return value.high * PowerOfTwo(exponent);
+    double high = value.high;
+    const bool isDenormal = exponent < -1022 || (exponent == -1022 && high < 1);
+    // An odd last bit stands for what lies beyond it, so that nothing is rounded twice.
+    if (isDenormal && value.low != 0 && (std::bit_cast<std::uint64_t>(high) & 1) == 0)
+        high = std::nextafter(high, value.low > 0 ? 2 : 0);
+    return std::ldexp(high, exponent);
 }
 
 } // namespace
@@ -228,7 +271,7 @@ double PortableCos(double x) { return SineFrom(x, 1); }
 double PortableExp(long double x) {
     const auto high = static_cast<double>(x);
     if (high != high) return high;
-    if (high > 710) return kInfinity;
+    if (high > 710) return std::numeric_limits<double>::infinity();
     if (high < -750) return 0;
     return Round(Exponential({high, static_cast<double>(x - static_cast<long double>(high))}));
 }

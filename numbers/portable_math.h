@@ -6,6 +6,8 @@
 #include <bit>
 #include <cfloat>
 
+#include "platform/non_copyable.h"
+
 namespace lumafold {
 
 /// Radians; exact to the nearest double for |x| up to 2^20.
@@ -31,11 +33,9 @@ inline long double Extended(long double value) {
 }
 
 /// While it lives, 80-bit arithmetic rounds to 64 bits of mantissa: a thread of a host may have set less.
-class ExtendedPrecision {
+class ExtendedPrecision : NonCopyable {
 public:
     ExtendedPrecision();
-    ExtendedPrecision(const ExtendedPrecision&) = delete;
-    ExtendedPrecision& operator=(const ExtendedPrecision&) = delete;
     ~ExtendedPrecision();
 
 private:

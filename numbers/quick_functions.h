@@ -19,15 +19,9 @@ inline double QuickLog(double x) {
     // m lies about 1: ln m = 2 (u + u^3 / 3 + u^5 / 5 + ...).
     const double u = (m - 1) / (m + 1), z = u * u;
     double sum = 1.0 / 21;
-    sum = sum * z + 1.0 / 19;
-    sum = sum * z + 1.0 / 17;
-    sum = sum * z + 1.0 / 15;
-    sum = sum * z + 1.0 / 13;
-    sum = sum * z + 1.0 / 11;
-    sum = sum * z + 1.0 / 9;
-    sum = sum * z + 1.0 / 7;
-    sum = sum * z + 1.0 / 5;
-    sum = sum * z + 1.0 / 3;
+    for (const double coefficient :
+         {1.0 / 19, 1.0 / 17, 1.0 / 15, 1.0 / 13, 1.0 / 11, 1.0 / 9, 1.0 / 7, 1.0 / 5, 1.0 / 3})
+        sum = sum * z + coefficient;
     return exponent * kLn2 + 2 * (u + u * (z * sum));
 }
 
@@ -40,12 +34,8 @@ inline double QuickExp(double x) {
     const double count = shifted - kRound;
     const double r = ((x - count * kLn2High) - count * kLn2Low) * 0.125;
     double sum = 1.0 / 40320;
-    sum = sum * r + 1.0 / 5040;
-    sum = sum * r + 1.0 / 720;
-    sum = sum * r + 1.0 / 120;
-    sum = sum * r + 1.0 / 24;
-    sum = sum * r + 1.0 / 6;
-    sum = sum * r + 0.5;
+    for (const double coefficient : {1.0 / 5040, 1.0 / 720, 1.0 / 120, 1.0 / 24, 1.0 / 6, 0.5})
+        sum = sum * r + coefficient;
     // Three squarings undo the eighth; e^r - 1 is what is squared, so that small arguments lose nothing.
     double lessOne = r + r * (r * sum);
     lessOne = lessOne * (lessOne + 2);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <numbers>
 
+#include "numbers/portable_math.h"
 #include "platform/allocation.h"
 
 namespace lumafold {
@@ -17,7 +18,12 @@ struct Turn {
 /// Check it before use: its directions may not have been had.
 class TurnTable {
 public:
-    TurnTable();
+    TurnTable() : directions_(kDirections) {
+        for (std::size_t i = 0; i < directions_.size(); ++i) {
+            const double angle = static_cast<double>(i) * kSpacing;
+            directions_[i] = {PortableCos(angle), PortableSin(angle)};
+        }
+    }
     explicit operator bool() const { return static_cast<bool>(directions_); }
 
     /// Radians, |angle| below 10^9.

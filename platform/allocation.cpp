@@ -14,9 +14,9 @@ std::atomic<std::int64_t> liveLocks = 0;
 
 } // namespace
 
-void* PlainAlloc(std::size_t bytes) {
+void* PlainAlloc(std::size_t count, std::size_t bytes) {
     if (!allocation_hooks::Admit()) return nullptr;
-    void* memory = std::calloc(bytes == 0 ? 1 : bytes, 1);
+    void* memory = std::calloc(count == 0 ? 1 : count, bytes);
     if (memory != nullptr) allocation_hooks::CountBlock(+1);
     return memory;
 }

@@ -11,8 +11,8 @@
 
 namespace lumafold {
 
-/// Zeroed memory, or null. Freed with PlainFree.
-void* PlainAlloc(std::size_t bytes);
+/// Zeroed memory for `count` values of `bytes` each, or null. Freed with PlainFree.
+void* PlainAlloc(std::size_t count, std::size_t bytes);
 void PlainFree(void* memory);
 /// The same memory at another size, moved where it must be; null, with the memory as it was, when there is no
 /// room. What is new of it is not zeroed.
@@ -25,12 +25,8 @@ class Array {
 
 public:
     Array() = default;
-    explicit Array(std::size_t length) {
-        if (length <= std::numeric_limits<std::size_t>::max() / sizeof(T)) {
-            data_ = static_cast<T*>(PlainAlloc(length * sizeof(T)));
-        }
-        if (data_ != nullptr) size_ = length;
-    }
+    explicit Array(std::size_t length)
+        : data_(static_cast<T*>(PlainAlloc(length, sizeof(T)))), size_(data_ == nullptr ? 0 : length) {}
     Array(Array&& other) noexcept
         : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
     Array& operator=(Array&& other) noexcept {
@@ -38,8 +34,6 @@ public:
         std::swap(size_, other.size_);
         return *this;
     }
-    Array(const Array&) = delete;
-    Array& operator=(const Array&) = delete;
     ~Array() { PlainFree(data_); }
 
     /// False, with all as it was, when there is no room.

@@ -9,11 +9,12 @@ namespace lumafold::file_system {
 using File = std::intptr_t;
 inline constexpr File kNoFile = -1;
 
-FileError OpenToRead(const char* path, File& file);
-/// Fails with EEXIST when there is something of that name.
-FileError CreateNew(const char* path, File& file);
-/// Opens what is there, emptied.
-FileError OpenToOverwrite(const char* path, File& file);
+enum class Opening {
+    Read,
+    New,       ///< fails with EEXIST when there is something of that name
+    Overwrite, ///< empties what is there
+};
+FileError Open(const char* path, Opening opening, File& file);
 FileError Read(File file, void* into, std::size_t most, std::size_t& got);
 /// Writes all of it.
 FileError Write(File file, std::span<const std::uint8_t> bytes);
@@ -40,9 +41,5 @@ void MakeFolder(const char* path);
 
 /// A person's own application-data folder; false where the system knows none, with `folder` as it was.
 bool ApplicationDataFolder(char (&folder)[kPathBytes]);
-
-bool IsSeparator(char letter);
-/// Differs from call to call and from program to program, mostly.
-std::uint32_t SomeNumber();
 
 } // namespace lumafold::file_system

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <optional>
+#include <string_view>
 
 #include "platform/file_system.h"
 
@@ -14,6 +17,7 @@ namespace {
 using file_system::File;
 using file_system::Kind;
 using file_system::kNoFile;
+using file_system::Opening;
 
 /// The temporaries under way, for the signal handler, which may read no string but these addresses. As many
 /// writers as have a place here are cleaned up after; a further one only loses that.
@@ -22,7 +26,7 @@ std::atomic<const char*> pendingTemporaries[kMostPending];
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
 /// Announces a path while it lives. Each writer has a place of its own, so that none clears another's.
-class Pending {
+class Pending : NonCopyable {
 public:
     explicit Pending(const char* path) {
         for (std::atomic<const char*>& place : pendingTemporaries) {
@@ -32,8 +36,6 @@ public:
             return;
         }
     }
-    Pending(const Pending&) = delete;
-    Pending& operator=(const Pending&) = delete;
     ~Pending() {
         if (place_ != nullptr) *place_ = nullptr;
     }
@@ -42,17 +44,22 @@ private:
     std::atomic<const char*>* place_ = nullptr;
 };
 
-/// Where the last name of a path begins.
-std::size_t NameStart(const char* path) {
-    std::size_t start = std::strlen(path);
-    while (start > 0 && !file_system::IsSeparator(path[start - 1]))
-        --start;
-    return start;
+/// What stands before the last name of a path, up to its separator.
+std::string_view FolderOf(std::string_view path) {
+    return path.substr(0, path.find_last_of(kSeparators) + 1); // none is npos, which becomes 0
+}
+
+/// Writes a file down to the disk and closes it. What went wrong first.
+FileError WriteAll(File file, std::span<const std::uint8_t> bytes) {
+    FileError error = file_system::Write(file, bytes);
+    if (error == 0) error = file_system::Flush(file);
+    const FileError closed = file_system::Close(file);
+    return error != 0 ? error : closed;
 }
 
 /// A temporary file beside its target, announced to the signal handler and removed unless it took the
 /// target's name.
-class Temporary {
+class Temporary : NonCopyable {
 public:
     explicit Temporary(const char* target) {
         for (int attempt = 0; attempt < 100 && error_ == EEXIST; ++attempt) {
@@ -60,22 +67,17 @@ public:
             if (error_ != 0) return;
             // Announced first: a signal in between then finds at worst a name that does not exist yet.
             pending_.emplace(path_);
-            error_ = file_system::CreateNew(path_, file_);
+            error_ = file_system::Open(path_, Opening::New, file_);
         }
         if (error_ != 0) pending_.reset();
     }
-    Temporary(const Temporary&) = delete;
-    Temporary& operator=(const Temporary&) = delete;
     ~Temporary() {
         if (file_ != kNoFile) file_system::Close(file_);
         if (pending_) file_system::Remove(path_);
     }
 
     FileError Fill(std::span<const std::uint8_t> bytes) {
-        if (error_ != 0) return error_;
-        if (const FileError error = file_system::Write(file_, bytes)) return error;
-        if (const FileError error = file_system::Flush(file_)) return error;
-        return file_system::Close(std::exchange(file_, kNoFile));
+        return error_ != 0 ? error_ : WriteAll(std::exchange(file_, kNoFile), bytes);
     }
     void TakeMode(std::uint32_t mode) {
         if (error_ == 0) file_system::TakeMode(path_, mode);
@@ -87,18 +89,18 @@ public:
     }
 
 private:
-    // Of eleven letters: where the target's folder can hold a file at all, the path is not too long.
+    /// A name of eleven letters: where the target's folder can hold a file at all, the path is not too long.
+    /// Its number differs from call to call and from program to program, mostly.
     FileError MakeName(const char* target) {
         constexpr std::size_t kNameBytes = sizeof("~123456.tmp");
-        const std::size_t start = NameStart(target);
-        if (start + kNameBytes > kPathBytes) return ENAMETOOLONG;
-        std::memcpy(path_, target, start);
-        char* name = path_ + start;
-        *name++ = '~';
-        const std::uint32_t number = file_system::SomeNumber();
-        for (int shift = 20; shift >= 0; shift -= 4)
-            *name++ = "0123456789abcdef"[number >> shift & 15];
-        std::memcpy(name, ".tmp", sizeof(".tmp"));
+        const std::string_view folder = FolderOf(target);
+        if (folder.size() + kNameBytes > kPathBytes) return ENAMETOOLONG;
+        folder.copy(path_, folder.size());
+        const auto ticks =
+            static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+        // Neighbouring moments fall far apart.
+        const auto number = static_cast<unsigned>(ticks * 0x9E3779B97F4A7C15U >> 40);
+        std::snprintf(path_ + folder.size(), kNameBytes, "~%06x.tmp", number);
         return 0;
     }
 
@@ -110,11 +112,8 @@ private:
 
 FileError StoreStraight(const char* target, std::span<const std::uint8_t> bytes) {
     File file = kNoFile;
-    if (const FileError error = file_system::OpenToOverwrite(target, file)) return error;
-    const FileError written = file_system::Write(file, bytes);
-    const FileError flushed = written == 0 ? file_system::Flush(file) : written;
-    const FileError closed = file_system::Close(file);
-    return flushed != 0 ? flushed : closed;
+    const FileError error = file_system::Open(target, Opening::Overwrite, file);
+    return error != 0 ? error : WriteAll(file, bytes);
 }
 
 FileError StoreBeside(const char* target, const file_system::Standing& before,
@@ -133,7 +132,7 @@ bool FileExists(const char* path) {
     return kind != Kind::Missing && kind != Kind::Folder;
 }
 
-InputFile::InputFile(const char* path) : error_(file_system::OpenToRead(path, file_)) {}
+InputFile::InputFile(const char* path) : error_(file_system::Open(path, Opening::Read, file_)) {}
 
 InputFile::~InputFile() {
     if (file_ != kNoFile) file_system::Close(file_);
@@ -197,16 +196,13 @@ FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes) {
 }
 
 void MakeFoldersAbove(const char* path) {
-    char folder[kPathBytes];
-    const std::size_t end = NameStart(path);
-    if (end >= kPathBytes) return;
-    for (std::size_t at = 0; at < end; ++at) {
-        folder[at] = path[at];
-        // What stands before a colon is a drive, and none of a folder's names.
-        if (at == 0 || !file_system::IsSeparator(path[at]) || path[at] == ':') continue;
-        folder[at] = 0;
+    const std::string_view above = FolderOf(path);
+    if (above.size() >= kPathBytes) return;
+    for (std::size_t at = 0; (at = above.find_first_of(kSeparators, at + 1)) != above.npos;) {
+        if (path[at] == ':') continue; // what stands before it is a drive, and no folder
+        char folder[kPathBytes] = {};
+        above.copy(folder, at);
         if (file_system::Inspect(folder).kind == Kind::Missing) file_system::MakeFolder(folder);
-        folder[at] = path[at];
     }
 }
 

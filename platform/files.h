@@ -8,6 +8,7 @@
 #include <span>
 
 #include "platform/allocation.h"
+#include "platform/non_copyable.h"
 
 namespace lumafold {
 
@@ -16,10 +17,13 @@ using FileError = int;
 
 #ifdef _WIN32
 inline constexpr char kFolderSeparator = '\\';
+/// What a name can stand behind.
+inline constexpr char kSeparators[] = "\\/:";
 /// Longest path with its zero.
 inline constexpr std::size_t kPathBytes = 2048;
 #else
 inline constexpr char kFolderSeparator = '/';
+inline constexpr char kSeparators[] = "/";
 inline constexpr std::size_t kPathBytes = 4096;
 #endif
 
@@ -27,11 +31,9 @@ inline constexpr std::size_t kPathBytes = 4096;
 bool FileExists(const char* path);
 
 /// A file open for reading while the object lives.
-class InputFile {
+class InputFile : NonCopyable {
 public:
     explicit InputFile(const char* path);
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
     ~InputFile();
 
     /// Why it could not be opened or read, 0 so far.

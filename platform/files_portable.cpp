@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,9 +12,14 @@
 namespace lumafold::file_system {
 namespace {
 
-FileError Opened(int descriptor, File& file) {
-    file = descriptor;
-    return descriptor < 0 ? errno : 0;
+/// The absolute path in an environment variable with `behind` after it.
+bool TakeFromEnvironment(const char* name, const char* behind, char (&folder)[kPathBytes]) {
+    const char* path = std::getenv(name);
+    if (path == nullptr || path[0] != '/' || std::strlen(path) + std::strlen(behind) >= kPathBytes)
+        return false;
+    std::strcpy(folder, path);
+    std::strcat(folder, behind);
+    return true;
 }
 
 int Descriptor(File file) { return static_cast<int>(file); }
@@ -24,14 +29,10 @@ FileError Result(int returned) { return returned < 0 ? errno : 0; }
 
 } // namespace
 
-FileError OpenToRead(const char* path, File& file) { return Opened(open(path, O_RDONLY | O_CLOEXEC), file); }
-
-FileError CreateNew(const char* path, File& file) {
-    return Opened(open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666), file);
-}
-
-FileError OpenToOverwrite(const char* path, File& file) {
-    return Opened(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC), file);
+FileError Open(const char* path, Opening opening, File& file) {
+    constexpr int kFlags[] = {O_RDONLY, O_CREAT | O_EXCL | O_WRONLY, O_WRONLY | O_TRUNC};
+    file = open(path, kFlags[static_cast<int>(opening)] | O_CLOEXEC, 0666);
+    return file < 0 ? errno : 0;
 }
 
 FileError Read(File file, void* into, std::size_t most, std::size_t& got) {
@@ -107,16 +108,9 @@ void Remove(const char* path) noexcept { unlink(path); }
 // For the person alone: what a missing folder of somebody's settings should be.
 void MakeFolder(const char* path) { [[maybe_unused]] const int ignored = mkdir(path, 0700); }
 
-bool IsSeparator(char letter) { return letter == '/'; }
-
-std::uint32_t SomeNumber() {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    const auto ticks =
-        static_cast<std::uint64_t>(now.tv_sec) * 1000000000 + static_cast<std::uint64_t>(now.tv_nsec);
-    // Neighbouring moments and programs fall far apart.
-    return static_cast<std::uint32_t>(
-        (ticks ^ static_cast<std::uint64_t>(getpid()) << 40) * 0x9E3779B97F4A7C15U >> 32);
+bool ApplicationDataFolder(char (&folder)[kPathBytes]) {
+    return TakeFromEnvironment("XDG_CONFIG_HOME", "", folder) ||
+           TakeFromEnvironment("HOME", "/.config", folder);
 }
 
 } // namespace lumafold::file_system

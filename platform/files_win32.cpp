@@ -1,15 +1,55 @@
 #include <cerrno>
 #include <cstring>
+#include <cwchar>
 
 #include <windows.h>
 
+#include <shlobj.h>
+
 #include "platform/file_system.h"
-#include "platform/wide_name_win32.h"
 
 namespace lumafold::file_system {
 namespace {
 
-constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+/// A name as the wide calls take it: names are UTF-8 everywhere in the house, whatever code page the process
+/// has. Bytes that are no UTF-8 are read in that. Long paths get the prefix behind which the system counts to
+/// 32767 instead of 260, so they need no switch of the machine's. What does not fit is "".
+class WideName {
+public:
+    explicit WideName(const char* name) {
+        if (!Take(CP_UTF8, MB_ERR_INVALID_CHARS, name) &&
+            (GetLastError() != ERROR_NO_UNICODE_TRANSLATION || !Take(CP_ACP, 0, name))) {
+            text_[0] = 0;
+        }
+        if (std::wcslen(text_) >= kNeedsPrefix && !IsPrefixed()) AddPrefix();
+    }
+
+    operator const wchar_t*() const { return text_; }
+
+private:
+    /// From here on some call of the system would refuse a path without the prefix: folders leave room for a
+    /// name of 12 letters.
+    static constexpr std::size_t kNeedsPrefix = MAX_PATH - 12, kPrefixRoom = 8;
+
+    bool Take(UINT codePage, DWORD flags, const char* name) {
+        return MultiByteToWideChar(codePage, flags, name, -1, text_, static_cast<int>(kPathBytes)) != 0;
+    }
+    bool IsPrefixed() const {
+        return std::wcsncmp(text_, L"\\\\?\\", 4) == 0 || std::wcsncmp(text_, L"\\\\.\\", 4) == 0;
+    }
+    void AddPrefix() {
+        // Behind the prefix nothing is interpreted: no relative names, no dots, no slashes.
+        wchar_t full[kPathBytes];
+        const DWORD length = GetFullPathNameW(text_, static_cast<DWORD>(kPathBytes), full, nullptr);
+        text_[0] = 0;
+        if (length == 0 || length >= kPathBytes) return;
+        const bool share = full[0] == L'\\' && full[1] == L'\\';
+        std::wcscpy(text_, share ? L"\\\\?\\UNC" : L"\\\\?\\");
+        std::wcscat(text_, share ? full + 1 : full);
+    }
+
+    wchar_t text_[kPathBytes + kPrefixRoom];
+};
 
 struct ErrorPair {
     DWORD system;
@@ -38,25 +78,20 @@ HANDLE Handle(File file) { return reinterpret_cast<HANDLE>(file); }
 
 FileError Result(BOOL returned) { return returned != FALSE ? 0 : LastError(); }
 
-FileError Open(const char* path, DWORD access, DWORD how, File& file) {
-    const HANDLE handle =
-        CreateFileW(WideName(path), access, kShare, nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
-    file = handle == INVALID_HANDLE_VALUE ? kNoFile : reinterpret_cast<File>(handle);
-    return handle == INVALID_HANDLE_VALUE ? LastError() : 0;
-}
-
 } // namespace
 
-FileError OpenToRead(const char* path, File& file) {
-    const FileError error = Open(path, GENERIC_READ, OPEN_EXISTING, file);
+FileError Open(const char* path, Opening opening, File& file) {
+    constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    constexpr DWORD kHow[] = {OPEN_EXISTING, CREATE_NEW, TRUNCATE_EXISTING};
+    const bool reads = opening == Opening::Read;
+    file = reinterpret_cast<File>(CreateFileW(WideName(path), reads ? GENERIC_READ : GENERIC_WRITE, kShare,
+                                              nullptr, kHow[static_cast<int>(opening)], FILE_ATTRIBUTE_NORMAL,
+                                              nullptr));
+    static_assert(kNoFile == -1, "what the system gives for no file");
+    if (file != kNoFile) return 0;
+    const FileError error = LastError();
     // The system calls a folder a matter of permission.
-    return error != 0 && Inspect(path).kind == Kind::Folder ? EISDIR : error;
-}
-
-FileError CreateNew(const char* path, File& file) { return Open(path, GENERIC_WRITE, CREATE_NEW, file); }
-
-FileError OpenToOverwrite(const char* path, File& file) {
-    return Open(path, GENERIC_WRITE, TRUNCATE_EXISTING, file);
+    return reads && Inspect(path).kind == Kind::Folder ? EISDIR : error;
 }
 
 FileError Read(File file, void* into, std::size_t most, std::size_t& got) {
@@ -122,14 +157,16 @@ void Remove(const char* path) noexcept { DeleteFileW(WideName(path)); }
 
 void MakeFolder(const char* path) { CreateDirectoryW(WideName(path), nullptr); }
 
-bool IsSeparator(char letter) { return letter == '\\' || letter == '/' || letter == ':'; }
-
-std::uint32_t SomeNumber() {
-    LARGE_INTEGER ticks{};
-    QueryPerformanceCounter(&ticks);
-    const auto seed =
-        static_cast<std::uint64_t>(ticks.QuadPart) ^ static_cast<std::uint64_t>(GetCurrentProcessId()) << 40;
-    return static_cast<std::uint32_t>(seed * 0x9E3779B97F4A7C15U >> 32);
+bool ApplicationDataFolder(char (&folder)[kPathBytes]) {
+    LPITEMIDLIST list = nullptr;
+    if (FAILED(SHGetSpecialFolderLocation(nullptr, CSIDL_APPDATA, &list))) return false;
+    wchar_t path[MAX_PATH];
+    const bool known = SHGetPathFromIDListW(list, path) != FALSE;
+    CoTaskMemFree(list);
+    // UTF-8 never takes more than three bytes for one of these.
+    static_assert(kPathBytes >= 3 * MAX_PATH);
+    return known && WideCharToMultiByte(CP_UTF8, 0, path, -1, folder, static_cast<int>(kPathBytes), nullptr,
+                                        nullptr) != 0;
 }
 
 } // namespace lumafold::file_system

@@ -3,51 +3,38 @@
 
 #include <windows.h>
 
+#include "platform/non_copyable.h"
+
 namespace lumafold {
 
-/// Owns a GDI object and deletes it.
-template <typename Handle>
-class OwnedGdi {
+/// Owns what `Delete` ends.
+template <typename Handle, auto Delete>
+class OwnedByGdi : NonCopyable {
 public:
-    OwnedGdi() = default;
-    explicit OwnedGdi(Handle handle) : handle_(handle) {}
-    OwnedGdi(const OwnedGdi&) = delete;
-    OwnedGdi& operator=(const OwnedGdi&) = delete;
-    ~OwnedGdi() { Reset(nullptr); }
+    OwnedByGdi() = default;
+    explicit OwnedByGdi(Handle handle) : handle_(handle) {}
+    ~OwnedByGdi() { Reset(nullptr); }
     explicit operator bool() const { return handle_ != nullptr; }
     Handle Get() const { return handle_; }
-    /// Deletes what it has and owns this instead.
+    /// Ends what it has and owns this instead.
     void Reset(Handle handle) {
-        if (handle_ != nullptr) DeleteObject(handle_);
+        if (handle_ != nullptr) Delete(handle_);
         handle_ = handle;
     }
 
 private:
     Handle handle_ = nullptr;
 };
-
-/// Owns a memory context.
-class OwnedContext {
-public:
-    explicit OwnedContext(HDC context) : context_(context) {}
-    OwnedContext(const OwnedContext&) = delete;
-    OwnedContext& operator=(const OwnedContext&) = delete;
-    ~OwnedContext() {
-        if (context_ != nullptr) DeleteDC(context_);
-    }
-    explicit operator bool() const { return context_ != nullptr; }
-    HDC Get() const { return context_; }
-
-private:
-    HDC context_;
-};
+/// A GDI object.
+template <typename Handle>
+using OwnedGdi = OwnedByGdi<Handle, DeleteObject>;
+/// A memory context.
+using OwnedContext = OwnedByGdi<HDC, DeleteDC>;
 
 /// Keeps an object selected into a context while it lives.
-class SelectedGdi {
+class SelectedGdi : NonCopyable {
 public:
     SelectedGdi(HDC context, HGDIOBJ object) : context_(context), previous_(SelectObject(context, object)) {}
-    SelectedGdi(const SelectedGdi&) = delete;
-    SelectedGdi& operator=(const SelectedGdi&) = delete;
     ~SelectedGdi() {
         if (previous_ != nullptr) SelectObject(context_, previous_);
     }
@@ -58,14 +45,12 @@ private:
 };
 
 /// Keeps a palette selected and realised while it lives.
-class SelectedPalette {
+class SelectedPalette : NonCopyable {
 public:
     SelectedPalette(HDC context, HPALETTE palette)
         : context_(context), previous_(SelectPalette(context, palette, FALSE)) {
         RealizePalette(context);
     }
-    SelectedPalette(const SelectedPalette&) = delete;
-    SelectedPalette& operator=(const SelectedPalette&) = delete;
     ~SelectedPalette() {
         if (previous_ != nullptr) SelectPalette(context_, previous_, FALSE);
     }
@@ -76,11 +61,9 @@ private:
 };
 
 /// Puts back everything that is set in a context, its clipping and origins too, when it ends.
-class SavedContext {
+class SavedContext : NonCopyable {
 public:
     explicit SavedContext(HDC context) : context_(context), level_(SaveDC(context)) {}
-    SavedContext(const SavedContext&) = delete;
-    SavedContext& operator=(const SavedContext&) = delete;
     ~SavedContext() {
         if (level_ != 0) RestoreDC(context_, level_);
     }

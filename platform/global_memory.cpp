@@ -6,16 +6,12 @@ namespace lumafold {
 
 GlobalHandle GlobalDuplicate(GlobalHandle handle) {
     const std::size_t bytes = GlobalBytes(handle);
-    if (bytes < 1) return 0;
     const GlobalLocked<const std::uint8_t> source(handle);
-    if (!source) return 0;
+    if (bytes == 0 || !source) return 0;
     OwnedGlobal copy(GlobalCreate(GlobalKind::Movable, bytes));
-    if (!copy) return 0;
-    {
-        const GlobalLocked<std::uint8_t> target(copy.Get());
-        if (!target) return 0;
-        std::memcpy(target.Get(), source.Get(), bytes);
-    }
+    const GlobalLocked<std::uint8_t> target(copy.Get());
+    if (!target) return 0;
+    std::memcpy(target.Get(), source.Get(), bytes);
     return copy.Release();
 }
 

@@ -3,6 +3,8 @@
 // contract. Any thread may make, lock and free blocks.
 #pragma once
 
+#include <memory>
+
 #include "platform/allocation.h"
 
 namespace lumafold {
@@ -43,8 +45,6 @@ public:
         std::swap(handle_, other.handle_);
         return *this;
     }
-    OwnedGlobal(const OwnedGlobal&) = delete;
-    OwnedGlobal& operator=(const OwnedGlobal&) = delete;
     ~OwnedGlobal() { GlobalDestroy(handle_); }
 
     explicit operator bool() const { return handle_ != 0; }
@@ -59,22 +59,21 @@ private:
 template <typename T>
 class GlobalLocked {
 public:
+    GlobalLocked() = default;
     explicit GlobalLocked(GlobalHandle handle)
-        : handle_(handle), address_(static_cast<T*>(handle == 0 ? nullptr : GlobalAcquire(handle))) {}
-    GlobalLocked(const GlobalLocked&) = delete;
-    GlobalLocked& operator=(const GlobalLocked&) = delete;
-    ~GlobalLocked() {
-        if (address_ != nullptr) GlobalRelease(handle_);
-    }
+        : lock_(static_cast<T*>(handle == 0 ? nullptr : GlobalAcquire(handle)), Unlock{handle}) {}
 
-    explicit operator bool() const { return address_ != nullptr; }
-    T* Get() const { return address_; }
-    T* operator->() const { return address_; }
-    T& operator*() const { return *address_; }
+    explicit operator bool() const { return lock_ != nullptr; }
+    T* Get() const { return lock_.get(); }
+    T* operator->() const { return lock_.get(); }
+    T& operator*() const { return *lock_; }
 
 private:
-    GlobalHandle handle_;
-    T* address_;
+    struct Unlock {
+        GlobalHandle handle;
+        void operator()(T*) const { GlobalRelease(handle); }
+    };
+    std::unique_ptr<T, Unlock> lock_;
 };
 
 } // namespace lumafold

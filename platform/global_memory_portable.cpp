@@ -1,5 +1,6 @@
 #include "platform/global_memory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -18,41 +19,40 @@ struct Slot {
 // either.
 constexpr std::uint32_t kHandleStep = 4;
 
-/// The process's blocks by their handles. Slot 0 stays unused, since handle 0 is no block; freed slots form a
-/// list. Whoever calls a member holds the mutex.
+/// The process's blocks by their handles, of which 0 is none. Free slots form a list that ends behind the
+/// last slot. Whoever calls a member holds the mutex.
 class HandleTable {
 public:
     std::mutex mutex;
 
     Slot* Find(GlobalHandle handle) {
-        if (handle == 0 || handle % kHandleStep != 0 || handle / kHandleStep >= count_) return nullptr;
-        Slot* slot = &slots_[handle / kHandleStep];
+        if (handle == 0 || handle % kHandleStep != 0 || handle / kHandleStep > count_) return nullptr;
+        Slot* slot = &slots_[handle / kHandleStep - 1];
         return slot->memory == nullptr ? nullptr : slot;
     }
     /// A handle for a block, or 0.
     GlobalHandle Add(std::uint8_t* memory, std::size_t bytes) {
-        if (firstFree_ == 0 && !Grow()) return 0;
+        if (firstFree_ == count_ && !Grow()) return 0;
         const std::uint32_t index = firstFree_;
         firstFree_ = slots_[index].nextFree;
         slots_[index] = {memory, bytes, 0, 0};
-        return index * kHandleStep;
+        return (index + 1) * kHandleStep;
     }
-    void Remove(GlobalHandle handle) {
-        slots_[handle / kHandleStep] = {nullptr, 0, 0, firstFree_};
-        firstFree_ = handle / kHandleStep;
+    /// Takes a slot that Find gave out of use.
+    void Remove(Slot* slot) {
+        *slot = {nullptr, 0, 0, firstFree_};
+        firstFree_ = static_cast<std::uint32_t>(slot - slots_);
     }
 
 private:
     bool Grow() {
-        const std::uint32_t larger = count_ == 0 ? 64 : count_ * 2;
+        const std::uint32_t larger = std::max(count_ * 2, 64U);
         if (larger >= UINT32_MAX / kHandleStep) return false;
         auto* moved = static_cast<Slot*>(std::realloc(slots_, larger * sizeof(Slot)));
         if (moved == nullptr) return false;
         slots_ = moved;
-        for (std::uint32_t i = count_ == 0 ? 1 : count_; i < larger; ++i)
-            slots_[i] = {nullptr, 0, 0, i + 1 < larger ? i + 1 : 0};
-        firstFree_ = count_ == 0 ? 1 : count_;
-        count_ = larger;
+        for (; count_ < larger; ++count_)
+            slots_[count_] = {nullptr, 0, 0, count_ + 1};
         return true;
     }
 
@@ -119,15 +119,12 @@ std::size_t GlobalBytes(GlobalHandle handle) {
 }
 
 void GlobalDestroy(GlobalHandle handle) {
-    std::uint8_t* memory = nullptr;
-    {
-        const Lock lock(table.mutex);
-        if (const Slot* slot = table.Find(handle)) {
-            memory = slot->memory;
-            table.Remove(handle);
-        }
-    }
-    if (memory == nullptr) return;
+    std::unique_lock lock(table.mutex);
+    Slot* slot = table.Find(handle);
+    if (slot == nullptr) return;
+    std::uint8_t* memory = slot->memory;
+    table.Remove(slot);
+    lock.unlock();
     std::free(memory);
     allocation_hooks::CountBlock(-1);
 }

@@ -5,14 +5,13 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "platform/non_copyable.h"
+
 namespace lumafold {
 
 /// Runs pieces on the caller's own thread, one after the other. Hosts with threads derive from it.
-class Runner {
+class Runner : NonCopyable {
 public:
-    Runner() = default;
-    Runner(const Runner&) = delete;
-    Runner& operator=(const Runner&) = delete;
     virtual ~Runner() = default;
 
     /// How many pieces may run at once, at least 1.

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 
+#include "platform/non_copyable.h"
 #include "platform/window_handle.h"
 
 namespace lumafold {
@@ -16,13 +17,13 @@ struct ShapePoint {
 
 /// A canvas of one byte a pixel, 0 black and 255 white, with white pen and brush in hand. Rows run from the
 /// top without padding; what lies outside is clipped. `width` and `height` are above 0.
-class ShapeCanvas {
+class ShapeCanvas : NonCopyable {
 public:
+    static constexpr std::size_t kMaxPoints = 128;
+
     /// `pixels` must be all black; they stay the caller's and must outlive the canvas. `window` gives the
     /// drawing context to be compatible with; 0 is the screen. Check it before use.
     ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t height, std::uint8_t* pixels);
-    ShapeCanvas(const ShapeCanvas&) = delete;
-    ShapeCanvas& operator=(const ShapeCanvas&) = delete;
     ~ShapeCanvas(); // NOLINT(performance-trivially-destructible): not where the system draws
 
     explicit operator bool() const { return usable_; }
@@ -31,7 +32,8 @@ public:
     void FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
     /// The ellipse inside the box whose right and bottom lines are not part of it.
     void Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom);
-    /// Even-odd interior and the outline, closed by itself. At most 128 points.
+    /// Even-odd interior and the outline, closed by itself. From 2 to kMaxPoints points; any other number
+    /// draws nothing.
     void Polygon(std::span<const ShapePoint> points);
 
     /// Brings what was drawn between rows `top` and `bottom` (not included) into the pixels; more may be
@@ -45,9 +47,6 @@ private:
     std::uint8_t* pixels_;
     [[maybe_unused]] void* context_ = nullptr; // these are the platform's, where it draws by itself
     [[maybe_unused]] void* bitmap_ = nullptr;
-    [[maybe_unused]] void* previousBitmap_ = nullptr;
-    [[maybe_unused]] void* previousBrush_ = nullptr;
-    [[maybe_unused]] void* previousPen_ = nullptr;
     [[maybe_unused]] void* bits_ = nullptr;
 };
 

@@ -7,7 +7,6 @@
 namespace lumafold {
 namespace {
 
-constexpr std::size_t kMaxPoints = 128;
 constexpr std::uint8_t kWhite = 255;
 
 /// The pixels of one canvas, white paint only. Whatever lies outside is left out here, after its shape is
@@ -53,7 +52,7 @@ void FillInterior(const Surface& surface, std::span<const ShapePoint> points) {
                                                    [](ShapePoint a, ShapePoint b) { return a.y < b.y; });
     const std::int64_t end = std::min<std::int64_t>(bottom->y, surface.height);
     for (std::int64_t y = std::max(top->y, 0); y < end; ++y) {
-        std::int64_t crossings[kMaxPoints];
+        std::int64_t crossings[ShapeCanvas::kMaxPoints];
         std::size_t count = 0;
         for (std::size_t i = 0; i < points.size(); ++i) {
             ShapePoint upper = points[i];

@@ -21,13 +21,7 @@ HDC MemoryContextLike(WindowHandle window) {
 }
 
 HBITMAP CreateSection(HDC context, std::int32_t width, std::int32_t height, void** bits) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
-    info.bmiHeader.biCompression = BI_RGB;
+    const BITMAPINFO info = {{sizeof(info.bmiHeader), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0}, {}};
     const HBITMAP bitmap = CreateDIBSection(context, &info, DIB_RGB_COLORS, bits, nullptr, 0);
     GdiFlush();
     return bitmap;
@@ -42,27 +36,17 @@ ShapeCanvas::ShapeCanvas(WindowHandle window, std::int32_t width, std::int32_t h
     context_ = context;
     bitmap_ = CreateSection(context, width, height, &bits_);
     if (bitmap_ == nullptr) return;
-    SetMapMode(context, MM_TEXT);
-    previousBitmap_ = SelectObject(context, bitmap_);
-    if (previousBitmap_ == nullptr) return;
-    SetWindowExtEx(context, width, height, nullptr);
-    SetViewportExtEx(context, width, height, nullptr);
-    SetWindowOrgEx(context, 0, 0, nullptr);
+    if (SelectObject(context, bitmap_) == nullptr) return;
     const RECT all = {0, 0, width, height};
-    previousBrush_ = SelectObject(context, GetStockObject(WHITE_BRUSH));
-    previousPen_ = SelectObject(context, GetStockObject(WHITE_PEN));
-    usable_ = ::FillRect(context, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))) != 0 &&
-              previousBrush_ != nullptr && previousPen_ != nullptr;
+    usable_ = SelectObject(context, GetStockObject(WHITE_BRUSH)) != nullptr &&
+              SelectObject(context, GetStockObject(WHITE_PEN)) != nullptr &&
+              ::FillRect(context, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH))) != 0;
 }
 
 ShapeCanvas::~ShapeCanvas() {
-    const HDC context = Context(context_);
-    if (context == nullptr) return;
-    for (void* previous : {previousPen_, previousBrush_, previousBitmap_}) {
-        if (previous != nullptr) SelectObject(context, previous);
-    }
+    // The context first, so that nothing is selected any more.
+    if (context_ != nullptr) DeleteDC(Context(context_));
     if (bitmap_ != nullptr) DeleteObject(bitmap_);
-    DeleteDC(context);
 }
 
 void ShapeCanvas::FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
@@ -77,7 +61,6 @@ void ShapeCanvas::Ellipse(std::int32_t left, std::int32_t top, std::int32_t righ
 }
 
 void ShapeCanvas::Polygon(std::span<const ShapePoint> points) {
-    constexpr std::size_t kMaxPoints = 128;
     if (!usable_ || points.size() < 2 || points.size() > kMaxPoints) return;
     POINT copies[kMaxPoints];
     for (std::size_t i = 0; i < points.size(); ++i) {

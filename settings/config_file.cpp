@@ -4,21 +4,14 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/local_time.h"
-#include "settings/line_reader.h"
-#include "settings/line_writer.h"
+#include "platform/machine.h"
+#include "settings/text_lines.h"
 
 namespace lumafold {
 namespace {
 
 // Bytes of 128 and above are letters like any other, whatever the sign of a char is here.
 bool IsControl(char letter) { return static_cast<unsigned char>(letter) < ' '; }
-
-const char* SkipAll(char letter, const char* text) {
-    while (*text == letter)
-        ++text;
-    return text;
-}
 
 /// The row that a key stands for: the first whose name begins with it, and so the first of all for none.
 const SettingDescriptor* FindRow(const char* key, std::size_t length) {
@@ -44,44 +37,35 @@ void TakeLine(char* line, PluginSettings& settings) {
     while (!IsControl(*end))
         ++end;
     *end = 0;
-    const char* behind = line;
-    while (*behind != 0 && *behind != ' ' && *behind != '=')
-        ++behind;
-    const SettingDescriptor* row = FindRow(line, static_cast<std::size_t>(behind - line));
+    const std::size_t keyLength = std::strcspn(line, " =");
+    const SettingDescriptor* row = FindRow(line, keyLength);
     if (row == nullptr) return;
-    const char* value = SkipAll(' ', SkipAll('=', SkipAll(' ', behind)));
+    const char* value = line + keyLength;
+    for (const char* between : {" ", "=", " "})
+        value += std::strspn(value, between);
     settings.*row->value = NumberAt(value);
 }
 
-/// "Sun Nov 15 09:53:13 2026": the same in every language.
-struct TimeText {
-    char text[32];
-
-    TimeText() {
-        const LocalTime now = LocalTimeNow();
-        constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-        std::snprintf(text, sizeof(text), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.weekday,
-                      kMonths + 3 * (now.month - 1), now.day, now.hour, now.minute, now.second, now.year);
-        text[24] = 0;
-    }
-};
-
 void AddHeader(LineWriter& lines) {
-    lines.Line(";Brackenfield animtion plugin configuration file");
-    lines.Line(";Edit this at your own risk");
-    const TimeText now;
-    const char* updated[] = {";Last updated ", now.text};
-    lines.Line(updated);
-    lines.Line(";"); // an empty line would be read as a setting
-    lines.Line("[PlugIn]");
+    // "Sun Nov 15 09:53:13 2026": the same in every language.
+    const std::tm now = LocalTimeNow();
+    constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    char time[sizeof("Sun Nov 15 09:53:13 2026")];
+    std::snprintf(time, sizeof(time), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.tm_wday,
+                  kMonths + 3 * now.tm_mon, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec,
+                  1900 + now.tm_year);
+    lines.Line({";Brackenfield animtion plugin configuration file"});
+    lines.Line({";Edit this at your own risk"});
+    lines.Line({";Last updated ", time});
+    lines.Line({";"}); // an empty line would be read as a setting
+    lines.Line({"[PlugIn]"});
 }
 
 void AddRow(LineWriter& lines, const SettingDescriptor& row, const PluginSettings& settings) {
     const std::uint32_t value = row.kind == SettingKind::Fixed ? row.defaultValue : settings.*row.value;
     char digits[16] = "";
     std::to_chars(digits, digits + sizeof(digits) - 1, value);
-    const char* parts[] = {row.key, " = ", digits};
-    lines.Line(parts);
+    lines.Line({row.key, " = ", digits});
 }
 
 /// Tells `why` and whether that is nothing.

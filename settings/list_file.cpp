@@ -13,7 +13,7 @@ bool ListFileReader::Next(char (&path)[kListLineBytes]) {
 }
 
 bool ListFileWriter::Add(const char* path) {
-    if (FileExists(path)) lines_.Line(path);
+    if (FileExists(path)) lines_.Line({path});
     return !lines_.HasFailed();
 }
 

@@ -2,8 +2,7 @@
 // first, and each path read goes to the top of the list, so both reversals together keep the order.
 #pragma once
 
-#include "settings/line_reader.h"
-#include "settings/line_writer.h"
+#include "settings/text_lines.h"
 
 namespace lumafold {
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "build/build_driver.h"
-#include "platform/memory_room.h"
+#include "platform/machine.h"
 
 namespace lumafold {
 namespace {

@@ -17,12 +17,12 @@ class ChosenNames {
 public:
     ChosenNames(const char* buffer, std::size_t bytes);
 
-    std::size_t Count() const;
+    std::size_t Count() const { return count_; }
     /// False when the number is beyond the end or the path is too long.
     bool Path(std::size_t index, char (&path)[kMaxPath]) const;
 
 private:
-    const char* folder_ = nullptr;
+    const char* folder_ = "";
     const char* names_[kMaxChosenNames] = {};
     std::size_t count_ = 0;
 };

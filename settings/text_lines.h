@@ -1,5 +1,9 @@
-// Lines of a text file, in pieces of bounded length and without holding more of the file than one buffer.
+// Text files by lines: read in pieces of bounded length without holding more of the file than one buffer, and
+// written from memory that may run out.
 #pragma once
+
+#include <initializer_list>
+#include <string_view>
 
 #include "platform/files.h"
 
@@ -28,6 +32,25 @@ private:
     InputFile file_;
     unsigned char buffer_[4096];
     std::size_t at_ = 0, filled_ = 0;
+};
+
+class LineWriter {
+public:
+    /// Adds one line of all the parts. Where memory cannot be had the text has failed for good.
+    void Line(std::initializer_list<const char*> parts);
+
+    bool HasFailed() const { return failed_; }
+
+    /// Replaces the file with the text, making its folder when that is missing; ENOMEM, with the file as it
+    /// was, for a text that has failed.
+    FileError Store(const char* path) const;
+
+private:
+    void Append(std::string_view text);
+
+    Array<char> text_; ///< with room behind what is used
+    std::size_t used_ = 0;
+    bool failed_ = false;
 };
 
 } // namespace lumafold

@@ -1,9 +1,14 @@
-// How much memory there is: in the machine, for those who leave some of it to others, and to this process.
+// What the machine tells of itself: the time of day, and how much memory there is.
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 
 namespace lumafold {
+
+/// The time where the person is, on Windows whatever a variable of the process says of time zones. All zero
+/// when the system does not know.
+std::tm LocalTimeNow();
 
 /// In bytes; the largest number where the system does not tell.
 std::uint64_t PhysicalMemory();

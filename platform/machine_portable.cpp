@@ -1,8 +1,15 @@
 #include <unistd.h>
 
-#include "platform/memory_room.h"
+#include "platform/machine.h"
 
 namespace lumafold {
+
+std::tm LocalTimeNow() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    return local;
+}
 
 std::uint64_t PhysicalMemory() {
     const long pages = sysconf(_SC_PHYS_PAGES), bytes = sysconf(_SC_PAGESIZE);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/memory_room.h"
+#include "platform/machine.h"
 
 namespace lumafold {
 
@@ -19,6 +19,20 @@ MEMORYSTATUSEX Status() {
 }
 
 } // namespace
+
+std::tm LocalTimeNow() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    std::tm local{};
+    local.tm_year = now.wYear - 1900;
+    local.tm_mon = now.wMonth - 1;
+    local.tm_mday = now.wDay;
+    local.tm_wday = now.wDayOfWeek;
+    local.tm_hour = now.wHour;
+    local.tm_min = now.wMinute;
+    local.tm_sec = now.wSecond;
+    return local;
+}
 
 std::uint64_t PhysicalMemory() { return Status().ullTotalPhys; }
 
