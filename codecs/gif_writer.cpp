@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <deque>
 #include <span>
 
 #include "codecs/lzw_encoder.h"
@@ -42,14 +41,14 @@ enum class Rows { All, Sample };
 /// Which of the pixels that do not change may be left out: none, those in runs of several colours, or all.
 enum class LeftOut { None, Varied, Any };
 
-class GifFrame : public FrameWork {
+class GifFrame {
 public:
     GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
 
     /// Pixels that do not change may be drawn over with what is there or left out. The encoder takes what
     /// packs better at the moment; but a run of one colour is a string already that a hole would break, and
     /// an entry for holes may cost more than it saves, so several ways are tried.
-    void Pack() override {
+    void Pack() {
         if (!codes_.bytes.empty()) return;
         LeftOut best = LeftOut::Any;
         if (cut_.mayLeaveOut) {
@@ -66,6 +65,7 @@ public:
         cut_.pixels = std::vector<ChoicePixel>();
     }
 
+    void SetDelay(std::int32_t delay) { delay_ = delay; }
     void Put(GifBytes& file) const {
         constexpr std::uint32_t kLeaveInPlace = 1 << 2;
         file.Text("\x21\xF9\x04");
@@ -140,11 +140,12 @@ private:
 
 class GifWriter : public AnimationWriter {
 public:
-    explicit GifWriter(const AnimationFacts& facts)
-        : facts_(facts), reader_(facts.width, facts.height, facts.palette),
+    GifWriter(const AnimationFacts& facts, const Runner& runner)
+        : AnimationWriter(runner), facts_(facts), reader_(facts.width, facts.height, facts.palette),
           screen_(facts.width, facts.height) {}
 
-    FrameWork& Take(const FrameView& frame) override {
+private:
+    void Take(const FrameView& frame) override {
         if (frame.picture.biBitCount > 8) throw AnimationError("GIF cannot hold true-colour frames");
         const FramePixels pixels = reader_.ReadIndexes(frame);
         const Rect changed = screen_.Show(pixels);
@@ -152,22 +153,22 @@ public:
         const Rect rect = frames_.empty() ? Rect{0, 0, pixels.width, pixels.height} : changed;
         const IndexUse use(screen_, rect);
         table_.Admit(use);
-        return frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
+        frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
     }
 
-    std::vector<std::uint8_t> Finish(const std::string& comment) override {
-        if (frames_.empty()) throw AnimationError(kNoFrames);
+    std::size_t Frames() const override { return frames_.size(); }
+    void Pack(std::size_t frame) override { frames_[frame].Pack(); }
+    void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].SetDelay(delay); }
+
+    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
         GifBytes file;
         PutHead(file, comment);
-        for (GifFrame& frame : frames_) {
-            frame.Pack();
+        for (const GifFrame& frame : frames_)
             frame.Put(file);
-        }
         file.U8(0x3B);
         return file.Take();
     }
 
-private:
     /// As the task said, but never too few for the indexes that occur: fixed palettes are searched beyond
     /// their count.
     int TableBits() const {
@@ -225,14 +226,14 @@ private:
     FrameReader reader_;
     Screen screen_;
     FileTable table_;
-    std::deque<GifFrame> frames_; // which callers have references to
+    std::vector<GifFrame> frames_;
 };
 
 } // namespace
 
-std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts) {
+std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts, const Runner& runner) {
     CheckSides(facts.width, facts.height, kMostSide, "GIF cannot hold sides above 65535 pixels");
-    return std::make_unique<GifWriter>(facts);
+    return std::make_unique<GifWriter>(facts, runner);
 }
 
 } // namespace lumafold

@@ -34,13 +34,15 @@ ColourCut CutColours(const Screen& screen, const Rect& rect, PixelValue hole);
 /// Whether the frame shown last draws `colour` in `rect`.
 bool Draws(const Screen& screen, const Rect& rect, PixelValue colour);
 
-class PngPicture : public FrameWork {
+class PngPicture {
 public:
     /// `bits` of a pixel, 1, 2, 4 or 8.
     PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort);
     PngPicture(ColourCut cut, std::int32_t delay, int effort);
 
-    void Pack() override;
+    /// Nothing when it is packed already. Throws std::bad_alloc.
+    void Pack();
+    void SetDelay(std::int32_t delay) { delay_ = delay; }
     /// Indexes may be packed once more, at fewer bits a pixel, until they are told to be needed no longer.
     void Repack(int bits);
     void KeepPixels(bool keep);
