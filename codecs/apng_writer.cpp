@@ -1,3 +1,5 @@
+#include <numeric>
+
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
 #include "codecs/screens.h"
@@ -8,6 +10,7 @@ namespace {
 
 constexpr std::int32_t kMostDelay = 65535;
 constexpr std::uint32_t kTicksPerSecond = 100;
+constexpr std::size_t kFrameChunks = 60; // bytes around the data of a frame
 enum class Dispose : std::uint8_t { None = 0 };
 enum class Blend : std::uint8_t { Source = 0, Over = 1 };
 
@@ -67,12 +70,15 @@ private:
             file.Put("tRNS", colours_ ? PngTransparentColour(hole_) : TransparentEntry());
         file.PutComment(comment);
         std::uint32_t sequence = 0;
-        for (const PngPicture& picture : frames_) {
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const auto& picture) { return sum + picture.Bytes() + kFrameChunks; }));
+        for (PngPicture& picture : frames_) {
             const bool first = &picture == &frames_.front();
             file.Put("fcTL", FrameControl(sequence++, picture, first ? Blend::Source : Blend::Over));
             ChunkWriter::Data number;
             if (!first) number.U32(sequence++);
-            file.Put(first ? "IDAT" : "fdAT", number, picture.Data());
+            file.Put(first ? "IDAT" : "fdAT", number, picture.TakeData());
         }
         file.Put("IEND");
         return file.Take();

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 #include <span>
+#include <utility>
 
 #include "codecs/lzw_encoder.h"
 
@@ -14,6 +16,7 @@ constexpr std::int32_t kMostDelay = 65535, kMostRepeats = 65535;
 
 class GifBytes {
 public:
+    void Reserve(std::size_t bytes) { bytes_.reserve(bytes_.size() + bytes); }
     void U8(std::uint32_t value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
     void U16(std::int32_t value) {
         U8(static_cast<std::uint32_t>(value) & 0xFF);
@@ -66,7 +69,9 @@ public:
     }
 
     void SetDelay(std::int32_t delay) { delay_ = delay; }
-    void Put(GifBytes& file) const {
+    std::size_t Bytes() const { return codes_.bytes.size(); }
+    /// Gives the packed data away.
+    void Put(GifBytes& file) {
         constexpr std::uint32_t kLeaveInPlace = 1 << 2;
         file.Text("\x21\xF9\x04");
         file.U8(kLeaveInPlace | (codes_.hasHoles ? 1 : 0));
@@ -80,7 +85,7 @@ public:
         file.U16(RectHeight(cut_.rect));
         file.U8(0);
         file.U8(static_cast<std::uint32_t>(codes_.bits));
-        file.SubBlocks(codes_.bytes);
+        file.SubBlocks(std::exchange(codes_.bytes, {}));
     }
 
 private:
@@ -163,7 +168,10 @@ private:
     std::vector<std::uint8_t> Assemble(const std::string& comment) override {
         GifBytes file;
         PutHead(file, comment);
-        for (const GifFrame& frame : frames_)
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const GifFrame& frame) { return sum + frame.Bytes() * 256 / 255 + 32; }));
+        for (GifFrame& frame : frames_)
             frame.Put(file);
         file.U8(0x3B);
         return file.Take();

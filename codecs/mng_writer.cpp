@@ -1,3 +1,5 @@
+#include <numeric>
+
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
 #include "codecs/writers.h"
@@ -6,6 +8,7 @@ namespace lumafold {
 namespace {
 
 constexpr std::uint32_t kTicksPerSecond = 100, kInfinite = 0x7FFFFFFF;
+constexpr std::size_t kMostAround = 1024; // bytes around the data of a frame, its palette among them
 
 /// What a reader must be able to do, one bit each.
 enum Profile : std::uint32_t {
@@ -76,6 +79,9 @@ private:
         file.Put("MHDR", Header());
         file.Put("TERM", Termination(facts_.plays));
         file.PutComment(comment);
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const Frame& frame) { return sum + frame.picture.Bytes() + kMostAround; }));
         for (std::size_t i = 0; i < frames_.size(); ++i) {
             const std::int32_t delay = frames_[i].picture.Delay();
             // The first frame says everything: the loop comes back to it with the last one's values.
@@ -129,15 +135,15 @@ private:
             .U32(profile);
     }
 
-    static void PutPicture(ChunkWriter& file, const Frame& frame) {
-        const PngPicture& picture = frame.picture;
+    static void PutPicture(ChunkWriter& file, Frame& frame) {
+        PngPicture& picture = frame.picture;
         const bool palette = picture.HasPalette();
         file.Put("IHDR", PngHeader(picture.Place(), palette ? picture.Bits() : 8,
                                    palette ? PngColours::Indexed : PngColours::True));
         if (palette) file.Put("PLTE", PngPalette(frame.colours));
         if (picture.HasHoles())
             file.Put("tRNS", palette ? ChunkWriter::Data().U8(0) : PngTransparentColour(frame.hole));
-        file.Put("IDAT", {}, picture.Data());
+        file.Put("IDAT", {}, picture.TakeData());
         file.Put("IEND");
     }
 

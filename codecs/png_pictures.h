@@ -53,7 +53,9 @@ public:
     int Bits() const { return bits_; }
     // These are known once it is packed.
     bool HasHoles() const { return hasHoles_; }
-    std::span<const std::uint8_t> Data() const { return data_; }
+    std::size_t Bytes() const { return data_.size(); }
+    /// Gives the packed data away.
+    std::vector<std::uint8_t> TakeData() { return std::move(data_); }
 
 private:
     enum class Kept { Drawn, LeftOut };
