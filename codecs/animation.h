@@ -32,6 +32,10 @@ struct AnimationFacts {
     std::int32_t plays = 0; ///< how often it runs, 0 for ever
 };
 
+inline AnimationFacts FactsOf(const Animation& animation) {
+    return {animation.width, animation.height, animation.paletteBits, animation.palette, animation.plays};
+}
+
 /// A frame whose picture belongs to somebody else.
 struct FrameView {
     const DibHeader& picture;

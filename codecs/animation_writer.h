@@ -7,37 +7,47 @@
 
 #include "codecs/file_kinds.h"
 #include "codecs/frame_changes.h"
+#include "platform/runner.h"
 
 namespace lumafold {
 
 /// How hard to pack PNG data: 1 is fastest, 12 smallest.
 inline constexpr int kLeastEffort = 1, kMostEffort = 12, kUsualEffort = 6;
 
-/// One frame on its way into a file.
-class FrameWork {
-public:
-    virtual ~FrameWork() = default;
-    /// Packs it, on any thread and in any order with other frames of the animation. Throws std::bad_alloc.
-    virtual void Pack() = 0;
-};
-
 /// A file in the making. Members throw AnimationError for what the format cannot hold, and std::bad_alloc.
-/// None may be called while a frame is being packed.
 class AnimationWriter {
 public:
     virtual ~AnimationWriter() = default;
 
-    /// The next frame. What it changes is copied, so that the picture may go; the work stays the writer's.
-    virtual FrameWork& Take(const FrameView& frame) = 0;
-    void Add(const FrameView& frame) { Take(frame).Pack(); }
-    /// The whole file; frames that are not yet packed are packed now. `comment` "" for none. The writer is
-    /// spent.
-    virtual std::vector<std::uint8_t> Finish(const std::string& comment) = 0;
+    /// The next frame. What it changes is copied, so that the picture may go. Frames are packed as soon as
+    /// there are enough of them to keep every worker busy.
+    void Add(const FrameView& frame);
+    /// The whole file. `comment` "" for none. `delays` has one for each frame and takes the place of those
+    /// that they came with; empty leaves them. The writer is spent.
+    std::vector<std::uint8_t> Finish(const std::string& comment, std::span<const std::int32_t> delays = {});
+
+protected:
+    explicit AnimationWriter(const Runner& runner) : runner_(runner) {}
+    /// Copies what the frame changes.
+    virtual void Take(const FrameView& frame) = 0;
+    virtual std::size_t Frames() const = 0;
+    /// Packs the frame, once; on any thread, and at once with other frames. Throws std::bad_alloc.
+    virtual void Pack(std::size_t frame) = 0;
+    virtual void SetDelay(std::size_t frame, std::int32_t delay) = 0;
+    /// The file of frames that are all packed, of which there is one at least.
+    virtual std::vector<std::uint8_t> Assemble(const std::string& comment) = 0;
+    /// Packs what is not packed yet.
+    void PackAll();
+
+private:
+    const Runner& runner_;
+    std::size_t waiting_ = 0; ///< frames that were taken and are not packed yet
 };
 
-/// Throws AnimationError for sides that the format cannot hold. GIF knows no effort.
+/// Throws AnimationError for sides that the format cannot hold. GIF knows no effort. `runner` packs, and
+/// outlives the writer.
 std::unique_ptr<AnimationWriter> NewAnimationWriter(AnimationKind kind, const AnimationFacts& facts,
-                                                    int effort = kUsualEffort);
+                                                    int effort, const Runner& runner);
 
 /// Told of each frame before it is worked on, on the writer's thread; false gives up. Empty where nobody
 /// asks.

@@ -1,4 +1,4 @@
-#include <deque>
+#include <numeric>
 
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::int32_t kMostDelay = 65535;
 constexpr std::uint32_t kTicksPerSecond = 100;
+constexpr std::size_t kFrameChunks = 60; // bytes around the data of a frame
 enum class Dispose : std::uint8_t { None = 0 };
 enum class Blend : std::uint8_t { Source = 0, Over = 1 };
 
@@ -29,11 +30,12 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngPicture& picture
 /// read back.
 class ApngWriter : public AnimationWriter {
 public:
-    ApngWriter(const AnimationFacts& facts, int effort)
-        : facts_(facts), effort_(effort), reader_(facts.width, facts.height, facts.palette),
-          screen_(facts.width, facts.height) {}
+    ApngWriter(const AnimationFacts& facts, int effort, const Runner& runner)
+        : AnimationWriter(runner), facts_(facts), effort_(effort),
+          reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
 
-    FrameWork& Take(const FrameView& frame) override {
+private:
+    void Take(const FrameView& frame) override {
         if (!colours_ && frame.picture.biBitCount <= 8) {
             const Rect changed = screen_.Show(reader_.ReadIndexes(frame));
             const Rect rect = frames_.empty() ? screen_.Whole() : changed;
@@ -42,21 +44,21 @@ public:
                 // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is
                 // packed.
                 if (!frames_.empty()) frames_.front().KeepPixels(false);
-                PngPicture& picture =
-                    frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay, effort_);
-                picture.KeepPixels(frames_.size() == 1);
-                return picture;
+                frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay, effort_);
+                frames_.back().KeepPixels(frames_.size() == 1);
+                return;
             }
         }
         const FramePixels pixels = reader_.ReadColours(frame);
         if (!colours_) StartAgain(pixels);
-        return TakeColours(pixels, frame.delay);
+        TakeColours(pixels, frame.delay);
     }
 
-    std::vector<std::uint8_t> Finish(const std::string& comment) override {
-        if (frames_.empty()) throw AnimationError(kNoFrames);
-        for (PngPicture& frame : frames_)
-            frame.Pack();
+    std::size_t Frames() const override { return frames_.size(); }
+    void Pack(std::size_t frame) override { frames_[frame].Pack(); }
+    void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].SetDelay(delay); }
+
+    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
         const int bits = !colours_ && frames_.size() == 1 ? BitsFor(table_.Entries()) : 8;
         if (bits < 8) frames_.front().Repack(bits);
         ChunkWriter file(kPngSignature);
@@ -68,18 +70,20 @@ public:
             file.Put("tRNS", colours_ ? PngTransparentColour(hole_) : TransparentEntry());
         file.PutComment(comment);
         std::uint32_t sequence = 0;
-        for (const PngPicture& picture : frames_) {
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const auto& picture) { return sum + picture.Bytes() + kFrameChunks; }));
+        for (PngPicture& picture : frames_) {
             const bool first = &picture == &frames_.front();
             file.Put("fcTL", FrameControl(sequence++, picture, first ? Blend::Source : Blend::Over));
             ChunkWriter::Data number;
             if (!first) number.U32(sequence++);
-            file.Put(first ? "IDAT" : "fdAT", number, picture.Data());
+            file.Put(first ? "IDAT" : "fdAT", number, picture.TakeData());
         }
         file.Put("IEND");
         return file.Take();
     }
 
-private:
     /// Holes get an entry early, so that what is told of it is short; but not where they might take one that
     /// a colour will need.
     bool Admit(const IndexUse& use, std::int32_t told) {
@@ -106,14 +110,14 @@ private:
         return data.U8(0);
     }
 
-    PngPicture& TakeColours(const FramePixels& pixels, std::int32_t delay) {
+    void TakeColours(const FramePixels& pixels, std::int32_t delay) {
         Rect rect = screen_.Show(pixels);
         if (hole_ != kNoPixel && Draws(screen_, rect, hole_)) {
             StartAgain(pixels);
             rect = screen_.Show(pixels);
         }
         if (frames_.empty()) rect = screen_.Whole();
-        return frames_.emplace_back(CutColours(screen_, rect, hole_), delay, effort_);
+        frames_.emplace_back(CutColours(screen_, rect, hole_), delay, effort_);
     }
 
     /// Writes all frames so far in colours, with a hole that neither they nor `next` have.
@@ -122,7 +126,8 @@ private:
         taken.Add(next.values);
         std::vector<std::uint8_t> before;
         if (!frames_.empty()) {
-            before = Finish("");
+            PackAll();
+            before = Assemble("");
             Play(before, [&](const ShownScreen& screen, std::int32_t) { taken.Add(screen.pixels); });
         }
         frames_.clear();
@@ -131,7 +136,8 @@ private:
         hole_ = taken.Free();
         if (before.empty()) return;
         Play(before, [&](const ShownScreen& screen, std::int32_t delay) {
-            TakeColours({screen.width, screen.height, screen.pixels}, delay).Pack();
+            TakeColours({screen.width, screen.height, screen.pixels}, delay);
+            frames_.back().Pack();
         });
     }
     static void Play(const std::vector<std::uint8_t>& file, const OnScreen& onScreen) {
@@ -148,15 +154,16 @@ private:
     Screen screen_;
     FileTable table_;
     bool colours_ = false;
-    PixelValue hole_ = kNoPixel;    ///< of colours
-    std::deque<PngPicture> frames_; // which callers have references to
+    PixelValue hole_ = kNoPixel; ///< of colours
+    std::vector<PngPicture> frames_;
 };
 
 } // namespace
 
-std::unique_ptr<AnimationWriter> NewApngWriter(const AnimationFacts& facts, int effort) {
+std::unique_ptr<AnimationWriter> NewApngWriter(const AnimationFacts& facts, int effort,
+                                               const Runner& runner) {
     CheckSides(facts.width, facts.height, kMostPngSide, kPngSideError);
-    return std::make_unique<ApngWriter>(facts, effort);
+    return std::make_unique<ApngWriter>(facts, effort, runner);
 }
 
 } // namespace lumafold

@@ -5,27 +5,29 @@
 
 namespace lumafold {
 
-std::size_t HoldShortFrames(std::span<std::int32_t> delays) {
-    std::size_t held = 0;
-    std::int64_t owed = 0;
-    const auto repay = [&](std::int32_t& delay) {
-        const std::int64_t taken = std::min<std::int64_t>(owed, delay - kShortestPlayed);
-        owed -= taken;
-        delay -= static_cast<std::int32_t>(taken);
-    };
-    for (std::int32_t& delay : delays) {
-        delay = std::max(delay, 0);
-        if (delay < kShortestPlayed) {
-            ++held;
-            owed += kShortestPlayed - delay;
-            delay = kShortestPlayed;
-        } else {
-            repay(delay);
-        }
+void HeldDelays::Repay(std::int32_t& delay) {
+    const std::int64_t taken = std::min<std::int64_t>(owed_, delay - kShortestPlayed);
+    owed_ -= taken;
+    delay -= static_cast<std::int32_t>(taken);
+}
+
+std::int32_t HeldDelays::Add(std::int32_t delay) {
+    delay = std::max(delay, 0);
+    if (delay < kShortestPlayed) {
+        ++short_;
+        owed_ += kShortestPlayed - delay;
+        delay = kShortestPlayed;
+    } else {
+        Repay(delay);
     }
-    for (std::int32_t& delay : delays)
-        repay(delay);
-    return held;
+    delays_.push_back(delay);
+    return delay;
+}
+
+const std::vector<std::int32_t>& HeldDelays::Settle() {
+    for (std::int32_t& delay : delays_)
+        Repay(delay);
+    return delays_;
 }
 
 std::int32_t CommonDelay(std::span<const std::int32_t> delays) {

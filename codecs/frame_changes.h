@@ -16,9 +16,9 @@ struct AnimationError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// What every writer gives its caller: the file, or none and why not. `encode` makes the file or throws.
+/// What every writer gives its caller: the file, or nothing and why not. `encode` makes the file or throws.
 template <typename Encode>
-std::vector<std::uint8_t> FileOrError(Encode encode, std::string& error) {
+auto FileOrError(Encode encode, std::string& error) -> decltype(encode()) {
     error.clear();
     try {
         return encode();

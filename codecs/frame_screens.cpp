@@ -10,14 +10,26 @@ constexpr std::size_t kMostKeptPixels = std::size_t{16} << 20;
 
 } // namespace
 
-FrameScreens::FrameScreens(const Animation& animation)
-    : animation_(animation), reader_(animation.width, animation.height, animation.palette),
-      screen_(static_cast<std::size_t>(animation.width) * static_cast<std::size_t>(animation.height),
-              kNoPixel) {}
+RunningScreen::RunningScreen(const AnimationFacts& facts)
+    : width_(static_cast<std::size_t>(facts.width)), reader_(facts.width, facts.height, facts.palette),
+      shown_(width_ * static_cast<std::size_t>(facts.height), kNoPixel) {}
+
+const ScreenPixels& RunningScreen::Show(const FrameView& view) {
+    const FramePixels frame = reader_.ReadColours(view);
+    const PixelValue* from = frame.values.data();
+    for (std::int32_t y = 0; y < frame.height; ++y) {
+        PixelValue* to = shown_.data() + static_cast<std::size_t>(y) * width_;
+        for (std::int32_t x = 0; x < frame.width; ++x, ++from)
+            to[x] = *from == kNoPixel ? to[x] : *from;
+    }
+    return shown_;
+}
+
+FrameScreens::FrameScreens(const Animation& animation) : animation_(animation), screen_(FactsOf(animation)) {}
 
 const ScreenPixels& FrameScreens::At(std::size_t index) {
     const auto wanted = static_cast<std::ptrdiff_t>(index);
-    if (wanted == shown_) return screen_;
+    if (wanted == shown_) return screen_.Shown();
     // From what is shown, from a screen that was kept, or from the beginning: whichever is nearest before.
     const auto after = kept_.upper_bound(index);
     const std::ptrdiff_t nearest =
@@ -25,9 +37,9 @@ const ScreenPixels& FrameScreens::At(std::size_t index) {
     if (shown_ > wanted || shown_ < nearest || shown_ < 0) {
         shown_ = nearest;
         if (nearest >= 0) {
-            screen_ = std::prev(after)->second;
+            screen_.Return(std::prev(after)->second);
         } else {
-            std::fill(screen_.begin(), screen_.end(), kNoPixel);
+            screen_.Clear();
         }
     }
     while (shown_ < wanted) {
@@ -35,24 +47,19 @@ const ScreenPixels& FrameScreens::At(std::size_t index) {
         ++shown_;
         Keep(static_cast<std::size_t>(shown_));
     }
-    return screen_;
+    return screen_.Shown();
 }
 
 void FrameScreens::Draw(std::size_t index) {
     const AnimationFrame& held = animation_.frames.at(index);
     if (!held.image) throw AnimationError("a frame of the animation has no picture");
-    const FramePixels frame = reader_.ReadColours({*held.image, held.delay, held.transparentIndex});
-    const PixelValue* from = frame.values.data();
-    for (std::int32_t y = 0; y < frame.height; ++y) {
-        PixelValue* to = screen_.data() + static_cast<std::ptrdiff_t>(y) * animation_.width;
-        for (std::int32_t x = 0; x < frame.width; ++x, ++from)
-            to[x] = *from == kNoPixel ? to[x] : *from;
-    }
+    screen_.Show({*held.image, held.delay, held.transparentIndex});
 }
 
 void FrameScreens::Keep(std::size_t index) {
     if (index == 0 || index % kKeptEvery != 0 || kept_.contains(index)) return;
-    if ((kept_.size() + 1) * screen_.size() <= kMostKeptPixels) kept_[index] = screen_;
+    const ScreenPixels& shown = screen_.Shown();
+    if ((kept_.size() + 1) * shown.size() <= kMostKeptPixels) kept_[index] = shown;
 }
 
 } // namespace lumafold

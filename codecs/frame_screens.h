@@ -1,6 +1,7 @@
 // What is seen at each frame of an animation: a frame that has holes shows what stood there before it.
 #pragma once
 
+#include <algorithm>
 #include <map>
 
 #include "codecs/frame_changes.h"
@@ -9,6 +10,26 @@ namespace lumafold {
 
 /// Colours as 0x00BBGGRR, row by row from the top; kNoPixel where nothing has been drawn.
 using ScreenPixels = std::vector<PixelValue>;
+
+/// What is seen after each frame, one after the other.
+class RunningScreen {
+public:
+    /// `facts` with both sides at least 1.
+    explicit RunningScreen(const AnimationFacts& facts);
+
+    /// Good until the next call. Throws AnimationError for a frame without pixels, and std::bad_alloc.
+    const ScreenPixels& Show(const FrameView& frame);
+    const ScreenPixels& Shown() const { return shown_; }
+    /// Goes on from an earlier screen.
+    void Return(const ScreenPixels& shown) { shown_ = shown; }
+    /// Goes back to where nothing has been drawn.
+    void Clear() { std::fill(shown_.begin(), shown_.end(), kNoPixel); }
+
+private:
+    std::size_t width_;
+    FrameReader reader_;
+    ScreenPixels shown_;
+};
 
 /// Frames in any order; some screens on the way are kept, so that none has to begin at the first frame. The
 /// animation must outlive this. Throws AnimationError for a frame without a picture, and std::bad_alloc.
@@ -24,8 +45,7 @@ private:
     void Keep(std::size_t index);
 
     const Animation& animation_;
-    FrameReader reader_;
-    ScreenPixels screen_;
+    RunningScreen screen_;
     std::ptrdiff_t shown_ = -1; ///< the frame that screen_ shows, -1 while it shows none
     std::map<std::size_t, ScreenPixels> kept_;
 };

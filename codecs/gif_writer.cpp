@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <bit>
-#include <deque>
+#include <numeric>
 #include <span>
+#include <utility>
 
 #include "codecs/lzw_encoder.h"
 
@@ -15,6 +16,7 @@ constexpr std::int32_t kMostDelay = 65535, kMostRepeats = 65535;
 
 class GifBytes {
 public:
+    void Reserve(std::size_t bytes) { bytes_.reserve(bytes_.size() + bytes); }
     void U8(std::uint32_t value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
     void U16(std::int32_t value) {
         U8(static_cast<std::uint32_t>(value) & 0xFF);
@@ -42,14 +44,14 @@ enum class Rows { All, Sample };
 /// Which of the pixels that do not change may be left out: none, those in runs of several colours, or all.
 enum class LeftOut { None, Varied, Any };
 
-class GifFrame : public FrameWork {
+class GifFrame {
 public:
     GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
 
     /// Pixels that do not change may be drawn over with what is there or left out. The encoder takes what
     /// packs better at the moment; but a run of one colour is a string already that a hole would break, and
     /// an entry for holes may cost more than it saves, so several ways are tried.
-    void Pack() override {
+    void Pack() {
         if (!codes_.bytes.empty()) return;
         LeftOut best = LeftOut::Any;
         if (cut_.mayLeaveOut) {
@@ -66,7 +68,10 @@ public:
         cut_.pixels = std::vector<ChoicePixel>();
     }
 
-    void Put(GifBytes& file) const {
+    void SetDelay(std::int32_t delay) { delay_ = delay; }
+    std::size_t Bytes() const { return codes_.bytes.size(); }
+    /// Gives the packed data away.
+    void Put(GifBytes& file) {
         constexpr std::uint32_t kLeaveInPlace = 1 << 2;
         file.Text("\x21\xF9\x04");
         file.U8(kLeaveInPlace | (codes_.hasHoles ? 1 : 0));
@@ -80,7 +85,7 @@ public:
         file.U16(RectHeight(cut_.rect));
         file.U8(0);
         file.U8(static_cast<std::uint32_t>(codes_.bits));
-        file.SubBlocks(codes_.bytes);
+        file.SubBlocks(std::exchange(codes_.bytes, {}));
     }
 
 private:
@@ -140,11 +145,12 @@ private:
 
 class GifWriter : public AnimationWriter {
 public:
-    explicit GifWriter(const AnimationFacts& facts)
-        : facts_(facts), reader_(facts.width, facts.height, facts.palette),
+    GifWriter(const AnimationFacts& facts, const Runner& runner)
+        : AnimationWriter(runner), facts_(facts), reader_(facts.width, facts.height, facts.palette),
           screen_(facts.width, facts.height) {}
 
-    FrameWork& Take(const FrameView& frame) override {
+private:
+    void Take(const FrameView& frame) override {
         if (frame.picture.biBitCount > 8) throw AnimationError("GIF cannot hold true-colour frames");
         const FramePixels pixels = reader_.ReadIndexes(frame);
         const Rect changed = screen_.Show(pixels);
@@ -152,22 +158,25 @@ public:
         const Rect rect = frames_.empty() ? Rect{0, 0, pixels.width, pixels.height} : changed;
         const IndexUse use(screen_, rect);
         table_.Admit(use);
-        return frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
+        frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
     }
 
-    std::vector<std::uint8_t> Finish(const std::string& comment) override {
-        if (frames_.empty()) throw AnimationError(kNoFrames);
+    std::size_t Frames() const override { return frames_.size(); }
+    void Pack(std::size_t frame) override { frames_[frame].Pack(); }
+    void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].SetDelay(delay); }
+
+    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
         GifBytes file;
         PutHead(file, comment);
-        for (GifFrame& frame : frames_) {
-            frame.Pack();
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const GifFrame& frame) { return sum + frame.Bytes() * 256 / 255 + 32; }));
+        for (GifFrame& frame : frames_)
             frame.Put(file);
-        }
         file.U8(0x3B);
         return file.Take();
     }
 
-private:
     /// As the task said, but never too few for the indexes that occur: fixed palettes are searched beyond
     /// their count.
     int TableBits() const {
@@ -225,14 +234,14 @@ private:
     FrameReader reader_;
     Screen screen_;
     FileTable table_;
-    std::deque<GifFrame> frames_; // which callers have references to
+    std::vector<GifFrame> frames_;
 };
 
 } // namespace
 
-std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts) {
+std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts, const Runner& runner) {
     CheckSides(facts.width, facts.height, kMostSide, "GIF cannot hold sides above 65535 pixels");
-    return std::make_unique<GifWriter>(facts);
+    return std::make_unique<GifWriter>(facts, runner);
 }
 
 } // namespace lumafold

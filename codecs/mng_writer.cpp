@@ -1,4 +1,4 @@
-#include <deque>
+#include <numeric>
 
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
@@ -8,6 +8,7 @@ namespace lumafold {
 namespace {
 
 constexpr std::uint32_t kTicksPerSecond = 100, kInfinite = 0x7FFFFFFF;
+constexpr std::size_t kMostAround = 1024; // bytes around the data of a frame, its palette among them
 
 /// What a reader must be able to do, one bit each.
 enum Profile : std::uint32_t {
@@ -46,11 +47,12 @@ ChunkWriter::Data Place(const Rect& rect) {
 /// for the whole file would be smaller, but not all readers join it with transparency.
 class MngWriter : public AnimationWriter {
 public:
-    MngWriter(const AnimationFacts& facts, int effort)
-        : facts_(facts), effort_(effort), reader_(facts.width, facts.height, facts.palette),
-          screen_(facts.width, facts.height) {}
+    MngWriter(const AnimationFacts& facts, int effort, const Runner& runner)
+        : AnimationWriter(runner), facts_(facts), effort_(effort),
+          reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
 
-    FrameWork& Take(const FrameView& frame) override {
+private:
+    void Take(const FrameView& frame) override {
         if (!colours_ && frame.picture.biBitCount > 8) UseColours();
         const Rect changed = screen_.Show(colours_ ? reader_.ReadColours(frame) : reader_.ReadIndexes(frame));
         // The first frame is whole: it is what is seen where animations are not understood.
@@ -60,22 +62,26 @@ public:
         if (colours_) {
             const PixelValue hole = Hole(rect);
             PngPicture picture(CutColours(screen_, rect, hole), frame.delay, effort_);
-            return frames_.emplace_back(Frame{std::move(picture), {}, hole}).picture;
+            frames_.push_back({std::move(picture), {}, hole});
+            return;
         }
         PngPicture picture(table.Cut(screen_, rect, table.Hole()), BitsFor(table.Entries()), frame.delay,
                            effort_);
-        return frames_.emplace_back(Frame{std::move(picture), table.Colours(facts_.palette), kNoPixel})
-            .picture;
+        frames_.push_back({std::move(picture), table.Colours(facts_.palette), kNoPixel});
     }
 
-    std::vector<std::uint8_t> Finish(const std::string& comment) override {
-        if (frames_.empty()) throw AnimationError(kNoFrames);
-        for (Frame& frame : frames_)
-            frame.picture.Pack();
+    std::size_t Frames() const override { return frames_.size(); }
+    void Pack(std::size_t frame) override { frames_[frame].picture.Pack(); }
+    void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].picture.SetDelay(delay); }
+
+    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
         ChunkWriter file(kMngSignature);
         file.Put("MHDR", Header());
         file.Put("TERM", Termination(facts_.plays));
         file.PutComment(comment);
+        file.Reserve(std::accumulate(
+            frames_.begin(), frames_.end(), std::size_t{0},
+            [](std::size_t sum, const Frame& frame) { return sum + frame.picture.Bytes() + kMostAround; }));
         for (std::size_t i = 0; i < frames_.size(); ++i) {
             const std::int32_t delay = frames_[i].picture.Delay();
             // The first frame says everything: the loop comes back to it with the last one's values.
@@ -87,7 +93,6 @@ public:
         return file.Take();
     }
 
-private:
     struct Frame {
         PngPicture picture;
         std::vector<Rgb> colours; ///< the palette, its first entry for holes
@@ -130,15 +135,15 @@ private:
             .U32(profile);
     }
 
-    static void PutPicture(ChunkWriter& file, const Frame& frame) {
-        const PngPicture& picture = frame.picture;
+    static void PutPicture(ChunkWriter& file, Frame& frame) {
+        PngPicture& picture = frame.picture;
         const bool palette = picture.HasPalette();
         file.Put("IHDR", PngHeader(picture.Place(), palette ? picture.Bits() : 8,
                                    palette ? PngColours::Indexed : PngColours::True));
         if (palette) file.Put("PLTE", PngPalette(frame.colours));
         if (picture.HasHoles())
             file.Put("tRNS", palette ? ChunkWriter::Data().U8(0) : PngTransparentColour(frame.hole));
-        file.Put("IDAT", {}, picture.Data());
+        file.Put("IDAT", {}, picture.TakeData());
         file.Put("IEND");
     }
 
@@ -147,14 +152,14 @@ private:
     FrameReader reader_;
     Screen screen_;
     bool colours_ = false;
-    std::deque<Frame> frames_; // which callers have references to
+    std::vector<Frame> frames_;
 };
 
 } // namespace
 
-std::unique_ptr<AnimationWriter> NewMngWriter(const AnimationFacts& facts, int effort) {
+std::unique_ptr<AnimationWriter> NewMngWriter(const AnimationFacts& facts, int effort, const Runner& runner) {
     CheckSides(facts.width, facts.height, kMostPngSide, kPngSideError);
-    return std::make_unique<MngWriter>(facts, effort);
+    return std::make_unique<MngWriter>(facts, effort, runner);
 }
 
 } // namespace lumafold

@@ -14,6 +14,9 @@ class ChunkWriter {
 public:
     explicit ChunkWriter(std::string_view signature) { bytes_.assign(signature.begin(), signature.end()); }
 
+    /// Room for `bytes` more, so that a large file is not copied as it grows.
+    void Reserve(std::size_t bytes) { bytes_.reserve(bytes_.size() + bytes); }
+
     class Data {
     public:
         Data& U8(std::uint32_t value);

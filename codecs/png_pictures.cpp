@@ -81,9 +81,10 @@ void PngPicture::Pack() {
         }
     }
     hasHoles_ = false;
-    data_ = Deflate(Filtered(best, Rows::All, hasHoles_), effort_);
-    packed_ = true;
+    const std::vector<std::uint8_t> rows = Filtered(best, Rows::All, hasHoles_);
     colours_.pixels = std::vector<PixelValue>();
+    data_ = Deflate(rows, effort_);
+    packed_ = true;
     if (!keepsPixels_) indexes_.pixels = std::vector<ChoicePixel>();
 }
 

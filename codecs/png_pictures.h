@@ -34,13 +34,15 @@ ColourCut CutColours(const Screen& screen, const Rect& rect, PixelValue hole);
 /// Whether the frame shown last draws `colour` in `rect`.
 bool Draws(const Screen& screen, const Rect& rect, PixelValue colour);
 
-class PngPicture : public FrameWork {
+class PngPicture {
 public:
     /// `bits` of a pixel, 1, 2, 4 or 8.
     PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort);
     PngPicture(ColourCut cut, std::int32_t delay, int effort);
 
-    void Pack() override;
+    /// Nothing when it is packed already. Throws std::bad_alloc.
+    void Pack();
+    void SetDelay(std::int32_t delay) { delay_ = delay; }
     /// Indexes may be packed once more, at fewer bits a pixel, until they are told to be needed no longer.
     void Repack(int bits);
     void KeepPixels(bool keep);
@@ -51,7 +53,9 @@ public:
     int Bits() const { return bits_; }
     // These are known once it is packed.
     bool HasHoles() const { return hasHoles_; }
-    std::span<const std::uint8_t> Data() const { return data_; }
+    std::size_t Bytes() const { return data_.size(); }
+    /// Gives the packed data away.
+    std::vector<std::uint8_t> TakeData() { return std::move(data_); }
 
 private:
     enum class Kept { Drawn, LeftOut };

@@ -15,7 +15,7 @@ std::vector<std::uint8_t> Encode(const DibHeader& picture) {
     packed.Pack();
     ChunkWriter file(kPngSignature);
     file.Put("IHDR", PngHeader(packed.Place(), 8, PngColours::True));
-    file.Put("IDAT", {}, packed.Data());
+    file.Put("IDAT", {}, packed.TakeData());
     file.Put("IEND");
     return file.Take();
 }

@@ -49,6 +49,46 @@ WebPAnimEncoder* NewEncoder(std::int32_t width, std::int32_t height, std::int32_
     return encoder;
 }
 
+/// When each frame begins and the last one ends, in milliseconds.
+using Moments = std::vector<std::int64_t>;
+
+void AddFrame(Moments& moments, std::int32_t delay) {
+    constexpr std::int32_t kMostDelay = 0xFFFFFF / 10;
+    const std::int64_t end = moments.back() + std::int64_t{std::clamp(delay, 0, kMostDelay)} * 10;
+    if (end > std::numeric_limits<int>::max()) throw AnimationError{"the animation lasts too long"};
+    moments.push_back(end);
+}
+
+/// Tells the frames of a finished file other times. The library joins frames that look alike, so a frame of
+/// the file is known by the moment at which it began.
+void Retime(std::vector<std::uint8_t>& file, const Moments& before, const Moments& after) {
+    constexpr std::size_t kFileHead = 12, kChunkHead = 8, kDurationAt = 12;
+    const auto number = [&](std::size_t at, int bytes) {
+        std::uint32_t value = 0;
+        for (int i = bytes - 1; i >= 0; --i)
+            value = value << 8 | file[at + static_cast<std::size_t>(i)];
+        return value;
+    };
+    const auto moved = [&](std::int64_t moment) {
+        const auto next = std::upper_bound(before.begin(), before.end(), moment);
+        const auto at = static_cast<std::size_t>(next - before.begin()) - 1;
+        return next == before.end() ? after[at] : std::min(after[at] + moment - before[at], after[at + 1]);
+    };
+    std::int64_t began = 0;
+    for (std::size_t at = kFileHead; at + kChunkHead <= file.size();) {
+        const std::size_t bytes = number(at + 4, 4), duration = at + kChunkHead + kDurationAt;
+        if (std::equal(file.begin() + static_cast<std::ptrdiff_t>(at),
+                       file.begin() + static_cast<std::ptrdiff_t>(at) + 4, "ANMF")) {
+            const std::int64_t ended = began + number(duration, 3);
+            const std::int64_t lasts = moved(ended) - moved(began);
+            for (std::size_t i = 0; i < 3; ++i)
+                file[duration + i] = static_cast<std::uint8_t>(lasts >> (8 * i));
+            began = ended;
+        }
+        at += kChunkHead + bytes + bytes % 2;
+    }
+}
+
 struct FreeEncoder {
     void operator()(WebPAnimEncoder* encoder) const { WebPAnimEncoderDelete(encoder); }
 };
@@ -60,8 +100,9 @@ struct WebpWriter::State {
         : config(ConfigOf(options)), encoder(NewEncoder(width, height, plays)), picture(width, height) {}
 
     /// From here on what is added next is seen; null where nothing is.
-    void AddAt(WebPPicture* shown) {
-        if (WebPAnimEncoderAdd(encoder.get(), shown, milliseconds, &config) != 0) return;
+    void AddNow(WebPPicture* shown) {
+        const auto now = static_cast<int>(moments.back());
+        if (WebPAnimEncoderAdd(encoder.get(), shown, now, &config) != 0) return;
         if (shown != nullptr && shown->error_code == VP8_ENC_ERROR_OUT_OF_MEMORY) throw std::bad_alloc();
         throw AnimationError{kFailed};
     }
@@ -69,7 +110,7 @@ struct WebpWriter::State {
     WebPConfig config;
     std::unique_ptr<WebPAnimEncoder, FreeEncoder> encoder;
     Picture picture;
-    int milliseconds = 0;
+    Moments moments{0};
 };
 
 WebpWriter::WebpWriter(std::int32_t width, std::int32_t height, std::int32_t plays,
@@ -79,7 +120,6 @@ WebpWriter::WebpWriter(WebpWriter&&) noexcept = default;
 WebpWriter::~WebpWriter() = default;
 
 void WebpWriter::Add(std::span<const PixelValue> screen, std::int32_t delay) {
-    constexpr std::int32_t kMostDelay = 0xFFFFFF / 10;
     Picture& picture = state_->picture;
     for (int y = 0; y < picture.height; ++y) {
         const PixelValue* from = screen.data() + static_cast<std::ptrdiff_t>(y) * picture.width;
@@ -89,20 +129,23 @@ void WebpWriter::Add(std::span<const PixelValue> screen, std::int32_t delay) {
             return 0xFF000000U | RedOf(pixel) << 16 | GreenOf(pixel) << 8 | BlueOf(pixel);
         });
     }
-    state_->AddAt(&picture);
-    const std::int64_t next =
-        std::int64_t{state_->milliseconds} + std::int64_t{std::clamp(delay, 0, kMostDelay)} * 10;
-    if (next > std::numeric_limits<int>::max()) throw AnimationError{"the animation lasts too long"};
-    state_->milliseconds = static_cast<int>(next);
+    state_->AddNow(&picture);
+    AddFrame(state_->moments, delay);
 }
 
-std::vector<std::uint8_t> WebpWriter::Finish() {
-    state_->AddAt(nullptr);
+std::vector<std::uint8_t> WebpWriter::Finish(std::span<const std::int32_t> delays) {
+    state_->AddNow(nullptr);
     WebPData data;
     WebPDataInit(&data);
     const std::unique_ptr<WebPData, decltype(&WebPDataClear)> owner(&data, WebPDataClear);
     if (WebPAnimEncoderAssemble(state_->encoder.get(), &data) == 0) throw AnimationError{kFailed};
-    return {data.bytes, data.bytes + data.size};
+    std::vector<std::uint8_t> file(data.bytes, data.bytes + data.size);
+    if (delays.empty()) return file;
+    Moments moments{0};
+    for (const std::int32_t delay : delays)
+        AddFrame(moments, delay);
+    Retime(file, state_->moments, moments);
+    return file;
 }
 
 std::vector<std::uint8_t> EncodeWebp(const Animation& animation, const WebpOptions& options,

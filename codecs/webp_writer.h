@@ -29,8 +29,9 @@ public:
     /// What is seen next, 0x00BBGGRR row by row from the top, kNoPixel where one looks through; and for how
     /// many hundredths of a second. Nothing of it is kept but what it changes.
     void Add(std::span<const PixelValue> screen, std::int32_t delay);
-    /// The whole file; there must be a frame. The writer is spent.
-    std::vector<std::uint8_t> Finish();
+    /// The whole file; there must be a frame. `delays` has one for each frame and takes the place of those
+    /// that they came with, which were all above 0 then; empty leaves them. The writer is spent.
+    std::vector<std::uint8_t> Finish(std::span<const std::int32_t> delays = {});
 
 private:
     struct State;

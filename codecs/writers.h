@@ -7,8 +7,8 @@ namespace lumafold {
 
 inline constexpr char kNoFrames[] = "the animation has no frames";
 
-std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts);
-std::unique_ptr<AnimationWriter> NewApngWriter(const AnimationFacts& facts, int effort);
-std::unique_ptr<AnimationWriter> NewMngWriter(const AnimationFacts& facts, int effort);
+std::unique_ptr<AnimationWriter> NewGifWriter(const AnimationFacts& facts, const Runner& runner);
+std::unique_ptr<AnimationWriter> NewApngWriter(const AnimationFacts& facts, int effort, const Runner& runner);
+std::unique_ptr<AnimationWriter> NewMngWriter(const AnimationFacts& facts, int effort, const Runner& runner);
 
 } // namespace lumafold

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "codecs/delays.h"
-#include "codecs/frame_screens.h"
 #include "codecs/writers.h"
 
 namespace lumafold {
@@ -48,35 +47,26 @@ std::uint8_t Y4mWriter::Weights::Of(std::int32_t red, std::int32_t green, std::i
                                      kFractionBits);
 }
 
-Y4mWriter::Y4mWriter(std::int32_t width, std::int32_t height, std::int32_t unit, const Y4mOptions& options,
-                     const ByteSink& sink)
-    : width_(width), height_(height), unit_(unit),
-      side_(options.chroma == Y4mOptions::Chroma::Half420 ? 2 : 1), behind_(options.behind), sink_(sink) {
-    const YuvMatrix matrix = MatrixFor(options, width, height);
-    const auto [red, blue] = SharesOf(matrix);
+Y4mWriter::Y4mWriter(std::int32_t width, std::int32_t height, const Y4mOptions& options)
+    : width_(width), height_(height), side_(options.chroma == Y4mOptions::Chroma::Half420 ? 2 : 1),
+      behind_(options.behind), matrix_(MatrixFor(options, width, height)) {
+    constexpr std::int32_t kMostSide = 1 << 15;
+    CheckSides(width, height, kMostSide, "a side of a film may have 32768 pixels");
+    const auto [red, blue] = SharesOf(matrix_);
     luma_ = {Fixed(219 * red, 219 * blue, 219), 16};
     blueness_ = {Fixed(-112 * red / (1 - blue), 112, 0), 128};
     redness_ = {Fixed(112, -112 * blue / (1 - red), 0), 128};
-
-    constexpr std::int32_t kPerSecond = 100;
-    const std::int32_t common = std::gcd(kPerSecond, unit);
-    const std::string head =
-        "YUV4MPEG2 W" + std::to_string(width) + " H" + std::to_string(height) + " F" +
-        std::to_string(kPerSecond / common) + ":" + std::to_string(unit / common) + " Ip A1:1 " +
-        (side_ == 2 ? "C420jpeg" : "C444") +
-        " XCOLORRANGE=LIMITED XCOLORMATRIX=" + (matrix == YuvMatrix::Bt601 ? "BT601" : "BT709") + "\n";
-    if (!sink_({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}))
-        throw AnimationError(kStopped);
 }
 
-void Y4mWriter::AddLuma(std::span<const PixelValue> screen) {
+void Y4mWriter::AddLuma(std::span<const PixelValue> screen, std::vector<std::uint8_t>& to) const {
     for (const PixelValue pixel : screen)
-        frame_.push_back(
+        to.push_back(
             luma_.Of(Sample(pixel, behind_, 0), Sample(pixel, behind_, 8), Sample(pixel, behind_, 16)));
 }
 
 /// The mean of the pixels that share a sample, whose place is their middle.
-void Y4mWriter::AddChroma(std::span<const PixelValue> screen, const Weights& weights) {
+void Y4mWriter::AddChroma(std::span<const PixelValue> screen, const Weights& weights,
+                          std::vector<std::uint8_t>& to) const {
     for (std::int32_t top = 0; top < height_; top += side_) {
         for (std::int32_t left = 0; left < width_; left += side_) {
             std::array<std::int32_t, 3> sums{};
@@ -91,45 +81,50 @@ void Y4mWriter::AddChroma(std::span<const PixelValue> screen, const Weights& wei
                 }
             }
             const auto mean = [&](std::size_t c) { return (sums[c] + count / 2) / count; };
-            frame_.push_back(weights.Of(mean(0), mean(1), mean(2)));
+            to.push_back(weights.Of(mean(0), mean(1), mean(2)));
         }
     }
 }
 
 void Y4mWriter::Add(std::span<const PixelValue> screen, std::int32_t delay) {
     constexpr std::string_view kMark = "FRAME\n";
-    const std::int32_t times = delay / unit_;
-    if (times < 1) return;
-    frame_.assign(kMark.begin(), kMark.end());
-    AddLuma(screen);
-    AddChroma(screen, blueness_);
-    AddChroma(screen, redness_);
-    for (std::int32_t i = 0; i < times; ++i) {
-        if (!sink_(frame_)) throw AnimationError(kStopped);
-    }
+    any_ = true;
+    if (delay < 1) return;
+    std::vector<std::uint8_t> bytes(kMark.begin(), kMark.end());
+    const auto samples = [&](std::int32_t side) {
+        return static_cast<std::size_t>((side + side_ - 1) / side_);
+    };
+    bytes.reserve(bytes.size() + screen.size() + 2 * samples(width_) * samples(height_));
+    AddLuma(screen, bytes);
+    AddChroma(screen, blueness_, bytes);
+    AddChroma(screen, redness_, bytes);
+    frames_.push_back({delay, std::move(bytes)});
 }
 
-bool WriteY4m(const Animation& animation, const Y4mOptions& options, const ByteSink& sink,
-              std::string& error) {
-    FileOrError(
-        [&] {
-            constexpr std::int32_t kMostSide = 1 << 15;
-            if (animation.frames.empty()) throw AnimationError(kNoFrames);
-            CheckSides(animation.width, animation.height, kMostSide,
-                       "a side of a film may have 32768 pixels");
-            std::vector<std::int32_t> delays;
-            for (const AnimationFrame& frame : animation.frames)
-                delays.push_back(frame.delay);
-            const std::int32_t unit = CommonDelay(delays);
-            if (unit == 0) throw AnimationError{"no frame of the animation is seen for any time"};
-            Y4mWriter writer(animation.width, animation.height, unit, options, sink);
-            FrameScreens screens(animation);
-            for (std::size_t i = 0; i < animation.frames.size(); ++i)
-                writer.Add(screens.At(i), delays[i]);
-            return std::vector<std::uint8_t>();
-        },
-        error);
-    return error.empty();
+std::string Y4mWriter::Head(std::int32_t unit) const {
+    constexpr std::int32_t kPerSecond = 100;
+    const std::int32_t common = std::gcd(kPerSecond, unit);
+    return "YUV4MPEG2 W" + std::to_string(width_) + " H" + std::to_string(height_) + " F" +
+           std::to_string(kPerSecond / common) + ":" + std::to_string(unit / common) + " Ip A1:1 " +
+           (side_ == 2 ? "C420jpeg" : "C444") +
+           " XCOLORRANGE=LIMITED XCOLORMATRIX=" + (matrix_ == YuvMatrix::Bt601 ? "BT601" : "BT709") + "\n";
+}
+
+void Y4mWriter::Finish(const ByteSink& sink) const {
+    if (!any_) throw AnimationError(kNoFrames);
+    if (frames_.empty()) throw AnimationError{"no frame of the animation is seen for any time"};
+    std::vector<std::int32_t> delays;
+    for (const Frame& frame : frames_)
+        delays.push_back(frame.delay);
+    const std::int32_t unit = CommonDelay(delays);
+    const std::string head = Head(unit);
+    if (!sink({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}))
+        throw AnimationError(kStopped);
+    for (const Frame& frame : frames_) {
+        for (std::int32_t i = 0; i < frame.delay / unit; ++i) {
+            if (!sink(frame.bytes)) throw AnimationError(kStopped);
+        }
+    }
 }
 
 } // namespace lumafold

@@ -27,37 +27,41 @@ struct Y4mOptions {
 /// Takes the next bytes of a file; false when it will have no more.
 using ByteSink = std::function<bool(std::span<const std::uint8_t> bytes)>;
 
-/// A film in the making. Members throw AnimationError when the sink wants no more, and std::bad_alloc.
+/// A film in the making. Its rate follows from the delays of all frames, so it holds the planes of each, half
+/// the size of a true-colour picture with halved chroma, until it is written. Members throw AnimationError
+/// and std::bad_alloc.
 class Y4mWriter {
 public:
-    /// `unit` is the time that each frame of the film is seen, in hundredths of a second, at least 1. The
-    /// sink must outlive this.
-    Y4mWriter(std::int32_t width, std::int32_t height, std::int32_t unit, const Y4mOptions& options,
-              const ByteSink& sink);
+    Y4mWriter(std::int32_t width, std::int32_t height, const Y4mOptions& options);
 
-    /// What is seen next, 0x00BBGGRR row by row from the top, kNoPixel where nothing has been drawn; as often
-    /// as the whole unit goes into its time. There is no end to write.
+    /// What is seen next, 0x00BBGGRR row by row from the top, kNoPixel where nothing has been drawn; for how
+    /// many hundredths of a second. What is seen for no time is left out.
     void Add(std::span<const PixelValue> screen, std::int32_t delay);
+    /// The film, piece by piece, at the rate of the delays' greatest common measure. Throws when there is no
+    /// frame, none that is seen, or the sink wants no more.
+    void Finish(const ByteSink& sink) const;
 
 private:
+    struct Frame {
+        std::int32_t delay;
+        std::vector<std::uint8_t> bytes; ///< with the mark that each frame begins with
+    };
     struct Weights {
         std::array<std::int32_t, 3> rgb;
         std::int32_t offset;
         std::uint8_t Of(std::int32_t red, std::int32_t green, std::int32_t blue) const;
     };
-    void AddLuma(std::span<const PixelValue> screen);
-    void AddChroma(std::span<const PixelValue> screen, const Weights& weights);
+    void AddLuma(std::span<const PixelValue> screen, std::vector<std::uint8_t>& to) const;
+    void AddChroma(std::span<const PixelValue> screen, const Weights& weights,
+                   std::vector<std::uint8_t>& to) const;
+    std::string Head(std::int32_t unit) const;
 
-    std::int32_t width_, height_, unit_, side_; ///< side_: pixels of a chroma sample across and down
+    std::int32_t width_, height_, side_; ///< side_: pixels of a chroma sample across and down
     PixelValue behind_;
+    YuvMatrix matrix_;
     Weights luma_, blueness_, redness_;
-    const ByteSink& sink_;
-    std::vector<std::uint8_t> frame_;
+    bool any_ = false; ///< whether there was a frame, seen or not
+    std::vector<Frame> frames_;
 };
-
-/// One play of the animation, at the rate of the delays' greatest common measure; frames of no delay are not
-/// seen. False leaves why in `error` (no frames, none that is seen, the sink wanted no more, no memory).
-bool WriteY4m(const Animation& animation, const Y4mOptions& options, const ByteSink& sink,
-              std::string& error);
 
 } // namespace lumafold

@@ -6,17 +6,16 @@
 #include <nlohmann/json.hpp>
 
 #include "build/build_driver.h"
-#include "codecs/delays.h"
 #include "codecs/files.h"
+#include "codecs/frame_changes.h"
 #include "codecs/png_writer.h"
 #include "hosts/cli/build_options.h"
+#include "hosts/cli/built_frames.h"
 #include "hosts/cli/cannot_run.h"
-#include "hosts/cli/contact_sheet.h"
 #include "hosts/cli/failure.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
-#include "hosts/cli/output.h"
 #include "hosts/cli/peak_memory.h"
 #include "hosts/cli/picture_order.h"
 #include "hosts/cli/standard_streams.h"
@@ -146,73 +145,74 @@ private:
 
     int Build(MemoryList& list) {
         Progress progress(console_.err, StyleFor(console_.err, options_.talk));
-        RecordingHost host(CapabilityFlags(kind_), progress, console_.err);
+        BuiltFrames frames({kind_, options_.estimate ? "" : options_.output, console_.out, pool_,
+                            options_.quality, options_.effort, memoryLimit_},
+                           options_);
+        RecordingHost host(CapabilityFlags(kind_), progress, console_.err, frames);
         const bool built =
             BuildAnimation({list, 0, host.Context(), Task(), settings_, host, pool_, memoryLimit_}) != 0 &&
             host.Complete();
         progress.Clear();
+        if (Interrupted()) return kInterruptedStatus;
+        if (!host.Fault().empty()) throw Failure(kFailed, NameBefore() + host.Fault());
         if (!built) return kFailed; // the engine has said why
-        if (kind_ != OutputKind::Folder && kind_ != OutputKind::Y4m) MakePlayable(host.Result());
-        return Write(host);
+        if (const std::size_t held = frames.Held(); held > 0) RemarkOnDelays(held);
+        return Write(host, frames);
     }
 
-    void MakePlayable(Animation& animation) const {
-        animation.plays = static_cast<std::int32_t>(options_.plays.times);
-        if (options_.delays == DelayRule::Exact) return;
-        std::vector<std::int32_t> delays;
-        for (const AnimationFrame& frame : animation.frames)
-            delays.push_back(frame.delay);
-        const std::size_t shorter = HoldShortFrames(delays);
-        for (std::size_t i = 0; i < delays.size(); ++i)
-            animation.frames[i].delay = delays[i];
-        if (shorter == 0) return;
-        Remark(std::to_string(shorter) + (shorter == 1 ? " frame stands" : " frames stand") +
+    void RemarkOnDelays(std::size_t held) const {
+        Remark(std::to_string(held) + (held == 1 ? " frame stands" : " frames stand") +
                " for 0.02 s instead of less, which browsers would make 0.1 s of, and those after it for the "
                "less "
                "(--exact-delays keeps all as they are)");
     }
 
-    PackingOptions Packing() const { return {pool_, options_.quality, options_.effort, memoryLimit_}; }
+    /// What is put before the reasons of an output that does not name files itself.
+    std::string NameBefore() const {
+        const bool sends = WritesStream() && kind_ == OutputKind::Y4m;
+        return options_.estimate || sends || kind_ == OutputKind::Folder ? "" : options_.output + ": ";
+    }
 
-    int Write(const RecordingHost& host) {
+    int Write(const RecordingHost& host, BuiltFrames& frames) {
         std::string error = "not enough memory";
         std::vector<std::uint8_t> sheet;
         if (!options_.sheet.empty()) {
-            const OwnedDib picture = AnimationSheet(host.Result());
+            const OwnedDib picture = frames.Sheet();
             if (picture) sheet = EncodePng(picture.Get(), error);
             if (sheet.empty()) throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
         }
-        std::uint64_t bytes = 0;
-        const bool written = options_.estimate ? MeasureOutput(kind_, host, Packing(), bytes, error)
-                                               : WriteOutput(options_.output, kind_, host, Packing(),
-                                                             console_.out, bytes, error);
+        const std::uint64_t bytes = FileOrError([&] { return frames.Finish(host); }, error);
         if (Interrupted()) return kInterruptedStatus;
-        if (!written) throw Failure(kFailed, error);
+        if (!error.empty()) throw Failure(kFailed, NameBefore() + error);
         if (!sheet.empty() && !WriteFileSafely(options_.sheet, sheet, error))
             throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
-        Report(host.Result(), bytes);
+        Report(host, frames, bytes);
         return 0;
     }
 
-    void Report(const Animation& animation, std::uint64_t bytes) const {
+    void Report(const RecordingHost& host, const BuiltFrames& frames, std::uint64_t bytes) const {
+        const AnimationFacts& facts = host.Facts();
+        const std::string text = std::to_string(host.Frames()) + " frames, " + std::to_string(facts.width) +
+                                 "x" + std::to_string(facts.height) + ", " + frames.Text() + ", " +
+                                 SizeText(bytes);
         if (options_.json) {
-            Out() << JsonReport(animation, bytes) << std::endl;
+            Out() << JsonReport(host, bytes) << std::endl;
         } else if (options_.estimate) {
-            Out() << "nothing written: " << AnimationText(animation, bytes) << '\n';
+            Out() << "nothing written: " << text << '\n';
         } else if (options_.talk != Talk::Quiet) {
             Out() << Printable("wrote " + (WritesStream() ? "to the standard output" : options_.output) +
-                               ": " + AnimationText(animation, bytes) +
+                               ": " + text +
                                (options_.sheet.empty() ? "" : ", contact sheet " + options_.sheet))
                   << '\n';
         }
     }
 
-    std::string JsonReport(const Animation& animation, std::uint64_t bytes) const {
+    std::string JsonReport(const RecordingHost& host, std::uint64_t bytes) const {
         nlohmann::ordered_json line;
         if (!options_.estimate) line["file"] = options_.output;
-        line["frames"] = animation.frames.size();
-        line["width"] = animation.width;
-        line["height"] = animation.height;
+        line["frames"] = host.Frames();
+        line["width"] = host.Facts().width;
+        line["height"] = host.Facts().height;
         line["size"] = bytes;
         line["seconds"] = std::chrono::duration<double>(Clock::now() - begun_).count();
         line["peakMemory"] = PeakMemory();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 #include "hosts/cli/sheet_font.h"
 #include "image/resample.h"
@@ -65,38 +66,15 @@ std::string FrameLabel(std::size_t index, std::int32_t delay) {
     return text;
 }
 
-/// What a viewer shows after each frame.
-class Screen {
-public:
-    explicit Screen(const Animation& animation)
-        : picture_(DibCreate(animation.width, animation.height, nullptr, 24)) {}
-
-    bool Show(const AnimationFrame& frame) {
-        OwnedDib opaque = frame.image ? DibToTrueColour(*frame.image) : OwnedDib();
-        if (!opaque) return false;
-        if (frame.transparentIndex < 0) {
-            picture_ = std::move(opaque);
-            return true;
+/// Lays the pixels that are not transparent over the screen, which is as large or larger.
+void Overlay(DibHeader& screen, const FrameView& frame, const DibHeader& opaque) {
+    for (std::int32_t y = 0; y < opaque.biHeight; ++y) {
+        for (std::int32_t x = 0; x < opaque.biWidth; ++x) {
+            if (DibGetPixel(frame.picture, x, y) == static_cast<PixelValue>(frame.transparentIndex)) continue;
+            DibSetPixel(screen, x, y, DibGetPixel(opaque, x, y));
         }
-        return Overlay(frame, *opaque);
     }
-    const DibHeader& Picture() const { return *picture_; }
-
-private:
-    bool Overlay(const AnimationFrame& frame, const DibHeader& opaque) {
-        const DibHeader& indices = *frame.image;
-        if (!picture_) return false;
-        for (std::int32_t y = 0; y < indices.biHeight; ++y) {
-            for (std::int32_t x = 0; x < indices.biWidth; ++x) {
-                if (DibGetPixel(indices, x, y) == static_cast<PixelValue>(frame.transparentIndex)) continue;
-                DibSetPixel(*picture_, x, y, DibGetPixel(opaque, x, y));
-            }
-        }
-        return true;
-    }
-
-    OwnedDib picture_;
-};
+}
 
 } // namespace
 
@@ -133,26 +111,39 @@ OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns) {
     return sheet;
 }
 
-std::vector<SheetCell> AnimationCells(const Animation& animation, std::size_t most) {
-    const std::size_t count = animation.frames.size();
-    const std::size_t shown = std::min(count, most);
-    const auto chosen = [&](std::size_t cell) { return shown < 2 ? 0 : cell * (count - 1) / (shown - 1); };
-    std::vector<SheetCell> cells;
-    Screen screen(animation);
-    for (std::size_t i = 0; i < count && cells.size() < shown; ++i) {
-        const bool wanted = i == chosen(cells.size());
-        const bool shinesThrough = i + 1 < count && animation.frames[i + 1].transparentIndex >= 0;
-        if (!wanted && !shinesThrough) continue;
-        if (!screen.Show(animation.frames[i])) return {};
-        if (!wanted) continue;
-        cells.push_back({SheetPicture(screen.Picture()), FrameLabel(i, animation.frames[i].delay)});
-        if (!cells.back().picture) return {};
-    }
-    return cells;
+void SheetCells::Begin(const AnimationFacts& facts, std::size_t frames) {
+    frames_ = frames;
+    added_ = 0;
+    chosen_.clear();
+    screen_ = DibCreate(facts.width, facts.height, nullptr, 24);
+    if (!screen_) throw std::bad_alloc();
 }
 
-OwnedDib AnimationSheet(const Animation& animation) {
-    return LayOutSheet(AnimationCells(animation, kMostSheetCells), kSheetColumns);
+void SheetCells::Show(const FrameView& frame) {
+    OwnedDib opaque = DibToTrueColour(frame.picture);
+    if (!opaque) throw std::bad_alloc();
+    if (frame.transparentIndex < 0) {
+        screen_ = std::move(opaque);
+    } else {
+        Overlay(*screen_, frame, *opaque);
+    }
+}
+
+void SheetCells::Add(const FrameView& frame) {
+    Show(frame);
+    const std::size_t index = added_++, shown = std::min(frames_, most_), cell = chosen_.size();
+    if (cell == shown || index != (shown < 2 ? 0 : cell * (frames_ - 1) / (shown - 1))) return;
+    chosen_.push_back({index, frame.delay, SheetPicture(*screen_)});
+    if (!chosen_.back().picture) throw std::bad_alloc();
+}
+
+std::vector<SheetCell> SheetCells::Take(std::span<const std::int32_t> delays) {
+    std::vector<SheetCell> cells;
+    for (Chosen& one : chosen_) {
+        const std::int32_t delay = delays.empty() ? one.delay : delays[one.frame];
+        cells.push_back({std::move(one.picture), FrameLabel(one.frame, delay)});
+    }
+    return cells;
 }
 
 } // namespace lumafold

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "codecs/animation.h"
+#include "hosts/cli/frame_sink.h"
 
 namespace lumafold {
 
@@ -30,10 +30,28 @@ OwnedDib ShrinkPicture(const DibHeader& picture, std::int32_t percent);
 OwnedDib LayOutSheet(std::span<const SheetCell> cells, std::size_t columns);
 
 /// An animation as it is seen: at most `most` frames, evenly spaced, the first and last among them, each laid
-/// over what stood before it where it is transparent. Empty when memory is short.
-std::vector<SheetCell> AnimationCells(const Animation& animation, std::size_t most);
+/// over what stood before it where it is transparent.
+class SheetCells final : public FrameSink {
+public:
+    explicit SheetCells(std::size_t most) : most_(most) {}
 
-/// kMostSheetCells of them, kSheetColumns in a row.
-OwnedDib AnimationSheet(const Animation& animation);
+    void Begin(const AnimationFacts& facts, std::size_t frames) override;
+    void Add(const FrameView& frame) override;
+    /// `delays` has one for each frame and takes the place of those that they came with; empty leaves them.
+    std::vector<SheetCell> Take(std::span<const std::int32_t> delays = {});
+
+private:
+    void Show(const FrameView& frame);
+
+    struct Chosen {
+        std::size_t frame;
+        std::int32_t delay;
+        OwnedDib picture;
+    };
+    const std::size_t most_;
+    std::size_t frames_ = 0, added_ = 0;
+    OwnedDib screen_; ///< what a viewer shows after each frame
+    std::vector<Chosen> chosen_;
+};
 
 } // namespace lumafold

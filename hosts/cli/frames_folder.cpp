@@ -1,10 +1,10 @@
 #include "hosts/cli/frames_folder.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <optional>
 
-#include "codecs/files.h"
+#include "codecs/frame_changes.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/common/staged_folder.h"
 
@@ -38,22 +38,56 @@ std::string LineForEachKey(const Json& object) {
 
 bool IsFrameFile(const std::string& name) { return !NumberBetween(name, "frame-", ".bmp", 4).empty(); }
 
-} // namespace
-
-std::vector<std::uint8_t> BitmapFile(DibHandle picture) {
-    const LockedDib dib(picture);
-    if (!dib) return {};
-    const std::size_t rows = DibRowsOffset(*dib);
-    const std::size_t packed = PackedBytes(*dib);
+/// The packed bitmap behind a 14-byte file header.
+std::vector<std::uint8_t> BitmapFile(const DibHeader& dib) {
+    const std::size_t rows = DibRowsOffset(dib);
+    const std::size_t packed = PackedBytes(dib);
     std::vector<std::uint8_t> file{'B', 'M'};
     file.reserve(kFileHeaderBytes + packed);
     Append32(file, kFileHeaderBytes + packed);
     Append32(file, 0);
     Append32(file, kFileHeaderBytes + rows);
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(dib.Get());
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(&dib);
     file.insert(file.end(), bytes, bytes + packed);
     return file;
 }
+
+Json TaskJson(const AnimationFacts& facts, Json frames, const FinishedTask& finished) {
+    Json task;
+    task["width"] = facts.width;
+    task["height"] = facts.height;
+    task["paletteBits"] = facts.paletteBits;
+    Json& palette = task["palette"] = Json::array();
+    for (const Rgb& colour : facts.palette) {
+        palette.push_back(Json::array({colour.red, colour.green, colour.blue}));
+    }
+    task["frameCount"] = frames.size();
+    task["frames"] = std::move(frames);
+    task["comment"] = finished.comment;
+    Json& sent = task["commands"] = Json::array();
+    for (const SentCommand& command : finished.commands) {
+        sent.push_back(Json::array({command.command, command.wparam, command.text}));
+    }
+    return task;
+}
+
+} // namespace
+
+struct FramesFolder::State {
+    explicit State(const std::string& path) : folder(path), writes(!path.empty()) {}
+
+    void Add(const std::string& name, std::span<const std::uint8_t> file) {
+        std::string error;
+        if (!folder.Add(name, file, error)) throw AnimationError(error);
+    }
+
+    std::optional<HoldInterrupts> tidy; // before the folder, which is taken back while they wait
+    StagedFolder folder;
+    const bool writes;
+    std::uint64_t measured = 0; ///< bytes of bitmaps
+    AnimationFacts facts;
+    Json frames = Json::array();
+};
 
 std::string FrameFileName(std::size_t index) {
     char name[32];
@@ -61,59 +95,32 @@ std::string FrameFileName(std::size_t index) {
     return name;
 }
 
-std::string TaskJson(const Animation& animation, std::span<const SentCommand> commands) {
-    Json task;
-    task["width"] = animation.width;
-    task["height"] = animation.height;
-    task["paletteBits"] = animation.paletteBits;
-    Json& palette = task["palette"] = Json::array();
-    for (const Rgb& colour : animation.palette) {
-        palette.push_back(Json::array({colour.red, colour.green, colour.blue}));
-    }
-    task["frameCount"] = animation.frames.size();
-    Json& frames = task["frames"] = Json::array();
-    for (std::size_t i = 0; i < animation.frames.size(); ++i) {
-        const AnimationFrame& frame = animation.frames[i];
-        frames.push_back({{"file", FrameFileName(i)},
-                          {"delay", frame.delay},
-                          {"transparentIndex", frame.transparentIndex}});
-    }
-    task["comment"] = animation.comment;
-    Json& sent = task["commands"] = Json::array();
-    for (const SentCommand& command : commands) {
-        sent.push_back(Json::array({command.command, command.wparam, command.text}));
-    }
-    return LineForEachKey(task);
+FramesFolder::FramesFolder(const std::string& path) : state_(std::make_unique<State>(path)) {}
+FramesFolder::~FramesFolder() = default;
+
+void FramesFolder::Begin(const AnimationFacts& facts, std::size_t) {
+    state_->facts = facts;
+    if (state_->writes) state_->tidy.emplace();
 }
 
-bool WriteFramesFolder(const std::string& path, const Animation& animation,
-                       std::span<const SentCommand> commands, std::uint64_t& bytes, std::string& error) {
-    const std::size_t frames = animation.frames.size();
-    FilesForFolder files;
-    for (std::size_t i = 0; i < frames; ++i)
-        files.names.push_back(FrameFileName(i));
-    files.names.emplace_back(kTaskFile);
-    files.make = [&](std::size_t index, std::string& why) {
-        if (index < frames) {
-            why = "no memory for this frame";
-            return BitmapFile(animation.frames[index].image.Get());
-        }
-        const std::string json = TaskJson(animation, commands);
-        return std::vector<std::uint8_t>(json.begin(), json.end());
-    };
-    files.isFormer = IsFrameFile;
-    files.whyNotOn = [](std::size_t) { return std::string(Interrupted() ? "interrupted" : ""); };
-    const HoldInterrupts tidy;
-    return WriteStagedFolder(path, files, bytes, error);
+void FramesFolder::Add(const FrameView& frame) {
+    if (state_->writes && Interrupted()) throw AnimationError("interrupted");
+    const std::string name = FrameFileName(state_->frames.size());
+    state_->frames.push_back(
+        {{"file", name}, {"delay", frame.delay}, {"transparentIndex", frame.transparentIndex}});
+    state_->measured += kFileHeaderBytes + PackedBytes(frame.picture);
+    if (state_->writes) state_->Add(name, BitmapFile(frame.picture));
 }
 
-std::uint64_t FramesFolderBytes(const Animation& animation, std::span<const SentCommand> commands) {
-    std::uint64_t bytes = TaskJson(animation, commands).size();
-    for (const AnimationFrame& frame : animation.frames) {
-        const LockedDib dib(frame.image.Get());
-        if (dib) bytes += kFileHeaderBytes + PackedBytes(*dib);
-    }
-    return bytes;
+std::uint64_t FramesFolder::Finish(const FinishedTask& task) {
+    const std::string json = LineForEachKey(TaskJson(state_->facts, std::move(state_->frames), task));
+    if (!state_->writes) return state_->measured + json.size();
+    state_->Add(kTaskFile, {reinterpret_cast<const std::uint8_t*>(json.data()), json.size()});
+    if (Interrupted()) throw AnimationError("interrupted");
+    std::string error;
+    if (!state_->folder.Finish(IsFrameFile, error)) throw AnimationError(error);
+    state_->tidy.reset();
+    return state_->folder.Bytes();
 }
 
 } // namespace lumafold

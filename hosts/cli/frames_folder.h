@@ -3,28 +3,32 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+#include <memory>
 #include <string>
-#include <vector>
 
-#include "hosts/cli/recording_host.h"
+#include "hosts/cli/output.h"
 
 namespace lumafold {
-
-/// The packed bitmap behind a 14-byte file header; empty when it cannot be read.
-std::vector<std::uint8_t> BitmapFile(DibHandle picture);
 
 /// frame-0000.bmp and so on.
 std::string FrameFileName(std::size_t index);
 
-std::string TaskJson(const Animation& animation, std::span<const SentCommand> commands);
+/// Makes the folder when it is missing and replaces what an earlier run left in it; other files stay. Frames
+/// are written aside as they come, and all is taken back unless it was finished. Interrupts wait from the
+/// first frame on until this goes; the next frame is refused then.
+class FramesFolder final : public AnimationOutput {
+public:
+    /// "" for `path` writes nothing, and tells only how much it would be.
+    explicit FramesFolder(const std::string& path);
+    ~FramesFolder() override;
 
-/// Makes the folder when it is missing and replaces what an earlier run left in it; other files stay. False,
-/// with `error` in one line and the folder as it was, when anything cannot be written or an interrupt came.
-bool WriteFramesFolder(const std::string& path, const Animation& animation,
-                       std::span<const SentCommand> commands, std::uint64_t& bytes, std::string& error);
+    void Begin(const AnimationFacts& facts, std::size_t frames) override;
+    void Add(const FrameView& frame) override;
+    std::uint64_t Finish(const FinishedTask& task) override;
 
-/// How many bytes that would write.
-std::uint64_t FramesFolderBytes(const Animation& animation, std::span<const SentCommand> commands);
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 
 } // namespace lumafold

@@ -9,6 +9,7 @@
 
 #include "codecs/animation_writer.h"
 #include "codecs/files.h"
+#include "codecs/frame_screens.h"
 #include "codecs/y4m_writer.h"
 #if LUMAFOLD_WEBP
 #include "codecs/webp_writer.h"
@@ -63,75 +64,110 @@ AnimationKind KindOfFrames(OutputKind kind) {
     }
 }
 
-/// Frames are cut one after the other, for each is cut to what it changes, and packed at once.
-std::vector<std::uint8_t> EncodeAtOnce(OutputKind kind, const Animation& animation,
-                                       const PackingOptions& packing, std::string& error) {
-    const AnimationFacts facts{animation.width, animation.height, animation.paletteBits, animation.palette,
-                               animation.plays};
-    return FileOrError(
-        [&] {
-            const auto writer =
-                NewAnimationWriter(KindOfFrames(kind), facts, packing.effort.value_or(kUsualEffort));
-            std::vector<FrameWork*> works;
-            for (const AnimationFrame& frame : animation.frames) {
-                if (!frame.image) throw AnimationError("a frame of the animation has no picture");
-                works.push_back(&writer->Take({*frame.image, frame.delay, frame.transparentIndex}));
-            }
-            packing.pool.ForEach(works.size(), [&](std::size_t i) { works[i]->Pack(); });
-            return writer->Finish(animation.comment);
-        },
-        error);
-}
+/// Where the bytes of a file go. Throws AnimationError.
+class Destination {
+public:
+    explicit Destination(const OutputRequest& request)
+        : path_(request.path), standardOutput_(request.standardOutput), most_(request.mostBytes) {}
 
-std::vector<std::uint8_t> Encode(OutputKind kind, const Animation& animation, const PackingOptions& packing,
-                                 std::string& error) {
-#if LUMAFOLD_WEBP
-    if (kind == OutputKind::Webp) return EncodeWebp(animation, {packing.quality}, error);
-#endif
-    return EncodeAtOnce(kind, animation, packing, error);
-}
-
-/// A film goes on as it is made, for it may be very large.
-bool SendFilm(const Animation& animation, std::ostream& standardOutput, std::uint64_t& bytes,
-              std::string& error) {
-    const ByteSink send = [&](std::span<const std::uint8_t> piece) {
-        bytes += piece.size();
-        return WriteAll(standardOutput, piece, error);
-    };
-    return WriteY4m(animation, {}, send, error);
-}
-
-bool CollectFilm(const Animation& animation, std::uint64_t most, std::vector<std::uint8_t>& film,
-                 std::string& error) {
-    const ByteSink collect = [&](std::span<const std::uint8_t> piece) {
-        if (piece.size() > most - film.size()) return false;
-        film.insert(film.end(), piece.begin(), piece.end());
-        return true;
-    };
-    if (WriteY4m(animation, {}, collect, error)) return true;
-    if (film.size() > 0)
-        error = "the film is too large to be kept until it is whole, send it to a program with -o -";
-    return false;
-}
-
-bool WriteFile(const std::string& path, OutputKind kind, const Animation& animation,
-               const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
-               std::string& error) {
-    bytes = 0;
-    if (kind == OutputKind::Y4m && path == kStandardStream)
-        return SendFilm(animation, standardOutput, bytes, error);
-    std::vector<std::uint8_t> file;
-    if (kind == OutputKind::Y4m) {
-        if (!CollectFilm(animation, packing.mostBytes, file, error)) file.clear();
-    } else {
-        file = Encode(kind, animation, packing, error);
+    std::uint64_t Put(std::span<const std::uint8_t> file) const {
+        std::string error;
+        if (path_ == kStandardStream ? !WriteAll(standardOutput_, file, error)
+                                     : !path_.empty() && !WriteFileSafely(path_, file, error))
+            throw AnimationError(error);
+        return file.size();
     }
-    bytes = file.size();
-    if (!file.empty() && path == kStandardStream) return WriteAll(standardOutput, file, error);
-    if (!file.empty() && WriteFileSafely(path, file, error)) return true;
-    error = path + ": " + error;
-    return false;
-}
+
+    /// A film goes on as it is made, for it may be very large; a file is collected first.
+    std::uint64_t Put(const Y4mWriter& film) const {
+        std::uint64_t bytes = 0;
+        std::vector<std::uint8_t> file;
+        const bool collects = path_ != kStandardStream && !path_.empty();
+        film.Finish([&](std::span<const std::uint8_t> piece) {
+            if (collects && piece.size() > most_ - file.size())
+                throw AnimationError(
+                    "the film is too large to be kept until it is whole, send it to a program with -o -");
+            if (collects) {
+                file.insert(file.end(), piece.begin(), piece.end());
+            } else {
+                Put(piece);
+            }
+            bytes += piece.size();
+            return true;
+        });
+        return collects ? Put(file) : bytes;
+    }
+
+private:
+    const std::string path_;
+    std::ostream& standardOutput_;
+    const std::uint64_t most_;
+};
+
+class PackedFile final : public AnimationOutput {
+public:
+    explicit PackedFile(const OutputRequest& request)
+        : to_(request), kind_(KindOfFrames(request.kind)), effort_(request.effort.value_or(kUsualEffort)),
+          runner_(request.runner) {}
+
+    void Begin(const AnimationFacts& facts, std::size_t) override {
+        writer_ = NewAnimationWriter(kind_, facts, effort_, runner_);
+    }
+    void Add(const FrameView& frame) override { writer_->Add(frame); }
+    std::uint64_t Finish(const FinishedTask& task) override {
+        const std::vector<std::uint8_t> file = writer_->Finish(task.comment, task.delays);
+        writer_.reset();
+        return to_.Put(file);
+    }
+
+private:
+    const Destination to_;
+    const AnimationKind kind_;
+    const int effort_;
+    const Runner& runner_;
+    std::unique_ptr<AnimationWriter> writer_;
+};
+
+class FilmFile final : public AnimationOutput {
+public:
+    explicit FilmFile(const OutputRequest& request) : to_(request) {}
+
+    void Begin(const AnimationFacts& facts, std::size_t) override {
+        writer_.emplace(facts.width, facts.height, Y4mOptions{});
+        screen_.emplace(facts);
+    }
+    void Add(const FrameView& frame) override { writer_->Add(screen_->Show(frame), frame.delay); }
+    std::uint64_t Finish(const FinishedTask&) override { return to_.Put(*writer_); }
+
+private:
+    const Destination to_;
+    std::optional<Y4mWriter> writer_;
+    std::optional<RunningScreen> screen_;
+};
+
+#if LUMAFOLD_WEBP
+class WebpFile final : public AnimationOutput {
+public:
+    explicit WebpFile(const OutputRequest& request) : to_(request), options_{request.quality} {}
+
+    void Begin(const AnimationFacts& facts, std::size_t) override {
+        writer_.emplace(facts.width, facts.height, facts.plays, options_);
+        screen_.emplace(facts);
+    }
+    void Add(const FrameView& frame) override { writer_->Add(screen_->Show(frame), frame.delay); }
+    std::uint64_t Finish(const FinishedTask& task) override {
+        const std::vector<std::uint8_t> file = writer_->Finish(task.delays);
+        writer_.reset();
+        return to_.Put(file);
+    }
+
+private:
+    const Destination to_;
+    const WebpOptions options_;
+    std::optional<WebpWriter> writer_;
+    std::optional<RunningScreen> screen_;
+};
+#endif
 
 /// Absolute, without links as far as it is there, and as the system compares names.
 fs::path Settled(const std::string& name) {
@@ -175,27 +211,19 @@ std::string WhyNotWritable(const std::string& path, OutputKind kind) {
     return kind == OutputKind::Folder ? WhyNoFolderAt(path) : WhyNoFileCanStandAt(path);
 }
 
-bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host,
-                 const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
-                 std::string& error) {
-    if (kind != OutputKind::Folder)
-        return WriteFile(path, kind, host.Result(), packing, standardOutput, bytes, error);
-    return WriteFramesFolder(path, host.Result(), host.Commands(), bytes, error);
-}
-
-bool MeasureOutput(OutputKind kind, const RecordingHost& host, const PackingOptions& packing,
-                   std::uint64_t& bytes, std::string& error) {
-    bytes = 0;
-    if (kind == OutputKind::Y4m) {
-        const ByteSink count = [&](std::span<const std::uint8_t> piece) {
-            bytes += piece.size();
-            return true;
-        };
-        return WriteY4m(host.Result(), {}, count, error);
+std::unique_ptr<AnimationOutput> NewOutput(const OutputRequest& request) {
+    switch (request.kind) {
+    case OutputKind::Folder:
+        return std::make_unique<FramesFolder>(request.path);
+    case OutputKind::Y4m:
+        return std::make_unique<FilmFile>(request);
+#if LUMAFOLD_WEBP
+    case OutputKind::Webp:
+        return std::make_unique<WebpFile>(request);
+#endif
+    default:
+        return std::make_unique<PackedFile>(request);
     }
-    bytes = kind == OutputKind::Folder ? FramesFolderBytes(host.Result(), host.Commands())
-                                       : Encode(kind, host.Result(), packing, error).size();
-    return bytes != 0;
 }
 
 } // namespace lumafold

@@ -1,7 +1,8 @@
-// Where an animation goes, and writing it there, whole or not at all.
+// Where an animation goes, and writing it there, frame by frame as it comes, but whole or not at all.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <span>
@@ -9,7 +10,7 @@
 
 #include "hosts/cli/output_kind.h"
 #include "hosts/cli/recording_host.h"
-#include "hosts/common/thread_pool.h"
+#include "platform/runner.h"
 
 namespace lumafold {
 
@@ -24,21 +25,32 @@ bool SameFile(const std::string& one, const std::string& other);
 /// Whether writing `kind` to `output` would replace the file `input`.
 bool WouldReplace(const std::string& output, OutputKind kind, const std::string& input);
 
-struct PackingOptions {
-    const ThreadPool& pool;
-    std::optional<int> quality;           ///< of a WebP, 0 to 100; without one it keeps every colour
-    std::optional<int> effort;            ///< of PNG and MNG files, 1 to 12
-    std::uint64_t mostBytes = UINT64_MAX; ///< that a film may take before it is written to a file
+/// What the engine's task ended with.
+struct FinishedTask {
+    const std::string& comment;
+    std::span<const std::int32_t>
+        delays; ///< one for each frame, instead of what came with it; empty for that
+    std::span<const SentCommand> commands;
 };
 
-/// False with `error` in one line; what stood there before is then still there. `bytes` is what was written.
-/// `standardOutput` takes what goes to "-".
-bool WriteOutput(const std::string& path, OutputKind kind, const RecordingHost& host,
-                 const PackingOptions& packing, std::ostream& standardOutput, std::uint64_t& bytes,
-                 std::string& error);
+/// What the frames of a build become. They are packed as they come, so that little more is held of them than
+/// the file.
+class AnimationOutput : public FrameSink {
+public:
+    /// How many bytes were written. Throws as the others do; what stood there before is then still there.
+    virtual std::uint64_t Finish(const FinishedTask& task) = 0;
+};
 
-/// How many bytes that would write; false with `error` in one line where it could not.
-bool MeasureOutput(OutputKind kind, const RecordingHost& host, const PackingOptions& packing,
-                   std::uint64_t& bytes, std::string& error);
+struct OutputRequest {
+    OutputKind kind;
+    std::string path; ///< "-" for the standard output, "" measures and writes nothing
+    std::ostream& standardOutput;
+    const Runner& runner;       ///< who packs
+    std::optional<int> quality; ///< of a WebP, 0 to 100; without one it keeps every colour
+    std::optional<int> effort;  ///< of PNG and MNG files, 1 to 12
+    std::uint64_t mostBytes;    ///< that a film may take before it is written to a file
+};
+/// The stream and the runner outlive it. What it throws names no path, but for a folder's files.
+std::unique_ptr<AnimationOutput> NewOutput(const OutputRequest& request);
 
 } // namespace lumafold

@@ -1,9 +1,12 @@
 #include "hosts/cli/recording_host.h"
 
+#include "codecs/frame_changes.h"
+
 namespace lumafold {
 
 void RecordingHost::Fail(BuildFailure failure) {
     progress_.Clear();
+    if (!fault_.empty()) return;
     errors_ << "lumafold: " << TextOf(failure) << std::endl;
 }
 
@@ -17,17 +20,39 @@ void RecordingHost::Hear(HostCommand command, std::uint32_t wparam, std::intptr_
     commands_.push_back({static_cast<std::uint32_t>(command), wparam, std::move(text)});
 }
 
-bool RecordingHost::CreateTask(const TaskRecord* task, TaskKind) { return !complete_ && task_.Open(task); }
-bool RecordingHost::AddFrame(const TaskRecord* task, const ImageRecord* frame) {
-    return task_.Add(task, frame);
+/// False, with the reason kept, when the frames' taker cannot do it.
+template <typename Work>
+bool RecordingHost::Passed(Work work) {
+    return FileOrError(
+        [&] {
+            work();
+            return true;
+        },
+        fault_);
 }
-bool RecordingHost::AddComment(const TaskRecord* task, const char* text) { return task_.Comment(task, text); }
+
+bool RecordingHost::CreateTask(const TaskRecord* task, TaskKind) {
+    if (complete_ || !task_.Open(task)) return false;
+    const auto frames = static_cast<std::size_t>(std::max(task_.ToldFrames(), 0));
+    if (Passed([&] { frames_.Begin(task_.Facts(), frames); })) return true;
+    task_.Close();
+    return false;
+}
+
+bool RecordingHost::AddFrame(const TaskRecord* task, const ImageRecord* frame) {
+    return task_.Add(task, frame, [&](const FrameView& view) { return Passed([&] { frames_.Add(view); }); });
+}
+
+bool RecordingHost::AddComment(const TaskRecord* task, const char* text) {
+    if (!task_.IsOpen(task) || text == nullptr) return false;
+    comment_ = text;
+    return true;
+}
 
 bool RecordingHost::FinishTask(const TaskRecord* task, TaskEnd end) {
     if (!task_.IsOpen(task)) return false;
-    std::optional<Animation> animation = task_.Finish(task, end == TaskEnd::Complete);
-    complete_ = animation.has_value();
-    if (complete_) animation_ = std::move(*animation);
+    task_.Close();
+    complete_ = end == TaskEnd::Complete && Frames() > 0;
     return complete_ == (end == TaskEnd::Complete);
 }
 

@@ -1,5 +1,5 @@
-// The host that the command line is: it collects the animation, shows the progress, prints why a build was
-// given up, and keeps a record of what was sent.
+// The host that the command line is: it passes frames on as it gets them, shows the progress, prints why a
+// build was given up, and keeps a record of what was sent.
 #pragma once
 
 #include <ostream>
@@ -7,9 +7,10 @@
 #include <vector>
 
 #include "build/build_observer.h"
+#include "hosts/cli/frame_sink.h"
 #include "hosts/cli/progress.h"
 #include "hosts/common/command_host.h"
-#include "hosts/common/task_collector.h"
+#include "hosts/common/open_task.h"
 
 namespace lumafold {
 
@@ -21,17 +22,22 @@ struct SentCommand {
 
 class RecordingHost final : public CommandHost, public BuildObserver {
 public:
-    RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors)
-        : CommandHost(capabilityFlags), progress_(progress), errors_(errors),
+    /// All outlive it.
+    RecordingHost(std::uint32_t capabilityFlags, Progress& progress, std::ostream& errors, FrameSink& frames)
+        : CommandHost(capabilityFlags), progress_(progress), errors_(errors), frames_(frames),
           task_(DelayUnitFor(capabilityFlags)) {}
 
-    /// Whole once the task was finished as complete; empty when there was none or it was abandoned.
-    const Animation& Result() const { return animation_; }
-    Animation& Result() { return animation_; }
+    /// Whether a task was finished as complete, and had frames.
     bool Complete() const { return complete_; }
+    /// Why the frames were not taken; "" where nothing was wrong with them.
+    const std::string& Fault() const { return fault_; }
+    const AnimationFacts& Facts() const { return task_.Facts(); }
+    std::size_t Frames() const { return static_cast<std::size_t>(task_.Frames()); }
+    const std::string& Comment() const { return comment_; }
     /// Everything from the first caption on.
     const std::vector<SentCommand>& Commands() const { return commands_; }
 
+    /// Nothing is printed where there is a fault, which says more.
     void Fail(BuildFailure failure) override;
 
 private:
@@ -40,13 +46,16 @@ private:
     bool AddFrame(const TaskRecord* task, const ImageRecord* frame) override;
     bool AddComment(const TaskRecord* task, const char* text) override;
     bool FinishTask(const TaskRecord* task, TaskEnd end) override;
+    template <typename Work>
+    bool Passed(Work work);
     void Caption(const char* text) override { progress_.Caption(text); }
     void Position(std::int32_t position, std::int32_t total) override { progress_.Position(position, total); }
 
     Progress& progress_;
     std::ostream& errors_;
-    TaskCollector task_;
-    Animation animation_;
+    FrameSink& frames_;
+    OpenTask task_;
+    std::string comment_, fault_;
     bool complete_ = false;
     std::vector<SentCommand> commands_;
 };

@@ -23,7 +23,7 @@ namespace lumafold {
 namespace {
 
 constexpr std::size_t kFramesOfRow = 8;
-// Every frame is there twice, once with the driver and once with the host.
+// Of a transition's frames at the pictures' own size; with more, the pictures are shrunk first.
 constexpr std::int64_t kMostFrameBytes = std::int64_t{128} << 20;
 
 std::string RowName(std::int32_t row) { return std::to_string(row) + "  " + TransitionName(row); }
@@ -130,12 +130,13 @@ private:
         why = WhyTooLarge(estimate, memoryLimit_);
         if (!why.empty())
             throw Failure(kFailed, std::string(TransitionName(row)) + " " + why + " (--memory-limit)");
-        RecordingHost host(kHostTakesTrueColour, progress, console_.err);
+        SheetCells frames(most);
+        RecordingHost host(kHostTakesTrueColour, progress, console_.err, frames);
         std::vector<SheetCell> cells;
         if (BuildAnimation(
                 {list_, 0, host.Context(), TaskKind::Build, settings_, host, pool_, memoryLimit_}) != 0) {
-            frames_ = host.Result().frames.size();
-            cells = AnimationCells(host.Result(), most);
+            frames_ = host.Frames();
+            cells = frames.Take();
         }
         progress.Clear();
         if (cells.empty()) throw Failure(kFailed, std::string(TransitionName(row)) + ": not enough memory");

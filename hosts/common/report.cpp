@@ -1,47 +1,52 @@
 #include "hosts/common/report.h"
 
-#include <bitset>
+#include <algorithm>
 #include <cstdio>
 
 #include "image/row_view.h"
 
 namespace lumafold {
-namespace {
-
-void MarkUsed(const AnimationFrame& frame, std::bitset<256>& used) {
-    std::bitset<256> here;
-    const GlobalLocked<const DibHeader> dib(frame.image.Get());
-    if (!dib || dib->biBitCount > 8) return;
-    for (std::int32_t y = 0; y < dib->biHeight; ++y) {
-        const std::uint8_t* row = ConstRowView(*dib).Row(y);
-        for (std::int32_t x = 0; x < dib->biWidth; ++x)
-            here.set(dib->biBitCount == 8 ? row[x] : DibGetPixel(*dib, x, y));
+void ColourCount::Add(const FrameView& frame) {
+    const DibHeader& dib = frame.picture;
+    trueColour_ |= dib.biBitCount > 8;
+    if (trueColour_) return;
+    std::array<bool, 256> here{};
+    for (std::int32_t y = 0; y < dib.biHeight; ++y) {
+        const std::uint8_t* row = ConstRowView(dib).Row(y);
+        for (std::int32_t x = 0; x < dib.biWidth; ++x)
+            here[dib.biBitCount == 8 ? row[x] : DibGetPixel(dib, x, y)] = true;
     }
-    if (frame.transparentIndex >= 0 && frame.transparentIndex < 256) {
-        here.reset(static_cast<std::size_t>(frame.transparentIndex));
-    }
-    used |= here;
+    const auto hole = static_cast<std::size_t>(frame.transparentIndex);
+    if (hole < here.size()) here[hole] = false;
+    for (std::size_t i = 0; i < here.size(); ++i)
+        used_[i] |= here[i];
 }
 
-} // namespace
+std::string ColourCount::Text() const {
+    if (trueColour_) return "true colour";
+    const auto count = std::count(used_.begin(), used_.end(), true);
+    return std::to_string(count) + (count == 1 ? " colour" : " colours");
+}
 
 std::string ColoursText(const Animation& animation) {
-    std::bitset<256> used;
-    int bits = 0;
+    ColourCount colours;
     for (const AnimationFrame& frame : animation.frames) {
-        if (DibQuery(frame.image.Get(), nullptr, nullptr, &bits, nullptr) && bits > 8) return "true colour";
-        MarkUsed(frame, used);
+        if (frame.image) colours.Add({*frame.image, frame.delay, frame.transparentIndex});
     }
-    return std::to_string(used.count()) + (used.count() == 1 ? " colour" : " colours");
+    return colours.Text();
+}
+
+std::string DurationText(std::int64_t hundredths) {
+    char text[48];
+    std::snprintf(text, sizeof(text), "%.2f s", static_cast<double>(hundredths) / 100);
+    return text;
 }
 
 std::string DurationText(const Animation& animation) {
     std::int64_t hundredths = 0;
     for (const AnimationFrame& frame : animation.frames)
         hundredths += frame.delay;
-    char text[48];
-    std::snprintf(text, sizeof(text), "%.2f s", static_cast<double>(hundredths) / 100);
-    return text;
+    return DurationText(hundredths);
 }
 
 std::string SizeText(std::uint64_t bytes) {
@@ -52,12 +57,6 @@ std::string SizeText(std::uint64_t bytes) {
     std::snprintf(text, sizeof(text), mega ? "%.1f MB" : "%.1f kB",
                   static_cast<double>(bytes) / (mega ? 1e6 : 1e3));
     return std::string(text) + " (" + exact + ")";
-}
-
-std::string AnimationText(const Animation& animation, std::uint64_t bytes) {
-    return std::to_string(animation.frames.size()) + " frames, " + std::to_string(animation.width) + "x" +
-           std::to_string(animation.height) + ", " + ColoursText(animation) + ", " + DurationText(animation) +
-           ", " + SizeText(bytes);
 }
 
 } // namespace lumafold

@@ -1,7 +1,6 @@
 #include "hosts/common/staged_folder.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <random>
 
 #include "codecs/files.h"
@@ -14,26 +13,6 @@ namespace fs = std::filesystem;
 
 constexpr char kStagingStart[] = ".lumafold-";
 bool IsStagingFolder(const std::string& name) { return !NumberBetween(name, kStagingStart, "", 1).empty(); }
-
-/// Removes a folder and all in it, unless told that it may stay.
-class FolderTakenBack {
-public:
-    explicit FolderTakenBack(fs::path path) : path_(std::move(path)) {}
-    FolderTakenBack(const FolderTakenBack&) = delete;
-    FolderTakenBack& operator=(const FolderTakenBack&) = delete;
-    ~FolderTakenBack() {
-        std::error_code ignored;
-        if (path_.empty()) return;
-        // One by one where nothing is left inside: on Windows the run-time library walks no folder whose path
-        // is very long.
-        fs::remove(path_ / "former", ignored);
-        if (!fs::remove(path_, ignored)) fs::remove_all(path_, ignored);
-    }
-    void Keep() { path_.clear(); }
-
-private:
-    fs::path path_;
-};
 
 /// Empty where none could be made.
 fs::path NewFolderIn(const fs::path& folder) {
@@ -71,120 +50,117 @@ private:
     std::vector<std::string> names_;
 };
 
-/// Writes into a hidden folder inside the target first, and moves everything to its place when all of it
-/// stands. What stood there waits in the hidden folder until then: whatever ends the program, it is in the
-/// one place or in the other.
-class FolderWriter {
-public:
-    FolderWriter(const std::string& path, const FilesForFolder& files, std::string& error)
-        : folder_(PathOf(path)), files_(files), error_(error) {}
+bool Fail(const fs::path& file, const std::string& what, std::string& error) {
+    error = NameOf(file) + ": " + what;
+    return false;
+}
 
-    bool Write(std::uint64_t& bytes) {
-        std::error_code failure;
-        const bool made = fs::create_directory(folder_, failure);
-        if (failure) return Fail(folder_, failure.message());
-        FolderTakenBack target(made ? folder_ : fs::path());
-        const fs::path staging = NewFolderIn(folder_);
-        if (staging.empty()) return Fail(folder_, "cannot be written into");
-        FolderTakenBack staged(staging);
-        if (!Stage(staging, bytes) || !TargetsAreFree() || !MoveIn(staging)) return false;
-        target.Keep();
-        RemoveOldStaging();
-        return true;
+/// What an earlier run left, `last` first if it did.
+std::vector<std::string> FormerFiles(const fs::path& folder, const std::string& last,
+                                     const std::function<bool(const std::string& name)>& isFormer,
+                                     std::error_code& failure) {
+    std::vector<std::string> names;
+    std::error_code ignored;
+    fs::directory_iterator entry(folder, failure);
+    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        std::string name = NameOf(entry->path().filename());
+        if (name != last && isFormer(name) && !entry->is_directory(ignored)) names.push_back(std::move(name));
     }
+    if (fs::exists(fs::symlink_status(folder / PathOf(last), ignored))) names.insert(names.begin(), last);
+    return names;
+}
 
-private:
-    bool Fail(const fs::path& file, const std::string& what) {
-        error_ = NameOf(file) + ": " + what;
-        return false;
+/// Of runs that were killed.
+void RemoveOldStaging(const fs::path& folder) {
+    std::vector<fs::path> old;
+    std::error_code ignored;
+    fs::directory_iterator entry(folder, ignored);
+    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
+        if (!IsStagingFolder(NameOf(entry->path().filename()))) continue;
+        if (fs::is_directory(entry->symlink_status(ignored))) old.push_back(entry->path());
     }
+    for (const fs::path& path : old)
+        fs::remove_all(path, ignored);
+}
 
-    bool Stage(const fs::path& staging, std::uint64_t& bytes) {
-        bytes = 0;
-        for (std::size_t i = 0; i < files_.names.size(); ++i) {
-            if (const std::string why = files_.whyNotOn(i); !why.empty()) return Fail(folder_, why);
-            std::string why;
-            const fs::path name = PathOf(files_.names[i]);
-            const std::vector<std::uint8_t> file = files_.make(i, why);
-            if (file.empty()) return Fail(folder_ / name, why);
-            if (!WriteFileSafely(NameOf(staging / name), file, why)) return Fail(folder_ / name, why);
-            bytes += file.size();
-        }
-        return true;
-    }
-
-    // A folder in the place of a file would stop the move half-way.
-    bool TargetsAreFree() {
-        std::error_code ignored;
-        for (const std::string& name : files_.names) {
-            const fs::path place = folder_ / PathOf(name);
-            if (fs::is_directory(place, ignored)) return Fail(place, "is a folder");
-        }
-        return true;
-    }
-
-    bool MoveIn(const fs::path& staging) {
-        std::error_code failure;
-        const fs::path aside = staging / "former";
-        fs::create_directory(aside, failure);
-        if (failure) return Fail(folder_, failure.message());
-        FilesMoved former(folder_, aside), moved(staging, folder_);
-        const std::vector<std::string> names = FormerFiles(failure);
-        if (failure) return Fail(folder_, failure.message());
-        for (const std::string& name : names) {
-            if (!former.Move(name, failure)) return Fail(folder_ / PathOf(name), failure.message());
-        }
-        for (const std::string& name : files_.names) {
-            if (!moved.Move(name, failure)) return Fail(folder_ / PathOf(name), failure.message());
-        }
-        moved.Keep();
-        former.Keep();
-        return true;
-    }
-
-    /// The file that came last goes first.
-    std::vector<std::string> FormerFiles(std::error_code& failure) const {
-        std::vector<std::string> names;
-        std::error_code ignored;
-        const std::string& last = files_.names.back();
-        fs::directory_iterator entry(folder_, failure);
-        for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-            std::string name = NameOf(entry->path().filename());
-            if (name != last && files_.isFormer(name) && !entry->is_directory(ignored))
-                names.push_back(std::move(name));
-        }
-        if (fs::exists(fs::symlink_status(folder_ / PathOf(last), ignored)))
-            names.insert(names.begin(), last);
-        return names;
-    }
-
-    /// Of runs that were killed.
-    void RemoveOldStaging() const {
-        std::vector<fs::path> old;
-        std::error_code ignored;
-        fs::directory_iterator entry(folder_, ignored);
-        for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
-            if (!IsStagingFolder(NameOf(entry->path().filename()))) continue;
-            if (fs::is_directory(entry->symlink_status(ignored))) old.push_back(entry->path());
-        }
-        for (const fs::path& path : old)
-            fs::remove_all(path, ignored);
-    }
-
-    fs::path folder_;
-    const FilesForFolder& files_;
-    std::string& error_;
-};
+/// A slash at the end would make the parent of "x/" be "x".
+fs::path WithoutSlash(std::string path) {
+    while (path.size() > 1 && EndsInSeparator(path))
+        path.pop_back();
+    return PathOf(path);
+}
 
 } // namespace
 
-bool WriteStagedFolder(const std::string& path, const FilesForFolder& files, std::uint64_t& bytes,
-                       std::string& error) {
-    // A slash at the end would make the parent of "x/" be "x".
-    std::string folder = path;
-    while (folder.size() > 1 && EndsInSeparator(folder))
-        folder.pop_back();
-    return FolderWriter(folder, files, error).Write(bytes);
+StagedFolder::TakenBack::~TakenBack() {
+    std::error_code ignored;
+    if (path_.empty()) return;
+    // One by one where nothing is left inside: on Windows the run-time library walks no folder whose path
+    // is very long.
+    fs::remove(path_ / "former", ignored);
+    if (!fs::remove(path_, ignored)) fs::remove_all(path_, ignored);
+}
+
+StagedFolder::StagedFolder(const std::string& path) : folder_(WithoutSlash(path)) {}
+
+bool StagedFolder::Begin(std::string& error) {
+    std::error_code failure;
+    const bool made = fs::create_directory(folder_, failure);
+    if (failure) return Fail(folder_, failure.message(), error);
+    if (made) target_.emplace(folder_);
+    const fs::path staging = NewFolderIn(folder_);
+    if (staging.empty()) return Fail(folder_, "cannot be written into", error);
+    staged_.emplace(staging);
+    return true;
+}
+
+bool StagedFolder::Add(const std::string& name, std::span<const std::uint8_t> bytes, std::string& error) {
+    if (!staged_ && !Begin(error)) return false;
+    std::string why;
+    if (!WriteFileSafely(NameOf(staged_->Path() / PathOf(name)), bytes, why))
+        return Fail(folder_ / PathOf(name), why, error);
+    names_.push_back(name);
+    bytes_ += bytes.size();
+    return true;
+}
+
+bool StagedFolder::Finish(const std::function<bool(const std::string& name)>& isFormer, std::string& error) {
+    if (!TargetsAreFree(error) || !MoveIn(isFormer, error)) return false;
+    if (target_) target_->Keep();
+    staged_.reset();
+    RemoveOldStaging(folder_);
+    return true;
+}
+
+// A folder in the place of a file would stop the move half-way.
+bool StagedFolder::TargetsAreFree(std::string& error) const {
+    std::error_code ignored;
+    for (const std::string& name : names_) {
+        const fs::path place = folder_ / PathOf(name);
+        if (fs::is_directory(place, ignored)) return Fail(place, "is a folder", error);
+    }
+    return true;
+}
+
+bool StagedFolder::MoveIn(const std::function<bool(const std::string& name)>& isFormer,
+                          std::string& error) const {
+    std::error_code failure;
+    const fs::path aside = staged_->Path() / "former";
+    fs::create_directory(aside, failure);
+    if (failure) return Fail(folder_, failure.message(), error);
+    FilesMoved former(folder_, aside), moved(staged_->Path(), folder_);
+    // The file that came last goes first.
+    const std::vector<std::string> names = FormerFiles(folder_, names_.back(), isFormer, failure);
+    if (failure) return Fail(folder_, failure.message(), error);
+    for (const std::string& name : names) {
+        if (!former.Move(name, failure)) return Fail(folder_ / PathOf(name), failure.message(), error);
+    }
+    for (const std::string& name : names_) {
+        if (!moved.Move(name, failure)) return Fail(folder_ / PathOf(name), failure.message(), error);
+    }
+    moved.Keep();
+    former.Keep();
+    return true;
 }
 
 std::string NumberBetween(const std::string& name, const std::string& start, const std::string& end,

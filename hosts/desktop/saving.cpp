@@ -37,22 +37,22 @@ bool SaveFrames(const std::string& folder, const Animation& animation, const Fra
                 std::string& error) {
     const std::size_t count = animation.frames.size();
     FrameScreens screens(animation);
-    FilesForFolder files;
-    for (std::size_t i = 0; i < count; ++i)
-        files.names.push_back(FrameName(i));
-    files.make = [&](std::size_t index, std::string& why) {
-        const OwnedDib picture = ScreenPicture(screens.At(index), animation.width, animation.height);
-        why = "there is not enough memory";
-        return picture ? EncodePng(picture.Get(), why) : std::vector<std::uint8_t>();
-    };
-    files.isFormer = [](const std::string& name) {
+    StagedFolder files(folder);
+    for (std::size_t i = 0; i < count; ++i) {
+        error = folder + ": cancelled";
+        if (progress && !progress(i, count)) return false;
+        const OwnedDib picture = ScreenPicture(screens.At(i), animation.width, animation.height);
+        std::string why = "there is not enough memory";
+        const std::vector<std::uint8_t> file =
+            picture ? EncodePng(picture.Get(), why) : std::vector<std::uint8_t>();
+        error = FrameName(i) + ": " + why;
+        if (file.empty() || !files.Add(FrameName(i), file, error)) return false;
+    }
+    error.clear();
+    const auto isFormer = [](const std::string& name) {
         return !NumberBetween(name, "frame-", ".png", 4).empty();
     };
-    files.whyNotOn = [&](std::size_t index) {
-        return std::string(progress && !progress(index, count) ? "cancelled" : "");
-    };
-    std::uint64_t bytes = 0;
-    return WriteStagedFolder(folder, files, bytes, error);
+    return files.Finish(isFormer, error);
 }
 
 } // namespace lumafold

@@ -57,10 +57,10 @@ GapValues GapOf(const nlohmann::json& entry, const PluginSettings& settings) {
 }
 
 void HoldShortFrames(Animation& animation) {
-    std::vector<std::int32_t> delays;
+    HeldDelays held;
     for (const AnimationFrame& frame : animation.frames)
-        delays.push_back(frame.delay);
-    lumafold::HoldShortFrames(delays);
+        held.Add(frame.delay);
+    const std::vector<std::int32_t>& delays = held.Settle();
     for (std::size_t i = 0; i < delays.size(); ++i)
         animation.frames[i].delay = delays[i];
 }

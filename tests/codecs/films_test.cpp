@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "codecs/delays.h"
+#include "codecs/frame_screens.h"
 #include "codecs/y4m_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/pictures.h"
@@ -34,9 +35,11 @@ TEST(Delays, AreHeldAndTakenFromTheNext) {
         {{-5, 1}, {2, 2}, 2},              // there is nothing to take
     };
     for (const Case& one : cases) {
-        std::vector<std::int32_t> delays = one.told;
-        EXPECT_EQ(HoldShortFrames(delays), one.count);
-        EXPECT_EQ(delays, one.held);
+        HeldDelays delays;
+        for (const std::int32_t delay : one.told)
+            EXPECT_GE(delays.Add(delay), kShortestPlayed);
+        EXPECT_EQ(delays.Short(), one.count);
+        EXPECT_EQ(delays.Settle(), one.held);
     }
     const std::int32_t mixed[] = {8, 50, -3, 100, 0}, none[] = {0, -1};
     EXPECT_EQ(CommonDelay(mixed), 2);
@@ -48,9 +51,22 @@ struct Film {
     std::string head;
     std::vector<std::string> frames;
 };
+bool WriteFilm(const Animation& animation, const Y4mOptions& options, const ByteSink& sink,
+               std::string& error) {
+    return FileOrError(
+        [&] {
+            Y4mWriter writer(animation.width, animation.height, options);
+            RunningScreen screen(FactsOf(animation));
+            for (const AnimationFrame& frame : animation.frames)
+                writer.Add(screen.Show({*frame.image, frame.delay, frame.transparentIndex}), frame.delay);
+            writer.Finish(sink);
+            return true;
+        },
+        error);
+}
 Film FilmOf(const Animation& animation, const Y4mOptions& options, std::size_t frameBytes) {
     std::string file, error;
-    EXPECT_TRUE(WriteY4m(
+    EXPECT_TRUE(WriteFilm(
         animation, options,
         [&](std::span<const std::uint8_t> bytes) {
             file.append(bytes.begin(), bytes.end());
@@ -121,7 +137,7 @@ TEST(Y4mWriter, TellsWhatKeepsItFromWriting) {
           "not all of the film could be written"}) {
         std::string error;
         int pieces = 0;
-        EXPECT_FALSE(WriteY4m(
+        EXPECT_FALSE(WriteFilm(
             animation, {}, [&](auto) { return ++pieces < 2; }, error));
         EXPECT_EQ(error, wanted);
         AddFrame(animation, {8, 9 * static_cast<int>(animation.frames.size())}, [](int, int) { return 0U; });
@@ -173,8 +189,18 @@ TEST(WebpWriter, ShowsEveryFrameWithoutLoss) {
         SCOPED_TRACE(name);
         animation.plays = 7;
         std::string error;
-        const Played played = Play(EncodeWebp(animation, {}, error));
+        const File file = EncodeWebp(animation, {}, error);
+        const Played played = Play(file);
         ASSERT_EQ(error, "");
+        // The same with the delays told at the end, as far as they are what the writer wants.
+        WebpWriter writer(animation.width, animation.height, animation.plays, {});
+        RunningScreen running(FactsOf(animation));
+        std::vector<std::int32_t> delays;
+        for (const AnimationFrame& frame : animation.frames) {
+            writer.Add(running.Show({*frame.image, frame.delay, frame.transparentIndex}), 7);
+            delays.push_back(frame.delay);
+        }
+        EXPECT_EQ(writer.Finish(delays), file);
         EXPECT_EQ(played.width, animation.width);
         EXPECT_EQ(played.height, animation.height);
         const auto wanted = WantedScreens(animation);

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "codecs/frame_changes.h"
 #include "colour/palettes.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/frames_folder.h"
@@ -16,10 +17,21 @@
 namespace lumafold::test {
 namespace {
 
+/// Counts frames, and wants no more than two.
+struct TwoFrames final : FrameSink {
+    void Begin(const AnimationFacts&, std::size_t) override { taken = 0; }
+    void Add(const FrameView&) override {
+        if (taken == 2) throw AnimationError("no more");
+        ++taken;
+    }
+    int taken = 0;
+};
+
 TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     std::ostringstream screen;
     Progress progress(screen, ProgressStyle::Silent);
-    RecordingHost recording(3, progress, screen);
+    TwoFrames frames;
+    RecordingHost recording(3, progress, screen, frames);
     const Host host(recording.Context());
     const OwnedDib picture = PlainPicture(2, 2, 5);
     TaskRecord task{}, other{};
@@ -38,19 +50,25 @@ TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     EXPECT_FALSE(host.AddFrame(task, frame)) << "no picture";
     host.FinishTask(task, TaskEnd::Abandoned);
     EXPECT_FALSE(recording.Complete());
-    EXPECT_TRUE(recording.Result().frames.empty());
     EXPECT_TRUE(host.CreateTask(TaskKind::Build, task)) << "after one that was abandoned";
     frame.index = 0;
     frame.image = picture.Get();
     EXPECT_TRUE(host.AddFrame(task, frame));
+    frame.index = 1;
+    EXPECT_TRUE(host.AddFrame(task, frame));
+    frame.index = 2;
+    EXPECT_FALSE(host.AddFrame(task, frame)) << "the taker of frames gave up";
+    EXPECT_EQ(recording.Fault(), "no more");
     host.FinishTask(task, TaskEnd::Complete);
-    ASSERT_EQ(recording.Result().frames.size(), 1U);
-    EXPECT_NE(recording.Result().frames.at(0).image.Get(), picture.Get()) << "the plug-in frees its own";
+    EXPECT_TRUE(recording.Complete());
+    EXPECT_EQ(frames.taken, 2) << "after a new beginning";
     char names[1000] = {};
     EXPECT_FALSE(host.ChooseFiles(0, names));
     EXPECT_EQ(host.ClipboardPicture(0), 0u);
     EXPECT_EQ(host.LoadPicture("/no/such/file.png"), 0u);
-    recording.Fail(BuildFailure::Memory);
+    recording.Fail(BuildFailure::Frame);
+    EXPECT_EQ(screen.str(), "") << "the reason is told elsewhere";
+    RecordingHost(3, progress, screen, frames).Fail(BuildFailure::Memory);
     EXPECT_EQ(screen.str(), "lumafold: Memory error\n");
 }
 

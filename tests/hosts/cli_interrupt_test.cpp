@@ -7,6 +7,7 @@
 #include <sstream>
 #endif
 
+#include "codecs/frame_changes.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/interrupt.h"
@@ -112,14 +113,15 @@ TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
     // While files are written it waits until they are taken back.
     const auto write = [&] {
         WatchForInterrupts();
-        const HoldInterrupts hold;
-        std::raise(SIGINT);
-        Animation animation;
-        animation.frames.push_back({PlainPicture(2, 2, 0), 1, -1});
-        std::uint64_t bytes = 0;
-        std::string error;
-        const bool written = WriteFramesFolder(Path("x"), animation, {}, bytes, error);
-        std::_Exit(!written && Interrupted() ? 0 : 1);
+        {
+            FramesFolder folder(Path("x"));
+            folder.Begin({2, 2, 8, {}, 0}, 2);
+            const OwnedDib picture = PlainPicture(2, 2, 0);
+            folder.Add({*picture, 1, -1});
+            std::raise(SIGINT);
+            EXPECT_THROW(folder.Add({*picture, 1, -1}), AnimationError);
+        }
+        std::_Exit(Interrupted() && !testing::Test::HasFailure() ? 0 : 1);
     };
     EXPECT_EXIT(write(), testing::ExitedWithCode(0), "");
     EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});

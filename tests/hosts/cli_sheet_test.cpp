@@ -50,7 +50,11 @@ TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
     for (unsigned i = 0; i < 99; ++i)
         AddFrame(animation, {8, 5}, [=](int, int) { return i; });
     AddFrame(animation, {8, 5, 200}, [](int x, int) { return x == 0 ? 200U : 99U; });
-    const OwnedDib sheet = AnimationSheet(animation);
+    SheetCells cells(kMostSheetCells);
+    cells.Begin(FactsOf(animation), animation.frames.size());
+    for (const AnimationFrame& frame : animation.frames)
+        cells.Add({*frame.image, frame.delay, frame.transparentIndex});
+    const OwnedDib sheet = LayOutSheet(cells.Take(), kSheetColumns);
     // 48 of 100 are shown, the second not among them; the one before shines through half of the last.
     for (const auto& [colour, shown] : {std::pair{0, true}, {99, true}, {98, true}, {200, false}, {1, false}})
         EXPECT_EQ(Shows(sheet, MakeColour(static_cast<unsigned>(colour), 7, 9)), shown) << colour;
