@@ -16,7 +16,7 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
         if (!frame.image) throw AnimationError("a frame of the animation has no picture");
         writer->Add({*frame.image, frame.delay, frame.transparentIndex});
     }
-    return writer->Finish(animation.comment);
+    return writer->Finish(animation.comment, options.delays);
 }
 
 } // namespace

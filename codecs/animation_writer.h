@@ -56,6 +56,8 @@ using FrameProgress = std::function<bool(std::size_t frame, std::size_t frames)>
 struct WriteOptions {
     int effort = kUsualEffort;
     FrameProgress goOn{};
+    /// One for each frame, in the place of its own; empty where those stay.
+    std::span<const std::int32_t> delays{};
 };
 
 /// The whole file in memory, or empty with `error` set (no frames, what the format cannot hold, given up, no

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "codecs/animation_writer.h"
+#include "codecs/delays.h"
 #include "codecs/files.h"
 #include "codecs/frame_screens.h"
 #include "codecs/png_writer.h"
@@ -28,7 +29,11 @@ bool SaveAnimation(const std::string& path, const Animation& animation, const Fr
         error = "the name must end in .gif, .png or .mng";
         return false;
     }
-    const std::vector<std::uint8_t> file = EncodeAnimation(*kind, animation, error, {.goOn = progress});
+    HeldDelays held;
+    for (const AnimationFrame& frame : animation.frames)
+        held.Add(frame.delay);
+    const std::vector<std::uint8_t> file =
+        EncodeAnimation(*kind, animation, error, {.goOn = progress, .delays = held.Settle()});
     bytes = file.size();
     return bytes > 0 && WriteFileSafely(path, file, error);
 }

@@ -128,7 +128,7 @@ class Person:
 
     def words(self, build, name):
         main = self.main
-        words = ["build", "-q", "--exact-delays", "-o", name, "--matte", MATTE]
+        words = ["build", "-q", "-o", name, "--matte", MATTE]
         # Naming a palette means that none is computed, so the switch comes after it.
         words += ["--palette", main["TransitionPalette"]] + ["--custom-palette"] * main["TransitionCustompalette"]
         words += ["--dither" if main["TransitionDither"] else "--no-dither"]
