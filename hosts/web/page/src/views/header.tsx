@@ -25,45 +25,47 @@ function Menu() {
     };
     const exportSettings = async (): Promise<void> => saveBlob(await app.settingsFile(), 'LUMAFOLD.INI');
     return (
-        <details ref={details} class="menu" onKeyDown={(event) => event.key === 'Escape' && close()}>
-            <summary class="button quiet" aria-label={texts.more} title={texts.more}>
-                <Icon name="menu" />
-            </summary>
-            <div class="menu-list">
-                <button class="menu-item" onClick={act(() => app.emptyProject())}>
-                    {texts.newProject}
-                </button>
-                <ChooseFiles
-                    class="menu-item"
-                    accept=".lumafold"
-                    onFiles={(files) => act(() => void app.openProject(files[0]!))()}
-                >
-                    {texts.openProject}
-                </ChooseFiles>
-                <button
-                    class="menu-item"
-                    onClick={act(() => saveBlob(app.projectFile(), 'animation.lumafold'))}
-                >
-                    {texts.saveProject}
-                </button>
-                <hr />
-                <ChooseFiles
-                    class="menu-item"
-                    accept=".ini"
-                    onFiles={(files) => act(() => void app.importSettings(files[0]!))()}
-                >
-                    {texts.importSettings}
-                </ChooseFiles>
-                <button class="menu-item" onClick={act(() => void exportSettings())}>
-                    {texts.exportSettings}
-                </button>
-                <hr />
-                <button class="menu-item" onClick={act(() => setLicences(true))}>
-                    {texts.licences}
-                </button>
-            </div>
+        <>
+            <details ref={details} class="menu" onKeyDown={(event) => event.key === 'Escape' && close()}>
+                <summary class="button quiet" aria-label={texts.more} title={texts.more}>
+                    <Icon name="menu" />
+                </summary>
+                <div class="menu-list">
+                    <button class="menu-item" onClick={act(() => app.emptyProject())}>
+                        {texts.newProject}
+                    </button>
+                    <ChooseFiles
+                        class="menu-item"
+                        accept=".lumafold"
+                        onFiles={(files) => act(() => void app.openProject(files[0]!))()}
+                    >
+                        {texts.openProject}
+                    </ChooseFiles>
+                    <button
+                        class="menu-item"
+                        onClick={act(() => saveBlob(app.projectFile(), 'animation.lumafold'))}
+                    >
+                        {texts.saveProject}
+                    </button>
+                    <hr />
+                    <ChooseFiles
+                        class="menu-item"
+                        accept=".ini"
+                        onFiles={(files) => act(() => void app.importSettings(files[0]!))()}
+                    >
+                        {texts.importSettings}
+                    </ChooseFiles>
+                    <button class="menu-item" onClick={act(() => void exportSettings())}>
+                        {texts.exportSettings}
+                    </button>
+                    <hr />
+                    <button class="menu-item" onClick={act(() => setLicences(true))}>
+                        {texts.licences}
+                    </button>
+                </div>
+            </details>
             {licences && <Licences onClose={() => setLicences(false)} />}
-        </details>
+        </>
     );
 }
 

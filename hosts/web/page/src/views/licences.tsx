@@ -8,7 +8,7 @@ export function Licences({ onClose }: { onClose(): void }) {
     return (
         <dialog ref={dialog} class="dialog" aria-label={texts.licences} onClose={onClose}>
             <pre class="licences" tabIndex={0}>
-                {document.getElementById('licences')?.textContent}
+                {document.getElementById('licences')?.textContent?.trim()}
             </pre>
             <div class="dialog-actions">
                 <button class="button" onClick={() => dialog.current?.close()}>
