@@ -39,18 +39,20 @@ std::int64_t BarCount(std::int32_t extent, std::int32_t bars) {
     return bars < 1 ? 0 : LoopCount(0, extent, extent / bars);
 }
 
-/// Calls `bar(position, thickness)`. Positions advance by the truncated quotient while thicknesses follow the
-/// single-precision sum of the exact ones, so a line here and there is left uncovered and a bar may have no
-/// thickness at all (docs/quirks.md 31).
-template <typename Bar>
-void ForEachBar(std::int32_t extent, std::int32_t bars, Bar bar) {
+/// Positions advance by the truncated quotient while thicknesses follow the single-precision sum of the exact
+/// ones, so a line here and there is left uncovered and a bar may have no thickness at all
+/// (docs/quirks.md 31).
+void ListBars(CanvasSize canvas, PieceShape shape, std::uint32_t asked, DrawingList<PieceBox>& boxes) {
+    const bool rows = shape == PieceShape::HorizontalBar;
+    const std::int32_t extent = rows ? canvas.height : canvas.width, bars = BarsAcross(extent, asked);
     const float quotient = static_cast<float>(extent) / static_cast<float>(bars);
     float sum = 0, previous = 0;
-    for (std::int64_t at = 0; at < extent; at += extent / bars) {
+    for (std::int32_t i = 0, at = 0; i < BarCount(extent, bars); ++i, at += extent / bars) {
         sum = sum + quotient;
-        const auto thickness = static_cast<std::int64_t>(std::trunc(sum) - previous);
-        bar(static_cast<std::int32_t>(at),
-            static_cast<std::int32_t>(std::clamp<std::int64_t>(thickness, 0, extent - at)));
+        const auto exact = static_cast<std::int64_t>(std::trunc(sum) - previous);
+        const auto thickness = static_cast<std::int32_t>(std::clamp<std::int64_t>(exact, 0, extent - at));
+        boxes.Append(rows ? PieceBox{0, at, canvas.width, thickness}
+                          : PieceBox{at, 0, thickness, canvas.height});
         previous = sum;
     }
 }
@@ -146,29 +148,12 @@ struct AlphaPieces {
         } else {
             state.start = &gap.source;
         }
-        if (state.waiting) ListPieces(settings, gap.size, state.waiting);
-        return state;
-    }
-    void ListPieces(const PluginSettings& settings, CanvasSize canvas, DrawingList<PieceBox>& boxes) const {
-        const auto bars = [&](std::int32_t extent, auto box) {
-            ForEachBar(extent, BarsAcross(extent, settings.TransitionAlphaBarCount),
-                       [&](std::int32_t at, std::int32_t thickness) { boxes.Append(box(at, thickness)); });
-        };
-        switch (shape) {
-        case PieceShape::HorizontalBar:
-            bars(canvas.height, [&](std::int32_t y, std::int32_t height) {
-                return PieceBox{0, y, canvas.width, height};
-            });
-            break;
-        case PieceShape::VerticalBar:
-            bars(canvas.width, [&](std::int32_t x, std::int32_t width) {
-                return PieceBox{x, 0, width, canvas.height};
-            });
-            break;
-        case PieceShape::Tile:
-            ListTiles(canvas, settings.TransitionAlphaTileSize, boxes);
-            break;
+        if (state.waiting && shape == PieceShape::Tile) {
+            ListTiles(gap.size, settings.TransitionAlphaTileSize, state.waiting);
+        } else if (state.waiting) {
+            ListBars(gap.size, shape, settings.TransitionAlphaBarCount, state.waiting);
         }
+        return state;
     }
 
     OwnedDib Frame(const Gap& gap, State& state, std::int64_t) const {

@@ -22,11 +22,14 @@ struct TransitionRow {
     std::uint32_t reserved;
 };
 
-inline constexpr int kTransitionCount = 0
-#define LUMAFOLD_EFFECT(effect, name, keys) +1
+/// The rows' numbers, by the effects' names in code.
+enum class TransitionNumber : int {
+#define LUMAFOLD_EFFECT(effect, name, keys) effect,
 #include "transitions/effects.def"
 #undef LUMAFOLD_EFFECT
-    ;
+    Count
+};
+inline constexpr int kTransitionCount = static_cast<int>(TransitionNumber::Count);
 extern const std::array<TransitionRow, kTransitionCount> TransitionTable;
 
 /// How many frames row `row` appends for a canvas of this size, the still frame included; 0 when the effect

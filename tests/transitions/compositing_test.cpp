@@ -45,6 +45,7 @@ TEST(Compositing, BlurIsTheDefinition) {
             const std::int32_t sigma = radius == 32 ? 10 : 100;
             const Array<double> kernel =
                 GaussianKernel(2 * static_cast<std::int32_t>(std::ceil(radius * 0.1)) + 1, sigma * 0.1);
+            ASSERT_TRUE(kernel);
             OwnedDib plainMask = MaskPicture(size.width, size.height),
                      plain = BusyPicture(size.width, size.height, 4);
             const Mask blurredMask = MaskGaussianBlur(MaskOf(*plainMask), radius, sigma);
