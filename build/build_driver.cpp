@@ -50,8 +50,7 @@ private:
 
     bool CountEntries() {
         count_ = list_.Count();
-        if (count_ < 1) return false;
-        return count_ > 1 || AddTemporaryEntry();
+        return count_ > 1 || (count_ == 1 && AddTemporaryEntry());
     }
 
     /// One picture alone fades to the matte colour and back.
@@ -270,8 +269,7 @@ private:
             if (!reduced) return false;
             GlobalDestroy(std::exchange(frame.image, reduced.Release()));
         }
-        return !supercompress_ || frame.mask == 0 ||
-               PaintUnchanged(frame, transparentSlot_, settings_.TransitionMattcolour);
+        return PaintUnchanged(frame, transparentSlot_, settings_.TransitionMattcolour);
     }
 
     bool HandOver() {

@@ -1,5 +1,7 @@
 #include "build/estimate.h"
 
+#include <limits>
+
 #include "transitions/table.h"
 
 namespace lumafold {

@@ -123,7 +123,7 @@ Grays ReadGrays(const DibHeader& source) {
     const std::uint64_t pixels =
         static_cast<std::uint64_t>(source.biWidth) * static_cast<std::uint32_t>(source.biHeight);
     ColourRows rows(source);
-    if (!rows || pixels > std::numeric_limits<std::size_t>::max()) return grays;
+    if (!rows || pixels > SIZE_MAX) return grays;
     grays.levels = Array<std::uint8_t>(static_cast<std::size_t>(pixels));
     if (!grays.levels) return grays;
     std::uint8_t* level = grays.levels.data();

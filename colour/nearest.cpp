@@ -70,7 +70,7 @@ int LeastLag(const DistinctEntries& entries, std::size_t entry, std::size_t riva
 std::size_t ListCandidates(const DistinctEntries& entries, const Reach& block, const int (&from)[3],
                            std::uint8_t* list) {
     // Whatever the colour, one entry is this near; what is never that near cannot win.
-    std::int32_t limit = std::numeric_limits<std::int32_t>::max();
+    std::int32_t limit = INT32_MAX;
     for (std::size_t i = 0; i < entries.count; ++i)
         limit = std::min(limit, block.far[i]);
     std::uint8_t near[256];

@@ -33,7 +33,6 @@ class NearestSearch {
 public:
     /// False when memory is short; the search is then as empty as before.
     bool Build(const Palette& palette, int count);
-    explicit operator bool() const { return static_cast<bool>(candidates_); }
 
     int Find(PixelValue colour) const {
         const unsigned red = RedOf(colour), green = GreenOf(colour), blue = BlueOf(colour);

@@ -68,26 +68,16 @@ void InsertGrays(Palette& palette) {
 
 /// What a palette has beyond its cube, or instead of one.
 void FinishPalette(Palette& palette, std::int32_t number) {
-    switch (number) {
-    case 0:
-        palette[1] = Gray(255);
-        break;
-    case 1:
-        std::copy(std::begin(kWindowsColours), std::end(kWindowsColours), palette.begin());
-        break;
-    case 5: // green varies slowest in the safe colours
+    if (number == 0) palette[1] = Gray(255);
+    if (number == 1) std::copy(std::begin(kWindowsColours), std::end(kWindowsColours), palette.begin());
+    if (number == 5) { // green varies slowest in the safe colours
         for (Rgb& colour : palette)
             std::swap(colour.red, colour.green);
-        break;
-    case 7:
-        InsertGrays(palette);
-        break;
-    case 8:
+    }
+    if (number == 7) InsertGrays(palette);
+    if (number == 8) {
         for (std::size_t i = 0; i < palette.size(); ++i)
             palette[i] = Gray(i);
-        break;
-    default:
-        break;
     }
 }
 

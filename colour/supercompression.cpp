@@ -25,33 +25,24 @@ unsigned EqualBytes(const std::uint8_t* a, const std::uint8_t* b) {
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(load(a), load(b))));
 }
 
-/// Marks the pixels of a row sixteen at a time. How many.
-std::int32_t MarkManyPixels(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width,
-                            std::uint8_t* mask) {
+#endif
+
+/// Marks the pixels of a row, as many as can be sixteen at a time.
+void MarkRow(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width, std::uint8_t* mask) {
     std::int32_t x = 0;
-    for (; x + 16 <= width; x += 16, before += 48, frame += 48, mask += 2) {
-        const unsigned first = EqualBytes(before, frame), middle = EqualBytes(before + 16, frame + 16),
-                       last = EqualBytes(before + 32, frame + 32);
+#if LUMAFOLD_SSE2
+    for (; x + 16 <= width; x += 16, mask += 2) {
+        const std::uint8_t *a = before + 3 * x, *b = frame + 3 * x;
+        const unsigned first = EqualBytes(a, b), middle = EqualBytes(a + 16, b + 16),
+                       last = EqualBytes(a + 32, b + 32);
         const unsigned left = first | (middle & 0xFF) << 16, right = middle >> 8 | last << 8;
         mask[0] = static_cast<std::uint8_t>(kMarksOfBytes[left & 0xFFF] << 4 | kMarksOfBytes[left >> 12]);
         mask[1] = static_cast<std::uint8_t>(kMarksOfBytes[right & 0xFFF] << 4 | kMarksOfBytes[right >> 12]);
     }
-    return x;
-}
-
-#else
-
-std::int32_t MarkManyPixels(const std::uint8_t*, const std::uint8_t*, std::int32_t, std::uint8_t*) {
-    return 0;
-}
-
 #endif
-
-void MarkRow(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width, std::uint8_t* mask) {
-    for (std::int32_t x = MarkManyPixels(before, frame, width, mask); x < width; ++x) {
-        const std::int32_t byte = 3 * x;
-        if (std::equal(frame + byte, frame + byte + 3, before + byte)) {
-            mask[x / 8] = static_cast<std::uint8_t>(mask[x / 8] | 0x80 >> x % 8);
+    for (std::int32_t bit = 0; x < width; ++x, ++bit) {
+        if (std::equal(frame + 3 * x, frame + 3 * x + 3, before + 3 * x)) {
+            mask[bit / 8] = static_cast<std::uint8_t>(mask[bit / 8] | 0x80 >> bit % 8);
         }
     }
 }

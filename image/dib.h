@@ -20,8 +20,7 @@ class OwnedDib {
 public:
     OwnedDib() = default;
     /// Takes over a block. One that cannot be locked is freed, and the owner is empty.
-    explicit OwnedDib(DibHandle handle) : OwnedDib(OwnedGlobal(handle)) {}
-    explicit OwnedDib(OwnedGlobal block) : block_(std::move(block)), header_(block_.Get()) {
+    explicit OwnedDib(DibHandle handle) : block_(handle), header_(handle) {
         if (!header_) block_ = OwnedGlobal();
     }
 

@@ -34,16 +34,14 @@ bool FrameListTakeAll(FrameList& list, FrameList& from) {
 }
 
 bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record) {
-    if (index < 0 || index >= list.count) return false;
-    const GlobalLocked<const FrameRecord> records(list.handle);
+    const GlobalLocked<const FrameRecord> records(index >= 0 && index < list.count ? list.handle : 0);
     if (!records) return false;
     record = records.Get()[index];
     return true;
 }
 
 bool FrameListPut(FrameList& list, std::int32_t index, const FrameRecord& record) {
-    if (index < 0 || index >= list.count) return false;
-    const GlobalLocked<FrameRecord> records(list.handle);
+    const GlobalLocked<FrameRecord> records(index >= 0 && index < list.count ? list.handle : 0);
     if (!records) return false;
     records.Get()[index] = record;
     return true;

@@ -130,30 +130,11 @@ Palette ReadPalette(const ForeignBytes& block, const ForeignShape& shape) {
     return palette;
 }
 
-/// Turns rows of 16 or 32 bits into 24; what is left of a pixel beside its colours says nothing.
-class DeepRows {
-public:
-    DeepRows(const ForeignBytes& block, const ForeignShape& shape)
-        : bytes_(shape.bits / 8), red_(Mask(block, shape, 0)), green_(Mask(block, shape, 1)),
-          blue_(Mask(block, shape, 2)) {}
-
-    void Convert(const std::uint8_t* from, std::uint8_t* to, std::int32_t width) const {
-        for (std::int32_t x = 0; x < width; ++x, from += bytes_, to += 3) {
-            std::uint32_t pixel = 0;
-            std::memcpy(&pixel, from, bytes_);
-            StoreColour(to, Rgb{red_.Of(pixel), green_.Of(pixel), blue_.Of(pixel)});
-        }
-    }
-
-private:
-    static std::uint32_t Mask(const ForeignBytes& block, const ForeignShape& shape, std::uint32_t channel) {
-        if (shape.HasMasks()) return block.Read<std::uint32_t>(kMasksOffset + 4 * channel);
-        return shape.bits == 16 ? 0x7C00U >> (5 * channel) : 0xFF0000U >> (8 * channel);
-    }
-
-    std::size_t bytes_;
-    MaskedChannel red_, green_, blue_;
-};
+/// Red, green or blue of pictures of 16 or 32 bits.
+MaskedChannel ChannelOf(const ForeignBytes& block, const ForeignShape& shape, std::uint32_t number) {
+    if (shape.HasMasks()) return MaskedChannel(block.Read<std::uint32_t>(kMasksOffset + 4 * number));
+    return MaskedChannel(shape.bits == 16 ? 0x7C00U >> (5 * number) : 0xFF0000U >> (8 * number));
+}
 
 OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
     const Palette palette = ReadPalette(block, shape);
@@ -162,15 +143,23 @@ OwnedDib Convert(const ForeignBytes& block, const ForeignShape& shape) {
     OwnedDib made = DibCreate(width, height, &palette, shape.IsIndexed() ? static_cast<int>(shape.bits) : 24);
     if (!made) return made;
     const RowView rows = made.Rows();
-    const DeepRows deep(block, shape);
+    const MaskedChannel red = ChannelOf(block, shape, 0), green = ChannelOf(block, shape, 1),
+                        blue = ChannelOf(block, shape, 2);
+    const std::size_t pixelBytes = shape.bits / 8;
     for (std::int32_t y = 0; y < height; ++y) {
         const std::int32_t stored = shape.topDown ? y : height - 1 - y;
         const std::uint8_t* from =
             block.At(shape.rowsOffset + shape.stride * static_cast<std::uint64_t>(stored));
-        if (shape.IsDeep()) {
-            deep.Convert(from, rows.Row(y), width);
-        } else {
-            std::memcpy(rows.Row(y), from, static_cast<std::size_t>(shape.stride));
+        std::uint8_t* to = rows.Row(y);
+        if (!shape.IsDeep()) {
+            std::memcpy(to, from, static_cast<std::size_t>(shape.stride));
+            continue;
+        }
+        // What is left of a pixel beside its colours says nothing.
+        for (std::int32_t x = 0; x < width; ++x, from += pixelBytes, to += 3) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, from, pixelBytes);
+            StoreColour(to, Rgb{red.Of(pixel), green.Of(pixel), blue.Of(pixel)});
         }
     }
     return made;

@@ -80,8 +80,9 @@ public:
             for (std::size_t c = 0; c < 3; ++c)
                 sums[c] += from.Get(i)[c];
         }
+        const std::int64_t count = std::max<std::int64_t>(box.end - box.begin, 1);
         for (std::int64_t& sum : sums)
-            sum /= box.end - box.begin;
+            sum /= count;
         Set(to, sums);
     }
 
@@ -234,6 +235,7 @@ void ShrinkHeightQuickly(const DibHeader& source, DibHeader& target, std::int64_
 
 /// Stretches above 100 percent and shrinks below.
 OwnedDib Resample(const DibHeader& source, std::int32_t percent, Axis axis) {
+    if (percent == 100) return DibCopy(source);
     const bool wide = axis == Axis::Width;
     const std::int64_t size = std::int64_t{LengthOf(source, axis)} * percent / 100;
     OwnedDib target = DibCreateLike(source, wide ? size : source.biWidth, wide ? source.biHeight : size);
@@ -248,10 +250,6 @@ OwnedDib Resample(const DibHeader& source, std::int32_t percent, Axis axis) {
         wide ? ShrinkWidthQuickly(source, *target, percent) : ShrinkHeightQuickly(source, *target, percent);
     }
     return target;
-}
-
-OwnedDib ScaleAxis(const DibHeader& source, std::int32_t percent, Axis axis) {
-    return percent == 100 ? DibCopy(source) : Resample(source, percent, axis);
 }
 
 } // namespace
@@ -283,8 +281,8 @@ OwnedDib DibShrinkHeight(const DibHeader& source, std::int32_t percent) {
 }
 
 OwnedDib DibScale(const DibHeader& source, std::int32_t percentX, std::int32_t percentY) {
-    const OwnedDib widened = ScaleAxis(source, percentX, Axis::Width);
-    return widened ? ScaleAxis(*widened, percentY, Axis::Height) : OwnedDib();
+    const OwnedDib widened = Resample(source, percentX, Axis::Width);
+    return widened ? Resample(*widened, percentY, Axis::Height) : OwnedDib();
 }
 
 OwnedDib DibCropRect(const DibHeader& source, const Rect& rect, PixelValue fill) {

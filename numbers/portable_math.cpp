@@ -222,14 +222,24 @@ double SineFrom(double x, unsigned quarters) {
     return negative ? -value.high : value.high;
 }
 
-/// value * 2^exponent, value near 1.
-struct Scaled {
-    Pair value;
-    int exponent;
-};
+/// The double nearest value * 2^exponent, value near 1, the denormal ones rounded once like all others.
+double Round(Pair value, int exponent) {
+    if (exponent < -1080) return 0.0;
+    double rounded = value.high;
+    if (exponent < -1022 || (exponent == -1022 && value.high < 1)) {
+        const double quantum = PowerOfTwo(-1074 - exponent);
+        const double shift = 4503599627370496.0 * quantum; // 2^52: the sum's last bit is the quantum
+        rounded = (value.high + shift) - shift;
+        const double rest = value.high - rounded;
+        if (rest == quantum / 2 && value.low > 0) rounded += quantum;
+        if (rest == -quantum / 2 && value.low < 0) rounded -= quantum;
+    }
+    const int half = exponent / 2;
+    return rounded * PowerOfTwo(half) * PowerOfTwo(exponent - half);
+}
 
 /// For |x| up to about 750.
-Scaled Exponential(Pair x) {
+double Exponential(Pair x) {
     const double count = Nearest(x.high * kOneOverLn2);
     Pair rest = Sum(x.high - count * kLn2Parts[0], -(count * kLn2Parts[1])); // the difference is exact
     rest = QuickSum(rest.high, rest.low + (x.low - count * kLn2Parts[2]));
@@ -244,19 +254,7 @@ Scaled Exponential(Pair x) {
         sum = kInverseFactorial[n] + sum * rest;
     const Pair lessOne = rest + rest * rest * sum;
     const Pair& base = kExp[static_cast<std::size_t>(step + kExpMiddle)];
-    return {base + base * lessOne, static_cast<int>(count)};
-}
-
-/// The nearest double, the denormal ones rounded once like all others.
-double Round(Scaled number) {
-    const auto [value, exponent] = number;
-    if (exponent > -1022 && exponent < 1024) return value.high * PowerOfTwo(exponent);
-    double high = value.high;
-    const bool isDenormal = exponent < -1022 || (exponent == -1022 && high < 1);
-    // An odd last bit stands for what lies beyond it, so that nothing is rounded twice.
-    if (isDenormal && value.low != 0 && (std::bit_cast<std::uint64_t>(high) & 1) == 0)
-        high = std::nextafter(high, value.low > 0 ? 2 : 0);
-    return std::ldexp(high, exponent);
+    return Round(base + base * lessOne, static_cast<int>(count));
 }
 
 } // namespace
@@ -273,7 +271,7 @@ double PortableExp(long double x) {
     if (high != high) return high;
     if (high > 710) return std::numeric_limits<double>::infinity();
     if (high < -750) return 0;
-    return Round(Exponential({high, static_cast<double>(x - static_cast<long double>(high))}));
+    return Exponential({high, static_cast<double>(x - static_cast<long double>(high))});
 }
 
 #if defined(__GNUC__) && (defined(__i386__) || defined(__x86_64__))

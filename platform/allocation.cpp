@@ -27,13 +27,6 @@ void PlainFree(void* memory) {
     std::free(memory);
 }
 
-void* PlainResize(void* memory, std::size_t bytes) {
-    if (!allocation_hooks::Admit()) return nullptr;
-    void* resized = std::realloc(memory, bytes == 0 ? 1 : bytes);
-    if (resized != nullptr && memory == nullptr) allocation_hooks::CountBlock(+1);
-    return resized;
-}
-
 namespace allocation_hooks {
 
 void FailNth(std::int64_t n) {

@@ -3,9 +3,9 @@
 // freed.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <type_traits>
 #include <utility>
 
@@ -14,9 +14,6 @@ namespace lumafold {
 /// Zeroed memory for `count` values of `bytes` each, or null. Freed with PlainFree.
 void* PlainAlloc(std::size_t count, std::size_t bytes);
 void PlainFree(void* memory);
-/// The same memory at another size, moved where it must be; null, with the memory as it was, when there is no
-/// room. What is new of it is not zeroed.
-void* PlainResize(void* memory, std::size_t bytes);
 
 /// A fixed-length array of plain values, zeroed. Check it before use: a failed allocation leaves it empty.
 template <typename T>
@@ -36,14 +33,15 @@ public:
     }
     ~Array() { PlainFree(data_); }
 
-    /// False, with all as it was, when there is no room.
+    /// Makes room for more values, zeroed, or lets the last ones go. False, with all as it was, when there is
+    /// no room.
     bool Resize(std::size_t length) {
-        if (length > std::numeric_limits<std::size_t>::max() / sizeof(T)) return false;
-        T* data = static_cast<T*>(PlainResize(data_, length * sizeof(T)));
-        if (data == nullptr) return false;
-        data_ = data;
-        for (; size_ < length; ++size_)
-            data_[size_] = T{};
+        if (length > size_) {
+            Array larger(length);
+            if (!larger) return false;
+            std::copy_n(data_, size_, larger.data_);
+            *this = std::move(larger);
+        }
         size_ = length;
         return true;
     }

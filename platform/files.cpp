@@ -168,7 +168,7 @@ FileError InputFile::ReadRest(std::span<const std::uint8_t> before, Array<std::u
         // Never beyond the byte that tells that there is too much.
         if (!read.Resize(std::min(std::max<std::size_t>(2 * length, 65536), most) + 1)) return ENOMEM;
     }
-    if (!read.Resize(length)) return ENOMEM;
+    read.Resize(length);
     bytes = std::move(read);
     return 0;
 }
@@ -181,18 +181,9 @@ FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes) {
     char target[kPathBytes];
     if (const FileError error = file_system::FollowLinks(path, target)) return error;
     const file_system::Standing before = file_system::Inspect(target);
-    switch (before.kind) {
-    case Kind::Folder:
-        return EISDIR;
-    case Kind::ReadOnly:
-        return EACCES;
-    case Kind::Special:
-        return StoreStraight(target, bytes);
-    case Kind::Missing:
-    case Kind::Ordinary:
-        break;
-    }
-    return StoreBeside(target, before, bytes);
+    if (before.kind == Kind::Folder) return EISDIR;
+    if (before.kind == Kind::ReadOnly) return EACCES;
+    return before.kind == Kind::Special ? StoreStraight(target, bytes) : StoreBeside(target, before, bytes);
 }
 
 void MakeFoldersAbove(const char* path) {

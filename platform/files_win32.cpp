@@ -105,10 +105,8 @@ FileError Read(File file, void* into, std::size_t most, std::size_t& got) {
 FileError Write(File file, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
         DWORD written = 0;
-        if (WriteFile(Handle(file), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) ==
-            FALSE) {
-            return LastError();
-        }
+        const auto size = static_cast<DWORD>(bytes.size());
+        if (WriteFile(Handle(file), bytes.data(), size, &written, nullptr) == FALSE) return LastError();
         if (written == 0) return ENOSPC;
         bytes = bytes.subspan(written);
     }

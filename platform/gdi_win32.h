@@ -1,4 +1,5 @@
-// Scoped owners of what GDI lends, so that no path leaves an object selected or alive.
+// Scoped owners of what GDI lends, so that no path leaves an object selected or alive. What could not be
+// selected or saved is put back by a call that the system refuses.
 #pragma once
 
 #include <windows.h>
@@ -35,9 +36,7 @@ using OwnedContext = OwnedByGdi<HDC, DeleteDC>;
 class SelectedGdi : NonCopyable {
 public:
     SelectedGdi(HDC context, HGDIOBJ object) : context_(context), previous_(SelectObject(context, object)) {}
-    ~SelectedGdi() {
-        if (previous_ != nullptr) SelectObject(context_, previous_);
-    }
+    ~SelectedGdi() { SelectObject(context_, previous_); }
 
 private:
     HDC context_;
@@ -51,9 +50,7 @@ public:
         : context_(context), previous_(SelectPalette(context, palette, FALSE)) {
         RealizePalette(context);
     }
-    ~SelectedPalette() {
-        if (previous_ != nullptr) SelectPalette(context_, previous_, FALSE);
-    }
+    ~SelectedPalette() { SelectPalette(context_, previous_, FALSE); }
 
 private:
     HDC context_;
@@ -64,9 +61,7 @@ private:
 class SavedContext : NonCopyable {
 public:
     explicit SavedContext(HDC context) : context_(context), level_(SaveDC(context)) {}
-    ~SavedContext() {
-        if (level_ != 0) RestoreDC(context_, level_);
-    }
+    ~SavedContext() { RestoreDC(context_, level_); }
 
 private:
     HDC context_;

@@ -28,12 +28,12 @@ struct Surface {
 /// distance * across / along for 0 <= distance < along: whole part and rest. No product needs more than 64
 /// bits.
 struct Share {
-    std::uint64_t whole, rest;
+    std::int64_t whole, rest;
 };
 Share TakeShare(std::int64_t distance, std::int64_t across, std::int64_t along) {
     const std::uint64_t product = static_cast<std::uint64_t>(distance) * static_cast<std::uint64_t>(across);
     const auto divisor = static_cast<std::uint64_t>(along);
-    return {product / divisor, product % divisor};
+    return {static_cast<std::int64_t>(product / divisor), static_cast<std::int64_t>(product % divisor)};
 }
 
 /// Where an edge meets row y, rounded up. `y` lies from the upper end to just above the lower one.
@@ -41,9 +41,8 @@ std::int64_t Crossing(ShapePoint upper, ShapePoint lower, std::int64_t y) {
     const std::int64_t down = std::int64_t{lower.y} - upper.y;
     const std::int64_t right = std::int64_t{lower.x} - upper.x;
     const Share share = TakeShare(y - upper.y, std::abs(right), down);
-    const auto whole = static_cast<std::int64_t>(share.whole);
-    if (right < 0) return upper.x - whole;
-    return upper.x + whole + (share.rest != 0 ? 1 : 0);
+    if (right < 0) return upper.x - share.whole;
+    return upper.x + share.whole + (share.rest != 0 ? 1 : 0);
 }
 
 /// The even-odd interior.
@@ -61,42 +60,26 @@ void FillInterior(const Surface& surface, std::span<const ShapePoint> points) {
             if (y >= upper.y && y < lower.y) crossings[count++] = Crossing(upper, lower, y);
         }
         std::sort(crossings, crossings + count);
-        for (std::size_t i = 0; i + 1 < count; i += 2) {
+        for (std::size_t i = 0; i + 1 < count; i += 2)
             surface.Span(y, crossings[i], crossings[i + 1]);
-        }
     }
 }
 
-/// A line of the pen as its longer axis sees it: one dot per step, the last one left out. `plot` takes the
-/// longer axis's coordinate, which ends at `limit`, and the other one.
-template <typename Plot>
-void WalkLine(std::int64_t from, std::int64_t to, std::int64_t across, std::int64_t acrossTo,
-              std::int64_t limit, Plot plot) {
-    const std::int64_t along = std::abs(to - from);
-    const std::int64_t width = std::abs(acrossTo - across);
-    const std::int64_t first = std::max<std::int64_t>(to > from ? from : to + 1, 0);
-    const std::int64_t end = std::min(to > from ? to : from + 1, limit);
-    for (std::int64_t at = first; at < end; ++at) {
-        const Share share = TakeShare(std::abs(at - from), width, along);
-        const auto whole = static_cast<std::int64_t>(share.whole);
-        const auto twice = static_cast<std::int64_t>(share.rest * 2);
-        // An exact half goes to the smaller coordinate, whichever way the line runs.
-        if (acrossTo > across)
-            plot(at, across + whole + (twice > along ? 1 : 0));
-        else
-            plot(at, across - whole - (twice >= along ? 1 : 0));
-    }
-}
-
+/// A line of the pen: one dot for each step along its longer axis, the last one left out.
 void DrawLine(const Surface& surface, ShapePoint from, ShapePoint to) {
-    const std::int64_t width = std::abs(std::int64_t{to.x} - from.x);
-    const std::int64_t height = std::abs(std::int64_t{to.y} - from.y);
-    if (width > height) {
-        WalkLine(from.x, to.x, from.y, to.y, surface.width,
-                 [&](std::int64_t x, std::int64_t y) { surface.Dot(x, y); });
-    } else if (height > 0) {
-        WalkLine(from.y, to.y, from.x, to.x, surface.height,
-                 [&](std::int64_t y, std::int64_t x) { surface.Dot(x, y); });
+    const bool steep = std::abs(std::int64_t{to.y} - from.y) >= std::abs(std::int64_t{to.x} - from.x);
+    const std::int64_t begin = steep ? from.y : from.x, end = steep ? to.y : to.x;
+    const std::int64_t across = steep ? from.x : from.y, acrossTo = steep ? to.x : to.y;
+    const std::int64_t along = std::abs(end - begin), width = std::abs(acrossTo - across);
+    const std::int64_t first = std::max<std::int64_t>(end > begin ? begin : end + 1, 0);
+    const std::int64_t last = std::min(end > begin ? end : begin + 1, steep ? surface.height : surface.width);
+    for (std::int64_t at = first; at < last; ++at) {
+        const Share share = TakeShare(std::abs(at - begin), width, along);
+        // An exact half goes to the smaller coordinate, whichever way the line runs.
+        const std::int64_t other = acrossTo > across
+                                       ? across + share.whole + (share.rest * 2 > along ? 1 : 0)
+                                       : across - share.whole - (share.rest * 2 >= along ? 1 : 0);
+        steep ? surface.Dot(other, at) : surface.Dot(at, other);
     }
 }
 
@@ -146,9 +129,8 @@ ShapeCanvas::~ShapeCanvas() = default;
 void ShapeCanvas::FillRect(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
     const Surface surface{pixels_, width_, height_};
     const std::int32_t end = std::min(bottom, height_);
-    for (std::int32_t y = std::max(top, 0); y < end; ++y) {
+    for (std::int32_t y = std::max(top, 0); y < end; ++y)
         surface.Span(y, left, right);
-    }
 }
 
 void ShapeCanvas::Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
@@ -172,9 +154,8 @@ void ShapeCanvas::Polygon(std::span<const ShapePoint> points) {
     if (points.size() < 2 || points.size() > kMaxPoints) return;
     const Surface surface{pixels_, width_, height_};
     FillInterior(surface, points);
-    for (std::size_t i = 0; i < points.size(); ++i) {
+    for (std::size_t i = 0; i < points.size(); ++i)
         DrawLine(surface, points[i], points[i + 1 < points.size() ? i + 1 : 0]);
-    }
 }
 
 bool ShapeCanvas::Finish(std::int32_t, std::int32_t) { return usable_; }

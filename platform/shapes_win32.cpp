@@ -56,16 +56,14 @@ void ShapeCanvas::FillRect(std::int32_t left, std::int32_t top, std::int32_t rig
 }
 
 void ShapeCanvas::Ellipse(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
-    if (!usable_) return;
-    usable_ = ::Ellipse(Context(context_), left, top, right, bottom) != FALSE;
+    usable_ = usable_ && ::Ellipse(Context(context_), left, top, right, bottom) != FALSE;
 }
 
 void ShapeCanvas::Polygon(std::span<const ShapePoint> points) {
     if (!usable_ || points.size() < 2 || points.size() > kMaxPoints) return;
     POINT copies[kMaxPoints];
-    for (std::size_t i = 0; i < points.size(); ++i) {
+    for (std::size_t i = 0; i < points.size(); ++i)
         copies[i] = {points[i].x, points[i].y};
-    }
     usable_ = ::Polygon(Context(context_), copies, static_cast<int>(points.size())) != FALSE;
 }
 

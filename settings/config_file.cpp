@@ -10,9 +10,6 @@
 namespace lumafold {
 namespace {
 
-// Bytes of 128 and above are letters like any other, whatever the sign of a char is here.
-bool IsControl(char letter) { return static_cast<unsigned char>(letter) < ' '; }
-
 /// The row that a key stands for: the first whose name begins with it, and so the first of all for none.
 const SettingDescriptor* FindRow(const char* key, std::size_t length) {
     for (const SettingDescriptor& row : SettingDescriptors()) {
@@ -34,7 +31,8 @@ std::uint32_t NumberAt(const char* text) {
 void TakeLine(char* line, PluginSettings& settings) {
     if (*line == ';') return;
     char* end = line;
-    while (!IsControl(*end))
+    // Bytes of 128 and above are letters like any other, whatever the sign of a char is here.
+    while (static_cast<unsigned char>(*end) >= ' ')
         ++end;
     *end = 0;
     const std::size_t keyLength = std::strcspn(line, " =");
@@ -50,7 +48,7 @@ void AddHeader(LineWriter& lines) {
     // "Sun Nov 15 09:53:13 2026": the same in every language.
     const std::tm now = LocalTimeNow();
     constexpr char kDays[] = "SunMonTueWedThuFriSat", kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
-    char time[sizeof("Sun Nov 15 09:53:13 2026")];
+    char time[80];
     std::snprintf(time, sizeof(time), "%.3s %.3s%3d %.2d:%.2d:%.2d %d", kDays + 3 * now.tm_wday,
                   kMonths + 3 * now.tm_mon, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec,
                   1900 + now.tm_year);

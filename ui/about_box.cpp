@@ -1,6 +1,6 @@
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "ui/dialogs.h"
+#include "ui/module.h"
 #include "ui/painting.h"
 
 namespace lumafold {

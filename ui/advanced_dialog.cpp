@@ -1,8 +1,8 @@
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
 #include "ui/controls.h"
 #include "ui/dialogs.h"
+#include "ui/module.h"
 #include "ui/painting.h"
 #include "ui/session.h"
 

@@ -6,7 +6,6 @@
 
 #include "image/import.h"
 #include "platform/folders.h"
-#include "platform/module_win32.h"
 #include "plugin/protocol/chosen_names.h"
 #include "resources/texts/resource_ids.h"
 #include "resources/texts/strings.h"
@@ -14,6 +13,7 @@
 #include "settings/settings.h"
 #include "ui/dialogs.h"
 #include "ui/list_box.h"
+#include "ui/module.h"
 #include "ui/session.h"
 
 namespace lumafold {

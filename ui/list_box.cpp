@@ -3,10 +3,11 @@
 #include <commctrl.h>
 
 #include "platform/allocation.h"
-#include "platform/module_win32.h"
+#include "platform/gdi_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
 #include "ui/controls.h"
+#include "ui/module.h"
 #include "ui/session.h"
 #include "ui/thumbnail.h"
 
@@ -33,19 +34,6 @@ bool InsertItem(HWND list, int index, const char* text, GlobalHandle block) {
     Ask(list, LB_DELETESTRING, at);
     return false;
 }
-
-/// Puts a context back as it was lent: clipping, colours, font and all.
-class SavedContext {
-public:
-    explicit SavedContext(HDC context) : context_(context), saved_(SaveDC(context)) {}
-    SavedContext(const SavedContext&) = delete;
-    SavedContext& operator=(const SavedContext&) = delete;
-    ~SavedContext() { RestoreDC(context_, saved_); }
-
-private:
-    HDC context_;
-    int saved_;
-};
 
 void FillAround(const DRAWITEMSTRUCT& item, const RECT& thumbnail) {
     const SavedContext saved(item.hDC);

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "platform/gdi_win32.h"
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
+#include "ui/module.h"
 #include "ui/painting.h"
 
 namespace lumafold {

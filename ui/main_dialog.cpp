@@ -6,7 +6,6 @@
 
 #include "build/build_driver.h"
 #include "platform/folders.h"
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "resources/texts/strings.h"
 #include "settings/config_file.h"
@@ -17,6 +16,7 @@
 #include "ui/list_box.h"
 #include "ui/logo.h"
 #include "ui/messages.h"
+#include "ui/module.h"
 #include "ui/painting.h"
 #include "ui/session.h"
 

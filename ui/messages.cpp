@@ -1,6 +1,6 @@
 #include "ui/messages.h"
 
-#include "platform/module_win32.h"
+#include "ui/module.h"
 
 namespace lumafold {
 namespace {

@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "ui/controls.h"
 #include "ui/dialogs.h"
+#include "ui/module.h"
 #include "ui/painting.h"
 #include "ui/thumbnail.h"
 

@@ -9,9 +9,9 @@
 #include "colour/nearest.h"
 #include "colour/palettes.h"
 #include "platform/gdi_win32.h"
-#include "platform/module_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
+#include "ui/module.h"
 #include "ui/session.h"
 
 namespace lumafold {

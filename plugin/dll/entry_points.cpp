@@ -1,19 +1,10 @@
 #include "plugin/dll/entry_points.h"
 
 #include "platform/gdi_win32.h"
-#include "platform/module_win32.h"
 #include "plugin/protocol/host.h"
 #include "ui/dialogs.h"
+#include "ui/module.h"
 #include "ui/session.h"
-
-namespace {
-
-constexpr int kFontHeight = 13;
-
-/// What a host that gave no context is taken to have given: no callback, which the dialog reports.
-constexpr lumafold::HostContext kNoContext{};
-
-} // namespace
 
 BOOL WINAPI DllEntryPoint(HINSTANCE instance, DWORD, LPVOID) {
     lumafold::SetModuleInstance(instance);
@@ -32,6 +23,9 @@ BOOL WINAPI PLUGINGetPluginParams(lumafold::PluginParams* params) {
 }
 
 int WINAPI PLUGINDoBuild(HWND parent, const lumafold::HostContext* context) {
+    constexpr int kFontHeight = 13;
+    // What a host that gave no context is taken to have given: no callback, which the dialog reports.
+    constexpr lumafold::HostContext kNoContext{};
     lumafold::DialogSession& session = lumafold::Session();
     if (session.open) return 1;
     {

@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "platform/module_win32.h"
+#include "ui/module.h"
 
 namespace lumafold::test {
 

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "lumafold_version.h"
-#include "platform/module_win32.h"
 #include "plugin/dll/entry_points.h"
 #include "tests/windows/live_objects.h"
+#include "ui/module.h"
 
 namespace lumafold {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/module_win32.h"
+#include "ui/module.h"
 
 namespace lumafold {
 namespace {
