@@ -145,7 +145,8 @@ bool AnimationBuild::MeasureCanvas() {
 /// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
 bool AnimationBuild::FitsBudget() {
     BuildEstimate estimate;
-    return EstimateBuild(list_, request_.kind, settings_, estimate) && estimate.bytes <= request_.budget;
+    return EstimateBuild(list_, request_.kind, settings_, request_.runner.Workers(), estimate) &&
+           estimate.bytes <= request_.budget;
 }
 
 bool AnimationBuild::PlaceImages() {
