@@ -95,7 +95,8 @@ private:
     /// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
     bool FitsBudget() {
         BuildEstimate estimate;
-        return EstimateBuild(list_, request_.kind, settings_, estimate) && estimate.bytes <= request_.budget;
+        return EstimateBuild(list_, request_.kind, settings_, request_.runner.Workers(), estimate) &&
+               estimate.bytes <= request_.budget;
     }
 
     bool PlaceImages() {

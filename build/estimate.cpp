@@ -1,6 +1,8 @@
 #include "build/estimate.h"
 
+#include <cmath>
 #include <limits>
+#include <string_view>
 
 #include "transitions/table.h"
 
@@ -22,17 +24,76 @@ std::uint64_t PictureBytes(const BuildEstimate& estimate, int bits) {
     return DibBlockBytes(estimate.width, estimate.height, bits).value_or(kMostDibBytes);
 }
 
+/// What rendering holds besides pictures and frames, in bytes a pixel of the canvas.
+struct RenderNeed {
+    double gap;    ///< once a gap
+    double worker; ///< for each frame at work
+};
+
+/// How much of its table Liquid metal needs along one axis: a centre in the middle halves it.
+double RippleShare(std::uint32_t centrePercent) {
+    const double off = std::abs(static_cast<double>(centrePercent) - 100) / 100; // from the middle, in sizes
+    return std::min(0.5 + off, 1.0);
+}
+
+/// As measured, effect by effect; what is not named holds next to nothing.
+RenderNeed NeedOf(std::int32_t row, const PluginSettings& settings) {
+    if (row < 0 || row >= kTransitionCount) return {0, 0};
+    const std::string_view name = TransitionTable[static_cast<std::size_t>(row)].name;
+    const auto isOneOf = [name](auto... starts) { return (name.starts_with(starts) || ...); };
+    if (isOneOf("Liquid metal")) {
+        const double share = RippleShare(settings.TransitionLiquidMetalCenterX) *
+                             RippleShare(settings.TransitionLiquidMetalCenterY);
+        return {1.5 + 8 * share, 7 + 4 * share};
+    }
+    if (isOneOf("Alpha")) return {0, name.ends_with("(opaque)") ? 6.0 : 3.0};
+    if (isOneOf("Burp", "Quantum")) return {1, 7};
+    if (isOneOf("Framework")) return {2, 11};
+    if (isOneOf("Hurricane")) return {2, 6};
+    if (isOneOf("Paintball", "Silent movie")) return {3, 3};
+    if (isOneOf("Soft slide")) return {5, 1};
+    if (isOneOf("Spikes")) return {8, 1};
+    if (isOneOf("Spiral", "Submerge")) return {6, 3};
+    if (isOneOf("Soft iris", "Unplugged")) return {0, 3};
+    return {0, 0};
+}
+
+/// Of a gap with all workers, or of as many gaps as there are workers where frames follow from one another.
+double RenderBytes(std::int32_t row, const PluginSettings& settings, std::size_t workers) {
+    const RenderNeed need = NeedOf(row, settings);
+    const auto atOnce = static_cast<double>(workers);
+    return RendersInTurn(row) ? atOnce * (need.gap + need.worker) : need.gap + atOnce * need.worker;
+}
+
+struct Held {
+    std::uint64_t pictures;
+    double render; ///< bytes a pixel
+    bool marks;    ///< unchanged pixels, in masks
+    bool reduces;  ///< to a palette
+    std::size_t workers;
+};
+
 /// While frames are made all of them have 24 bits; each may get a mask before the first loses its depth.
-std::uint64_t BytesOf(const BuildEstimate& estimate, std::uint64_t pictures, bool masks) {
-    const std::uint64_t picture = PictureBytes(estimate, 24);
-    const std::uint64_t frame = picture + sizeof(FrameRecord) + (masks ? PictureBytes(estimate, 1) : 0);
-    return SaturatingSum(SaturatingProduct(static_cast<std::uint64_t>(estimate.frames), frame),
-                         SaturatingProduct(pictures, picture));
+void AddBytes(const Held& held, BuildEstimate& estimate) {
+    const auto frames = static_cast<std::uint64_t>(estimate.frames);
+    const std::uint64_t picture = PictureBytes(estimate, 24), reduced = PictureBytes(estimate, 8);
+    const std::uint64_t masks = held.marks ? SaturatingProduct(frames, PictureBytes(estimate, 1)) : 0;
+    const auto all = [&](std::uint64_t frame) {
+        return SaturatingSum(SaturatingProduct(frames, frame + sizeof(FrameRecord)),
+                             SaturatingProduct(held.pictures, picture));
+    };
+    const double pixels = static_cast<double>(estimate.width) * estimate.height;
+    const std::uint64_t render = static_cast<std::uint64_t>(held.render * pixels);
+    const std::uint64_t reduce =
+        SaturatingSum(masks, held.reduces ? SaturatingProduct(held.workers, reduced) : 0);
+    estimate.bytes = SaturatingSum(all(picture), std::max(render, reduce));
+    estimate.handedOver = SaturatingSum(all(held.reduces ? reduced : picture), masks);
 }
 
 } // namespace
 
-bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, BuildEstimate& estimate) {
+bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, std::size_t workers,
+                   BuildEstimate& estimate) {
     estimate = {};
     const std::int32_t count = list.Count();
     ImageEntry entry;
@@ -42,9 +103,13 @@ bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& setting
         estimate.width = std::max(estimate.width, width);
         estimate.height = std::max(estimate.height, height);
     }
+    const bool reduces = settings.TransitionTruecolour == 0;
+    Held held{static_cast<std::uint64_t>(std::max(count, 2)), 0,
+              kind == TaskKind::Build && settings.Supercompress != 0, reduces, workers};
     const auto add = [&](std::int32_t row) {
         estimate.frames =
             SaturatingSum(estimate.frames, FrameCount(row, settings, {estimate.width, estimate.height}));
+        held.render = std::max(held.render, RenderBytes(row, settings, workers));
     };
     for (std::int32_t i = 0; i < count; ++i) {
         if (!list.Read(i, entry)) return false;
@@ -52,9 +117,7 @@ bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& setting
     }
     // One picture alone gets the plain background beside it.
     if (count == 1) add(list.DefaultTransition());
-    const std::int64_t pictures = std::max<std::int64_t>(count, 2);
-    const bool masks = kind == TaskKind::Build && settings.Supercompress != 0;
-    estimate.bytes = BytesOf(estimate, static_cast<std::uint64_t>(pictures), masks);
+    AddBytes(held, estimate);
     return true;
 }
 

@@ -12,10 +12,13 @@ namespace lumafold {
 struct BuildEstimate {
     std::int32_t width = 0, height = 0; ///< of the canvas
     std::int64_t frames = 0;
-    std::uint64_t bytes = 0; ///< held at once at the most, the list's own pictures apart
+    // The list's own pictures apart:
+    std::uint64_t bytes = 0;      ///< held at once at the most
+    std::uint64_t handedOver = 0; ///< of it, while the host takes the frames
 };
 
-/// False when an entry cannot be read.
-bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, BuildEstimate& estimate);
+/// `workers` is how many pieces of work run at once. False when an entry cannot be read.
+bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& settings, std::size_t workers,
+                   BuildEstimate& estimate);
 
 } // namespace lumafold

@@ -110,13 +110,26 @@ std::string Y4mWriter::Head(std::int32_t unit) const {
            " XCOLORRANGE=LIMITED XCOLORMATRIX=" + (matrix_ == YuvMatrix::Bt601 ? "BT601" : "BT709") + "\n";
 }
 
-void Y4mWriter::Finish(const ByteSink& sink) const {
+/// The greatest time that every frame is a multiple of.
+std::int32_t Y4mWriter::Unit() const {
     if (!any_) throw AnimationError(kNoFrames);
     if (frames_.empty()) throw AnimationError{"no frame of the animation is seen for any time"};
     std::vector<std::int32_t> delays;
     for (const Frame& frame : frames_)
         delays.push_back(frame.delay);
-    const std::int32_t unit = CommonDelay(delays);
+    return CommonDelay(delays);
+}
+
+std::uint64_t Y4mWriter::Bytes() const {
+    const std::int32_t unit = Unit();
+    std::uint64_t bytes = Head(unit).size();
+    for (const Frame& frame : frames_)
+        bytes += frame.bytes.size() * static_cast<std::uint64_t>(frame.delay / unit);
+    return bytes;
+}
+
+void Y4mWriter::Finish(const ByteSink& sink) const {
+    const std::int32_t unit = Unit();
     const std::string head = Head(unit);
     if (!sink({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}))
         throw AnimationError(kStopped);

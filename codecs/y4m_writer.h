@@ -37,6 +37,8 @@ public:
     /// What is seen next, 0x00BBGGRR row by row from the top, kNoPixel where nothing has been drawn; for how
     /// many hundredths of a second. What is seen for no time is left out.
     void Add(std::span<const PixelValue> screen, std::int32_t delay);
+    /// How long the film will be.
+    std::uint64_t Bytes() const;
     /// The film, piece by piece, at the rate of the delays' greatest common measure. Throws when there is no
     /// frame, none that is seen, or the sink wants no more.
     void Finish(const ByteSink& sink) const;
@@ -54,6 +56,7 @@ private:
     void AddLuma(std::span<const PixelValue> screen, std::vector<std::uint8_t>& to) const;
     void AddChroma(std::span<const PixelValue> screen, const Weights& weights,
                    std::vector<std::uint8_t>& to) const;
+    std::int32_t Unit() const;
     std::string Head(std::int32_t unit) const;
 
     std::int32_t width_, height_, side_; ///< side_: pixels of a chroma sample across and down

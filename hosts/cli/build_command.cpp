@@ -121,11 +121,12 @@ private:
 
     void CheckRuns(MemoryList& list) {
         BuildEstimate estimate;
-        if (!EstimateBuild(list, Task(), settings_, estimate)) return;
+        if (!EstimateBuild(list, Task(), settings_, pool_.Workers(), estimate)) return;
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         RemarkOnSize(estimate);
-        why = WhyTooLarge(estimate, memoryLimit_);
+        const TakerNeed taker = NeedOf(kind_, settings_.TransitionTruecolour != 0, pool_.Workers());
+        why = WhyTooLarge(estimate, CommandBytes(list, estimate, taker), memoryLimit_);
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
     }
 

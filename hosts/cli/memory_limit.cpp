@@ -26,9 +26,42 @@ std::string Text(std::uint64_t bytes) {
 
 std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBudget()); }
 
-std::string WhyTooLarge(const BuildEstimate& estimate, std::uint64_t limit) {
-    if (estimate.bytes <= limit) return "";
-    return "would need " + Text(estimate.bytes) + ": " + std::to_string(estimate.frames) + " frames of " +
+// As measured. A writer of PNG data holds what a few frames change for each worker, and copies of the rows
+// that are at work; the WebP library works on pictures of its own.
+TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers) {
+    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 3 * working;
+    switch (kind) {
+    case OutputKind::Folder:
+        return {3, 0};
+    case OutputKind::Y4m:
+        return {8, 1.5};
+    case OutputKind::Webp:
+        return {66, 1.1};
+    case OutputKind::Gif:
+        return {9 + 2 * waiting + 3 * working, 0.3};
+    default:
+        return trueColour ? TakerNeed{9 + 4 * waiting + 6 * working, 1.1}
+                          : TakerNeed{9 + 2 * waiting + 3 * working, 0.3};
+    }
+}
+
+std::uint64_t CommandBytes(ImageList& list, const BuildEstimate& estimate, const TakerNeed& taker) {
+    std::uint64_t bytes = 0;
+    ImageEntry entry;
+    for (std::int32_t i = 0; i < list.Count(); ++i) {
+        if (list.Read(i, entry)) bytes += GlobalBytes(entry.image);
+    }
+    const double pixels = static_cast<double>(estimate.width) * estimate.height;
+    const double taken = pixels * (taker.once + taker.frame * static_cast<double>(estimate.frames)) +
+                         static_cast<double>(estimate.handedOver);
+    constexpr double kMost = 1e18; // far beyond any memory, and no number that a sum could pass
+    if (estimate.bytes >= static_cast<std::uint64_t>(kMost) || taken >= kMost) return UINT64_MAX;
+    return bytes + std::max(estimate.bytes, static_cast<std::uint64_t>(taken));
+}
+
+std::string WhyTooLarge(const BuildEstimate& estimate, std::uint64_t bytes, std::uint64_t limit) {
+    if (bytes <= limit) return "";
+    return "would need " + Text(bytes) + ": " + std::to_string(estimate.frames) + " frames of " +
            std::to_string(estimate.width) + "x" + std::to_string(estimate.height) + "; the limit is " +
            Text(limit);
 }

@@ -4,14 +4,26 @@
 #include <string>
 
 #include "build/estimate.h"
+#include "hosts/cli/output_kind.h"
 
 namespace lumafold {
 
-/// Half of what the machine has, since the finished frames are held beside those of the build; never more
-/// than a 32-bit program can use.
+/// Half of what the machine has; never more than a 32-bit program can use.
 std::uint64_t UsualMemoryLimit();
 
+/// What takes the frames holds of them, in bytes a pixel of the canvas.
+struct TakerNeed {
+    double once;  ///< however many frames there are
+    double frame; ///< for each frame, until the last one
+};
+inline constexpr TakerNeed kSheetNeed{6, 0}; ///< a contact sheet's screen, and a picture in true colour
+/// Frames of photos, as they pack usually. `workers` pack at once.
+TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers);
+
+/// All that the build holds at once at the most, its list and the taker of its frames included.
+std::uint64_t CommandBytes(ImageList& list, const BuildEstimate& estimate, const TakerNeed& taker);
+
 /// "would need 12.3 GB: 4000 frames of 640x480; the limit is 8.0 GB", or "" where `limit` bytes are enough.
-std::string WhyTooLarge(const BuildEstimate& estimate, std::uint64_t limit);
+std::string WhyTooLarge(const BuildEstimate& estimate, std::uint64_t bytes, std::uint64_t limit);
 
 } // namespace lumafold

@@ -80,19 +80,20 @@ public:
 
     /// A film goes on as it is made, for it may be very large; a file is collected first.
     std::uint64_t Put(const Y4mWriter& film) const {
-        std::uint64_t bytes = 0;
+        const std::uint64_t bytes = film.Bytes();
+        if (path_.empty()) return bytes;
         std::vector<std::uint8_t> file;
-        const bool collects = path_ != kStandardStream && !path_.empty();
+        const bool collects = path_ != kStandardStream;
+        if (collects && bytes > most_)
+            throw AnimationError(
+                "the film is too large to be kept until it is whole, send it to a program with -o -");
+        if (collects) file.reserve(bytes);
         film.Finish([&](std::span<const std::uint8_t> piece) {
-            if (collects && piece.size() > most_ - file.size())
-                throw AnimationError(
-                    "the film is too large to be kept until it is whole, send it to a program with -o -");
             if (collects) {
                 file.insert(file.end(), piece.begin(), piece.end());
             } else {
                 Put(piece);
             }
-            bytes += piece.size();
             return true;
         });
         return collects ? Put(file) : bytes;

@@ -123,11 +123,11 @@ private:
     std::vector<SheetCell> Cells(std::int32_t row, std::size_t most, Progress& progress) {
         SetTransition(0, row);
         BuildEstimate estimate;
-        if (!EstimateBuild(list_, TaskKind::Build, settings_, estimate))
+        if (!EstimateBuild(list_, TaskKind::Build, settings_, pool_.Workers(), estimate))
             throw Failure(kFailed, "not enough memory");
         std::string why = WhyCannotRun(row, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
-        why = WhyTooLarge(estimate, memoryLimit_);
+        why = WhyTooLarge(estimate, CommandBytes(list_, estimate, kSheetNeed), memoryLimit_);
         if (!why.empty())
             throw Failure(kFailed, std::string(TransitionName(row)) + " " + why + " (--memory-limit)");
         SheetCells frames(most);

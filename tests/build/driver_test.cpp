@@ -123,10 +123,12 @@ TEST_F(BuildDriver, GivesUpBeforeRenderingWhatCannotFit) {
     list.Add(BusyPicture(61, 5, 1), kEllipse, 5, 5);
     list.Add(BusyPicture(6, 47, 2), kNone, 5, 5);
     BuildEstimate estimate;
-    ASSERT_TRUE(EstimateBuild(list, TaskKind::Build, settings, estimate));
+    ASSERT_TRUE(EstimateBuild(list, TaskKind::Build, settings, 1, estimate));
     EXPECT_EQ(std::tuple(estimate.width, estimate.height, estimate.frames), std::tuple(61, 47, 6 + 1));
     const std::uint64_t picture = 40 + 184 * 47, mask = 40 + 8 + 8 * 47;
-    EXPECT_EQ(estimate.bytes, 7 * (picture + 40 + mask) + 2 * picture);
+    const std::uint64_t frames = 7 * (picture + 40) + 2 * picture, reduced = 40 + 1024 + 64 * 47;
+    EXPECT_EQ(estimate.bytes, frames + 3 * 61 * 47) << "the iris takes more than the masks";
+    EXPECT_EQ(estimate.handedOver, 7 * (reduced + 40 + mask) + 2 * picture);
     EXPECT_EQ(host.Build(list, settings, TaskKind::Build, Runner(), estimate.bytes), 1);
     host.Forget();
     EXPECT_EQ(host.Build(list, settings, TaskKind::Build, Runner(), estimate.bytes - 1), 0);
@@ -135,11 +137,11 @@ TEST_F(BuildDriver, GivesUpBeforeRenderingWhatCannotFit) {
     ExpectListAsItWas(2);
 
     // A test build has no masks; one picture alone has its background beside it.
-    ASSERT_TRUE(EstimateBuild(list, TaskKind::Test, settings, estimate));
-    EXPECT_EQ(estimate.bytes, 7 * (picture + 40) + 2 * picture);
+    ASSERT_TRUE(EstimateBuild(list, TaskKind::Test, settings, 1, estimate));
+    EXPECT_EQ(estimate.bytes, frames + 3 * 61 * 47);
     TestList one(kDiamond);
     one.Add(BusyPicture(6, 47, 2), kNone, 5, 5);
-    ASSERT_TRUE(EstimateBuild(one, TaskKind::Test, settings, estimate));
+    ASSERT_TRUE(EstimateBuild(one, TaskKind::Test, settings, 1, estimate));
     EXPECT_EQ(estimate.frames, 1 + 5);
 
     // Sums beyond 64 bits are the largest number: tiles of one pixel, each with thousands of frames.
@@ -148,7 +150,7 @@ TEST_F(BuildDriver, GivesUpBeforeRenderingWhatCannotFit) {
     TestList large;
     for (int i = 0; i < 2; ++i)
         large.Add(DibCreate(20000, 20000, nullptr, 1), 4, 5, 5);
-    ASSERT_TRUE(EstimateBuild(large, TaskKind::Test, settings, estimate));
+    ASSERT_TRUE(EstimateBuild(large, TaskKind::Test, settings, 1, estimate));
     EXPECT_EQ(estimate.bytes, UINT64_MAX);
     EXPECT_EQ(host.Build(large, settings, TaskKind::Test, Runner(), UINT64_MAX - 1), 0);
 }

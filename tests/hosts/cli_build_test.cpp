@@ -340,7 +340,7 @@ TEST_F(CommandLineTest, WhatDoesNotFitIsToldBeforeItIsBuilt) {
         EXPECT_TRUE(text.ends_with(end)) << text;
     };
     ends(told("1", "256"),
-         "lumafold: the animation would need 9.5 MB: 1040 frames of 61x47; the limit is 1.0 MB "
+         "lumafold: the animation would need 9.6 MB: 1040 frames of 61x47; the limit is 1.0 MB "
          "(--memory-limit)\n");
     ends(told("100000", "5000000"),
          "lumafold: the animation would need 192.0 GB: 20975110 frames of 61x47; the limit is "
