@@ -28,12 +28,12 @@ extern "C" const char* __lsan_default_suppressions() { return "leak:libx265\n"; 
 namespace lumafold::test {
 namespace {
 
-FileBytes Opaque(const RgbaPicture& picture) {
-    FileBytes rgb;
-    for (std::size_t i = 0; i < picture.samples.size(); ++i) {
-        if (i % 4 != 3) rgb.push_back(picture.samples[i]);
-    }
-    return rgb;
+/// An EXIF block that tells this orientation and nothing else.
+FileBytes Exif(int orientation) {
+    FileBytes exif{'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0};
+    exif.push_back(static_cast<std::uint8_t>(orientation));
+    exif.resize(26);
+    return exif;
 }
 
 } // namespace
@@ -60,19 +60,30 @@ FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options)
     jpeg_mem_dest(&info, &buffer, &length);
     info.image_width = static_cast<JDIMENSION>(picture.width);
     info.image_height = static_cast<JDIMENSION>(picture.height);
-    const J_COLOR_SPACE colours = options.lightOfInks ? JCS_CMYK : JCS_RGB;
-    info.input_components = options.lightOfInks ? 4 : 3;
-    info.in_color_space = colours;
+    const auto [given, stored, progressive, adobe] = options.jpeg;
+    const int channels = given == JCS_GRAYSCALE ? 1 : given == JCS_CMYK ? 4 : 3;
+    info.input_components = channels;
+    info.in_color_space = static_cast<J_COLOR_SPACE>(given);
     jpeg_set_defaults(&info);
-    jpeg_set_colorspace(&info, colours);
+    jpeg_set_colorspace(&info, static_cast<J_COLOR_SPACE>(stored));
     jpeg_set_quality(&info, 100, TRUE);
+    if (progressive) jpeg_simple_progression(&info);
+    if (!adobe) info.write_Adobe_marker = FALSE;
     jpeg_start_compress(&info, TRUE);
-    const FileBytes& profile{options.profile.begin(), options.profile.end()};
+    FileBytes exif = Exif(options.orientation);
+    exif.insert(exif.begin(), {'E', 'x', 'i', 'f', 0, 0});
+    jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
+    const FileBytes profile(options.profile.begin(), options.profile.end());
     if (!profile.empty())
         jpeg_write_icc_profile(&info, profile.data(), static_cast<unsigned>(profile.size()));
-    FileBytes samples = options.lightOfInks ? picture.samples : Opaque(picture);
     for (int y = 0; y < picture.height; ++y) {
-        JSAMPROW row = samples.data() + y * picture.width * info.input_components;
+        FileBytes samples;
+        for (int i = 0; i < picture.width * 4; ++i) {
+            const std::uint8_t sample = picture.samples[static_cast<std::size_t>(y * picture.width * 4 + i)];
+            // Files with the mark hold inks inverted, as light.
+            if (i % 4 < channels) samples.push_back(adobe ? sample : 255 - sample);
+        }
+        JSAMPROW row = samples.data();
         jpeg_write_scanlines(&info, &row, 1);
     }
     jpeg_finish_compress(&info);
@@ -125,32 +136,7 @@ FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options)
     WebPMux* mux = WebPMuxNew();
     const WebPData image{encoded, bytes};
     WebPMuxSetImage(mux, &image, 1);
-    const FileBytes exif{'I',
-                         'I',
-                         42,
-                         0,
-                         8,
-                         0,
-                         0,
-                         0,
-                         1,
-                         0,
-                         0x12,
-                         1,
-                         3,
-                         0,
-                         1,
-                         0,
-                         0,
-                         0,
-                         static_cast<std::uint8_t>(options.orientation),
-                         0,
-                         0,
-                         0,
-                         0,
-                         0,
-                         0,
-                         0};
+    const FileBytes exif = Exif(options.orientation);
     const WebPData exifData{exif.data(), exif.size()},
         profile{options.profile.data(), options.profile.size()};
     if (options.orientation != 1) WebPMuxSetChunk(mux, "EXIF", &exifData, 1);

@@ -24,8 +24,12 @@ struct ComposeOptions {
     bool lossless = true;
     int orientation = 1;
     std::span<const std::uint8_t> profile{};
-    bool lightOfInks = false;   ///< JPEG: the samples are 255 less cyan, magenta, yellow and black
     bool saysDisplayP3 = false; ///< AVIF: by number instead of a profile
+    struct Jpeg {
+        int given = 2,
+            stored = 2; ///< J_COLOR_SPACE; grey takes the red, inks all four samples as 255 less the ink
+        bool progressive = false, adobe = true;
+    } jpeg{};
     struct Tiff {
         int compression = 1, bits = 8;
         bool tiled = false, grey = false;
@@ -35,7 +39,7 @@ struct ComposeOptions {
 FileBytes WrittenPng(const std::function<void(png_structp, png_infop)>& write);
 /// Lossless, with opacity.
 FileBytes ComposePng(const RgbaPicture& picture, const ComposeOptions& options);
-/// Without loss to speak of, and without opacity.
+/// Without loss to speak of; opacity is left out.
 FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options);
 /// In builds that read the kinds.
 FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options);

@@ -162,10 +162,9 @@ Played Play(const File& file) {
 
 /// What is on screen at a moment; the last screen ends at its `until`.
 const std::vector<PixelValue>& At(const Played& played, int moment) {
-    for (const auto& [until, screen] : played.screens) {
-        if (moment < until) return screen;
-    }
-    return played.screens.back().second;
+    const auto shown = std::find_if(played.screens.begin(), played.screens.end() - 1,
+                                    [=](const auto& screen) { return moment < screen.first; });
+    return shown->second;
 }
 
 TEST(WebpWriter, ShowsEveryFrameWithoutLoss) {
@@ -175,8 +174,7 @@ TEST(WebpWriter, ShowsEveryFrameWithoutLoss) {
         std::string error;
         const Played played = Play(EncodeWebp(animation, {}, error));
         ASSERT_EQ(error, "");
-        EXPECT_EQ(played.width, animation.width);
-        EXPECT_EQ(played.height, animation.height);
+        EXPECT_EQ(std::pair(played.width, played.height), std::pair(animation.width, animation.height));
         const auto wanted = WantedScreens(animation);
         if (std::all_of(wanted.begin(), wanted.end(), [&](auto& screen) { return screen == wanted[0]; })) {
             ASSERT_EQ(played.screens.size(), 1U) << "a still picture, which has no time";
