@@ -5,7 +5,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "colour/palettes.h"
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/frames_folder.h"
 #include "hosts/cli/recording_host.h"
@@ -47,9 +46,8 @@ TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     ASSERT_EQ(recording.Result().frames.size(), 1U);
     EXPECT_NE(recording.Result().frames.at(0).image.Get(), picture.Get()) << "the plug-in frees its own";
     char names[1000] = {};
-    EXPECT_FALSE(host.ChooseFiles(0, names));
-    EXPECT_EQ(host.ClipboardPicture(0), 0u);
-    EXPECT_EQ(host.LoadPicture("/no/such/file.png"), 0u);
+    EXPECT_FALSE(host.ChooseFiles(0, names) || host.ClipboardPicture(0) != 0 ||
+                 host.LoadPicture("/no.png") != 0);
     recording.Fail(BuildFailure::Memory);
     EXPECT_EQ(screen.str(), "lumafold: Memory error\n");
 }
@@ -62,31 +60,25 @@ TEST_F(CommandLineTest, TaskJsonIsExact) {
     ASSERT_EQ(ran.status, 0) << ran.err;
     EXPECT_NE(ran.out.find(": 2 frames, 7x9, 2 colours, 0.46 s, "), std::string::npos) << ran.out;
 
-    Palette palette;
-    BuildFixedPalette(&palette, nullptr, 0);
-    std::string colours;
-    for (const Rgb& colour : palette) {
-        colours += (colours.empty() ? "[" : ",[") + std::to_string(colour.red) + "," +
-                   std::to_string(colour.green) + "," + std::to_string(colour.blue) + "]";
-    }
-    std::string comment;
-    for (const char* letter = kDescriptiveComment; *letter != '\0'; ++letter) {
-        comment += *letter == '\r' ? "\\r" : *letter == '\n' ? "\\n" : std::string(1, *letter);
-    }
+    const auto task = nlohmann::json::parse(Get("out/task.json"));
+    const std::string colours = task["palette"].dump(), comment = task["comment"].dump();
+    EXPECT_EQ(colours.find("[[0,0,0],[255,255,255],"), 0u) << colours;
+    EXPECT_EQ(task["palette"].size(), 256u);
+    EXPECT_EQ(task["comment"], static_cast<const char*>(kDescriptiveComment));
     EXPECT_EQ(
         Get("out/task.json"),
-        "{\n\"width\": 7,\n\"height\": 9,\n\"paletteBits\": 1,\n\"palette\": [" + colours +
-            "],\n\"frameCount\": 2,\n\"frames\": ["
+        "{\n\"width\": 7,\n\"height\": 9,\n\"paletteBits\": 1,\n\"palette\": " + colours +
+            ",\n\"frameCount\": 2,\n\"frames\": ["
             "{\"file\":\"frame-0000.bmp\",\"delay\":12,\"transparentIndex\":-1},"
             "{\"file\":\"frame-0001.bmp\",\"delay\":34,\"transparentIndex\":-1}],\n"
-            "\"comment\": \"" +
+            "\"comment\": " +
             comment +
-            "\",\n\"commands\": ["
+            ",\n\"commands\": ["
             "[10,0,\"Calculating\"],[13,1,\"2\"],[13,2,\"2\"],[10,0,\"Adjusting\"],[13,1,\"2\"],[13,2,\"2\"],"
             "[13,0,\"0\"],[10,0,\"Building\"],[13,1,\"2\"],[13,2,\"2\"],[13,0,\"0\"],"
             "[13,0,\"0\"],[10,0,\"Remapping\"],[13,0,\"2\"],[13,1,\"2\"],[13,0,\"0\"],"
-            "[1,0,\"\"],[2,0,\"\"],[2,0,\"\"],[3,0,\"" +
-            comment + "\"],[4,1,\"\"]]\n}\n");
+            "[1,0,\"\"],[2,0,\"\"],[2,0,\"\"],[3,0," +
+            comment + "],[4,1,\"\"]]\n}\n");
 }
 
 TEST_F(CommandLineTest, FramesAreThePackedBitmapsByteForByte) {
@@ -343,9 +335,12 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
         int status;
         std::string expected;
     } kCases[] = {
-        {{a, Path("none.png"), "-o", Path("x.gif")}, 1, Path("none.png") + ": "},
-        {{a, Path("empty.png"), "-o", Path("old.gif")}, 1, Path("empty.png") + ": "},
-        {{a, Path("words.png"), "-o", Path("new/")}, 1, Path("words.png") + ": "},
+        {{a, Path("none.png"), "-o", Path("x.gif")},
+         1,
+         Path("none.png") + ": there is no such file or folder"},
+        {{a, Path("empty.png"), "-o", Path("old.gif")}, 1, Path("empty.png") + ": the file is empty"},
+        {{a, Path("taken"), "-o", Path("x.gif")}, 1, Path("taken") + ": this is a folder"},
+        {{a, Path("words.png"), "-o", Path("new/")}, 1, Path("words.png") + ": this is no PNG, JPEG, "},
         {{a, a, "-o", Path("x.tiff")}, 2, "-o " + Path("x.tiff") + ": the suffix .tiff means no known kind"},
         {{a, a, "-o", Path("x")}, 2, "-o " + Path("x") + ": a name without a suffix"},
         {{a, a, "-o", Path("no/x.gif")}, 1, "-o " + Path("no/x.gif") + ": the folder " + Path("no")},
