@@ -23,11 +23,20 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
-Ran CommandLineTest::Run(const std::vector<std::string>& args, const std::string& in) const {
+Ran CommandLineTest::Run(const std::string& line, const std::string& in) const {
+    std::vector<std::string> words = Words(line);
+    for (std::string& word : words)
+        word = In(word);
     std::istringstream input(in);
     std::ostringstream out, err;
-    const int status = RunCommandLine(args, {input, out, err});
+    const int status = RunCommandLine(words, {input, out, err});
     return {status, out.str(), err.str()};
+}
+
+std::string CommandLineTest::In(std::string text) const {
+    for (std::size_t at = text.find("%/"); at != std::string::npos; at = text.find("%/"))
+        text.replace(at, 2, Path(""));
+    return text;
 }
 
 void CommandLineTest::PutPicture(const std::string& name, int width, int height, unsigned seed) const {

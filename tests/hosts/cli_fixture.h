@@ -21,8 +21,9 @@ struct Ran {
 
 class CommandLineTest : public testing::Test {
 protected:
-    /// `in` is what stands on the standard input.
-    Ran Run(const std::vector<std::string>& args, const std::string& in = "") const;
+    /// Of the words of a line, in which "%/" is the test's folder.
+    Ran Run(const std::string& line, const std::string& in = "") const;
+    std::string In(std::string text) const; ///< the folder for each "%/"
     std::string Path(const std::string& name) const { return folder_.Path() + "/" + name; }
     void Put(const std::string& name, const std::string& bytes) const { folder_.Put(name, bytes); }
     std::string Get(const std::string& name) const { return folder_.Get(name); }

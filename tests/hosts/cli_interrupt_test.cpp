@@ -1,14 +1,12 @@
-// Interrupts while building and while writing.
+// Interrupts while building.
 #ifdef _WIN32
 #include <windows.h>
 #else
 #include <csignal>
-#include <cstdlib>
 #include <sstream>
 #endif
 
 #include "hosts/cli/command_line.h"
-#include "hosts/cli/frames_folder.h"
 #include "hosts/cli/interrupt.h"
 #include "tests/hosts/cli_fixture.h"
 
@@ -109,19 +107,6 @@ TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
         };
         EXPECT_EXIT(build(), testing::ExitedWithCode(kInterruptedStatus), "");
     }
-    // While files are written it waits until they are taken back.
-    const auto write = [&] {
-        WatchForInterrupts();
-        const HoldInterrupts hold;
-        std::raise(SIGINT);
-        Animation animation;
-        animation.frames.push_back({PlainPicture(2, 2, 0), 1, -1});
-        std::uint64_t bytes = 0;
-        std::string error;
-        const bool written = WriteFramesFolder(Path("x"), animation, {}, bytes, error);
-        std::_Exit(!written && Interrupted() ? 0 : 1);
-    };
-    EXPECT_EXIT(write(), testing::ExitedWithCode(0), "");
     EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});
 }
 
