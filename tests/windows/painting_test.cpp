@@ -68,13 +68,10 @@ TEST_F(Painting, ScalesAndCentresThumbnails) {
 TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
     // Two entries far apart in the table alternate: their colours average to one, their indices to a third
     // entry.
-    OwnedDib striped = NoisePicture(600, 300, 8, 5);
-    for (int y = 0; y < 300; ++y) {
-        for (int x = 0; x < 600; ++x)
-            DibSetPixel(*striped, x, y, x % 2 == 0 ? 10 : 250);
-    }
     Palette palette;
-    DibGetPalette(*striped, palette);
+    DibGetPalette(*NoisePicture(1, 1, 8, 5), palette);
+    const OwnedDib striped = PictureOf(
+        600, 300, 8, [](int x, int) { return x % 2 == 0 ? 10 : 250; }, &palette);
     const Rgb a = palette[10], b = palette[250];
     const std::string path = pictures.Add("striped.bmp", striped);
     std::string lines;
