@@ -12,7 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include "codecs/animation_writer.h"
 #include "settings/settings.h"
 #include "tests/support/build_fixture.h"
 #include "tests/support/pictures.h"
@@ -72,19 +71,6 @@ PluginSettings ColourSettings(unsigned bits) {
     return settings;
 }
 
-/// The file of what the host got, as the command line and the desktop host would write it.
-std::size_t WrittenBytes(RecordingHost& host) {
-    Animation animation;
-    animation.width = host.task.width;
-    animation.height = host.task.height;
-    animation.paletteBits = host.task.paletteBits;
-    animation.palette = host.task.palette;
-    for (RecordedFrame& frame : host.frames)
-        animation.frames.push_back({std::move(frame.image), frame.delay, frame.transparentIndex});
-    std::string error;
-    return EncodeAnimation(AnimationKind::Gif, animation, error).size();
-}
-
 void BuildOnce(int number) {
     const auto bits = static_cast<unsigned>(number);
     const PluginSettings settings = ColourSettings(bits);
@@ -97,9 +83,6 @@ void BuildOnce(int number) {
     const TaskKind kind = number % 7 == 0 ? TaskKind::Test : TaskKind::Build;
     ASSERT_EQ(host.Build(list, settings, kind), 1) << number;
     ASSERT_FALSE(host.frames.empty()) << number;
-    if (settings.TransitionTruecolour == 0) {
-        ASSERT_GT(WrittenBytes(host), 0U) << number;
-    }
 }
 
 TEST(LongRun, OfBuildsTakesNoMoreAndLeavesNothing) {

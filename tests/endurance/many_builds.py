@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The commands of docs/many-builds.md, run as they stand there: many builds on two machines, which are two ssh servers on
-this one, with a machine killed and the whole run ended on the way; some on one machine; and the tasks of a Slurm array
+"""The commands of docs/many-builds.md, run as they stand there: many builds on two machines, which are two
+names of this one, with a machine killed and the whole run ended on the way; some on one machine; and the tasks of a Slurm array
 one after the other. Run by ctest, which tells where the program is."""
 import contextlib
 import os
@@ -8,7 +8,6 @@ import pathlib
 import re
 import shutil
 import signal
-import socket
 import subprocess
 import tempfile
 import time
@@ -39,51 +38,18 @@ def table(folder, count):
     return lines
 
 
-def family(process):
-    """The ids of a process and of all that it started, as far as they live."""
-    parents = {}
-    for entry in pathlib.Path("/proc").glob("[0-9]*"):
-        with contextlib.suppress(OSError):
-            parents[int(entry.name)] = int((entry / "stat").read_text().rpartition(")")[2].split()[1])
-    members = [process]
-    for member in members:
-        members += [child for child, parent in parents.items() if parent == member]
-    return members
-
-
-class Machine:
-    """An ssh server of our own on a port of this machine."""
-
-    def __init__(self, folder, name):
-        self.folder, self.name = folder, name
-        with socket.socket() as probe:
-            probe.bind(("127.0.0.1", 0))
-            self.port = probe.getsockname()[1]
-        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder / f"host-{name}"], check=True)
-        (folder / f"sshd-{name}").write_text(
-            f"Port {self.port}\nListenAddress 127.0.0.1\nHostKey {folder}/host-{name}\nPidFile none\nStrictModes no\n"
-            f"AuthorizedKeysFile {folder}/key.pub\nUsePAM no\nPermitRootLogin yes\nMaxStartups 100\nMaxSessions 100\n"
-            f"SetEnv PATH={PROGRAM.parent}:{os.environ['PATH']}\n")
-
-    def start(self):
-        self.server = subprocess.Popen([shutil.which("sshd") or "/usr/sbin/sshd", "-D", "-e", "-f", self.folder / f"sshd-{self.name}"],
-                                       stderr=subprocess.DEVNULL)
-        for _ in range(200):
-            with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", self.port), 1):
-                return
-            time.sleep(0.05)
-        raise RuntimeError("the ssh server does not start")
-
-    def kill(self):
-        """With everything that runs under it; what it starts meanwhile is found the next time round."""
-        while len(members := [self.server.pid, *family(self.server.pid)]) > 2 or self.server.poll() is None:
-            for member in members:
-                with contextlib.suppress(ProcessLookupError):
-                    os.kill(member, signal.SIGSTOP)
-            for member in [*family(self.server.pid)][::-1]:
-                with contextlib.suppress(ProcessLookupError):
-                    os.kill(member, signal.SIGKILL)
-            self.server.wait()
+# Stands for ssh: a machine is this one, until a file says that it is dead. What it runs is a group of processes whose
+# number is kept, so that they can end with it.
+SSH = """#!/bin/sh
+name=$1
+shift
+test "$1" = -- && shift
+test -e "$HOME/$name.dead" && exit 255
+setsid sh -c 'echo $$ >"$0"; exec sh -c "$1"' "$HOME/$name.$$" "$*"
+status=$?
+test $status -lt 128 && exit $status
+exit 255
+"""
 
 
 class ManyBuilds(unittest.TestCase):
@@ -133,25 +99,20 @@ class ManyBuilds(unittest.TestCase):
         self.assertRegex(results[0], r'^\{"file":"out/\d+\.gif","frames":\d+,"width":160,"height":120,"size":\d+,"seconds":[\d.e-]+,"peakMemory":\d+\}$')
 
     def test_two_machines_of_which_one_dies(self):
-        if not shutil.which("parallel") or not (shutil.which("sshd") or os.path.exists("/usr/sbin/sshd")):
-            self.skipTest("no GNU parallel, or no ssh server")
-        if os.geteuid() == 0:
-            os.makedirs("/run/sshd", exist_ok=True)
-        lines = table(self.folder, BUILDS)
-        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / "key"], check=True)
-        machines = [Machine(self.folder, name) for name in ("one", "two")]
-        (self.folder / "ssh").write_text("".join(
-            f"Host {machine.name}\nHostName 127.0.0.1\nPort {machine.port}\n" for machine in machines) +
-            f"Host *\nIdentityFile {self.folder}/key\nStrictHostKeyChecking no\nUserKnownHostsFile /dev/null\nLogLevel ERROR\n")
-        self.environment["PARALLEL_SSH"] = f"ssh -F {self.folder}/ssh"
+        if not shutil.which("parallel"):
+            self.skipTest("no GNU parallel")
+        lines, home = table(self.folder, BUILDS), self.folder / "home"
+        (home / "ssh").write_text(SSH)
+        (home / "ssh").chmod(0o755)
+        self.environment |= {"PARALLEL_SSH": str(home / "ssh"), "HOME": str(home)}
         (self.folder / "machines").write_text("2/one\n2/two\n")
-        for machine in machines:
-            machine.start()
-            self.addCleanup(machine.kill)
 
         running = self.start(commands()[1])
         self.wait_for(running, BUILDS // 4)
-        machines[1].kill()
+        (home / "two.dead").touch()
+        for group in home.glob("two.[0-9]*"):
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(int(group.read_text()), signal.SIGKILL)
         self.wait_for(running, BUILDS // 2)
         running.send_signal(signal.SIGTERM)  # begins nothing more
         running.communicate(timeout=100)
@@ -159,7 +120,7 @@ class ManyBuilds(unittest.TestCase):
         self.assertTrue(BUILDS // 2 <= len(succeeded) < BUILDS, f"{len(succeeded)} were built before it ended")
         before = {output: (self.folder / output).stat().st_ino for output in succeeded}
 
-        machines[1].start()
+        (home / "two.dead").unlink()
         self.finish(self.start(commands()[2]))
         self.assertEqual({output: (self.folder / output).stat().st_ino for output in succeeded}, before, "built twice")
         tries = self.log()

@@ -35,6 +35,10 @@ TEST(RecordingHost, TakesFramesOfItsOpenTaskInOrderAndDropsAnAbandonedOne) {
     frame.index = 1;
     frame.image = 0;
     EXPECT_FALSE(host.AddFrame(task, frame)) << "no picture";
+    for (const DibHandle bad : {1U, 0xDEADBEEFU}) {
+        frame.image = bad;
+        EXPECT_FALSE(host.AddFrame(task, frame)) << bad;
+    }
     host.FinishTask(task, TaskEnd::Abandoned);
     EXPECT_FALSE(recording.Complete());
     EXPECT_TRUE(recording.Result().frames.empty());
