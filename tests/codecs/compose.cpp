@@ -9,6 +9,9 @@
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 
+#include "codecs/decode.h"
+#include "tests/support/colours.h"
+
 namespace lumafold::test {
 RgbaPicture SmoothPicture(int width, int height, bool opaque) {
     RgbaPicture picture{width, height, {}};
@@ -105,6 +108,17 @@ FileBytes KeptPicture(const std::string& name, int orientation) {
     EXPECT_FALSE(file.empty() || (orientation > 0 && at == file.end())) << name;
     if (orientation > 0) at[8] = static_cast<std::uint8_t>(orientation);
     return file;
+}
+
+void ExpectPicture(PixelValue matte, std::span<const std::uint8_t> file, int width, int height, int bits,
+                   const std::function<Rgb(int x, int y)>& wantedAt) {
+    const DecodedPicture got = DecodePicture(file, matte, 1 << 20);
+    ASSERT_EQ(got.error, "");
+    const DibHeader& dib = *got.picture;
+    ASSERT_EQ(std::tuple(+dib.biWidth, +dib.biHeight, +dib.biBitCount), std::tuple(width, height, bits));
+    for (int i = 0; i < width * height; ++i)
+        ASSERT_EQ(ColourAt(dib, i % width, i / width), wantedAt(i % width, i / width))
+            << i % width << ", " << i / width;
 }
 
 } // namespace lumafold::test

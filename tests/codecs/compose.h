@@ -10,6 +10,8 @@
 
 #include <png.h>
 
+#include "image/dib.h"
+
 namespace lumafold::test {
 
 using FileBytes = std::vector<std::uint8_t>;
@@ -37,5 +39,9 @@ FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options)
 /// A file of tests/codecs/pictures, with an orientation put into its EXIF block or its directory. They show
 /// the smooth picture of 37 x 21 pixels: "p3", "told" and the JPEG kinds the opaque one.
 FileBytes KeptPicture(const std::string& name, int orientation = 0);
+
+/// What the decoder of still pictures gives, pixel by pixel.
+void ExpectPicture(PixelValue matte, std::span<const std::uint8_t> file, int width, int height, int bits,
+                   const std::function<Rgb(int x, int y)>& wantedAt);
 
 } // namespace lumafold::test

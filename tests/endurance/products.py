@@ -65,22 +65,12 @@ class Product:
             return None
         if self.target + "task.json" in inside:
             return "task.json with other frames than its own"
-        for name, data in inside.items():
-            if name not in former and name not in following:
-                return f"a stray: {name}"
-            if data not in (former.get(name), following.get(name)):
-                return f"{name} is damaged"
-        return self.lost(former, inside, leftovers)
-
-    def lost(self, former, inside, leftovers):
-        """What of the former frames is neither in its place nor in the hidden folder."""
+        damaged = [name for name, data in inside.items() if (name, data) not in {*former.items(), *following.items()}]
+        # What of the former frames is neither in its place nor in the hidden folder.
         aside = {(name.split("/former/")[1], data) for name, data in leftovers.items() if "/former/" in name}
-        for name, data in former.items():
-            if data is None:
-                continue
-            if inside.get(name) != data and (name[len(self.target):], data) not in aside:
-                return f"{name} of before is lost"
-        return None
+        lost = [name for name, data in former.items()
+                if data is not None and inside.get(name) != data and (name[len(self.target):], data) not in aside]
+        return f"strays or damaged: {damaged}, lost: {lost}" if damaged or lost else None
 
 
 def products():

@@ -3,7 +3,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 #include <random>
 
@@ -46,31 +45,26 @@ constexpr Exponential kExponential[] = {
     {-0x1.45b64f69d6d72p4, 0.0, 0x1.8c769c4936a0dp-30},
 };
 
-::testing::AssertionResult Same(double expected, double actual) {
-    if (std::bit_cast<std::uint64_t>(expected) == std::bit_cast<std::uint64_t>(actual)) {
-        return ::testing::AssertionSuccess();
-    }
-    char text[80];
-    std::snprintf(text, sizeof text, "expected %a, got %a", expected, actual);
-    return ::testing::AssertionFailure() << text;
-}
+/// Tells zeros of either sign apart.
+std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 TEST(PortableMath, SineAndCosineAreTheNearestDoubles) {
     for (const auto& [x, sine, cosine] : kTrigonometric) {
-        EXPECT_TRUE(Same(sine, PortableSin(x))) << x;
-        EXPECT_TRUE(Same(-sine, PortableSin(-x))) << x;
-        EXPECT_TRUE(Same(cosine, PortableCos(x))) << x;
-        EXPECT_TRUE(Same(cosine, PortableCos(-x))) << x;
+        EXPECT_EQ(Bits(sine), Bits(PortableSin(x))) << x;
+        EXPECT_EQ(Bits(-sine), Bits(PortableSin(-x))) << x;
+        EXPECT_EQ(Bits(cosine), Bits(PortableCos(x))) << x;
+        EXPECT_EQ(Bits(cosine), Bits(PortableCos(-x))) << x;
     }
-    EXPECT_TRUE(Same(-0.0, PortableSin(-0.0)));
-    EXPECT_TRUE(Same(1.0, PortableCos(0.0)));
-    EXPECT_TRUE(Same(0.49999999999999994, PortableSin(16.0 / 48 * 90 * 3.14159265358979323846 / 180)));
+    EXPECT_EQ(Bits(-0.0), Bits(PortableSin(-0.0)));
+    EXPECT_EQ(Bits(1.0), Bits(PortableCos(0.0)));
+    EXPECT_EQ(Bits(0.49999999999999994), Bits(PortableSin(16.0 / 48 * 90 * 3.14159265358979323846 / 180)));
 }
 
 TEST(PortableMath, ExponentialIsTheNearestDoubleOfAnExtendedArgument) {
     const ExtendedPrecision precision;
     for (const auto& [high, low, value] : kExponential) {
-        EXPECT_TRUE(Same(value, PortableExp(static_cast<long double>(high) + static_cast<long double>(low))))
+        EXPECT_EQ(Bits(value),
+                  Bits(PortableExp(static_cast<long double>(high) + static_cast<long double>(low))))
             << high;
     }
 }
@@ -153,7 +147,7 @@ TEST(PortableMath, ExponentialKeepsItsArgumentWhateverTheThreadHasSet) {
             const CoarsePrecision host;
             coarse = PortableExp(argument);
         }
-        EXPECT_TRUE(Same(value, coarse)) << high;
+        EXPECT_EQ(Bits(value), Bits(coarse)) << high;
     }
 }
 #endif
