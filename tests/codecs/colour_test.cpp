@@ -5,8 +5,8 @@
 #include <lcms2.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 #include <jpeglib.h>
@@ -22,27 +22,14 @@ namespace lumafold::test {
 namespace {
 
 constexpr std::uint64_t kMany = 1 << 20;
-using Triple = std::array<double, 3>;
 
-/// A space of colours: how to make its profile, and by formula its light in that of sRGB's primaries.
 struct Space {
-    const char* name;
     cmsCIExyYTRIPLE primaries;
     double gamma; ///< 0 for sRGB's curve
-    Triple toSrgb[3];
 };
-/// The matrices are the products of the published ones to and from XYZ at D65.
-const Space kDisplayP3{
-    "Display P3",
-    {{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}},
-    0,
-    {{1.2249401, -0.2249402, 0}, {-0.0420570, 1.0420571, 0}, {-0.0196376, -0.0786361, 1.0982735}}};
-const Space kAdobeRgb{"Adobe RGB",
-                      {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}},
-                      563.0 / 256,
-                      {{1.3983557, -0.3983557, 0}, {0, 1, 0}, {0, -0.0429290, 1.0429290}}};
-const Space kSrgb{
-    "sRGB", {{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}}, 0, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
+constexpr Space kDisplayP3{{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}}, 0};
+constexpr Space kAdobeRgb{{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}}, 563.0 / 256};
+constexpr Space kSrgb{{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}}, 0};
 
 FileBytes Saved(cmsHPROFILE profile) {
     cmsUInt32Number bytes = 0;
@@ -67,52 +54,34 @@ FileBytes ProfileOf(const Space& space) {
     return profile;
 }
 
-double Light(double sample, double gamma) {
-    if (gamma > 0) return std::pow(sample, gamma);
-    return sample <= 0.04045 ? sample / 12.92 : std::pow((sample + 0.055) / 1.055, 2.4);
-}
-double SrgbSample(double light) {
-    light = std::clamp(light, 0.0, 1.0);
-    return 255 * (light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055);
-}
-
-/// The greatest difference between what was read and what the formulas say.
-double WorstDifference(const FileBytes& file, const RgbaPicture& picture, const Space& space) {
-    const DecodedPicture got = DecodePicture(file, 0, kMany);
-    EXPECT_EQ(got.error, "");
-    const OwnedDib& dib = got.picture;
-    double worst = dib ? 0 : 1000;
-    for (int i = 0; dib && i < picture.width * picture.height; ++i) {
-        const std::uint8_t* rgba = picture.samples.data() + 4 * i;
-        const Rgb seen = ColourAt(*dib, i % picture.width, i / picture.width);
-        const int channels[] = {seen.red, seen.green, seen.blue};
-        for (int c = 0; c < 3; ++c) {
-            double light = 0;
-            for (int k = 0; k < 3; ++k)
-                light += space.toSrgb[c][static_cast<std::size_t>(k)] * Light(rgba[k] / 255.0, space.gamma);
-            worst = std::max(worst, std::abs(channels[c] - SrgbSample(light)));
-        }
+/// The greatest difference between what two files show.
+int WorstDifference(const FileBytes& file, const FileBytes& other) {
+    const DecodedPicture one = DecodePicture(file, 0, kMany), two = DecodePicture(other, 0, kMany);
+    EXPECT_EQ(one.error + two.error, "");
+    int worst = one.picture && two.picture ? 0 : 1000;
+    for (int i = 0; worst < 1000 && i < 37 * 21; ++i) {
+        const Rgb a = ColourAt(*one.picture, i % 37, i / 37), b = ColourAt(*two.picture, i % 37, i / 37);
+        worst = std::max(
+            {worst, std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue)});
     }
     return worst;
 }
 
+// What PNG files show is held to the byte below.
 TEST(ColourProfiles, BringEveryKindToSrgb) {
     const RgbaPicture picture = SmoothPicture(37, 21, true);
-    for (const Space* space : {&kDisplayP3, &kAdobeRgb}) {
-        SCOPED_TRACE(space->name);
-        const FileBytes profile = ProfileOf(*space);
-        EXPECT_LT(WorstDifference(ComposePng(picture, {.profile = profile}), picture, *space), 1.1);
-        EXPECT_LT(WorstDifference(ComposeJpeg(picture, {.profile = profile}), picture, *space), 4);
-    }
+    const FileBytes p3 = ProfileOf(kDisplayP3), adobe = ProfileOf(kAdobeRgb);
+    const FileBytes png = ComposePng(picture, {.profile = p3});
+    EXPECT_LT(WorstDifference(ComposeJpeg(picture, {.profile = p3}), png), 4);
+    EXPECT_LT(
+        WorstDifference(ComposeJpeg(picture, {.profile = adobe}), ComposePng(picture, {.profile = adobe})),
+        4);
     // The last says it by a number.
-    for (const auto& [name, most] : {std::pair{"p3.webp", 1.1},
-                                     {"p3.tiff", 1.1},
-                                     {"p3.heic", 14.0},
-                                     {"p3.avif", 14.0},
-                                     {"told.avif", 14.0}}) {
+    for (const auto& [name, most] :
+         {std::pair{"p3.webp", 1}, {"p3.tiff", 1}, {"p3.heic", 14}, {"p3.avif", 14}, {"told.avif", 14}}) {
         const FileBytes file = KeptPicture(name);
         if (PictureKindOf(file)->Readable()) {
-            EXPECT_LT(WorstDifference(file, picture, kDisplayP3), most) << name;
+            EXPECT_LE(WorstDifference(file, png), most) << name;
         }
     }
 }
