@@ -1,43 +1,18 @@
 #include "tests/codecs/compose.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <fstream>
+#include <iterator>
 
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 
-#if LUMAFOLD_WEBP
-#include <webp/encode.h>
-#include <webp/mux.h>
-#endif
-#if LUMAFOLD_TIFF
-#include <tiffio.h>
-#include <unistd.h>
-#endif
-#if LUMAFOLD_HEIF
-#include <libheif/heif.h>
-#endif
-
-#if LUMAFOLD_HEIF
-/// The encoder of HEIC, which only these tests use, keeps some of its memory. Read by the leak sanitizer.
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() { return "leak:libx265\n"; }
-#endif
+#include "codecs/decode.h"
+#include "tests/support/colours.h"
 
 namespace lumafold::test {
-namespace {
-
-FileBytes Opaque(const RgbaPicture& picture) {
-    FileBytes rgb;
-    for (std::size_t i = 0; i < picture.samples.size(); ++i) {
-        if (i % 4 != 3) rgb.push_back(picture.samples[i]);
-    }
-    return rgb;
-}
-
-} // namespace
-
 RgbaPicture SmoothPicture(int width, int height, bool opaque) {
     RgbaPicture picture{width, height, {}};
     for (int y = 0; y < height; ++y) {
@@ -60,19 +35,30 @@ FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options)
     jpeg_mem_dest(&info, &buffer, &length);
     info.image_width = static_cast<JDIMENSION>(picture.width);
     info.image_height = static_cast<JDIMENSION>(picture.height);
-    const J_COLOR_SPACE colours = options.lightOfInks ? JCS_CMYK : JCS_RGB;
-    info.input_components = options.lightOfInks ? 4 : 3;
-    info.in_color_space = colours;
+    const auto [orientation, profile, given, stored, progressive, adobe] = options;
+    const int channels = given == JCS_GRAYSCALE ? 1 : given == JCS_CMYK ? 4 : 3;
+    info.input_components = channels;
+    info.in_color_space = static_cast<J_COLOR_SPACE>(given);
     jpeg_set_defaults(&info);
-    jpeg_set_colorspace(&info, colours);
+    jpeg_set_colorspace(&info, static_cast<J_COLOR_SPACE>(stored));
     jpeg_set_quality(&info, 100, TRUE);
+    if (progressive) jpeg_simple_progression(&info);
+    if (!adobe) info.write_Adobe_marker = FALSE;
     jpeg_start_compress(&info, TRUE);
-    const FileBytes& profile{options.profile.begin(), options.profile.end()};
+    FileBytes exif{'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0};
+    exif.push_back(static_cast<std::uint8_t>(orientation));
+    exif.resize(32);
+    jpeg_write_marker(&info, JPEG_APP0 + 1, exif.data(), static_cast<unsigned>(exif.size()));
     if (!profile.empty())
         jpeg_write_icc_profile(&info, profile.data(), static_cast<unsigned>(profile.size()));
-    FileBytes samples = options.lightOfInks ? picture.samples : Opaque(picture);
     for (int y = 0; y < picture.height; ++y) {
-        JSAMPROW row = samples.data() + y * picture.width * info.input_components;
+        FileBytes samples;
+        for (int i = 0; i < picture.width * 4; ++i) {
+            const std::uint8_t sample = picture.samples[static_cast<std::size_t>(y * picture.width * 4 + i)];
+            // Files with the mark hold inks inverted, as light.
+            if (i % 4 < channels) samples.push_back(adobe ? sample : static_cast<std::uint8_t>(255 - sample));
+        }
+        JSAMPROW row = samples.data();
         jpeg_write_scanlines(&info, &row, 1);
     }
     jpeg_finish_compress(&info);
@@ -114,146 +100,25 @@ FileBytes ComposePng(const RgbaPicture& picture, const ComposeOptions& options) 
     });
 }
 
-#if LUMAFOLD_WEBP
-FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options) {
-    std::uint8_t* encoded = nullptr;
-    const int stride = picture.width * 4;
-    const std::size_t bytes =
-        options.lossless
-            ? WebPEncodeLosslessRGBA(picture.samples.data(), picture.width, picture.height, stride, &encoded)
-            : WebPEncodeRGBA(picture.samples.data(), picture.width, picture.height, stride, 95, &encoded);
-    WebPMux* mux = WebPMuxNew();
-    const WebPData image{encoded, bytes};
-    WebPMuxSetImage(mux, &image, 1);
-    const FileBytes exif{'I',
-                         'I',
-                         42,
-                         0,
-                         8,
-                         0,
-                         0,
-                         0,
-                         1,
-                         0,
-                         0x12,
-                         1,
-                         3,
-                         0,
-                         1,
-                         0,
-                         0,
-                         0,
-                         static_cast<std::uint8_t>(options.orientation),
-                         0,
-                         0,
-                         0,
-                         0,
-                         0,
-                         0,
-                         0};
-    const WebPData exifData{exif.data(), exif.size()},
-        profile{options.profile.data(), options.profile.size()};
-    if (options.orientation != 1) WebPMuxSetChunk(mux, "EXIF", &exifData, 1);
-    if (!options.profile.empty()) WebPMuxSetChunk(mux, "ICCP", &profile, 1);
-    WebPData file{};
-    EXPECT_EQ(WebPMuxAssemble(mux, &file), WEBP_MUX_OK);
-    FileBytes copy(file.bytes, file.bytes + file.size);
-    WebPDataClear(&file);
-    WebPMuxDelete(mux);
-    WebPFree(encoded);
-    return copy;
-}
-#endif
-
-#if LUMAFOLD_TIFF
-FileBytes ComposeTiff(const RgbaPicture& picture, const ComposeOptions& options) {
-    const auto [compression, bits, tiled, grey] = options.tiff;
-    std::FILE* file = std::tmpfile();
-    TIFF* tiff = TIFFFdOpen(fileno(file), "", "w");
-    const int blockWidth = tiled ? 16 : picture.width, blockHeight = tiled ? 16 : 5;
-    const auto set = [&](ttag_t tag, int value) { TIFFSetField(tiff, tag, value); };
-    set(TIFFTAG_IMAGEWIDTH, picture.width);
-    set(TIFFTAG_IMAGELENGTH, picture.height);
-    set(TIFFTAG_BITSPERSAMPLE, bits);
-    set(TIFFTAG_SAMPLESPERPIXEL, grey ? 1 : 4);
-    set(TIFFTAG_PHOTOMETRIC, grey ? PHOTOMETRIC_MINISBLACK : PHOTOMETRIC_RGB);
-    set(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    set(TIFFTAG_COMPRESSION, compression);
-    set(TIFFTAG_ORIENTATION, options.orientation);
-    if (tiled) set(TIFFTAG_TILEWIDTH, blockWidth);
-    set(tiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, blockHeight);
-    const std::uint16_t unassociated = EXTRASAMPLE_UNASSALPHA;
-    if (!grey) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &unassociated);
-    if (!options.profile.empty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, static_cast<int>(options.profile.size()),
-                     options.profile.data());
-    std::uint32_t number = 0;
-    for (int top = 0; top < picture.height; top += blockHeight) {
-        for (int left = 0; left < picture.width; left += blockWidth, ++number) {
-            FileBytes block;
-            const int rows = tiled ? blockHeight : std::min(blockHeight, picture.height - top);
-            for (int i = 0; i < blockWidth * rows; ++i) {
-                const int x = std::min(left + i % blockWidth, picture.width - 1);
-                const int y = std::min(top + i / blockWidth, picture.height - 1);
-                const std::uint8_t* from = picture.samples.data() + (y * picture.width + x) * 4;
-                for (int byte = 0; byte < (grey ? 1 : 4) * bits / 8; ++byte)
-                    block.push_back(from[byte * 8 / bits]);
-            }
-            (tiled ? TIFFWriteEncodedTile : TIFFWriteEncodedStrip)(tiff, number, block.data(),
-                                                                   std::ssize(block));
-        }
-    }
-    TIFFFlush(tiff);
-    FileBytes bytes(static_cast<std::size_t>(lseek(fileno(file), 0, SEEK_END)));
-    EXPECT_EQ(pread(fileno(file), bytes.data(), bytes.size(), 0), std::ssize(bytes));
-    TIFFCleanup(tiff);
-    std::fclose(file);
-    return bytes;
-}
-#endif
-
-#if LUMAFOLD_HEIF
-FileBytes ComposeHeif(const RgbaPicture& picture, HeifKind kind, const ComposeOptions& options) {
-    heif_context* context = heif_context_alloc();
-    heif_encoder* encoder = nullptr;
-    const auto must = [](const heif_error& error) { EXPECT_EQ(error.code, heif_error_Ok) << error.message; };
-    must(heif_context_get_encoder_for_format(
-        context, kind == HeifKind::Avif ? heif_compression_AV1 : heif_compression_HEVC, &encoder));
-    heif_encoder_set_lossy_quality(encoder, 95);
-    heif_encoder_set_parameter(encoder, "chroma", "444");
-    if (kind == HeifKind::Avif) heif_encoder_set_parameter(encoder, "speed", "9");
-    heif_image* image = nullptr;
-    must(heif_image_create(picture.width, picture.height, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                           &image));
-    must(heif_image_add_plane(image, heif_channel_interleaved, picture.width, picture.height, 8));
-    int stride = 0;
-    std::uint8_t* plane = heif_image_get_plane(image, heif_channel_interleaved, &stride);
-    for (int y = 0; y < picture.height; ++y)
-        std::memcpy(plane + y * stride, picture.samples.data() + y * picture.width * 4,
-                    static_cast<std::size_t>(picture.width) * 4);
-    if (!options.profile.empty())
-        must(heif_image_set_raw_color_profile(image, "prof", options.profile.data(), options.profile.size()));
-    heif_color_profile_nclx* told = heif_nclx_color_profile_alloc();
-    heif_nclx_color_profile_set_color_primaries(told, heif_color_primaries_SMPTE_EG_432_1);
-    heif_nclx_color_profile_set_matrix_coefficients(told, heif_matrix_coefficients_ITU_R_BT_601_6);
-    if (options.saysDisplayP3) must(heif_image_set_nclx_color_profile(image, told));
-    heif_nclx_color_profile_free(told);
-    heif_encoding_options* how = heif_encoding_options_alloc();
-    how->image_orientation = static_cast<heif_orientation>(options.orientation);
-    must(heif_context_encode_image(context, image, encoder, how, nullptr));
-    FileBytes file;
-    heif_writer writer{1, [](heif_context*, const void* data, std::size_t size, void* to) {
-                           const auto* bytes = static_cast<const std::uint8_t*>(data);
-                           static_cast<FileBytes*>(to)->assign(bytes, bytes + size);
-                           return heif_error{heif_error_Ok, heif_suberror_Unspecified, ""};
-                       }};
-    must(heif_context_write(context, &writer, &file));
-    heif_encoding_options_free(how);
-    heif_image_release(image);
-    heif_encoder_release(encoder);
-    heif_context_free(context);
+FileBytes KeptPicture(const std::string& name, int orientation) {
+    std::ifstream in(LUMAFOLD_TEST_PICTURES + name, std::ios::binary);
+    FileBytes file{std::istreambuf_iterator<char>(in), {}};
+    constexpr std::uint8_t kOrientation[] = {0x12, 1, 3, 0, 1, 0, 0, 0};
+    const auto at = std::search(file.begin(), file.end(), std::begin(kOrientation), std::end(kOrientation));
+    EXPECT_FALSE(file.empty() || (orientation > 0 && at == file.end())) << name;
+    if (orientation > 0) at[8] = static_cast<std::uint8_t>(orientation);
     return file;
 }
-#endif
+
+void ExpectPicture(PixelValue matte, std::span<const std::uint8_t> file, int width, int height, int bits,
+                   const std::function<Rgb(int x, int y)>& wantedAt) {
+    const DecodedPicture got = DecodePicture(file, matte, 1 << 20);
+    ASSERT_EQ(got.error, "");
+    const DibHeader& dib = *got.picture;
+    ASSERT_EQ(std::tuple(+dib.biWidth, +dib.biHeight, +dib.biBitCount), std::tuple(width, height, bits));
+    for (int i = 0; i < width * height; ++i)
+        ASSERT_EQ(ColourAt(dib, i % width, i / width), wantedAt(i % width, i / width))
+            << i % width << ", " << i / width;
+}
 
 } // namespace lumafold::test

@@ -1,12 +1,16 @@
-// Pictures in the kinds of files that other programs make, by the kinds' own libraries.
+// Pictures in the kinds of files that other programs make, by the kinds' own libraries: composed here, or
+// kept as libwebp 1.2, libtiff 4.5 and libheif 1.15 wrote them.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include <png.h>
+
+#include "image/dib.h"
 
 namespace lumafold::test {
 
@@ -21,26 +25,23 @@ struct RgbaPicture {
 RgbaPicture SmoothPicture(int width, int height, bool opaque);
 
 struct ComposeOptions {
-    bool lossless = true;
-    int orientation = 1;
+    int orientation = 1; ///< of JPEG
     std::span<const std::uint8_t> profile{};
-    bool lightOfInks = false;   ///< JPEG: the samples are 255 less cyan, magenta, yellow and black
-    bool saysDisplayP3 = false; ///< AVIF: by number instead of a profile
-    struct Tiff {
-        int compression = 1, bits = 8;
-        bool tiled = false, grey = false;
-    } tiff{};
+    int given = 2, stored = 2; ///< J_COLOR_SPACE; grey takes the red, inks all samples as 255 less the ink
+    bool progressive = false, adobe = true;
 };
 /// What libpng writes for what `write` tells it.
 FileBytes WrittenPng(const std::function<void(png_structp, png_infop)>& write);
 /// Lossless, with opacity.
 FileBytes ComposePng(const RgbaPicture& picture, const ComposeOptions& options);
-/// Without loss to speak of, and without opacity.
+/// Without loss to speak of; opacity is left out.
 FileBytes ComposeJpeg(const RgbaPicture& picture, const ComposeOptions& options);
-/// In builds that read the kinds.
-FileBytes ComposeWebp(const RgbaPicture& picture, const ComposeOptions& options);
-FileBytes ComposeTiff(const RgbaPicture& picture, const ComposeOptions& options);
-enum class HeifKind { Heic, Avif };
-FileBytes ComposeHeif(const RgbaPicture& picture, HeifKind kind, const ComposeOptions& options);
+/// A file of tests/codecs/pictures, with an orientation put into its EXIF block or its directory. They show
+/// the smooth picture of 37 x 21 pixels: "p3", "told" and the JPEG kinds the opaque one.
+FileBytes KeptPicture(const std::string& name, int orientation = 0);
+
+/// What the decoder of still pictures gives, pixel by pixel.
+void ExpectPicture(PixelValue matte, std::span<const std::uint8_t> file, int width, int height, int bits,
+                   const std::function<Rgb(int x, int y)>& wantedAt);
 
 } // namespace lumafold::test

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <random>
 
 #include "codecs/animation_reader.h"
 #include "codecs/animation_writer.h"
 #include "codecs/decode.h"
+#include "codecs/files.h"
 #include "codecs/png_writer.h"
 #include "tests/support/animations.h"
 #include "tests/support/pictures.h"
@@ -68,6 +70,14 @@ TEST(DamagedPictures, DevicesThatNeverEndAreRefusedAtOnce) {
         EXPECT_TRUE(error.starts_with("this is no PNG, JPEG,")) << error;
     EXPECT_EQ(DecodePictureFile("/dev/null", 0, kMost).error, "the file is empty");
     EXPECT_EQ(allocation_hooks::Requests(), before);
+}
+
+TEST(Files, ThatAreDevicesAreWrittenTo) {
+    std::string error;
+    EXPECT_TRUE(WriteFileSafely("/dev/null", Bytes(10), error));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null")) << "no file may take a device's place";
+    EXPECT_FALSE(WriteFileSafely("/dev/full", Bytes(10), error));
+    EXPECT_EQ(error, "the disk is full");
 }
 #endif
 

@@ -2,29 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "codecs/animation_writer.h"
-#include "codecs/decode.h"
+#include "tests/codecs/compose.h"
 #include "tests/support/animations.h"
-#include "tests/support/colours.h"
 
 namespace lumafold::test {
 namespace {
 
-constexpr Rgb kMatte{1, 2, 3};
-
-/// The decoder of still pictures reads the first frame.
-void ExpectPicture(std::span<const std::uint8_t> file, int width, int height, int bits,
-                   const std::function<Rgb(int x, int y)>& wantedAt) {
-    const DecodedPicture got = DecodePicture(file, MakeColour(1, 2, 3), 1 << 20);
-    ASSERT_EQ(got.error, "");
-    const LockedDib dib(got.picture.Get());
-    ASSERT_EQ(dib->biWidth, width);
-    ASSERT_EQ(dib->biHeight, height);
-    EXPECT_EQ(dib->biBitCount, bits);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            ASSERT_EQ(ColourAt(*dib.Get(), x, y), wantedAt(x, y)) << x << ", " << y;
-    }
-}
+constexpr PixelValue kMatte = MakeColour(1, 2, 3);
 
 TEST(GifDecoder, KeepsThePaletteAndFillsWithTheMatte) {
     for (const int bits : {1, 2, 3, 4, 7, 8}) {
@@ -38,14 +22,14 @@ TEST(GifDecoder, KeepsThePaletteAndFillsWithTheMatte) {
                 std::string error;
                 // A matte entry of its own needs a place in the table.
                 const unsigned needed = hole || frameWidth == 33 ? most : most + 1;
-                ExpectPicture(EncodeAnimation(AnimationKind::Gif, made, error), 33, 17,
+                ExpectPicture(kMatte, EncodeAnimation(AnimationKind::Gif, made, error), 33, 17,
                               needed > 256  ? 24
                               : needed > 16 ? 8
                               : needed > 2  ? 4
                                             : 1,
                               [&](int x, int y) {
                                   const bool open = x >= frameWidth || (hole && index(x, y) == most - 1);
-                                  return open ? kMatte : made.palette[index(x, y)];
+                                  return open ? RgbOf(kMatte) : made.palette[index(x, y)];
                               });
             }
         }
@@ -74,8 +58,8 @@ TEST(GifDecoder, ReadsInterlacedFramesWithLocalColours) {
     }
     GifFreeMapObject(map);
     EGifCloseFile(gif, nullptr);
-    ExpectPicture(file, 11, 16, 4, [&](int x, int y) {
-        if (x < 2 || y < 3) return kMatte;
+    ExpectPicture(kMatte, file, 11, 16, 4, [&](int x, int y) {
+        if (x < 2 || y < 3) return RgbOf(kMatte);
         const GifColorType& c = colours[index(x - 2, y - 3)];
         return Rgb{c.Red, c.Green, c.Blue};
     });

@@ -53,10 +53,8 @@ char QuarterAt(const DecodedPicture& picture, int x, int y) {
 
 TEST(Resize, FitsInCutsOrStretches) {
     const auto quarters = [](Fit fit, PictureSize to) {
-        OwnedDib picture = DibCreate(32, 16, nullptr, 24);
-        for (std::int32_t i = 0; i < 32 * 16; ++i)
-            DibSetPixel(*picture, i % 32, i / 32,
-                        static_cast<PixelValue>(i / 32 / 8 * 160 + i % 32 / 16 * 80));
+        OwnedDib picture = PictureOf(
+            32, 16, 24, [](int x, int y) { return static_cast<PixelValue>(y / 8 * 160 + x / 16 * 80); });
         const DecodedPicture got = Resized(std::move(picture), {Kind::Exact, to, fit, 100, 0xFFFFFF}, kMany);
         std::string seen;
         for (const int y : {0, to.height / 4, to.height - to.height / 4 - 1, to.height - 1}) {
@@ -76,9 +74,9 @@ TEST(Resize, MixesLightInsteadOfSamples) {
     // Black and white by turns give half the light, which is 188 of 255.
     for (const int bits : {1, 24}) {
         const Palette palette{Rgb{0, 0, 0}, Rgb{255, 255, 255}};
-        OwnedDib picture = DibCreate(64, 64, &palette, bits);
-        for (std::int32_t i = 0; i < 64 * 64; ++i)
-            DibSetPixel(*picture, i % 64, i / 64, (i % 64 + i / 64) % 2 == 0 ? 0 : bits == 1 ? 1 : 0xFFFFFF);
+        const PixelValue white = bits == 1 ? 1 : 0xFFFFFF;
+        OwnedDib picture = PictureOf(
+            64, 64, bits, [=](int x, int y) { return (x + y) % 2 == 0 ? 0 : white; }, &palette);
         const DecodedPicture got = Resized(std::move(picture), {Kind::Scale, {}, Fit::Contain, 25}, kMany);
         const OwnedDib& small = got.picture;
         ASSERT_EQ(small->biBitCount, 24);

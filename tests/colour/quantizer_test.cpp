@@ -105,10 +105,8 @@ using Pictures = std::vector<OwnedDib>;
 Colours Define(const Pictures& pictures, int most) {
     Colours pixels;
     for (const OwnedDib& picture : pictures) {
-        for (std::int32_t y = 0; y < picture->biHeight; ++y) {
-            for (std::int32_t x = 0; x < picture->biWidth; ++x)
-                pixels.push_back(RgbOf(DibGetPixel(*picture, x, y)));
-        }
+        for (std::int32_t i = 0; i < picture->biWidth * picture->biHeight; ++i)
+            pixels.push_back(RgbOf(DibGetPixel(*picture, i % picture->biWidth, i / picture->biWidth)));
     }
     return Definition(pixels, most).palette;
 }
@@ -116,10 +114,9 @@ Colours Define(const Pictures& pictures, int most) {
 /// A 24-bit picture of the colours, row by row.
 OwnedDib PictureOf(const Colours& colours, std::int32_t height = 1) {
     const auto width = static_cast<std::int32_t>(colours.size()) / height;
-    OwnedDib picture = DibCreate(width, height, nullptr, 24);
-    for (std::int32_t i = 0; i < width * height; ++i)
-        DibSetPixel(*picture, i % width, i / width, ColourOf(colours[static_cast<std::size_t>(i)]));
-    return picture;
+    return test::PictureOf(width, height, 24, [&](int x, int y) {
+        return ColourOf(colours[static_cast<std::size_t>(y * width + x)]);
+    });
 }
 
 /// The palette's own entries; the ones behind them must be zero.
@@ -143,8 +140,6 @@ Colours Distinct(int count) {
         colours.push_back(RgbOf(MakeColour(i * 7919 & 255, i * 7919 >> 3 & 255, i & 255)));
     return colours;
 }
-
-Rgb Gray(unsigned level) { return RgbOf(MakeColour(level, level, level)); }
 
 template <typename... Dibs>
 Pictures Gather(Dibs... dibs) {
@@ -226,7 +221,7 @@ TEST(Quantizer, SortsFromDarkToLightAndKeepsEqualsInOrder) {
     SortByLuminance(palette, 6);
     const Colours sorted = {{3, 1, 9}, {0, 0, 0}, {0, 1, 0}, {93, 0, 0}, {0, 0, 255}, {255, 255, 255}};
     EXPECT_EQ(Colours(palette.begin(), palette.begin() + 6), sorted);
-    EXPECT_EQ(palette[6], Gray(9));
+    EXPECT_EQ(palette[6], (Rgb{9, 9, 9}));
     SortByLuminance(palette, 0);
     EXPECT_EQ(palette[0], sorted[0]);
 }

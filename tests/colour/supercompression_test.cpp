@@ -28,16 +28,13 @@ struct Frame {
 };
 
 /// Some pixels change, now and then by one level only, now and then all of a row.
-void Change(DibHandle picture, std::uint32_t seed) {
-    const LockedDib dib(picture);
+OwnedDib Changed(const OwnedDib& picture, std::uint32_t seed) {
     Random random(seed);
-    for (std::int32_t y = 0; y < dib->biHeight; ++y) {
-        const std::uint32_t rarity = 1 + random.Draw() % 5;
-        for (std::int32_t x = 0; x < dib->biWidth; ++x) {
-            if ((random.Draw() >> 5) % rarity == 0)
-                DibSetPixel(*dib, x, y, DibGetPixel(*dib, x, y) ^ 1U << (random.Draw() >> 5) % 24);
-        }
-    }
+    return test::PictureOf(picture->biWidth, picture->biHeight, 24, [&, rarity = 1U](int x, int y) mutable {
+        if (x == 0) rarity = 1 + random.Draw() % 5;
+        const PixelValue value = DibGetPixel(*picture, x, y);
+        return (random.Draw() >> 5) % rarity == 0 ? value ^ 1U << (random.Draw() >> 5) % 24 : value;
+    });
 }
 
 TEST(Supercompression, MarksAndPaintsWhatStaysTheSame) {
@@ -49,8 +46,7 @@ TEST(Supercompression, MarksAndPaintsWhatStaysTheSame) {
             SCOPED_TRACE(testing::Message()
                          << width << 'x' << height << ", " << bits << " bits, slot " << slot);
             const OwnedDib before = NoisePicture(width, height, 24, ++seed);
-            Frame frame(DibCopy(*before));
-            Change(frame.record.image, ++seed);
+            Frame frame(Changed(before, ++seed));
             ASSERT_TRUE(MarkUnchanged(before.Get(), frame.record, kMatte));
             EXPECT_EQ(frame.record.transparentIndex, static_cast<std::int32_t>(kMatte));
             const OwnedDib changed(std::exchange(frame.record.image, DibHandle{0}));

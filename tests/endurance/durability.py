@@ -35,12 +35,12 @@ class Durability(unittest.TestCase):
         self.assertGreater(len(calls), 3)
         for at in range(1, len(calls) + 1):
             folder = self.place.filled("work", former)
-            yield calls[at - 1], folder, products.run_faulty(product.next, folder, f"{at}:{faults[at % len(faults)]}")
+            yield calls[at - 1], folder, products.run(product.next, folder, f"{at}:{faults[at % len(faults)]}")
 
     def log_of(self, product, former):
         log = self.place.root / "log"
         log.unlink(missing_ok=True)
-        done = products.run_faulty(product.next, self.place.filled("work", former), log=log)
+        done = products.run(product.next, self.place.filled("work", former), log=log)
         self.assertEqual(done.returncode, 0, done.stderr)
         return [tuple(line.split(" ", 1)) for line in log.read_text().splitlines()]
 

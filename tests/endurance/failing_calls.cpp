@@ -34,25 +34,21 @@ struct Plan {
     int log = -1;
 
     Plan() {
-        if (const char* text = std::getenv("LUMAFOLD_FAULT")) Read(text);
-        if (const char* path = std::getenv("LUMAFOLD_FAULT_LOG")) {
-            log = Next(&open, "open")(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-        }
-    }
-    void Read(const char* text) {
+        const char *text = std::getenv("LUMAFOLD_FAULT"), *path = std::getenv("LUMAFOLD_FAULT_LOG");
         char word[8] = "";
-        if (std::sscanf(text, "%ld:%7[a-z]=%d", &at, word, &number) < 2) std::abort();
-        const std::pair<const char*, Fault> kWords[] = {
-            {"fail", Fault::Fail}, {"from", Fault::From}, {"half", Fault::Half}, {"kill", Fault::Kill}};
-        for (const auto& [name, meant] : kWords) {
+        if (text != nullptr && std::sscanf(text, "%ld:%7[a-z]=%d", &at, word, &number) < 2) std::abort();
+        for (const auto& [name, meant] : {std::pair{"fail", Fault::Fail},
+                                          {"from", Fault::From},
+                                          {"half", Fault::Half},
+                                          {"kill", Fault::Kill}}) {
             if (std::strcmp(word, name) == 0) fault = meant;
         }
-        if (fault == Fault::None) std::abort();
+        if (path != nullptr) log = Next(&open, "open")(path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     }
 };
 
-Plan& ThePlan() {
-    static Plan plan;
+const Plan& ThePlan() {
+    static const Plan plan;
     return plan;
 }
 
@@ -75,7 +71,7 @@ bool MustFail(const char* name, const char* path) {
     }
     if (plan.fault == Fault::Kill && calls == plan.at) std::raise(plan.number);
     const bool fails =
-        (plan.fault == Fault::Fail && calls == plan.at) || (plan.fault == Fault::From && calls >= plan.at);
+        plan.fault == Fault::Fail ? calls == plan.at : plan.fault == Fault::From && calls >= plan.at;
     if (fails) errno = plan.number;
     return fails;
 }
@@ -98,29 +94,24 @@ int open(const char* path, int flags, ...) {
 
 ssize_t write(int descriptor, const void* bytes, size_t count) {
     const std::string* path = PathOf(descriptor);
-    if (path != nullptr) {
-        if (MustFail("write", path->c_str())) return -1;
-        if (ThePlan().fault == Fault::Half && calls == ThePlan().at) count = (count + 1) / 2;
-    }
+    if (path != nullptr && MustFail("write", path->c_str())) return -1;
+    if (path != nullptr && ThePlan().fault == Fault::Half && calls == ThePlan().at) count = (count + 1) / 2;
     return Next(&write, "write")(descriptor, bytes, count);
 }
 
 int fsync(int descriptor) {
     const std::string* path = PathOf(descriptor);
-    if (path != nullptr && MustFail("fsync", path->c_str())) return -1;
-    return Next(&fsync, "fsync")(descriptor);
+    return path != nullptr && MustFail("fsync", path->c_str()) ? -1 : Next(&fsync, "fsync")(descriptor);
 }
 
 // The descriptor is gone even when this fails.
 int close(int descriptor) {
-    const std::string* path = PathOf(descriptor);
+    std::string* path = PathOf(descriptor);
     const bool fails = path != nullptr && MustFail("close", path->c_str());
-    const int error = errno;
-    if (path != nullptr) paths[descriptor].clear();
-    const int closed = Next(&close, "close")(descriptor);
-    if (!fails) return closed;
-    errno = error;
-    return -1;
+    if (path != nullptr) path->clear();
+    const int error = errno, closed = Next(&close, "close")(descriptor);
+    if (fails) errno = error;
+    return fails ? -1 : closed;
 }
 
 int rename(const char* from, const char* to) noexcept {

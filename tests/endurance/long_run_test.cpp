@@ -2,21 +2,56 @@
 // colours, leave nothing behind and take no more memory than the first of them did.
 #include <array>
 #include <cstdio>
+#ifndef _WIN32
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <unistd.h>
+#endif
 
 #include <gtest/gtest.h>
 
-#include "codecs/animation_writer.h"
 #include "settings/settings.h"
-#include "tests/endurance/system_counts.h"
 #include "tests/support/build_fixture.h"
 #include "tests/support/pictures.h"
 #include "transitions/table.h"
+#ifdef _WIN32
+#include "tests/windows/live_objects.h"
+#endif
 
 namespace lumafold::test {
 namespace {
 
 constexpr int kRows = static_cast<int>(std::size(TransitionTable));
 constexpr int kBuildsOfTurn = 2 * kRows, kTurns = 4;
+
+/// What this process holds.
+struct SystemCounts {
+    std::size_t memory = 0;  ///< bytes that the system has given: resident, or committed on Windows
+    std::size_t files = 0;   ///< open descriptors, or handles
+    std::size_t drawing = 0; ///< drawing objects; 0 where there are none
+};
+
+SystemCounts CountOfSystem() {
+    SystemCounts counts;
+#ifdef _WIN32
+    const char* at = nullptr;
+    for (MEMORY_BASIC_INFORMATION piece; VirtualQuery(at, &piece, sizeof(piece)) != 0;) {
+        if (piece.State == MEM_COMMIT && piece.Type == MEM_PRIVATE) counts.memory += piece.RegionSize;
+        at = static_cast<const char*>(piece.BaseAddress) + piece.RegionSize;
+    }
+    counts.files = OpenHandles();
+    counts.drawing = static_cast<std::size_t>(GdiObjects());
+#else
+    std::size_t whole = 0;
+    std::ifstream("/proc/self/statm") >> whole >> counts.memory;
+    counts.memory *= static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::filesystem::directory_iterator open("/proc/self/fd"), none;
+    counts.files = static_cast<std::size_t>(std::distance(open, none));
+#endif
+    return counts;
+}
 
 struct Size {
     std::int32_t width, height;
@@ -36,19 +71,6 @@ PluginSettings ColourSettings(unsigned bits) {
     return settings;
 }
 
-/// The file of what the host got, as the command line and the desktop host would write it.
-std::size_t WrittenBytes(RecordingHost& host) {
-    Animation animation;
-    animation.width = host.task.width;
-    animation.height = host.task.height;
-    animation.paletteBits = host.task.paletteBits;
-    animation.palette = host.task.palette;
-    for (RecordedFrame& frame : host.frames)
-        animation.frames.push_back({std::move(frame.image), frame.delay, frame.transparentIndex});
-    std::string error;
-    return EncodeAnimation(AnimationKind::Gif, animation, error).size();
-}
-
 void BuildOnce(int number) {
     const auto bits = static_cast<unsigned>(number);
     const PluginSettings settings = ColourSettings(bits);
@@ -61,9 +83,6 @@ void BuildOnce(int number) {
     const TaskKind kind = number % 7 == 0 ? TaskKind::Test : TaskKind::Build;
     ASSERT_EQ(host.Build(list, settings, kind), 1) << number;
     ASSERT_FALSE(host.frames.empty()) << number;
-    if (settings.TransitionTruecolour == 0) {
-        ASSERT_GT(WrittenBytes(host), 0U) << number;
-    }
 }
 
 TEST(LongRun, OfBuildsTakesNoMoreAndLeavesNothing) {
@@ -77,12 +96,11 @@ TEST(LongRun, OfBuildsTakesNoMoreAndLeavesNothing) {
         ASSERT_EQ(allocation_hooks::LiveBlocks(), blocks);
         ASSERT_EQ(allocation_hooks::LiveLocks(), locks);
         counts = CountOfSystem();
-        std::printf("objects %zu, memory %zu kB, files %zu, drawing objects %zu\n", counts.objects,
-                    counts.memory / 1024, counts.files, counts.drawing);
+        std::printf("memory %zu kB, files %zu, drawing objects %zu\n", counts.memory / 1024, counts.files,
+                    counts.drawing);
     }
     // What is made once and kept has been by now.
     const SystemCounts &early = after[1], &late = after[kTurns - 1];
-    EXPECT_EQ(late.objects, early.objects);
     EXPECT_EQ(late.files, early.files);
     EXPECT_EQ(late.drawing, early.drawing);
     if (LUMAFOLD_SANITIZED) return; // they keep for a while what was freed

@@ -15,21 +15,10 @@ constexpr std::uint64_t kBudget = 300'000;
 
 /// Numbers at which something may end or wrap, or any.
 std::uint32_t Setting(FuzzReader& reader, const SettingDescriptor& setting) {
-    const std::uint32_t way = reader.Byte();
-    switch (way % 8) {
-    case 0:
-        return setting.minimum;
-    case 1:
-        return setting.maximum;
-    case 2:
-        return reader.Word();
-    case 3:
-        return 1U << (reader.Byte() % 32);
-    case 4:
-        return 0U - reader.Byte();
-    default:
-        return reader.Byte();
-    }
+    const std::uint32_t values[] = {setting.minimum, setting.maximum, reader.Word(),
+                                    1U << (reader.Byte() % 32), 0U - reader.Byte()};
+    const std::uint32_t way = reader.Byte() % 8;
+    return way < std::size(values) ? values[way] : reader.Byte();
 }
 
 PluginSettings ReadSettings(FuzzReader& reader) {

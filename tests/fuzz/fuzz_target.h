@@ -35,7 +35,6 @@ class FuzzReader {
 public:
     explicit FuzzReader(FuzzInput input) : left_(input) {}
 
-    bool IsAtEnd() const { return left_.empty(); }
     std::uint32_t Byte() {
         if (left_.empty()) return 0;
         const std::uint8_t byte = left_.front();

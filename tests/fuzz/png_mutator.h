@@ -2,6 +2,8 @@
 // keep nearly every change from being read at all. Included once in a target.
 #pragma once
 
+#include <zlib.h>
+
 #include "tests/fuzz/fuzz_target.h"
 
 #ifdef LUMAFOLD_FUZZER
@@ -14,21 +16,11 @@ std::uint32_t ReadBig(const std::uint8_t* at) {
            static_cast<std::uint32_t>(at[2]) << 8 | at[3];
 }
 
-std::uint32_t Crc(lumafold::test::FuzzInput bytes) {
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const std::uint8_t byte : bytes) {
-        crc ^= byte;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320U : 0U);
-    }
-    return ~crc;
-}
-
 void MendChecksums(std::uint8_t* file, std::size_t size) {
     for (std::size_t at = 8; at + 12 <= size;) {
         const std::size_t length = ReadBig(file + at);
         if (length > size - at - 12) return;
-        const std::uint32_t crc = Crc({file + at + 4, length + 4});
+        const auto crc = static_cast<std::uint32_t>(crc32(0, file + at + 4, static_cast<uInt>(length + 4)));
         for (std::size_t i = 0; i < 4; ++i) {
             file[at + 8 + length + i] = static_cast<std::uint8_t>(crc >> (24 - 8 * i));
         }

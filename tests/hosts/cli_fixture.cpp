@@ -1,26 +1,10 @@
 #include "tests/hosts/cli_fixture.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <sstream>
 
 #include "hosts/cli/command_line.h"
-#include "hosts/common/paths.h"
-#include "platform/files.h"
 
 namespace lumafold::test {
-
-namespace fs = std::filesystem;
-
-CommandLineTest::CommandLineTest() {
-    const std::string name = "lumafold-test-" + std::to_string(std::random_device()());
-    folder_ = NameOf(fs::temp_directory_path() / name);
-    EXPECT_TRUE(fs::create_directory(PathOf(folder_)));
-}
-
-CommandLineTest::~CommandLineTest() { fs::remove_all(PathOf(folder_)); }
 
 std::vector<std::string> Words(const std::string& line) {
     std::vector<std::string> words;
@@ -39,20 +23,20 @@ std::vector<std::string> Words(const std::string& line) {
     return words;
 }
 
-Ran CommandLineTest::Run(const std::vector<std::string>& args, const std::string& in) const {
+Ran CommandLineTest::Run(const std::string& line, const std::string& in) const {
+    std::vector<std::string> words = Words(line);
+    for (std::string& word : words)
+        word = In(word);
     std::istringstream input(in);
     std::ostringstream out, err;
-    const int status = RunCommandLine(args, {input, out, err});
+    const int status = RunCommandLine(words, {input, out, err});
     return {status, out.str(), err.str()};
 }
 
-void CommandLineTest::Put(const std::string& name, const std::string& bytes) const {
-    std::ofstream(PathOf(Path(name)), std::ios::binary) << bytes;
-}
-
-std::string CommandLineTest::Get(const std::string& name) const {
-    std::ifstream file(PathOf(Path(name)), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+std::string CommandLineTest::In(std::string text) const {
+    for (std::size_t at = text.find("%/"); at != std::string::npos; at = text.find("%/"))
+        text.replace(at, 2, Path(""));
+    return text;
 }
 
 void CommandLineTest::PutPicture(const std::string& name, int width, int height, unsigned seed) const {
@@ -68,17 +52,6 @@ void CommandLineTest::PutPicture(const std::string& name, int width, int height,
             file += static_cast<char>(x < 3 * w ? seed + 37 * x + 101 * y : 0);
     }
     Put(name, file);
-}
-
-std::vector<std::string> CommandLineTest::Names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::recursive_directory_iterator(PathOf(folder_))) {
-        std::string name = NameOf(fs::relative(entry.path(), PathOf(folder_)));
-        std::replace(name.begin(), name.end(), kFolderSeparator, '/');
-        names.push_back(std::move(name));
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 } // namespace lumafold::test

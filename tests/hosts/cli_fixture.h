@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/pictures.h"
+#include "tests/support/scratch_folder.h"
 
 namespace lumafold::test {
 
@@ -20,21 +21,18 @@ struct Ran {
 
 class CommandLineTest : public testing::Test {
 protected:
-    CommandLineTest();
-    ~CommandLineTest() override;
-
-    /// `in` is what stands on the standard input.
-    Ran Run(const std::vector<std::string>& args, const std::string& in = "") const;
-    std::string Path(const std::string& name) const { return folder_ + "/" + name; }
-    void Put(const std::string& name, const std::string& bytes) const;
-    std::string Get(const std::string& name) const;
+    /// Of the words of a line, in which "%/" is the test's folder.
+    Ran Run(const std::string& line, const std::string& in = "") const;
+    std::string In(std::string text) const; ///< the folder for each "%/"
+    std::string Path(const std::string& name) const { return folder_.Path() + "/" + name; }
+    void Put(const std::string& name, const std::string& bytes) const { folder_.Put(name, bytes); }
+    std::string Get(const std::string& name) const { return folder_.Get(name); }
     /// A 24-bit bitmap file whose pixels are all different, written byte by byte here.
     void PutPicture(const std::string& name, int width, int height, unsigned seed) const;
-    /// Every path below the folder, sorted, with slashes.
-    std::vector<std::string> Names() const;
+    std::vector<std::string> Names() const { return folder_.Names(); }
 
 private:
-    std::string folder_;
+    ScratchFolder folder_;
 };
 
 } // namespace lumafold::test

@@ -1,9 +1,8 @@
-// Interrupts while building and while writing.
+// Interrupts while building.
 #ifdef _WIN32
 #include <windows.h>
 #else
 #include <csignal>
-#include <cstdlib>
 #include <sstream>
 #endif
 
@@ -20,64 +19,44 @@ namespace {
 
 BOOL WINAPI StayDeaf(DWORD) { return TRUE; }
 
-/// What the program says on its standard error comes through a pipe, and whoever is on its console hears of
-/// the interrupt.
-class StartedProgram {
-public:
-    explicit StartedProgram(std::string commandLine) {
-        SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-        HANDLE writing = nullptr;
-        EXPECT_TRUE(CreatePipe(&reading_, &writing, &inherited, 0));
-        STARTUPINFOA start{};
-        start.cb = sizeof(start);
-        start.dwFlags = STARTF_USESTDHANDLES;
-        start.hStdOutput = start.hStdError = writing;
-        EXPECT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                   &start, &program_));
-        CloseHandle(writing);
+/// The status of the program when it is interrupted as soon as it has said `word` on its standard error.
+/// Whoever is on its console hears of the interrupt.
+DWORD InterruptedAt(const std::string& word, std::string commandLine) {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    HANDLE reading = nullptr, writing = nullptr;
+    EXPECT_TRUE(CreatePipe(&reading, &writing, &inherited, 0));
+    STARTUPINFOA start{};
+    start.cb = sizeof(start);
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = start.hStdError = writing;
+    PROCESS_INFORMATION program{};
+    EXPECT_TRUE(CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                               &start, &program));
+    CloseHandle(writing);
+    std::string said;
+    char letter = 0;
+    for (DWORD got = 0; said.find(word) == std::string::npos; said += letter) {
+        if (!ReadFile(reading, &letter, 1, &got, nullptr) || got == 0) break;
     }
-    StartedProgram(const StartedProgram&) = delete;
-    StartedProgram& operator=(const StartedProgram&) = delete;
-    ~StartedProgram() {
-        TerminateProcess(program_.hProcess, 1);
-        for (const HANDLE handle : {reading_, program_.hThread, program_.hProcess})
-            CloseHandle(handle);
-    }
-
-    bool ReadUntil(const std::string& word) {
-        std::string said;
-        char piece[256];
-        DWORD got = 0;
-        while (said.find(word) == std::string::npos) {
-            if (!ReadFile(reading_, piece, sizeof(piece), &got, nullptr) || got == 0) return false;
-            said.append(piece, got);
-        }
-        return true;
-    }
-    void Interrupt() { EXPECT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)); }
-    DWORD Status() {
-        EXPECT_EQ(WaitForSingleObject(program_.hProcess, 20000), WAIT_OBJECT_0);
-        DWORD status = 0;
-        GetExitCodeProcess(program_.hProcess, &status);
-        return status;
-    }
-
-private:
-    HANDLE reading_ = nullptr;
-    PROCESS_INFORMATION program_{};
-};
+    EXPECT_TRUE(GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
+    EXPECT_EQ(WaitForSingleObject(program.hProcess, 20000), WAIT_OBJECT_0);
+    DWORD status = 0;
+    GetExitCodeProcess(program.hProcess, &status);
+    TerminateProcess(program.hProcess, 1);
+    for (const HANDLE handle : {reading, program.hThread, program.hProcess})
+        CloseHandle(handle);
+    return status;
+}
 
 TEST_F(CommandLineTest, AnInterruptLeavesNothingBehind) {
     FreeConsole(); // what a shell elsewhere lends its programs takes no interrupts
     ASSERT_TRUE(AllocConsole());
     ASSERT_TRUE(SetConsoleCtrlHandler(&StayDeaf, TRUE));
     PutPicture("a.bmp", 320, 240, 1); // enough to be at it for a while
-    for (const char* output : {"x.gif", "x/"}) {
-        StartedProgram program(std::string("\"") + LUMAFOLD_PROGRAM + "\" build -v \"" + Path("a.bmp") +
-                               "\" -o \"" + Path(output) + "\"");
-        ASSERT_TRUE(program.ReadUntil("Building"));
-        program.Interrupt();
-        EXPECT_EQ(program.Status(), DWORD{kInterruptedStatus});
+    for (const std::string output : {"x.gif", "x/"}) {
+        const std::string line =
+            LUMAFOLD_PROGRAM "\" build -v \"" + Path("a.bmp") + "\" -o \"" + Path(output) + "\"";
+        EXPECT_EQ(InterruptedAt("Building", "\"" + line), DWORD{kInterruptedStatus});
     }
     EXPECT_EQ(Names(), std::vector<std::string>{"a.bmp"});
 }

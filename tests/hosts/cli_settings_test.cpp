@@ -30,8 +30,7 @@ TEST_F(CommandLineTest, AConfigFileComesBeforeAllOtherOptions) {
 
 TEST_F(CommandLineTest, SettingsAreShownAsReadAndWrittenInTheSameForm) {
     Put("a.ini", "TransitionDelay=3\r\nTransitionMattcolour = 255\r\n");
-    const Ran shown = Run(
-        {"settings", "--config", Path("a.ini"), "--set", "TransitionPause=2000", "--write", Path("b.ini")});
+    const Ran shown = Run("settings --config %/a.ini --set TransitionPause=2000 --write %/b.ini");
     EXPECT_EQ(shown.status, 0);
     EXPECT_EQ(shown.err,
               "lumafold: warning: --set TransitionPause: 2000 is outside the range of 0 to 1000\n");
@@ -45,7 +44,7 @@ TEST_F(CommandLineTest, SettingsAreShownAsReadAndWrittenInTheSameForm) {
     EXPECT_EQ(written.TransitionDelay + written.TransitionPause + written.TransitionMattcolour,
               3U + 2000 + 255);
 
-    const auto rows = nlohmann::json::parse(Run({"settings", "--json", "--config", Path("b.ini")}).out);
+    const auto rows = nlohmann::json::parse(Run("settings --json --config %/b.ini").out);
     ASSERT_EQ(rows.size(), SettingDescriptors().size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const SettingDescriptor& setting = SettingDescriptors()[i];
@@ -77,7 +76,7 @@ TEST_F(CommandLineTest, SettingsFilesThatCannotBeReadOrWrittenSaySo) {
         {"palettes -- settings", 2, "palettes takes no words after it: settings"},
     };
     for (const auto& row : kCases) {
-        const Ran ran = Run(Words(row.line));
+        const Ran ran = Run(row.line);
         EXPECT_EQ(ran.status, row.status) << row.err;
         EXPECT_EQ(ran.err, "lumafold: " + row.err + "\n");
         EXPECT_EQ(ran.out, "");

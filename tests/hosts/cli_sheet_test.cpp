@@ -63,8 +63,7 @@ TEST(ContactSheet, ShowsFirstAndLastOfManyAndWhatShinesThrough) {
 TEST_F(CommandLineTest, TheSheetHasARowForEachTransition) {
     PutPicture("a.bmp", 7, 5, 1);
     PutPicture("b.bmp", 9, 5, 77);
-    const Ran ran =
-        Run({"sheet", Path("a.bmp"), Path("b.bmp"), "-o", Path("all.PNG"), "--matte", "10,20,30"});
+    const Ran ran = Run("sheet %/a.bmp %/b.bmp -o %/all.PNG --matte 10,20,30");
     ASSERT_EQ(ran.status, 0) << ran.err;
     EXPECT_NE(ran.out.find("33 transitions, 162x868"), std::string::npos) << ran.out;
     const DecodedPicture sheet = DecodePictureFile(Path("all.PNG"), 0, 1 << 20);
@@ -88,22 +87,29 @@ TEST_F(CommandLineTest, TheSheetHasARowForEachTransition) {
 
 TEST_F(CommandLineTest, TheSheetOfOneTransitionAndItsFailures) {
     PutPicture("a.bmp", 170, 3, 1);
-    const std::string a = Path("a.bmp"), sheet = Path("one.png");
-    const Ran ran = Run({"sheet", a, a, "-o", sheet, "--transition", "Soft iris (diamond)"});
+    const Ran ran = Run("sheet %/a.bmp %/a.bmp -o %/one.png --transition 'Soft iris (diamond)'");
     const std::string bytes = "(" + std::to_string(Get("one.png").size()) + " bytes)\n";
-    EXPECT_EQ(ran.out.find("wrote " + sheet + ": 22  Soft iris (diamond), 21 frames, 1024x102, "), 0u);
+    EXPECT_EQ(ran.out.find(In("wrote %/one.png: 22  Soft iris (diamond), 21 frames, 1024x102, ")), 0u);
     EXPECT_NE(ran.out.find(bytes), std::string::npos) << ran.out;
-    const Ran failed = Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--set", "TransitionIrisStep=0"});
-    EXPECT_EQ(failed.status, 1);
-    EXPECT_EQ(failed.err, "lumafold: Soft iris (diamond) cannot run with TransitionIrisStep=0\n");
-    const Ran large =
-        Run({"sheet", "-q", a, a, "-o", Path("no.png"), "--transition", "1", "--memory-limit", "1", "--set",
-             "TransitionAlphaTileStep=5000000", "--set", "TransitionAlphaTileSize=1"});
-    EXPECT_EQ(large.status, 1);
-    EXPECT_NE(large.err.find("; the limit is 1.0 MB (--memory-limit)\n"), std::string::npos) << large.err;
-    EXPECT_EQ(Run({"sheet", a, a, "-o", Path("x.gif")}).status, 2);
-    EXPECT_EQ(Run({"sheet", a, sheet, "-o", Path("./one.png")}).status, 2);
-    EXPECT_EQ(Run({"sheet", a, Path("none.png"), "-o", Path("x.png")}).status, 1);
+    const struct {
+        int status;
+        const char *words, *told;
+    } kFailures[] = {
+        {1, "%/a.bmp -o %/no.png --set TransitionIrisStep=0",
+         "lumafold: Soft iris (diamond) cannot run with TransitionIrisStep=0\n"},
+        {1,
+         "%/a.bmp -o %/no.png --transition 1 --memory-limit 1 --set TransitionAlphaTileStep=5000000 --set "
+         "TransitionAlphaTileSize=1",
+         "; the limit is 1.0 MB (--memory-limit)\n"},
+        {2, "%/a.bmp -o %/x.gif", "a contact sheet is a .png file"},
+        {2, "%/one.png -o %/./one.png", "would replace the picture"},
+        {1, "%/none.png -o %/x.png", "none.png"},
+    };
+    for (const auto& row : kFailures) {
+        const Ran failed = Run(std::string("sheet -q %/a.bmp ") + row.words);
+        EXPECT_EQ(failed.status, row.status) << row.words;
+        EXPECT_NE(failed.err.find(row.told), std::string::npos) << failed.err;
+    }
     EXPECT_EQ(Names(), (std::vector<std::string>{"a.bmp", "one.png"}));
 }
 

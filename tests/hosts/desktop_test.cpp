@@ -52,11 +52,11 @@ TEST(TaskCollector, CountsDelaysInHundredths) {
         std::int32_t delay, wanted;
     } kCases[] = {{1, 7, 7},  {3, -1, 0},       {2, 95, 10},
                   {2, 94, 9}, {0, 10000, 1000}, {2, 0x7FFFFFFF, 214748365}};
+    const OwnedDib picture = PlainPicture(1, 1, 0);
+    TaskRecord task{};
+    task.width = task.height = 1;
     for (const auto& each : kCases) {
         TaskCollector collector(DelayUnitFor(each.flags));
-        TaskRecord task{};
-        task.width = task.height = 1;
-        const OwnedDib picture = PlainPicture(1, 1, 0);
         ImageRecord frame{};
         frame.image = picture.Get();
         frame.delay = each.delay;
@@ -192,9 +192,7 @@ TEST(Document, LetsNothingInThatCannotBeShown) {
     EXPECT_NO_THROW(make(5, true));
 }
 
-class SavingTest : public CommandLineTest {};
-
-TEST_F(SavingTest, TakesTheKindFromTheName) {
+TEST_F(CommandLineTest, SavingTakesTheKindFromTheName) {
     Animation animation = EmptyAnimation(3, 2, 8);
     AddFrame(animation, {8, 5, 9}, [](int x, int) { return x == 1 ? 9U : 4U; });
     std::string error;
@@ -219,7 +217,7 @@ TEST_F(SavingTest, TakesTheKindFromTheName) {
     EXPECT_EQ(Stem("pics/a.b.gif") + FileNamePart("x/y"), "a.by");
 }
 
-TEST_F(SavingTest, LeavesWhatWasThereWhenItIsGivenUp) {
+TEST_F(CommandLineTest, SavingLeavesWhatWasThereWhenItIsGivenUp) {
     Animation animation = EmptyAnimation(3, 2, 8);
     for (int i = 0; i < 3; ++i)
         AddFrame(animation, {8, 5}, [&](int, int) { return i == 1 ? 3U : 0U; });
@@ -271,8 +269,7 @@ TEST(Script, KnowsControlsAndColours) {
     EXPECT_EQ(ControlNumber("PatchLevel"), std::nullopt);
     EXPECT_EQ(ControlNumber("12x"), std::nullopt);
     EXPECT_EQ(ColourNumber("#FF8040"), 0x4080FFU);
-    EXPECT_EQ(ColourNumber("FF8040"), std::nullopt);
-    EXPECT_EQ(ColourNumber("#FF80G0"), std::nullopt);
+    EXPECT_FALSE(ColourNumber("FF8040") || ColourNumber("#FF80G0"));
 }
 
 TEST(FileAddress, SpellsWhatABrowserWouldTakeForItsOwn) {
@@ -284,9 +281,7 @@ TEST(FileAddress, SpellsWhatABrowserWouldTakeForItsOwn) {
         EXPECT_EQ(FileAddress(path, "#x"), address);
 }
 
-class HostSettingsTest : public CommandLineTest {};
-
-TEST_F(HostSettingsTest, ComeBackAsTheyWereKept) {
+TEST_F(CommandLineTest, HostSettingsComeBackAsTheyWereKept) {
     HostSettings kept;
     kept.window = {-5, 7, 800, 600};
     kept.checkerboard = false;

@@ -111,7 +111,7 @@ TEST(Dib, PaletteAndQuery) {
 /// Copying is pixel by pixel with the accessors' clipping, whatever the way it is done.
 TEST(Dib, CopyRectIsTheAccessors) {
     for (const int bits : kDepths) {
-        for (const auto [dx, dy, sx, sy, w, h] : {std::array{0, 0, 0, 0, 61, 47},
+        constexpr std::array<int, 6> kCopies[] = {{0, 0, 0, 0, 61, 47},
                                                   {-3, -2, 1, 1, 20, 9},
                                                   {5, 3, -4, -6, 70, 70},
                                                   {50, 40, 3, 2, 90, 3},
@@ -119,19 +119,18 @@ TEST(Dib, CopyRectIsTheAccessors) {
                                                   {0, 0, 0, 0, -4, 5},
                                                   {0, 0, 0, 0, 0, 0},
                                                   {INT32_MAX, 0, 0, 0, INT32_MAX, 1},
-                                                  {0, 0, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}}) {
+                                                  {0, 0, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}};
+        for (const auto [dx, dy, sx, sy, w, h] : kCopies) {
             SCOPED_TRACE(testing::Message() << bits << " bits to " << dx << "," << dy);
             OwnedDib source = NoisePicture(61, 47, bits, 1);
             OwnedDib fast = NoisePicture(33, 29, bits, 2), plain = NoisePicture(33, 29, bits, 2);
             // At 32 bits white with a full top byte reads as no pixel, and is not copied.
             std::memset(source.Rows().Row(5), 0xFF, 5);
             DibCopyRect(*fast, dx, dy, *source, sx, sy, w, h);
-            for (std::int32_t y = 0; y < 29; ++y) {
-                for (std::int32_t x = 0; x < 33; ++x) {
-                    const std::int64_t c = std::int64_t{x} - dx, r = std::int64_t{y} - dy;
-                    if (c < 0 || c >= w || r < 0 || r >= h) continue;
-                    DibSetPixel(*plain, x, y, DibGetPixel(*source, sx + c, sy + r));
-                }
+            for (std::int32_t i = 0; i < 33 * 29; ++i) {
+                const std::int64_t c = std::int64_t{i % 33} - dx, r = std::int64_t{i / 33} - dy;
+                if (c >= 0 && c < w && r >= 0 && r < h)
+                    DibSetPixel(*plain, i % 33, i / 33, DibGetPixel(*source, sx + c, sy + r));
             }
             EXPECT_EQ(BytesOf(fast), BytesOf(plain));
         }
@@ -144,17 +143,11 @@ TEST(Dib, CopyRectIsTheAccessors) {
 }
 
 TEST(Dib, FillLeavesPaddingAlone) {
-    for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {1, 33}, {61, 47}}) {
-        const OwnedDib filled = PlainPicture(width, height, 0x123456);
-        OwnedDib plain = DibCreate(width, height, nullptr, 24);
-        for (std::int32_t y = 0; y < height; ++y) {
-            for (std::int32_t x = 0; x < width; ++x)
-                DibSetPixel(*plain, x, y, 0x123456);
-        }
-        EXPECT_EQ(BytesOf(filled), BytesOf(plain));
-        DibFill(*plain, kNoPixel);
-        EXPECT_EQ(BytesOf(filled), BytesOf(plain));
-    }
+    OwnedDib filled = PlainPicture(7, 5, 0x123456), plain = DibCreate(7, 5, nullptr, 24);
+    for (std::int32_t i = 0; i < 7 * 5; ++i)
+        DibSetPixel(*plain, i % 7, i / 7, 0x123456);
+    DibFill(*filled, kNoPixel);
+    EXPECT_EQ(BytesOf(filled), BytesOf(plain));
 }
 
 TEST(FrameList, GrowsByOneAndOwnsItsPictures) {

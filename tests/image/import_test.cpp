@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <vector>
 
 #include "tests/support/pictures.h"
@@ -44,13 +45,11 @@ Bytes Pack(const Packing& packing, const OwnedDib& dib) {
     Put(bytes, 1, 2);
     Put(bytes, static_cast<std::uint32_t>(packing.bits), 2);
     if (!core) {
-        for (const std::uint32_t field : {packing.compression, 0U, 2835U, 2835U, packing.told, 0U}) {
+        for (const std::uint32_t field : {packing.compression, 0U, 2835U, 2835U, packing.told, 0U})
             Put(bytes, field, 4);
-        }
         for (const std::uint32_t mask : packing.masks)
             Put(bytes, mask, 4);
-        while (bytes.size() < packing.header)
-            bytes.push_back(0x5A);
+        bytes.resize(std::max<std::size_t>(bytes.size(), packing.header), 0x5A);
     }
     Palette palette;
     DibGetPalette(*dib, palette);
@@ -124,9 +123,10 @@ const Packing kPackings[] = {
 /// A colour that survived channels of `packing`, at most one level off what rounding may do.
 void ExpectColour(PixelValue before, PixelValue after, const Packing& packing) {
     const int most = packing.bits == 16 ? 17 : packing.masks.size() == 4 ? 1 : 0;
-    EXPECT_NEAR(static_cast<int>(RedOf(before)), static_cast<int>(RedOf(after)), most);
-    EXPECT_NEAR(static_cast<int>(GreenOf(before)), static_cast<int>(GreenOf(after)), most);
-    EXPECT_NEAR(static_cast<int>(BlueOf(before)), static_cast<int>(BlueOf(after)), most);
+    const Rgb one = RgbOf(before), other = RgbOf(after);
+    EXPECT_NEAR(one.red, other.red, most);
+    EXPECT_NEAR(one.green, other.green, most);
+    EXPECT_NEAR(one.blue, other.blue, most);
 }
 
 TEST(Import, GivesThePictureThatThePackingShows) {
@@ -146,15 +146,11 @@ TEST(Import, GivesThePictureThatThePackingShows) {
             Palette expected, palette;
             const int colours = DibGetPalette(*original, expected);
             EXPECT_EQ(DibGetPalette(*made, palette), colours);
-            for (int i = 0; i < colours; ++i) {
-                const auto at = static_cast<std::size_t>(i);
-                EXPECT_EQ(palette[at], at < packing.tableEntries ? expected[at] : Rgb{});
-            }
-            for (std::int32_t y = 0; y < height; ++y) {
-                for (std::int32_t x = 0; x < width; ++x) {
-                    ExpectColour(DibGetPixel(*original, x, y), DibGetPixel(*made, x, y), packing);
-                }
-            }
+            for (std::size_t i = 0; i < static_cast<std::size_t>(colours); ++i)
+                EXPECT_EQ(palette[i], i < packing.tableEntries ? expected[i] : Rgb{});
+            for (std::int32_t i = 0; i < width * height; ++i)
+                ExpectColour(DibGetPixel(*original, i % width, i / width),
+                             DibGetPixel(*made, i % width, i / width), packing);
         }
     }
     EXPECT_EQ(allocation_hooks::LiveBlocks(), blocks);
@@ -180,7 +176,7 @@ TEST(Import, RefusesWhatIsNoPicture) {
         const char* what;
         std::size_t at;
         std::uint64_t value;
-        int bytes;
+        std::size_t bytes;
     };
     const Damage damages[] = {
         {"header of no kind", 0, 41, 4},
@@ -202,18 +198,14 @@ TEST(Import, RefusesWhatIsNoPicture) {
     for (const Damage& damage : damages) {
         SCOPED_TRACE(damage.what);
         Bytes bytes = good;
-        for (int i = 0; i < damage.bytes; ++i) {
-            bytes[damage.at + static_cast<std::size_t>(i)] =
-                static_cast<std::uint8_t>(damage.value >> (8 * i));
-        }
+        std::memcpy(&bytes[damage.at], &damage.value, damage.bytes);
         EXPECT_FALSE(DibImport(Block(bytes)));
     }
     // With neither a whole table nor one of the count that is told there is no place for the rows.
     for (const std::uint32_t told : {0xFFFFFFFFU, 0x40000000U, 250U})
         EXPECT_FALSE(DibImport(Block(Pack({"", 40, 8, false, 0, told, {}, 200}, original)))) << told;
-    for (const std::size_t length : {std::size_t{1}, std::size_t{11}, std::size_t{39}, good.size() - 16}) {
-        EXPECT_FALSE(DibImport(Block({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(length)})));
-    }
+    for (const auto length : {1, 11, 39, static_cast<int>(good.size()) - 16})
+        EXPECT_FALSE(DibImport(Block({good.begin(), good.begin() + length})));
     EXPECT_FALSE(DibImport(0));
     // Sound in itself, but no build could make 24 bits of it.
     Bytes wide = Pack(kPackings[0], PlainPicture(1, 1, 0));

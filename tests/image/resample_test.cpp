@@ -48,32 +48,22 @@ Line ShrunkLine(const Line& from, int percent) {
         std::array<int, 3> sum{};
         int taken = 0;
         for (std::size_t i = next; i < end && i < from.size(); ++i, ++taken) {
-            for (std::size_t c = 0; c < 3; ++c) {
+            for (std::size_t c = 0; c < 3; ++c)
                 sum[c] += from[i][c];
-            }
         }
-        for (std::size_t c = 0; c < 3; ++c) {
+        for (std::size_t c = 0; c < 3; ++c)
             to[x][c] = sum[c] / std::max(taken, 1);
-        }
         next = end;
     }
     return to;
 }
 
-std::array<int, 3> Channels(PixelValue v) {
-    return {static_cast<int>(RedOf(v)), static_cast<int>(GreenOf(v)), static_cast<int>(BlueOf(v))};
-}
-
-void ExpectLine(const Line& expected, const std::function<PixelValue(std::int32_t)>& pixel) {
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        ASSERT_EQ(Channels(pixel(static_cast<std::int32_t>(i))), expected[i]) << "at " << i;
-    }
-}
-
 Line LineOf(std::int32_t length, const std::function<PixelValue(std::int32_t)>& pixel) {
     Line line;
     for (std::int32_t i = 0; i < length; ++i) {
-        line.push_back(Channels(pixel(i)));
+        const PixelValue v = pixel(i);
+        line.push_back(
+            {static_cast<int>(RedOf(v)), static_cast<int>(GreenOf(v)), static_cast<int>(BlueOf(v))});
     }
     return line;
 }
@@ -90,13 +80,9 @@ TEST(Resample, PassesAreTheDefinition) {
     for (const Pass& pass : passes) {
         for (const int percent : {1, 13, 49, 50, 51, 99, 101, 150, 200, 333, 20000, 20001}) {
             if (pass.stretch != (percent > 100)) continue;
-            for (const auto& [width, height, bits] : {std::array{1, 1, 24},
-                                                      {7, 5, 24},
-                                                      {33, 1, 24},
-                                                      {1, 33, 24},
-                                                      {61, 47, 24},
-                                                      {7, 5, 32},
-                                                      {33, 21, 32}}) {
+            constexpr std::array<int, 3> kShapes[] = {{1, 1, 24},   {7, 5, 24}, {33, 1, 24}, {1, 33, 24},
+                                                      {61, 47, 24}, {7, 5, 32}, {33, 21, 32}};
+            for (const auto& [width, height, bits] : kShapes) {
                 if (percent > 1000 && width * height > 40) continue;
                 SCOPED_TRACE(testing::Message() << bits << " bits " << width << "x" << height
                                                 << (pass.wide ? " width " : " height ") << percent);
@@ -114,9 +100,10 @@ TEST(Resample, PassesAreTheDefinition) {
                     };
                     const Line line = LineOf(pass.wide ? width : height, pixelOf(source));
                     // The height pass looks one pixel further than the width pass.
-                    ExpectLine(pass.stretch ? StretchedLine(line, percent, pass.wide ? 0 : 1)
-                                            : ShrunkLine(line, percent),
-                               pixelOf(result));
+                    const Line expected = pass.stretch ? StretchedLine(line, percent, pass.wide ? 0 : 1)
+                                                       : ShrunkLine(line, percent);
+                    const std::int32_t length = pass.wide ? result->biWidth : result->biHeight;
+                    ASSERT_EQ(LineOf(length, pixelOf(result)), expected) << "at " << at;
                 }
             }
         }
@@ -152,10 +139,8 @@ TEST(Resample, TrueColourTakesThePalette) {
     for (const int bits : {1, 4, 8, 24}) {
         const OwnedDib source = NoisePicture(33, 5, bits, 9), colour = DibToTrueColour(*source);
         EXPECT_EQ(colour->biBitCount, 24);
-        for (std::int32_t y = 0; y < 5; ++y) {
-            for (std::int32_t x = 0; x < 33; ++x)
-                ASSERT_EQ(RgbOf(DibGetPixel(*colour, x, y)), ColourAt(*source, x, y));
-        }
+        for (std::int32_t i = 0; i < 33 * 5; ++i)
+            ASSERT_EQ(RgbOf(DibGetPixel(*colour, i % 33, i / 33)), ColourAt(*source, i % 33, i / 33));
     }
 }
 

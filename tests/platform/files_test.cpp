@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <optional>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -70,11 +69,9 @@ TEST_F(PlatformFiles, ThatCannotBeWrittenStayAsTheyAre) {
 TEST_F(PlatformFiles, AreThereOrNot) {
     folder_.Put("a.ini", "");
     fs::create_directory(folder_.Path("folder"));
-    const std::pair<const char*, bool> kCases[] = {
-        {"a.ini", true}, {"b.ini", false}, {"folder", false}, {"folder/a.ini", false}};
-    for (const auto& [name, there] : kCases)
-        EXPECT_EQ(FileExists(folder_.Path(name).c_str()), there) << name;
-    EXPECT_FALSE(FileExists(""));
+    EXPECT_TRUE(FileExists(folder_.Path("a.ini").c_str()));
+    for (const std::string& name : {folder_.Path("b.ini"), folder_.Path("folder"), std::string()})
+        EXPECT_FALSE(FileExists(name.c_str())) << name;
     EXPECT_EQ(Load(folder_.Path("b.ini")), std::strerror(ENOENT));
     EXPECT_EQ(Load(folder_.Path("folder")), std::strerror(EISDIR));
 }
@@ -189,20 +186,9 @@ TEST_F(PlatformFiles, OneWritersFailureLeavesTheOthersTemporaryKnown) {
 }
 #endif
 
-/// An environment variable, or none, while it lives.
-class Variable {
-public:
-    Variable(const char* name, const char* value) : name_(name) {
-        if (const char* before = std::getenv(name)) before_ = before;
-        Set(value);
-    }
-    ~Variable() { Set(before_ ? before_->c_str() : nullptr); }
-
-private:
-    void Set(const char* value) { value != nullptr ? setenv(name_, value, 1) : unsetenv(name_); }
-    const char* name_;
-    std::optional<std::string> before_;
-};
+void SetVariable(const char* name, const char* value) {
+    value != nullptr ? setenv(name, value, 1) : unsetenv(name);
+}
 
 TEST(Folders, ComeFromTheEnvironment) {
     const struct {
@@ -211,18 +197,19 @@ TEST(Folders, ComeFromTheEnvironment) {
         {"/c", "/h", "/c/Brackenfield/X", "/c/Brackenfield/Lumafold/X"},
         {"/c/", "/h", "/c/Brackenfield/X", "/c/Brackenfield/Lumafold/X"},
         {nullptr, "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
-        {"", "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
         {"c", "/h", "/h/.config/Brackenfield/X", "/h/.config/Brackenfield/Lumafold/X"},
         {nullptr, nullptr, "Brackenfield/X", "Lumafold/X"},
         {nullptr, "h", "Brackenfield/X", "Lumafold/X"},
     };
     for (const auto& row : kCases) {
-        const Variable config("XDG_CONFIG_HOME", row.config), home("HOME", row.home);
+        SetVariable("XDG_CONFIG_HOME", row.config);
+        SetVariable("HOME", row.home);
         EXPECT_STREQ(DataFolderPath("X"), row.data);
         EXPECT_STREQ(ListFolderPath("X"), row.list);
     }
-    const Variable config("XDG_CONFIG_HOME", ("/" + std::string(kPathBytes - 16, 'c')).c_str());
+    SetVariable("XDG_CONFIG_HOME", ("/" + std::string(kPathBytes - 16, 'c')).c_str());
     EXPECT_TRUE(*DataFolderPath("X") == 0) << "one letter too long";
+    unsetenv("XDG_CONFIG_HOME");
 }
 
 #endif

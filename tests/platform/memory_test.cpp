@@ -108,18 +108,6 @@ TEST_F(Memory, WhatIsNoBlockIsToldSo) {
 #endif
 }
 
-TEST_F(Memory, ManyBlocksKeepTheirContents) {
-    std::vector<OwnedGlobal> blocks;
-    for (std::uint32_t i = 0; i < 2000; ++i) {
-        blocks.emplace_back(GlobalCreate(GlobalKind::Movable, 1 + i % 50));
-        ASSERT_TRUE(Fill(blocks.back().Get(), 1 + i % 50, static_cast<std::uint8_t>(i)));
-        if (i % 3 == 0) blocks[i / 2] = OwnedGlobal();
-    }
-    for (std::uint32_t i = 0; i < 2000; ++i)
-        EXPECT_TRUE(!blocks[i] || IsFilled(blocks[i].Get(), 0, 1 + i % 50, static_cast<std::uint8_t>(i)))
-            << i;
-}
-
 TEST_F(Memory, TheNthAllocationOfAnyKindFailsOnce) {
     const std::int64_t before = allocation_hooks::LiveBlocks();
     for (int n = 1; n <= 4; ++n) {

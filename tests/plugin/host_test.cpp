@@ -31,21 +31,13 @@ TEST(Host, SendsEachCommandWithItsArguments) {
     ColourRecord colour{};
     char names[8] = {};
     const auto at = [](const void* address) { return reinterpret_cast<std::intptr_t>(address); };
+    const std::intptr_t atTask = at(&task), atFrame = at(&frame), atNames = at(names), atColour = at(&colour);
+    TaskRecord* const none = nullptr;
     const std::vector<Sent> expected = {
-        {nullptr, 1, 0, at(&task)},
-        {nullptr, 5, 0, at(&task)},
-        {&task, 2, 0, at(&frame)},
-        {&task, 3, 0, at(names)},
-        {&task, 4, 0, 0},
-        {&task, 4, 1, 0},
-        {nullptr, 7, 42, at(names)},
-        {nullptr, 8, 0, at(names)},
-        {nullptr, 9, 0, at(names)},
-        {nullptr, 10, 0, at(names)},
-        {nullptr, 11, 0, at(&colour)},
-        {nullptr, 13, 3, 9},
-        {nullptr, 13, 0, 0},
-        {nullptr, 14, 42, 0},
+        {none, 1, 0, atTask},  {none, 5, 0, atTask},   {&task, 2, 0, atFrame},  {&task, 3, 0, atNames},
+        {&task, 4, 0, 0},      {&task, 4, 1, 0},       {none, 7, 42, atNames},  {none, 8, 0, atNames},
+        {none, 9, 0, atNames}, {none, 10, 0, atNames}, {none, 11, 0, atColour}, {none, 13, 3, 9},
+        {none, 13, 0, 0},      {none, 14, 42, 0},
     };
     // Handles use all 32 bits, so what looks negative is none the less a picture.
     for (const std::int32_t given : {0, 1, -4}) {

@@ -78,11 +78,9 @@ TEST(Art, CursorAndIconCarryTheirMasks) {
 
     load("lumafold.ico");
     ASSERT_EQ(std::tuple(at(2, 2), at(4, 2)), std::tuple(1, 7));
-    int entry = 6;
-    for (const int size : {16, 20, 24, 32, 40, 48, 72}) {
-        expectImage(entry, size);
-        entry += 16;
-    }
+    constexpr int kSizes[] = {16, 20, 24, 32, 40, 48, 72};
+    for (int i = 0; i < 7; ++i)
+        expectImage(6 + 16 * i, kSizes[i]);
 }
 
 } // namespace

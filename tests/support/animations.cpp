@@ -2,17 +2,15 @@
 
 #include <random>
 
+#include "tests/support/pictures.h"
+
 namespace lumafold::test {
 
 void AddFrame(Animation& to, FrameKind kind, const std::function<unsigned(int x, int y)>& pixelAt) {
     const std::int32_t width = kind.width == 0 ? to.width : kind.width;
     const std::int32_t height = kind.height == 0 ? to.height : kind.height;
-    OwnedDib dib = DibCreate(width, height, &to.palette, kind.bits);
-    for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x)
-            DibSetPixel(*dib, x, y, pixelAt(x, y));
-    }
-    to.frames.push_back({std::move(dib), kind.delay, kind.transparent});
+    to.frames.push_back(
+        {PictureOf(width, height, kind.bits, pixelAt, &to.palette), kind.delay, kind.transparent});
 }
 
 Animation EmptyAnimation(std::int32_t width, std::int32_t height, int bits) {
@@ -105,10 +103,8 @@ std::vector<std::vector<PixelValue>> WantedScreens(const Animation& animation) {
             for (std::int32_t x = 0; x < dib.biWidth; ++x) {
                 const PixelValue pixel = DibGetPixel(dib, x, y);
                 if (static_cast<std::int32_t>(pixel) == frame.transparentIndex) continue;
-                PixelValue& shown = screen[static_cast<std::size_t>(y * animation.width + x)];
-                shown = pixel;
-                if (dib.biBitCount > 8) continue;
-                shown = ColourOf(animation.palette[pixel]);
+                screen[static_cast<std::size_t>(y * animation.width + x)] =
+                    dib.biBitCount > 8 ? pixel : ColourOf(animation.palette[pixel]);
             }
         }
         wanted.push_back(screen);

@@ -5,39 +5,36 @@
 
 namespace lumafold::test {
 
-OwnedDib BusyPicture(std::int32_t width, std::int32_t height, std::uint32_t seed) {
-    OwnedDib picture = DibCreate(width, height, nullptr, 24);
-    Random random(seed);
+OwnedDib PictureOf(std::int32_t width, std::int32_t height, int bits,
+                   const std::function<PixelValue(int x, int y)>& pixel, const Palette* palette) {
+    OwnedDib picture = DibCreate(width, height, palette, bits);
     for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            const std::uint32_t noise = random.Draw() >> 8;
-            const auto ramp = [&](std::int32_t at, std::int32_t size, unsigned shift) {
-                return static_cast<unsigned>(at * 200 / size) + ((noise >> shift) & 0x37);
-            };
-            DibSetPixel(
-                *picture, x, y,
-                MakeColour(ramp(x, width, 0), ramp(y, height, 6), ramp(width - x + y, width + height, 12)));
-        }
+        for (std::int32_t x = 0; x < width; ++x)
+            DibSetPixel(*picture, x, y, pixel(x, y));
     }
     return picture;
+}
+
+OwnedDib BusyPicture(std::int32_t width, std::int32_t height, std::uint32_t seed) {
+    Random random(seed);
+    return PictureOf(width, height, 24, [&](int x, int y) {
+        const std::uint32_t noise = random.Draw() >> 8;
+        const auto ramp = [&](std::int32_t at, std::int32_t size, unsigned shift) {
+            return static_cast<unsigned>(at * 200 / size) + ((noise >> shift) & 0x37);
+        };
+        return MakeColour(ramp(x, width, 0), ramp(y, height, 6), ramp(width - x + y, width + height, 12));
+    });
 }
 
 OwnedDib NoisePicture(std::int32_t width, std::int32_t height, int bits, std::uint32_t seed) {
     Random random(seed);
     Palette palette;
-    for (Rgb& entry : palette) {
-        const std::uint32_t v = random.Draw();
-        entry = {static_cast<std::uint8_t>(v), static_cast<std::uint8_t>(v >> 8),
-                 static_cast<std::uint8_t>(v >> 16)};
-    }
-    OwnedDib picture = DibCreate(width, height, bits <= 8 ? &palette : nullptr, bits);
-    for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            const PixelValue value = random.Draw() >> 4;
-            DibSetPixel(*picture, x, y, bits <= 8 ? value & ((1U << bits) - 1) : value & 0xFFFFFF);
-        }
-    }
-    return picture;
+    for (Rgb& entry : palette)
+        entry = RgbOf(random.Draw());
+    const PixelValue mask = bits <= 8 ? (1U << bits) - 1 : 0xFFFFFF;
+    return PictureOf(
+        width, height, bits, [&](int, int) { return random.Draw() >> 4 & mask; },
+        bits <= 8 ? &palette : nullptr);
 }
 
 OwnedDib PlainPicture(std::int32_t width, std::int32_t height, PixelValue colour) {

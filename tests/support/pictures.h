@@ -1,12 +1,17 @@
 // Pictures for tests: busy ones, in which a wrong pixel shows, and runs of one effect over two of them.
 #pragma once
 
+#include <functional>
+
 #include "image/frame_list.h"
 #include "platform/runner.h"
 #include "settings/settings.h"
 
 namespace lumafold::test {
 
+/// A picture of `pixel(x, y)`, from the top, row by row.
+OwnedDib PictureOf(std::int32_t width, std::int32_t height, int bits,
+                   const std::function<PixelValue(int x, int y)>& pixel, const Palette* palette = nullptr);
 /// 24 bits of noise over gradients, the same for the same arguments on every platform.
 OwnedDib BusyPicture(std::int32_t width, std::int32_t height, std::uint32_t seed);
 /// Noise at any depth, with a palette of its own up to 8 bits.

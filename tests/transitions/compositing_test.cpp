@@ -15,10 +15,8 @@ OwnedDib MaskPicture(std::int32_t width, std::int32_t height) {
 /// Its one channel, as the effects hold it.
 Mask MaskOf(const DibHeader& picture) {
     Mask mask(picture.biWidth, picture.biHeight);
-    for (std::int32_t y = 0; y < mask.Height(); ++y) {
-        for (std::int32_t x = 0; x < mask.Width(); ++x)
-            mask.Row(y)[x] = static_cast<std::uint8_t>(DibGetPixel(picture, x, y));
-    }
+    for (std::int32_t i = 0; i < mask.Width() * mask.Height(); ++i)
+        mask.Row(0)[i] = static_cast<std::uint8_t>(DibGetPixel(picture, i % mask.Width(), i / mask.Width()));
     return mask;
 }
 
@@ -59,18 +57,6 @@ TEST(Compositing, BlurIsTheDefinition) {
             EXPECT_TRUE(std::equal(expected.Row(0), expected.Row(size.height), blurredMask.Row(0)));
         }
     }
-}
-
-// Far beyond what the dialogs offer, where a sum of more than 64 bits would round to other weights.
-TEST(Blur, KernelsAreTheSameEverywhere) {
-    Checksum sum;
-    for (std::int32_t taps = 3; taps <= 603; taps += 6) {
-        for (const double sigma : {0.7, 3.3, taps * 0.05, taps * 0.11, taps * 0.5}) {
-            const Array<double> kernel = GaussianKernel(taps, sigma);
-            sum.Add(kernel.begin(), kernel.size() * sizeof(double));
-        }
-    }
-    EXPECT_EQ(sum.Value(), 0x880C55C2B8CCDF81U);
 }
 
 TEST(Compositing, KernelAndRowByHand) {
@@ -136,12 +122,11 @@ TEST(Compositing, MasksBlendThroughAWindowAndIntoABox) {
     const OwnedDib window = MaskBlend(*a, *b, MaskOf(*large), 21, 17);
     OwnedDib box = PlainPicture(20, 9, 0x123456);
     MaskBlendBox(*a, *b, MaskOf(*small), {13, 5, 20, 9}, *box);
-    for (std::int32_t y = 0; y < 9; ++y) {
-        for (std::int32_t x = 0; x < 20; ++x) {
-            EXPECT_EQ(DibGetPixel(*window, x, y), DibGetPixel(*large, 21 + x, 17 + y) * 0x010101);
-            EXPECT_EQ(DibGetPixel(*box, x, y),
-                      x < 13 || y < 5 ? 0x123456 : DibGetPixel(*small, x - 13, y - 5) * 0x010101);
-        }
+    for (std::int32_t i = 0; i < 20 * 9; ++i) {
+        const std::int32_t x = i % 20, y = i / 20;
+        EXPECT_EQ(DibGetPixel(*window, x, y), DibGetPixel(*large, 21 + x, 17 + y) * 0x010101);
+        EXPECT_EQ(DibGetPixel(*box, x, y),
+                  x < 13 || y < 5 ? 0x123456 : DibGetPixel(*small, x - 13, y - 5) * 0x010101);
     }
 }
 

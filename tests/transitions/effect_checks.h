@@ -22,22 +22,15 @@ inline constexpr double kPi = 3.14159265358979323846;
 
 inline int RowNamed(std::string_view name) {
     int row = 0;
-    while (TransitionTable[static_cast<std::size_t>(row)].name != name) {
+    while (TransitionTable[static_cast<std::size_t>(row)].name != name)
         ++row;
-    }
     return row;
 }
 
 /// A 24-bit picture of `pixel(x, y)`.
 template <typename Pixel>
 OwnedDib Picture(std::int32_t width, std::int32_t height, Pixel pixel) {
-    OwnedDib result = DibCreate(width, height, nullptr, 24);
-    for (std::int32_t y = 0; y < height; ++y) {
-        for (std::int32_t x = 0; x < width; ++x) {
-            DibSetPixel(*result, x, y, pixel(x, y));
-        }
-    }
-    return result;
+    return PictureOf(width, height, 24, pixel);
 }
 
 /// Two colours by the share of b in 255, both products truncated.
@@ -50,11 +43,8 @@ inline PixelValue PlainMix(PixelValue a, PixelValue b, unsigned share) {
 
 inline void ExpectSamePicture(const DibHeader& a, const DibHeader& b) {
     ASSERT_TRUE(a.biWidth == b.biWidth && a.biHeight == b.biHeight && a.biBitCount == b.biBitCount);
-    for (std::int32_t y = 0; y < b.biHeight; ++y) {
-        for (std::int32_t x = 0; x < b.biWidth; ++x) {
-            ASSERT_EQ(DibGetPixel(a, x, y), DibGetPixel(b, x, y)) << x << ", " << y;
-        }
-    }
+    for (std::int32_t x = 0, y = 0; y < b.biHeight; x = (x + 1) % b.biWidth, y += x == 0)
+        ASSERT_EQ(DibGetPixel(a, x, y), DibGetPixel(b, x, y)) << x << ", " << y;
 }
 
 /// Runs a row over two busy pictures; frame i of 1 .. must be `expected(i, source, target)`, an OwnedDib.

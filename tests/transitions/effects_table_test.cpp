@@ -181,27 +181,6 @@ TEST_P(EveryRow, AnyValueOfAnySettingGivesTheSameEverywhere) {
     EXPECT_EQ(sum.Value(), kKnown[Row()].swept);
 }
 
-/// Effects that draw random numbers read the seed; with it they repeat themselves.
-TEST_P(EveryRow, SeedsDecideAllThatIsRandom) {
-    const std::vector<const SettingDescriptor*> read = SettingsOf(Row());
-    const bool random = std::any_of(read.begin(), read.end(), [](const SettingDescriptor* setting) {
-        return setting->value == &PluginSettings::RandomSeed;
-    });
-    settings.TransitionAlphaTileSize = settings.TransitionPaintballSize = 8;
-    const OwnedDib source = BusyPicture(61, 47, 1), target = BusyPicture(61, 47, 2);
-    const auto checksum = [&](std::uint32_t seed) {
-        settings.RandomSeed = seed;
-        EffectResult result;
-        RunEffect(Row(), settings, source, target, result);
-        Checksum sum;
-        AddFrames(sum, result);
-        return sum.Value();
-    };
-    const std::uint64_t first = checksum(100);
-    EXPECT_EQ(checksum(100), first);
-    EXPECT_EQ(checksum(101) != first, random);
-}
-
 TEST(TransitionTable, KeepsItsOrder) {
     for (std::size_t row = 1; row < TransitionTable.size(); ++row) {
         const std::string_view before = TransitionTable[row - 1].name, name = TransitionTable[row].name;

@@ -22,7 +22,7 @@ function expected(suffix: string, ...options: string[]): string {
     return sha256(path);
 }
 
-test('three files become the very bytes of the command line, as each kind of file', async (t) => {
+test('three files become the very bytes of the command line, as each kind of file', async () => {
     const visit = await Visit.begin();
     await visit.add(samples());
     for (const [index, transition] of ['Submerge', 'Soft iris (diamond)', 'Burp'].entries()) {
@@ -32,24 +32,22 @@ test('three files become the very bytes of the command line, as each kind of fil
     }
     assert.match((await visit.names('.gap')).join(), /: Submerge,.*: Soft iris \(diamond\),.*: Burp$/);
     await visit.click('Output', 'tab');
-    assert.equal(sha256(await visit.savedAnimation()), expected('.gif'));
+    const reduced = ['--no-dither', '--set', 'TransitionCustompalette=0'];
+    const saves = async (suffix: string, ...options: string[]): Promise<void> =>
+        assert.equal(sha256(await visit.savedAnimation()), expected(suffix, ...options));
+    await saves('.gif');
     await visit.click('Dither', 'switch');
     await visit.click('Custom palette', 'switch');
-    assert.equal(
-        sha256(await visit.savedAnimation()),
-        expected('.gif', '--no-dither', '--set', 'TransitionCustompalette=0'),
-    );
+    await saves('.gif', ...reduced);
     await visit.click('Animated PNG', 'radio');
     await visit.click('True color', 'switch');
-    assert.equal(sha256(await visit.savedAnimation()), expected('.png', '--true-colour'));
+    await saves('.png', '--true-colour');
     await visit.click('MNG', 'radio');
     await visit.click('True color', 'switch');
-    const reduced = ['--no-dither', '--set', 'TransitionCustompalette=0'];
-    assert.equal(sha256(await visit.savedAnimation()), expected('.mng', ...reduced));
+    await saves('.mng', ...reduced);
     await visit.click('WebP', 'radio');
-    assert.equal(sha256(await visit.savedAnimation()), expected('.webp'));
+    await saves('.webp');
     await visit.end();
-    t.diagnostic('GIF twice, animated PNG in true colour, MNG with a fixed palette, WebP');
 });
 
 /** A picture of 8 by 6 pixels that no codec of the engine's reads. */
@@ -132,15 +130,8 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
 test('settings come and go in the form of the plug-in', async () => {
     const visit = await Visit.begin();
     const given = join(scratch, 'given.ini');
-    lumafold(
-        'settings',
-        '--set',
-        'TransitionIrisStep=9',
-        '--set',
-        'TransitionMattcolour=255',
-        '--write',
-        given,
-    );
+    const changes = ['--set', 'TransitionIrisStep=9', '--set', 'TransitionMattcolour=255'];
+    lumafold('settings', ...changes, '--write', given);
     await visit.choose(() => visit.menu('Import LUMAFOLD.INI…'), [given]);
     await visit.page.waitForFunction(() =>
         document.querySelector('.notices')?.textContent?.includes('taken over'),
@@ -155,11 +146,11 @@ test('a preview follows its slider, and all 33 play the chosen gap', async (t) =
     const visit = await Visit.begin();
     await visit.click('Try it with three sample pictures', 'button');
     await visit.built();
-    await visit.page.waitForFunction(() => document.querySelectorAll('.tile canvas').length === 33);
-    const tiles = await visit.page.$$eval('.tile canvas', (all) =>
-        all.map((one) => (one as HTMLCanvasElement).width * (one as HTMLCanvasElement).height),
+    await visit.tiles();
+    const sizes = await visit.page.$$eval('.tile canvas', (all) =>
+        all.map((one) => `${one.getAttribute('width')}x${one.getAttribute('height')}`),
     );
-    assert.ok(tiles.every((pixels) => pixels === 120 * 80));
+    assert.deepEqual(new Set(sizes), new Set(['120x80']));
     await visit.page.click('.play');
     const milliseconds = await visit.page.evaluate(async () => {
         const slider = document.querySelector<HTMLInputElement>('.gap-settings input[type=range]')!;
@@ -208,23 +199,20 @@ test('a frame is compared with its full colour, pixel by pixel', async () => {
 });
 
 const ticks = (visit: Visit): Promise<number> =>
-    visit.page.evaluate(
-        () =>
-            new Promise<number>((done) => {
-                let count = 0;
-                const timer = setInterval(() => count++, 10);
-                setTimeout(() => (clearInterval(timer), done(count)), 1000);
-            }),
-    );
+    visit.page.evaluate(async () => {
+        let count = 0;
+        const timer = setInterval(() => count++, 10);
+        await new Promise((done) => setTimeout(done, 1000));
+        clearInterval(timer);
+        return count;
+    });
 
 test('a build is cancelled in the middle, the page never stalls, and it builds again', async (t) => {
     const visit = await Visit.begin();
     await visit.add(samples());
     const size = await visit.built();
     await visit.click('Output', 'tab');
-    await visit.click('Cropped', 'radio');
-    await visit.setNumber('Width', '2000');
-    await visit.setNumber('Height', '1500');
+    await visit.setSize('Cropped', '2000', '1500');
     await visit.click('Build', 'button');
     await visit.find('Cancel');
     const building = await ticks(visit);
@@ -249,16 +237,13 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     await visit.add([put('second.bmp', bitmap(300, 200, 1))], 2);
     await visit.built();
     await visit.click('Output', 'tab');
-    await visit.click('Whole', 'radio');
-    await visit.setNumber('Width', '4096');
-    await visit.setNumber('Height', '4096');
+    await visit.setSize('Whole', '4096', '4096');
     await visit.click('Build', 'button');
     await visit.page.waitForSelector('.dialog .error', { timeout: 180_000 });
     assert.match(await visit.text('.dialog .error'), /not enough memory/);
     await visit.click('Close');
     assert.equal((await visit.names('.picture')).length, 2);
-    await visit.setNumber('Width', '200');
-    await visit.setNumber('Height', '200');
+    await visit.setSize('Whole', '200', '200');
     await visit.built();
     await visit.end();
 });
@@ -288,26 +273,21 @@ test('no rule of accessibility is broken, and nothing is wider than the screen',
         for (const dark of [false, true]) {
             const visit = await Visit.begin({ width, dark });
             const look = async (name: string): Promise<void> => {
-                await visit.page.screenshot({
-                    path: join(folder, `${name}-${width}-${dark ? 'dark' : 'light'}.png`) as `${string}.png`,
-                });
-                assert.ok(
-                    await visit.page.evaluate(() => document.documentElement.scrollWidth <= innerWidth),
-                    name,
-                );
+                const file = `${name}-${width}-${dark ? 'dark' : 'light'}.png` as const;
+                await visit.page.screenshot({ path: `${folder}/${file}` });
+                const fits = (): boolean => document.documentElement.scrollWidth <= innerWidth;
+                assert.ok(await visit.page.evaluate(fits), name);
                 await visit.page.evaluate(axe.source);
                 const { violations } = await visit.page.evaluate(() =>
                     (window as unknown as { axe: typeof axe }).axe.run(),
                 );
-                assert.deepEqual(
-                    violations.map(({ id, nodes }) => [name, id, nodes[0]?.html]),
-                    [],
-                );
+                const told = violations.map(({ id, nodes }) => [name, id, nodes[0]?.html]);
+                assert.deepEqual(told, []);
             };
             await look('welcome');
             await visit.click('Try it with three sample pictures', 'button');
             await visit.built();
-            await visit.page.waitForFunction(() => document.querySelectorAll('.tile canvas').length === 33);
+            await visit.tiles();
             await look('transition');
             await visit.click('Output', 'tab');
             await visit.page.waitForSelector('.frame');

@@ -15,9 +15,7 @@ export const scratch = mkdtempSync(join(tmpdir(), 'lumafold-web-'));
 process.on('exit', () => rmSync(scratch, { recursive: true, force: true }));
 
 export const lumafold = (...words: string[]): string =>
-    execFileSync(join(root, 'out/native/hosts/cli/lumafold'), words, {
-        encoding: 'utf8',
-    });
+    execFileSync(join(root, 'out/native/hosts/cli/lumafold'), words, { encoding: 'utf8' });
 
 export const sha256 = (path: string): string => createHash('sha256').update(readFileSync(path)).digest('hex');
 
@@ -32,26 +30,14 @@ export function samples(): string[] {
     return paths;
 }
 
-/** A bitmap file of 24 bits a pixel; `seed` tells one from another. */
+/** A bitmap file of 24 bits a pixel, full of noise; `seed` tells one from another. */
 export function bitmap(width: number, height: number, seed: number): Buffer {
-    const stride = Math.ceil((width * 3) / 4) * 4;
-    const file = Buffer.alloc(54 + stride * height);
+    const file = Buffer.alloc(54 + Math.ceil((width * 3) / 4) * 4 * height);
+    file.fill(readFileSync(samples()[0]!).subarray(seed), 54);
     file.write('BM');
-    file.writeUInt32LE(file.length, 2);
-    file.writeUInt32LE(54, 10);
-    file.writeUInt32LE(40, 14);
-    file.writeInt32LE(width, 18);
-    file.writeInt32LE(height, 22);
-    file.writeUInt16LE(1, 26);
-    file.writeUInt16LE(24, 28);
-    for (let y = 0; y < height; y++) {
-        for (let x = 0; x < width; x++) {
-            const at = 54 + y * stride + x * 3;
-            file[at] = (x * 255) / width;
-            file[at + 1] = (y * 255) / height;
-            file[at + 2] = seed * 37 + ((x * seed) ^ y);
-        }
-    }
+    const fields = [file.length, 0, 54, 40, width, height, (24 << 16) | 1];
+    fields.forEach((field, index) => file.writeUInt32LE(field, 2 + 4 * index));
+    file.fill(0, 30, 54);
     return file;
 }
 
@@ -82,11 +68,8 @@ export class Visit {
         const scheme = look.dark === true ? 'dark' : 'light';
         await visit.page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: scheme }]);
         const session = await visit.page.createCDPSession();
-        const where = { behavior: 'allowAndName', downloadPath: visit.downloads } as const;
-        await session.send('Browser.setDownloadBehavior', {
-            ...where,
-            browserContextId: context.id!,
-        });
+        const where = { downloadPath: visit.downloads, browserContextId: context.id! };
+        await session.send('Browser.setDownloadBehavior', { behavior: 'allowAndName', ...where });
         await visit.open();
         return visit;
     }
@@ -153,11 +136,9 @@ export class Visit {
         const before = new Set(readdirSync(this.downloads));
         await action();
         for (let tries = 0; tries < 600; tries++) {
-            const added = readdirSync(this.downloads).find(
-                (name) => !before.has(name) && !/crdownload|^\./.test(name),
-            );
-            if (added !== undefined && statSync(join(this.downloads, added)).size > 0)
-                return join(this.downloads, added);
+            const added = readdirSync(this.downloads).filter((name) => !before.has(name));
+            const path = join(this.downloads, added.find((name) => !/crdownload|^\./.test(name)) ?? '');
+            if (path !== this.downloads && statSync(path).size > 0) return path;
             await sleep(50);
         }
         throw new Error('nothing was saved');
@@ -171,6 +152,18 @@ export class Visit {
         const path = await this.saved(() => this.page.click('.dialog .button.primary'));
         await this.click('Close');
         return path;
+    }
+
+    /** In pixels, by this way of coming to it. */
+    async setSize(way: string, width: string, height: string): Promise<void> {
+        await this.click(way, 'radio');
+        await this.setNumber('Width', width);
+        await this.setNumber('Height', height);
+    }
+
+    /** Until all transitions play the chosen gap. */
+    async tiles(): Promise<void> {
+        await this.page.waitForFunction(() => document.querySelectorAll('.tile canvas').length === 33);
     }
 
     async setNumber(name: string, value: string): Promise<void> {

@@ -138,6 +138,12 @@ TEST_F(AdvancedDialog, ShowsEverySettingInItsRangeAndStoresOnlyOnOk) {
     for (const int button : {IDCANCEL, IDOK}) {
         Click(LUMAFOLD_MAIN_ADVANCED);
         ASSERT_NE(Dialog(), main);
+        for (const HWND dialog : {Dialog(), main}) {
+            RECT place;
+            GetWindowRect(dialog, &place);
+            EXPECT_LT(place.right - place.left, 1024);
+            EXPECT_LT(place.bottom - place.top, 740) << "with a task bar";
+        }
         int controls = 0;
         for (const SettingDescriptor& row : SettingDescriptors()) {
             if (row.dialog != SettingDialog::Advanced) continue;

@@ -53,24 +53,13 @@ protected:
         for (std::string text = AnswerMessage(); !text.empty(); text = AnswerMessage())
             EXPECT_TRUE(text == "Memory error" || text == "Error reading file") << text;
     }
-    /// Makes each allocation of a session fail in turn, until one gets through. How many there were.
-    template <typename Session>
-    int FailEach(Session session) {
-        const std::string list = ReadFileBytes(files.List());
-        session(); // what is made once and kept
-        const int objects = GdiObjects();
-        const auto attempt = [&] {
-            WriteFileBytes(files.List(), list);
-            session();
-            return GdiObjects();
-        };
-        return FailEachAllocation(attempt, [objects](int after, bool) { EXPECT_EQ(after, objects); });
-    }
 };
 
 TEST_F(FailingAllocations, LeaveTheListUsable) {
     const std::string second = pictures.Add("b", BusyPicture(200, 300, 4));
-    const int points = FailEach([&] {
+    const std::string list = ReadFileBytes(files.List());
+    const auto session = [&] {
+        WriteFileBytes(files.List(), list);
         Open();
         AnswerAll();
         AddFiles({second});
@@ -81,8 +70,10 @@ TEST_F(FailingAllocations, LeaveTheListUsable) {
             AnswerAll();
         }
         Close();
-    });
-    EXPECT_GT(points, 20);
+        return GdiObjects();
+    };
+    const int objects = session(); // with what is made once and kept
+    EXPECT_GT(FailEachAllocation(session, [=](int after, bool) { EXPECT_EQ(after, objects); }), 20);
 }
 
 } // namespace

@@ -79,11 +79,9 @@ TEST_F(MainDialog, KeepsSettingsOnEveryWayOut) {
     host.chosen = 0x030201;
     Click(LUMAFOLD_MAIN_MATTE);
     EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "1,2,3");
-    EXPECT_EQ(+host.colour.size, 28U);
-    EXPECT_EQ(+host.colour.version, 0x201U);
-    EXPECT_EQ(+host.colour.twentyFour, 24U);
-    EXPECT_EQ(+host.colour.before, 0xCCCCCCU);
-    EXPECT_EQ(+host.colour.colour, 0xCCCCCCU);
+    EXPECT_EQ(std::tuple(+host.colour.size, +host.colour.version, +host.colour.twentyFour, +host.colour.before,
+                         +host.colour.colour),
+              std::tuple(28U, 0x201U, 24U, 0xCCCCCCU, 0xCCCCCCU));
     EXPECT_EQ(host.colour.owner, static_cast<WindowHandle>(reinterpret_cast<std::uintptr_t>(Dialog())));
     EXPECT_TRUE(+host.colour.customColours != nullptr);
     host.chosen.reset(); // cancelled

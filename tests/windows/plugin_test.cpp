@@ -14,49 +14,38 @@
 namespace lumafold {
 namespace {
 
-class Library {
-public:
-    Library() : module_(LoadLibraryA("lumafold.dll")) {}
-    Library(const Library&) = delete;
-    Library& operator=(const Library&) = delete;
-    ~Library() {
-        if (module_ != nullptr) FreeLibrary(module_);
-    }
-    HMODULE Module() const { return module_; }
+class Plugin : public testing::Test {
+protected:
+    Plugin() { EXPECT_NE(module_, nullptr) << "error " << GetLastError(); }
+    ~Plugin() override { FreeLibrary(module_); }
     template <typename Function>
     Function* Find(const char* name) const {
         return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
     }
 
-private:
-    HMODULE module_;
+    const HMODULE module_ = LoadLibraryA("lumafold.dll");
 };
 
-TEST(Plugin, ExportsItsEntryPointsAndNoMore) {
-    const Library library;
-    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
+TEST_F(Plugin, ExportsItsEntryPointsAndNoMore) {
     for (const char* name : {"DllEntryPoint", "PLUGINDoBuild", "PLUGINGetPluginParams"}) {
-        EXPECT_NE(GetProcAddress(library.Module(), name), nullptr) << name;
+        EXPECT_NE(GetProcAddress(module_, name), nullptr) << name;
     }
-    EXPECT_EQ(GetProcAddress(library.Module(), MAKEINTRESOURCEA(4)), nullptr) << "a fourth one";
-    EXPECT_NE(FindResourceA(library.Module(), MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION), nullptr);
+    EXPECT_EQ(GetProcAddress(module_, MAKEINTRESOURCEA(4)), nullptr) << "a fourth one";
+    EXPECT_NE(FindResourceA(module_, MAKEINTRESOURCEA(VS_VERSION_INFO), RT_VERSION), nullptr);
 }
 
-TEST(Plugin, KeepsItsTextsByNumber) {
-    const Library library;
+TEST_F(Plugin, KeepsItsTextsByNumber) {
     const std::pair<UINT, const char*> texts[] = {
         {3, "Error reading file"}, {6, "Memory error"}, {1600, "Black and white"}, {1608, "256 gray levels"}};
     for (const auto& [number, text] : texts) {
         char found[64] = "";
-        LoadStringA(library.Module(), number, found, sizeof(found));
+        LoadStringA(module_, number, found, sizeof(found));
         EXPECT_STREQ(found, text);
     }
 }
 
-TEST(Plugin, DescribesItselfWhateverTheSize) {
-    const Library library;
-    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
-    const auto describe = library.Find<decltype(PLUGINGetPluginParams)>("PLUGINGetPluginParams");
+TEST_F(Plugin, DescribesItselfWhateverTheSize) {
+    const auto describe = Find<decltype(PLUGINGetPluginParams)>("PLUGINGetPluginParams");
     ASSERT_NE(describe, nullptr);
 
     const std::string notice = LUMAFOLD_NOTICE;
@@ -81,32 +70,27 @@ TEST(Plugin, DescribesItselfWhateverTheSize) {
     }
 }
 
-TEST(Plugin, EntryPointAnswersEveryReasonAndRemembersTheModule) {
-    const Library library;
-    ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
-    const auto loaded = library.Find<decltype(DllEntryPoint)>("DllEntryPoint");
+TEST_F(Plugin, EntryPointAnswersEveryReasonAndRemembersTheModule) {
+    const auto loaded = Find<decltype(DllEntryPoint)>("DllEntryPoint");
     ASSERT_NE(loaded, nullptr);
     for (DWORD reason = 0; reason <= 4; ++reason) {
-        EXPECT_EQ(loaded(library.Module(), reason, nullptr), 1) << "reason " << reason;
+        EXPECT_EQ(loaded(module_, reason, nullptr), 1) << "reason " << reason;
         // The library keeps its module to itself, so the same code is asked where it can be seen.
         SetModuleInstance(nullptr);
-        EXPECT_EQ(DllEntryPoint(library.Module(), reason, nullptr), 1);
-        EXPECT_EQ(ModuleInstance(), library.Module()) << "reason " << reason;
+        EXPECT_EQ(DllEntryPoint(module_, reason, nullptr), 1);
+        EXPECT_EQ(ModuleInstance(), module_) << "reason " << reason;
     }
 }
 
-TEST(Plugin, LoadingAndUnloadingLeavesNothingBehind) {
-    const auto loadOnce = [] {
-        const Library library;
-        ASSERT_NE(library.Module(), nullptr) << "error " << GetLastError();
-    };
-    loadOnce();
+TEST_F(Plugin, LoadingAndUnloadingLeavesNothingBehind) {
+    FreeLibrary(module_); // what is made once and kept has been by now
     const std::size_t before = test::OpenHandles();
     EXPECT_GT(before, 0U);
     for (int i = 0; i < 50; ++i)
-        loadOnce();
+        FreeLibrary(LoadLibraryA("lumafold.dll"));
     EXPECT_EQ(test::OpenHandles(), before);
     EXPECT_EQ(GetModuleHandleA("lumafold.dll"), nullptr);
+    LoadLibraryA("lumafold.dll");
 }
 
 } // namespace
