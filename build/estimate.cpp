@@ -1,8 +1,6 @@
 #include "build/estimate.h"
 
-#include <cmath>
 #include <limits>
-#include <string_view>
 
 #include "transitions/table.h"
 
@@ -24,45 +22,11 @@ std::uint64_t PictureBytes(const BuildEstimate& estimate, int bits) {
     return DibBlockBytes(estimate.width, estimate.height, bits).value_or(kMostDibBytes);
 }
 
-/// What rendering holds besides pictures and frames, in bytes a pixel of the canvas.
-struct RenderNeed {
-    double gap;    ///< once a gap
-    double worker; ///< for each frame at work
-};
-
-/// How much of its table Liquid metal needs along one axis: a centre in the middle halves it.
-double RippleShare(std::uint32_t centrePercent) {
-    const double off = std::abs(static_cast<double>(centrePercent) - 100) / 100; // from the middle, in sizes
-    return std::min(0.5 + off, 1.0);
-}
-
-/// As measured, effect by effect; what is not named holds next to nothing.
-RenderNeed NeedOf(std::int32_t row, const PluginSettings& settings) {
-    if (row < 0 || row >= kTransitionCount) return {0, 0};
-    const std::string_view name = TransitionTable[static_cast<std::size_t>(row)].name;
-    const auto isOneOf = [name](auto... starts) { return (name.starts_with(starts) || ...); };
-    if (isOneOf("Liquid metal")) {
-        const double share = RippleShare(settings.TransitionLiquidMetalCenterX) *
-                             RippleShare(settings.TransitionLiquidMetalCenterY);
-        return {1.5 + 8 * share, 7 + 4 * share};
-    }
-    if (isOneOf("Alpha")) return {0, name.ends_with("(opaque)") ? 6.0 : 3.0};
-    if (isOneOf("Burp", "Quantum")) return {1, 7};
-    if (isOneOf("Framework")) return {2, 11};
-    if (isOneOf("Hurricane")) return {2, 6};
-    if (isOneOf("Paintball", "Silent movie")) return {3, 3};
-    if (isOneOf("Soft slide")) return {5, 1};
-    if (isOneOf("Spikes")) return {8, 1};
-    if (isOneOf("Spiral", "Submerge")) return {6, 3};
-    if (isOneOf("Soft iris", "Unplugged")) return {0, 3};
-    return {0, 0};
-}
-
 /// Of a gap with all workers, or of as many gaps as there are workers where frames follow from one another.
 double RenderBytes(std::int32_t row, const PluginSettings& settings, std::size_t workers) {
-    const RenderNeed need = NeedOf(row, settings);
+    const RenderNeed need = RenderNeedOf(row, settings);
     const auto atOnce = static_cast<double>(workers);
-    return RendersInTurn(row) ? atOnce * (need.gap + need.worker) : need.gap + atOnce * need.worker;
+    return RendersInTurn(row) ? atOnce * (need.gap + need.frame) : need.gap + atOnce * need.frame;
 }
 
 struct Held {

@@ -112,6 +112,9 @@ struct AlphaPieces {
 
     /// One piece is admitted a frame while there is a place; a place is held until the piece is below 0. The
     /// run ends when the last piece has come down to 0 or below.
+    static RenderNeed Need(const PluginSettings&, PieceShape, PieceLook look) {
+        return {0, look == PieceLook::Opaque ? 6.0 : 3.0};
+    }
     std::int64_t Frames() const {
         std::int64_t above = 0; // frames that show a piece before it has come down
         float alpha = kStartAlpha;

@@ -86,6 +86,7 @@ struct Framework {
     static constexpr std::int64_t kStep = 10; // levels of 255 a frame
 
     static std::optional<Framework> Plan(const PluginSettings&, CanvasSize) { return Framework(); }
+    static RenderNeed Need(const PluginSettings&) { return {2, 11}; }
     std::int64_t Frames() const { return FramesBelow(255, kStep); }
 
     OwnedDib Frame(const Gap& gap, std::int64_t index) const {

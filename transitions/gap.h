@@ -20,6 +20,12 @@ struct Gap {
     WindowHandle window; ///< gives a drawing context to be compatible with; 0 is the screen
 };
 
+/// What rendering a gap holds besides its pictures and the frames made, in bytes a pixel of the canvas.
+struct RenderNeed {
+    double gap = 0;   ///< once
+    double frame = 0; ///< for each frame at work
+};
+
 /// How often a loop `for (p = first; p < limit; p += step)` runs, step > 0.
 constexpr std::int64_t LoopCount(std::int64_t first, std::int64_t limit, std::int64_t step) {
     return first >= limit ? 0 : (limit - first + step - 1) / step;

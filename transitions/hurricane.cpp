@@ -91,6 +91,7 @@ struct Hurricane {
         if (settings.TransitionMotionBlurRadius > kLongestSmear) return {};
         return Hurricane{settings.TransitionMotionBlurStep};
     }
+    static RenderNeed Need(const PluginSettings&) { return {2, 6}; }
     std::int64_t Frames() const { return FramesBelow(100, step); }
     TurnTable Start(const Gap&) const { return {}; }
 

@@ -76,6 +76,7 @@ struct Implode {
         if (settings.TransitionImplodeStep == 0) return {};
         return Implode{settings.TransitionImplodeStep, kind};
     }
+    static RenderNeed Need(const PluginSettings&, ImplodeKind) { return {1, 7}; }
     std::int64_t Frames() const { return FramesBelow(100, step); }
 
     OwnedDib Frame(const Gap& gap, std::int64_t index) const {

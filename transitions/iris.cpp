@@ -33,6 +33,7 @@ struct SoftIris {
         if (settings.TransitionIrisStep == 0) return {};
         return SoftIris{settings.TransitionIrisStep, shape};
     }
+    static RenderNeed Need(const PluginSettings&, IrisShape) { return {0, 3}; }
     std::int64_t Frames() const { return OpeningFrames(shape, step); }
 
     OwnedDib Frame(const Gap& gap, std::int64_t index) const {
@@ -49,6 +50,7 @@ struct SilentMovie {
         return SilentMovie{settings.TransitionSilentMovieStep};
     }
     std::int64_t ClosingFrames() const { return FramesBelow(100, step); }
+    static RenderNeed Need(const PluginSettings&) { return {3, 3}; }
     std::int64_t Frames() const { return ClosingFrames() + 1 + OpeningFrames(IrisShape::Ellipse, step); }
 
     /// The flat colour.

@@ -192,6 +192,16 @@ struct LiquidMetal {
     }
     std::int64_t Frames() const { return FramesBelow(255, step); }
 
+    /// A centre in the middle of an axis halves the table along it.
+    static RenderNeed Need(const PluginSettings& settings) {
+        const auto share = [](std::uint32_t centre) { // in percent of half the size
+            return std::min(0.5 + std::abs(static_cast<double>(centre) - 100) / 100, 1.0);
+        };
+        const double table =
+            share(settings.TransitionLiquidMetalCenterX) * share(settings.TransitionLiquidMetalCenterY);
+        return {1.5 + 8 * table, 7 + 4 * table};
+    }
+
     RippleField Start(const Gap& gap) const {
         return {gap.size, gap.settings.TransitionLiquidMetalCenterX,
                 gap.settings.TransitionLiquidMetalCenterY};

@@ -120,6 +120,7 @@ struct Spikes {
         if (Teeth(count, Across(travel, canvas)).Breadth() > kMostPixels / length) return {};
         return Spikes{count, step, travel};
     }
+    static RenderNeed Need(const PluginSettings&, Travel) { return {8, 1}; }
     std::int64_t Frames() const { return FramesBelow(100, step); }
 
     Mask Start(const Gap& gap) const {
@@ -139,6 +140,7 @@ struct SoftSlide {
         if (settings.TransitionSoftSlideStep == 0) return {};
         return SoftSlide{settings.TransitionSoftSlideStep, travel};
     }
+    static RenderNeed Need(const PluginSettings&, Travel) { return {5, 1}; }
     std::int64_t Frames() const { return FramesBelow(100, step); }
 
     Mask Start(const Gap& gap) const {

@@ -76,6 +76,7 @@ struct Paintball {
         return Paintball{SplatGrid(canvas, settings.TransitionPaintballSize),
                          settings.TransitionPaintballPerturb};
     }
+    static RenderNeed Need(const PluginSettings&) { return {3, 3}; }
     std::int64_t Frames() const { return grid.columns * grid.rows; }
 
     struct State {

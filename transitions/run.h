@@ -9,6 +9,8 @@
 //         std::int64_t Frames() const; // between the stills
 //         OwnedDib Frame(const Gap& gap, std::int64_t index) const; // in any order; empty: memory is short
 //         std::int32_t Delay(std::int64_t index, std::int32_t delay) const; // where it is not the gap's
+//         static RenderNeed Need(const PluginSettings& settings, kinds...); // where it is not next to
+//         nothing
 //     };
 //     constinit const Effect kSolarize = EffectOf<Solarize>();
 //
@@ -31,6 +33,7 @@ struct Effect {
     EffectFunction run;
     std::int64_t (*count)(const PluginSettings& settings, CanvasSize canvas); ///< as FrameCount
     bool inTurn;                                                              ///< as RendersInTurn
+    RenderNeed (*need)(const PluginSettings& settings);                       ///< as RenderNeedOf
 };
 #define LUMAFOLD_EFFECT(effect, name, keys) extern const Effect k##effect;
 #include "transitions/effects.def"
@@ -126,10 +129,21 @@ std::int64_t CountFrames(const PluginSettings& settings, CanvasSize canvas) {
     return family ? 1 + family->Frames() : 0;
 }
 
+/// As measured, of families that hold more than next to nothing.
+template <typename Family, auto... kKinds>
+RenderNeed NeedOf(const PluginSettings& settings) {
+    if constexpr (requires { Family::Need(settings, kKinds...); }) {
+        return Family::Need(settings, kKinds...);
+    } else {
+        return {};
+    }
+}
+
 /// The effect that a family is with these arguments behind its plan's own.
 template <typename Family, auto... kKinds>
 constexpr Effect EffectOf() {
-    return {RunEffect<Family, kKinds...>, CountFrames<Family, kKinds...>, !FamilyFrames<Family>::kAnyOrder};
+    return {RunEffect<Family, kKinds...>, CountFrames<Family, kKinds...>, !FamilyFrames<Family>::kAnyOrder,
+            NeedOf<Family, kKinds...>};
 }
 
 } // namespace lumafold

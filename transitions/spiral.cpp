@@ -174,6 +174,7 @@ struct Spiral {
         if (entry >= std::size(kSteps)) return {};
         return Spiral{kFullTurn / kSteps[entry], settings.TransitionSpiralShear != 0, way};
     }
+    static RenderNeed Need(const PluginSettings&, SpiralWay) { return {6, 3}; }
     std::int64_t Frames() const { return steps - 1; }
 
     /// The turning picture; only smooth turning looks at halved ones.

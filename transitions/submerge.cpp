@@ -74,6 +74,7 @@ struct Submerge {
         return Submerge{settings.TransitionSubmergeStep};
     }
     std::int64_t HalfFrames() const { return FramesBelow(kSurface, step); } ///< down, or up
+    static RenderNeed Need(const PluginSettings&) { return {6, 3}; }
     std::int64_t Frames() const { return 2 * HalfFrames(); }
 
     struct Planes {

@@ -41,6 +41,11 @@ bool RendersInTurn(int row) {
     return known != nullptr && known->effect.inTurn;
 }
 
+RenderNeed RenderNeedOf(int row, const PluginSettings& settings) {
+    const Row* known = RowAt(row);
+    return known != nullptr ? known->effect.need(settings) : RenderNeed();
+}
+
 std::string_view TransitionSettings(int row) {
     const Row* known = RowAt(row);
     return known != nullptr ? known->keys : std::string_view();

@@ -39,6 +39,9 @@ std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canv
 /// Whether the row's frames follow from one another, so that one worker renders a gap.
 bool RendersInTurn(int row);
 
+/// Nothing where there is no such row.
+RenderNeed RenderNeedOf(int row, const PluginSettings& settings);
+
 /// The configuration keys the row's effect reads, separated by blanks.
 std::string_view TransitionSettings(int row);
 

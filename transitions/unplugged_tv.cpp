@@ -78,6 +78,7 @@ struct UnpluggedTv {
     std::int64_t CollapseFrames() const { return 100 / step; }
     std::int64_t BrighteningFrames() const { return LoopCount(kGlowFirst, kGlowFull, step); }
     std::int64_t FadingFrames() const { return LoopCount(0, kGlowFull - kGlowEnd, step); }
+    static RenderNeed Need(const PluginSettings&) { return {0, 3}; }
     std::int64_t Frames() const {
         return 2 * CollapseFrames() + (glows ? BrighteningFrames() + FadingFrames() : 0);
     }
