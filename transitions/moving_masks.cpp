@@ -98,18 +98,22 @@ std::int32_t WindowAt(std::int64_t index, std::int32_t distance, std::int64_t st
     return static_cast<std::int32_t>(std::floor(offset));
 }
 
-/// A frame through a window that moves along the mask by `step` percent of the way a frame.
-OwnedDib WindowFrame(const Gap& gap, const Mask& mask, Travel travel, std::int64_t step, std::int64_t index) {
-    const std::int32_t restX = mask.Width() - gap.size.width, restY = mask.Height() - gap.size.height;
-    if (travel == Travel::Down)
-        return MaskBlend(gap.target, gap.source, mask, restX / 2, WindowAt(index, restY, step));
-    return MaskBlend(gap.target, gap.source, mask, WindowAt(index, restX, step), restY / 2);
-}
-
-struct Spikes {
-    std::int64_t count; ///< teeth
-    std::int64_t step;  ///< percent of the way a frame
+/// What both families have in common: a frame is what a window shows that moves along their mask.
+struct MovingMask {
+    std::int64_t step; ///< percent of the way a frame
     Travel travel;
+
+    std::int64_t Frames() const { return FramesBelow(100, step); }
+    OwnedDib Frame(const Gap& gap, const Mask& mask, std::int64_t index) const {
+        const std::int32_t restX = mask.Width() - gap.size.width, restY = mask.Height() - gap.size.height;
+        const bool down = travel == Travel::Down;
+        return MaskBlend(gap.target, gap.source, mask, down ? restX / 2 : WindowAt(index, restX, step),
+                         down ? WindowAt(index, restY, step) : restY / 2);
+    }
+};
+
+struct Spikes : MovingMask {
+    std::int64_t count; ///< teeth
 
     static std::optional<Spikes> Plan(const PluginSettings& settings, CanvasSize canvas, Travel travel) {
         const std::int64_t count = settings.TransitionSpikeCount, step = settings.TransitionSpikeStep;
@@ -118,37 +122,24 @@ struct Spikes {
         constexpr std::int64_t kMostPixels = 0x7FFFFFFF / 3;
         const std::int64_t length = 6 * Along(travel, canvas);
         if (Teeth(count, Across(travel, canvas)).Breadth() > kMostPixels / length) return {};
-        return Spikes{count, step, travel};
+        return Spikes{{step, travel}, count};
     }
     static RenderNeed Need(const PluginSettings&, Travel) { return {8, 1}; }
-    std::int64_t Frames() const { return FramesBelow(100, step); }
-
     Mask Start(const Gap& gap) const {
         const auto draw = travel == Travel::Down ? SpikeMaskVertical : SpikeMaskHorizontal;
         return Blurred(draw(gap.window, gap.size, count), gap.settings.TransitionSpikeRadius);
     }
-    OwnedDib Frame(const Gap& gap, const Mask& mask, std::int64_t index) const {
-        return WindowFrame(gap, mask, travel, step, index);
-    }
 };
 
-struct SoftSlide {
-    std::int64_t step; ///< percent of the way a frame
-    Travel travel;
-
+struct SoftSlide : MovingMask {
     static std::optional<SoftSlide> Plan(const PluginSettings& settings, CanvasSize, Travel travel) {
         if (settings.TransitionSoftSlideStep == 0) return {};
-        return SoftSlide{settings.TransitionSoftSlideStep, travel};
+        return SoftSlide{{settings.TransitionSoftSlideStep, travel}};
     }
     static RenderNeed Need(const PluginSettings&, Travel) { return {5, 1}; }
-    std::int64_t Frames() const { return FramesBelow(100, step); }
-
     Mask Start(const Gap& gap) const {
         const auto draw = travel == Travel::Down ? SlideMaskVertical : SlideMaskHorizontal;
         return Blurred(draw(gap.window, gap.size), gap.settings.TransitionSoftSlideRadius);
-    }
-    OwnedDib Frame(const Gap& gap, const Mask& mask, std::int64_t index) const {
-        return WindowFrame(gap, mask, travel, step, index);
     }
 };
 
