@@ -31,17 +31,16 @@ unsigned EqualBytes(const std::uint8_t* a, const std::uint8_t* b) {
 void MarkRow(const std::uint8_t* before, const std::uint8_t* frame, std::int32_t width, std::uint8_t* mask) {
     std::int32_t x = 0;
 #if LUMAFOLD_SSE2
-    for (; x + 16 <= width; x += 16, mask += 2) {
-        const std::uint8_t *a = before + 3 * x, *b = frame + 3 * x;
-        const unsigned first = EqualBytes(a, b), middle = EqualBytes(a + 16, b + 16),
-                       last = EqualBytes(a + 32, b + 32);
+    for (; x + 16 <= width; x += 16, before += 48, frame += 48, mask += 2) {
+        const unsigned first = EqualBytes(before, frame), middle = EqualBytes(before + 16, frame + 16),
+                       last = EqualBytes(before + 32, frame + 32);
         const unsigned left = first | (middle & 0xFF) << 16, right = middle >> 8 | last << 8;
         mask[0] = static_cast<std::uint8_t>(kMarksOfBytes[left & 0xFFF] << 4 | kMarksOfBytes[left >> 12]);
         mask[1] = static_cast<std::uint8_t>(kMarksOfBytes[right & 0xFFF] << 4 | kMarksOfBytes[right >> 12]);
     }
 #endif
-    for (std::int32_t bit = 0; x < width; ++x, ++bit) {
-        if (std::equal(frame + 3 * x, frame + 3 * x + 3, before + 3 * x)) {
+    for (std::int32_t bit = 0; x < width; ++x, ++bit, before += 3, frame += 3) {
+        if (std::equal(frame, frame + 3, before)) {
             mask[bit / 8] = static_cast<std::uint8_t>(mask[bit / 8] | 0x80 >> bit % 8);
         }
     }

@@ -167,8 +167,9 @@ bool StretchQuickly(const DibHeader& source, DibHeader& target, std::int64_t per
 }
 
 /// Shrinking to half takes exactly two pixels each; this is the mask's way to its size, and its share of the
-/// time.
-void Halve(const DibHeader& source, DibHeader& target, Axis axis) {
+/// time. Its inner loop is so short that its place in a cache line decides a sixth of it, hence the
+/// alignment.
+[[gnu::noinline, gnu::aligned(64)]] void Halve(const DibHeader& source, DibHeader& target, Axis axis) {
     const ConstRowView from(source);
     const RowView to(target);
     for (std::int32_t y = 0; y < to.Height(); ++y) {
