@@ -161,6 +161,24 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.2 kB");
 }
 
+TEST(DocumentSet, KeepsTheCurrentOneWhenAnEarlierOneCloses) {
+    struct Watcher : DocumentWatcher {
+        void CurrentChanged() override {}
+        void StateChanged() override {}
+        void BeforeClosing() override {}
+    } watcher;
+    DocumentSet set(watcher);
+    for (const char* name : {"a", "b", "c"}) {
+        Animation animation = EmptyAnimation(2, 2, 8);
+        AddFrame(animation, {8, 5}, [](int, int) { return 0U; });
+        set.Add(std::make_unique<Document>(std::move(animation), name, Origin::Build));
+    }
+    set.Select(1);
+    const Document* current = set.Current();
+    set.Close(0);
+    EXPECT_EQ(set.Current(), current);
+}
+
 TEST(FileSize, IsEstimatedWhereWritingTakesLong) {
     Animation animation = EmptyAnimation(2000, 2000, 8);
     for (int i = 0; i < 8; ++i)
