@@ -113,13 +113,17 @@ TEST(PictureKinds, TellWhenTheyAreCutShort) {
     }
 }
 
-TEST(JpegDecoder, TellsWhenItIsTooLarge) {
+TEST(JpegDecoder, TellsWhenItIsTooLargeOrEndsAmidst) {
     FileBytes file = ComposeJpeg(SmoothPicture(61, 47, true), {.stored = JCS_YCbCr});
     const std::uint8_t frame[] = {0xFF, 0xC0, 0, 17, 8, 0, 47, 0, 61};
     const auto at = std::search(file.begin(), file.end(), std::begin(frame), std::end(frame));
     ASSERT_NE(at, file.end());
     at[5] = 0x40;
     EXPECT_EQ(DecodePicture(file, 0, 1 << 30).error, "61 x 16431 pixels are too many, a side may have 16384");
+    at[5] = 0;
+    const std::uint8_t end[] = {0xFF, 0xD9};
+    std::copy(std::begin(end), std::end(end), file.end() - 200);
+    EXPECT_NE(DecodePicture(file, 0, 1 << 30).error.find("the JPEG data is damaged"), std::string::npos);
 }
 
 TEST(PictureKinds, AreNamedWhenTheyCannotBeRead) {

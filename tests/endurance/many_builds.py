@@ -17,7 +17,7 @@ import products
 
 PROGRAM = pathlib.Path(os.environ["LUMAFOLD"]).resolve()
 PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs/many-builds.md"
-BUILDS, WIDTH, HEIGHT = 80, 160, 120
+BUILDS, WIDTH, HEIGHT = 48, 160, 120
 TRANSITIONS = ["None", "Soft slide (vertical)", "Soft iris (diamond)", "Soft slide (horizontal)", "Silent movie"]
 
 

@@ -161,6 +161,24 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.2 kB");
 }
 
+TEST(DocumentSet, KeepsTheCurrentOneWhenAnEarlierOneCloses) {
+    struct Watcher : DocumentWatcher {
+        void CurrentChanged() override {}
+        void StateChanged() override {}
+        void BeforeClosing() override {}
+    } watcher;
+    DocumentSet set(watcher);
+    for (const char* name : {"a", "b", "c"}) {
+        Animation animation = EmptyAnimation(2, 2, 8);
+        AddFrame(animation, {8, 5}, [](int, int) { return 0U; });
+        set.Add(std::make_unique<Document>(std::move(animation), name, Origin::Build));
+    }
+    set.Select(1);
+    const Document* current = set.Current();
+    set.Close(0);
+    EXPECT_EQ(set.Current(), current);
+}
+
 TEST(FileSize, IsEstimatedWhereWritingTakesLong) {
     Animation animation = EmptyAnimation(2000, 2000, 8);
     for (int i = 0; i < 8; ++i)
@@ -290,13 +308,14 @@ TEST_F(CommandLineTest, HostSettingsComeBackAsTheyWereKept) {
     kept.customColours[15] = 0xABCDEF;
     kept.openFiles = {"C:\\a=b;c.gif", "D:\\\xE8\x88\xB9 [x].png"};
     for (int i = 0; i < 12; ++i)
-        kept.RememberRecent("file " + std::to_string(i % 11));
+        kept.RememberRecent("file " + std::to_string(i));
+    kept.RememberRecent("file 9");
     kept.Save(Path("new/folder/a.ini"));
     HostSettings read;
     read.Load(Path("new/folder/a.ini"));
     EXPECT_EQ(read.openFiles, kept.openFiles);
     ASSERT_EQ(read.recentFiles.size(), HostSettings::kMostRecent);
-    EXPECT_EQ(read.recentFiles[0] + read.recentFiles[1], "file 0file 10");
+    EXPECT_EQ(read.recentFiles[0] + read.recentFiles[2] + read.recentFiles[3], "file 9file 10file 8");
     EXPECT_EQ(read.window.left + read.window.bottom + static_cast<int>(read.capabilities), 598);
     EXPECT_TRUE(!read.checkerboard && read.hasCustomColours && read.customColours == kept.customColours);
     // What an older version, or a person, left.

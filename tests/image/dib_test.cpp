@@ -65,7 +65,7 @@ TEST(Dib, AccessorsPackEveryDepth) {
         // One pixel changes and its neighbours in the same bytes do not.
         for (std::int32_t x = 0; x < 7; ++x) {
             const PixelValue left = DibGetPixel(*dib, x - 1, 1), right = DibGetPixel(*dib, x + 1, 1);
-            for (const PixelValue value : {0x1F2F3F5FU, 0U}) {
+            for (const PixelValue value : {0x1F2F3F5FU, 0x1F2F3F5EU, 0U}) {
                 DibSetPixel(*dib, x, 1, value);
                 EXPECT_EQ(DibGetPixel(*dib, x, 1), bits == 1 ? PixelValue{value != 0} : value & mask);
             }

@@ -68,10 +68,9 @@ TEST_F(MainDialog, StartsFromDefaultsAndWritesEverySetting) {
 
 TEST_F(MainDialog, KeepsSettingsOnEveryWayOut) {
     Open();
-    Click(LUMAFOLD_MAIN_CUSTOM_PALETTE);
-    Click(LUMAFOLD_MAIN_DITHER);
-    Click(LUMAFOLD_MAIN_TRUE_COLOUR);
-    Click(LUMAFOLD_MAIN_SUPERCOMPRESS);
+    for (const int box : {LUMAFOLD_MAIN_CUSTOM_PALETTE, LUMAFOLD_MAIN_DITHER, LUMAFOLD_MAIN_TRUE_COLOUR,
+                          LUMAFOLD_MAIN_SUPERCOMPRESS})
+        Click(box);
     Choose(LUMAFOLD_MAIN_PALETTE, 2);
     Choose(LUMAFOLD_MAIN_TRANSITION, 22);
     Type(LUMAFOLD_MAIN_DELAY, "70000");
@@ -79,8 +78,8 @@ TEST_F(MainDialog, KeepsSettingsOnEveryWayOut) {
     host.chosen = 0x030201;
     Click(LUMAFOLD_MAIN_MATTE);
     EXPECT_EQ(Text(LUMAFOLD_MAIN_MATTE), "1,2,3");
-    EXPECT_EQ(std::tuple(+host.colour.size, +host.colour.version, +host.colour.twentyFour, +host.colour.before,
-                         +host.colour.colour),
+    EXPECT_EQ(std::tuple(+host.colour.size, +host.colour.version, +host.colour.twentyFour,
+                         +host.colour.before, +host.colour.colour),
               std::tuple(28U, 0x201U, 24U, 0xCCCCCCU, 0xCCCCCCU));
     EXPECT_EQ(host.colour.owner, static_cast<WindowHandle>(reinterpret_cast<std::uintptr_t>(Dialog())));
     EXPECT_TRUE(+host.colour.customColours != nullptr);

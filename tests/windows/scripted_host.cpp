@@ -78,13 +78,9 @@ void FillClipboard(HWND owner, const OwnedDib& picture) {
 }
 
 std::string PictureFolder::Add(const std::string& name, const OwnedDib& picture) const {
-    BITMAPFILEHEADER header{};
-    static_assert(sizeof(header) == kFileHeaderBytes);
-    header.bfType = 0x4D42;
-    header.bfOffBits = static_cast<DWORD>(kFileHeaderBytes + DibRowsOffset(*picture));
-    header.bfSize = static_cast<DWORD>(kFileHeaderBytes + GlobalBytes(picture.Get()));
-    WriteFileBytes(path_ + name,
-                   std::string(reinterpret_cast<const char*>(&header), sizeof(header)) + BytesOf(picture));
+    std::string header = "BM";
+    header.resize(kFileHeaderBytes); // of which the host reads no more
+    WriteFileBytes(path_ + name, header + BytesOf(picture));
     return path_ + name;
 }
 

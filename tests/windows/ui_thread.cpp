@@ -118,28 +118,15 @@ HWND UiThread::ActiveDialog() const {
 }
 
 void MoveMouse(POINT screen) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    const auto scaled = [](LONG at, int size) { return static_cast<LONG>((at * 65536 + 32768) / size); };
-    input.mi.dx = scaled(screen.x, GetSystemMetrics(SM_CXSCREEN));
-    input.mi.dy = scaled(screen.y, GetSystemMetrics(SM_CYSCREEN));
-    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    SendInput(1, &input, sizeof(input));
+    const auto scaled = [](LONG at, int size) { return static_cast<DWORD>((at * 65536 + 32768) / size); };
+    mouse_event(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, scaled(screen.x, GetSystemMetrics(SM_CXSCREEN)),
+                scaled(screen.y, GetSystemMetrics(SM_CYSCREEN)), 0, 0);
 }
 
 void PressMouse(MouseButton what) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = what == MouseButton::Down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
-    SendInput(1, &input, sizeof(input));
+    mouse_event(what == MouseButton::Down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
 }
 
-void PressKey(WORD key, KeyState what) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = key;
-    input.ki.dwFlags = what == KeyState::Up ? KEYEVENTF_KEYUP : 0;
-    SendInput(1, &input, sizeof(input));
-}
+void PressKey(BYTE key, KeyState what) { keybd_event(key, 0, what == KeyState::Up ? KEYEVENTF_KEYUP : 0, 0); }
 
 } // namespace lumafold::test

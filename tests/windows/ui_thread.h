@@ -41,6 +41,6 @@ void MoveMouse(POINT screen);
 enum class MouseButton { Down, Up };
 void PressMouse(MouseButton what);
 enum class KeyState { Down, Up };
-void PressKey(WORD key, KeyState what);
+void PressKey(BYTE key, KeyState what);
 
 } // namespace lumafold::test
