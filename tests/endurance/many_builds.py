@@ -1,23 +1,23 @@
 #!/usr/bin/env python3
-"""The commands of docs/many-builds.md, run as they stand there: many builds on two machines, which are two
-names of this one, with a machine killed and the whole run ended on the way; some on one machine; and the tasks of a Slurm array
-one after the other. Run by ctest, which tells where the program is."""
+"""The commands of docs/many-builds.md, run as they stand there: 200 builds on two machines, which are two ssh servers on
+this one, with a machine killed and the whole run ended on the way; some on one machine; and a Slurm array where root can
+set up a node. Run by ctest, which tells where the program is."""
 import contextlib
 import os
 import pathlib
 import re
 import shutil
 import signal
+import socket
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
 
-import products
-
 PROGRAM = pathlib.Path(os.environ["LUMAFOLD"]).resolve()
 PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs/many-builds.md"
-BUILDS, WIDTH, HEIGHT = 48, 160, 120
+BUILDS, SLURM_BUILDS, WIDTH, HEIGHT = 200, 8, 320, 240
 TRANSITIONS = ["None", "Soft slide (vertical)", "Soft iris (diamond)", "Soft slide (horizontal)", "Silent movie"]
 
 
@@ -26,10 +26,18 @@ def commands():
     return re.findall(r"```sh\n(.*?)```", PAGE.read_text(encoding="utf-8"), re.DOTALL)
 
 
+def picture(seed):
+    """A bitmap of soft colours, as a file's bytes."""
+    rows = bytes(value >> shift & 255 for y in range(HEIGHT) for x in range(WIDTH)
+                 for value in [(x * (seed + 1) + y * 3) * 0x10305 // 7] for shift in (0, 8, 16))
+    head = [54 + len(rows), 0, 54, 40, WIDTH, HEIGHT, 24 << 16 | 1, 0, len(rows), 0, 0, 0, 0]
+    return b"BM" + b"".join(number.to_bytes(4, "little") for number in head) + rows
+
+
 def table(folder, count):
     """Writes pictures and table; returns the table's lines as lists of words."""
     for number, name in enumerate("a b c d e".split()):
-        (folder / f"picture {name}.bmp").write_bytes(products.bitmap(WIDTH, HEIGHT, number))
+        (folder / f"picture {name}.bmp").write_bytes(picture(number))
     (folder / "out").mkdir()
     names = [f"picture {name}.bmp" for name in "abcde"]
     lines = [[f"out/{i:03}.gif", TRANSITIONS[i % 5], str(2 + i // 5), *(names[(i + i // 5 * at + at) % 5] for at in range(3))]
@@ -38,18 +46,51 @@ def table(folder, count):
     return lines
 
 
-# Stands for ssh: a machine is this one, until a file says that it is dead. What it runs is a group of processes whose
-# number is kept, so that they can end with it.
-SSH = """#!/bin/sh
-name=$1
-shift
-test "$1" = -- && shift
-test -e "$HOME/$name.dead" && exit 255
-setsid sh -c 'echo $$ >"$0"; exec sh -c "$1"' "$HOME/$name.$$" "$*"
-status=$?
-test $status -lt 128 && exit $status
-exit 255
-"""
+def family(process):
+    """The ids of a process and of all that it started, as far as they live."""
+    parents = {}
+    for entry in pathlib.Path("/proc").glob("[0-9]*"):
+        with contextlib.suppress(OSError):
+            parents[int(entry.name)] = int((entry / "stat").read_text().rpartition(")")[2].split()[1])
+    members = [process]
+    for member in members:
+        members += [child for child, parent in parents.items() if parent == member]
+    return members
+
+
+class Machine:
+    """An ssh server of our own on a port of this machine."""
+
+    def __init__(self, folder, name):
+        self.folder, self.name = folder, name
+        with socket.socket() as probe:
+            probe.bind(("127.0.0.1", 0))
+            self.port = probe.getsockname()[1]
+        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder / f"host-{name}"], check=True)
+        (folder / f"sshd-{name}").write_text(
+            f"Port {self.port}\nListenAddress 127.0.0.1\nHostKey {folder}/host-{name}\nPidFile none\nStrictModes no\n"
+            f"AuthorizedKeysFile {folder}/key.pub\nUsePAM no\nPermitRootLogin yes\nMaxStartups 100\nMaxSessions 100\n"
+            f"SetEnv PATH={PROGRAM.parent}:{os.environ['PATH']}\n")
+
+    def start(self):
+        self.server = subprocess.Popen([shutil.which("sshd") or "/usr/sbin/sshd", "-D", "-e", "-f", self.folder / f"sshd-{self.name}"],
+                                       stderr=subprocess.DEVNULL)
+        for _ in range(200):
+            with contextlib.suppress(OSError), socket.create_connection(("127.0.0.1", self.port), 1):
+                return
+            time.sleep(0.05)
+        raise RuntimeError("the ssh server does not start")
+
+    def kill(self):
+        """With everything that runs under it; what it starts meanwhile is found the next time round."""
+        while len(members := [self.server.pid, *family(self.server.pid)]) > 2 or self.server.poll() is None:
+            for member in members:
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(member, signal.SIGSTOP)
+            for member in [*family(self.server.pid)][::-1]:
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(member, signal.SIGKILL)
+            self.server.wait()
 
 
 class ManyBuilds(unittest.TestCase):
@@ -96,23 +137,28 @@ class ManyBuilds(unittest.TestCase):
         self.check_outputs(lines)
         results = (self.folder / "results.jsonl").read_text().splitlines()
         self.assertEqual(len(results), 10)
-        self.assertRegex(results[0], r'^\{"file":"out/\d+\.gif","frames":\d+,"width":160,"height":120,"size":\d+,"seconds":[\d.e-]+,"peakMemory":\d+\}$')
+        self.assertRegex(results[0], r'^\{"file":"out/\d+\.gif","frames":\d+,"width":320,"height":240,"size":\d+,"seconds":[\d.e-]+,"peakMemory":\d+\}$')
 
     def test_two_machines_of_which_one_dies(self):
-        if not shutil.which("parallel"):
-            self.skipTest("no GNU parallel")
-        lines, home = table(self.folder, BUILDS), self.folder / "home"
-        (home / "ssh").write_text(SSH)
-        (home / "ssh").chmod(0o755)
-        self.environment |= {"PARALLEL_SSH": str(home / "ssh"), "HOME": str(home)}
+        if not shutil.which("parallel") or not (shutil.which("sshd") or os.path.exists("/usr/sbin/sshd")):
+            self.skipTest("no GNU parallel, or no ssh server")
+        if os.geteuid() == 0:
+            os.makedirs("/run/sshd", exist_ok=True)
+        lines = table(self.folder, BUILDS)
+        subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", self.folder / "key"], check=True)
+        machines = [Machine(self.folder, name) for name in ("one", "two")]
+        (self.folder / "ssh").write_text("".join(
+            f"Host {machine.name}\nHostName 127.0.0.1\nPort {machine.port}\n" for machine in machines) +
+            f"Host *\nIdentityFile {self.folder}/key\nStrictHostKeyChecking no\nUserKnownHostsFile /dev/null\nLogLevel ERROR\n")
+        self.environment["PARALLEL_SSH"] = f"ssh -F {self.folder}/ssh"
         (self.folder / "machines").write_text("2/one\n2/two\n")
+        for machine in machines:
+            machine.start()
+            self.addCleanup(machine.kill)
 
         running = self.start(commands()[1])
         self.wait_for(running, BUILDS // 4)
-        (home / "two.dead").touch()
-        for group in home.glob("two.[0-9]*"):
-            with contextlib.suppress(ProcessLookupError):
-                os.killpg(int(group.read_text()), signal.SIGKILL)
+        machines[1].kill()
         self.wait_for(running, BUILDS // 2)
         running.send_signal(signal.SIGTERM)  # begins nothing more
         running.communicate(timeout=100)
@@ -120,7 +166,7 @@ class ManyBuilds(unittest.TestCase):
         self.assertTrue(BUILDS // 2 <= len(succeeded) < BUILDS, f"{len(succeeded)} were built before it ended")
         before = {output: (self.folder / output).stat().st_ino for output in succeeded}
 
-        (home / "two.dead").unlink()
+        machines[1].start()
         self.finish(self.start(commands()[2]))
         self.assertEqual({output: (self.folder / output).stat().st_ino for output in succeeded}, before, "built twice")
         tries = self.log()
@@ -128,18 +174,56 @@ class ManyBuilds(unittest.TestCase):
         self.assertTrue(all(ends.count(0) == 1 and ends[-1] == 0 for ends in tries.values()), tries)
         self.check_outputs(lines)
 
-    def test_tasks_of_a_slurm_array(self):
-        """Twice: all of them, then what was lost."""
-        lines = table(self.folder, 8)
-        for missing in (lines, lines[2:4]):
+    def test_slurm_array(self):
+        if os.geteuid() != 0 or not all(map(shutil.which, ("slurmctld", "slurmd", "sbatch"))):
+            self.skipTest("no Slurm, or nobody who may set up a node")
+        self.start_slurm()
+        lines = table(self.folder, SLURM_BUILDS)
+        (self.folder / "builds.sbatch").write_text(commands()[3])
+        for missing in (lines, lines[2:4]):  # all of them, then what was lost
             for line in missing:
                 (self.folder / line[0]).unlink(missing_ok=True)
             before = {line[0]: (self.folder / line[0]).stat().st_ino for line in lines if line not in missing}
-            for task in range(1, 9):
-                subprocess.run(["sh", "-c", commands()[3]], cwd=self.folder, check=True, stdout=subprocess.DEVNULL,
-                               env={**self.environment, "SLURM_ARRAY_TASK_ID": str(task)})
+            subprocess.run(["sbatch", "--wait", f"--array=1-{SLURM_BUILDS}", "builds.sbatch"], cwd=self.folder, env=self.environment,
+                           check=True, timeout=400, stdout=subprocess.DEVNULL)
             self.check_outputs(lines)
             self.assertEqual({output: (self.folder / output).stat().st_ino for output in before}, before, "built twice")
+
+    def start_slurm(self):
+        """One node with two processors, which is this machine, with all that belongs to it in our folder."""
+        with socket.socket() as one, socket.socket() as other:
+            ports = [probe.bind(("127.0.0.1", 0)) or probe.getsockname()[1] for probe in (one, other)]
+        configuration = self.folder / "slurm.conf"
+        configuration.write_text(f"""ClusterName=lumafold
+SlurmctldHost={socket.gethostname().split('.')[0]}(127.0.0.1)
+SlurmUser=root
+AuthType=auth/none
+CredType=cred/none
+SlurmctldPort={ports[0]}
+SlurmdPort={ports[1]}
+ProctrackType=proctrack/linuxproc
+TaskPlugin=task/none
+JobAcctGatherType=jobacct_gather/none
+SelectType=select/cons_tres
+ReturnToService=2
+StateSaveLocation={self.folder}/state
+SlurmdSpoolDir={self.folder}/spool
+SlurmctldPidFile={self.folder}/slurmctld.pid
+SlurmdPidFile={self.folder}/slurmd.pid
+NodeName=here NodeHostname={socket.gethostname().split('.')[0]} NodeAddr=127.0.0.1 CPUs=2 State=UNKNOWN
+PartitionName=all Nodes=here Default=YES State=UP
+""")
+        (self.folder / "state").mkdir()
+        self.environment["SLURM_CONF"] = str(configuration)
+        for command in (["slurmctld", "-D"], ["slurmd", "-D", "-N", "here"]):
+            daemon = subprocess.Popen([*command, "-f", configuration], env=self.environment, stdout=subprocess.DEVNULL,
+                                      stderr=subprocess.DEVNULL)
+            self.addCleanup(daemon.wait)
+            self.addCleanup(daemon.terminate)
+        deadline = time.monotonic() + 60
+        while b"idle" not in subprocess.run(["sinfo", "-h", "-o", "%T"], env=self.environment, capture_output=True).stdout:
+            self.assertLess(time.monotonic(), deadline, "the node does not come up")
+            time.sleep(0.2)
 
     def wait_for(self, running, built):
         deadline = time.monotonic() + 200
