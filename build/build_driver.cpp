@@ -276,8 +276,6 @@ private:
     bool HandOver() {
         host_.ResetPosition();
         TaskRecord task{};
-        task.size = sizeof(task);
-        task.version = kInterfaceVersion;
         task.owner = request_.window;
         task.width = canvasWidth_;
         task.height = canvasHeight_;
@@ -299,8 +297,6 @@ private:
         FrameRecord frame;
         if (!FrameListGet(frames_, index, frame)) return Fail(BuildFailure::Memory);
         ImageRecord record{};
-        record.size = sizeof(record);
-        record.version = kInterfaceVersion;
         record.image = frame.image;
         record.delay = frame.delay;
         record.index = index;

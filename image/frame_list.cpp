@@ -16,10 +16,7 @@ bool FrameListAppend(FrameList& list, const FrameRecord& record) {
 }
 
 bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
-    FrameRecord record{};
-    record.image = image.Get();
-    record.delay = delay;
-    record.transparentIndex = -1;
+    const FrameRecord record{image.Get(), 0, delay, -1, {}};
     if (!image || !FrameListAppend(list, record)) return false;
     (void)image.Release();
     return true;

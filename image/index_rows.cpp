@@ -6,13 +6,11 @@ void UnpackIndices(const std::uint8_t* row, int bits, std::span<std::uint8_t> in
     const std::size_t count = indices.size();
     if (bits == 8) {
         std::copy_n(row, count, indices.data());
-    } else if (bits == 4) {
-        for (std::size_t x = 0; x < count; ++x)
-            indices[x] = row[x / 2] >> (4 - x % 2 * 4) & 0x0F;
-    } else {
-        for (std::size_t x = 0; x < count; ++x)
-            indices[x] = row[x / 8] >> (7 - x % 8) & 1;
+        return;
     }
+    const auto each = static_cast<std::size_t>(bits);
+    for (std::size_t bit = 0, x = 0; x < count; ++x, bit += each)
+        indices[x] = static_cast<std::uint8_t>(row[bit / 8] >> (8 - each - bit % 8) & ((1U << each) - 1));
 }
 
 void PackIndices(std::span<const std::uint8_t> indices, int bits, std::uint8_t* row) {

@@ -99,11 +99,10 @@ private:
 bool AppendStill(const TransitionContext& context);
 /// Whether source and target are what the driver makes of every picture: 24 bits deep and of one size.
 bool IsGap(const DibHeader& source, const DibHeader& target);
-/// Append `count` frames, one after the other, or several at once; false when one cannot be had or the list
-/// cannot take it.
-bool AppendInTurn(const TransitionContext& context, FrameSource& frames, std::int64_t count);
-bool AppendAtOnce(const TransitionContext& context, FrameSource& frames, std::int64_t count,
-                  const Runner& runner);
+/// Appends `count` frames, at most `atOnce` of them rendered at once; false when one cannot be had or the
+/// list cannot take it.
+bool AppendFrames(const TransitionContext& context, FrameSource& frames, std::int64_t count,
+                  std::size_t atOnce, const Runner& runner);
 
 template <typename Family, auto... kKinds>
 int RunEffect(TransitionContext& context, const PluginSettings& settings, const Runner& runner) {
@@ -117,10 +116,10 @@ int RunEffect(TransitionContext& context, const PluginSettings& settings, const 
     if (count == 0) return kEffectDone;
     FamilyFrames<Family> frames(*family, gap);
     if (!frames) return kEffectFailed;
-    const bool atOnce = FamilyFrames<Family>::kAnyOrder && runner.Workers() > 1;
-    const bool all =
-        atOnce ? AppendAtOnce(context, frames, count, runner) : AppendInTurn(context, frames, count);
-    return all ? kEffectDone : kEffectFailed;
+    // A few more frames than workers, so that none waits long for another.
+    const bool severalAtOnce = FamilyFrames<Family>::kAnyOrder && runner.Workers() > 1;
+    const std::size_t atOnce = severalAtOnce ? 2 * runner.Workers() : 1;
+    return AppendFrames(context, frames, count, atOnce, runner) ? kEffectDone : kEffectFailed;
 }
 
 template <typename Family, auto... kKinds>

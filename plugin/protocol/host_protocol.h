@@ -36,8 +36,8 @@ enum class HostCommand : std::uint32_t {
 
 #pragma pack(push, 1)
 struct TaskRecord {
-    std::uint32_t size;
-    std::uint32_t version;
+    std::uint32_t size = sizeof(TaskRecord);
+    std::uint32_t version = kInterfaceVersion;
     WindowHandle owner;
     std::int32_t width, height; ///< the largest of all frames
     std::int32_t paletteBits;   ///< 1 to 8
@@ -49,8 +49,8 @@ struct TaskRecord {
 };
 
 struct ImageRecord {
-    std::uint32_t size;
-    std::uint32_t version;
+    std::uint32_t size = sizeof(ImageRecord);
+    std::uint32_t version = kInterfaceVersion;
     DibHandle image; ///< stays the plug-in's; the host copies it during the command
     std::uint32_t zero1;
     std::int32_t delay;
@@ -61,8 +61,8 @@ struct ImageRecord {
 };
 
 struct ColourRecord {
-    std::uint32_t size;
-    std::uint32_t version;
+    std::uint32_t size = sizeof(ColourRecord);
+    std::uint32_t version = kInterfaceVersion;
     std::uint32_t* customColours; ///< the chooser's store of sixteen, owned by the plug-in
     std::uint32_t twentyFour;
     std::uint32_t before; ///< 0x00BBGGRR
