@@ -3,13 +3,12 @@
 namespace lumafold {
 
 void UnpackIndices(const std::uint8_t* row, int bits, std::span<std::uint8_t> indices) {
-    const std::size_t count = indices.size();
     if (bits == 8) {
-        std::copy_n(row, count, indices.data());
+        std::copy_n(row, indices.size(), indices.data());
         return;
     }
     const auto each = static_cast<std::size_t>(bits);
-    for (std::size_t bit = 0, x = 0; x < count; ++x, bit += each)
+    for (std::size_t bit = 0, x = 0; x < indices.size(); ++x, bit += each)
         indices[x] = static_cast<std::uint8_t>(row[bit / 8] >> (8 - each - bit % 8) & ((1U << each) - 1));
 }
 
