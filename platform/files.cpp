@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <optional>
 #include <string_view>
 
@@ -63,7 +63,7 @@ class Temporary : NonCopyable {
 public:
     explicit Temporary(const char* target) {
         for (int attempt = 0; attempt < 100 && error_ == EEXIST; ++attempt) {
-            error_ = MakeName(target);
+            error_ = MakeName(target, attempt);
             if (error_ != 0) return;
             // Announced first: a signal in between then finds at worst a name that does not exist yet.
             pending_.emplace(path_);
@@ -90,16 +90,16 @@ public:
 
 private:
     /// A name of eleven letters: where the target's folder can hold a file at all, the path is not too long.
-    /// Its number differs from call to call and from program to program, mostly.
-    FileError MakeName(const char* target) {
+    /// Its number differs from try to try, and by moment and place in memory from program to program, mostly.
+    FileError MakeName(const char* target, int attempt) {
         constexpr std::size_t kNameBytes = sizeof("~123456.tmp");
         const std::string_view folder = FolderOf(target);
         if (folder.size() + kNameBytes > kPathBytes) return ENAMETOOLONG;
         folder.copy(path_, folder.size());
-        const auto ticks =
-            static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-        // Neighbouring moments fall far apart.
-        const auto number = static_cast<unsigned>(ticks * 0x9E3779B97F4A7C15U >> 40);
+        const std::uint64_t seed = static_cast<std::uint64_t>(std::time(nullptr) + std::clock() + attempt) ^
+                                   reinterpret_cast<std::uintptr_t>(this) << 8;
+        // Neighbouring ones fall far apart.
+        const auto number = static_cast<unsigned>(seed * 0x9E3779B97F4A7C15U >> 40);
         std::snprintf(path_ + folder.size(), kNameBytes, "~%06x.tmp", number);
         return 0;
     }

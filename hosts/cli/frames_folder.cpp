@@ -22,8 +22,8 @@ void Append32(std::vector<std::uint8_t>& bytes, std::size_t value) {
 }
 
 std::size_t PackedBytes(const DibHeader& dib) {
-    return DibRowsOffset(dib) +
-           DibStride(dib.biWidth, dib.biBitCount) * static_cast<std::size_t>(dib.biHeight);
+    return DibRowsOffset(dib) + static_cast<std::size_t>(DibStride(dib.biWidth, dib.biBitCount)) *
+                                    static_cast<std::size_t>(dib.biHeight);
 }
 
 // A key to a line keeps a file of hundreds of frames readable and its differences small.

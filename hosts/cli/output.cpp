@@ -87,7 +87,7 @@ public:
         if (collects && bytes > most_)
             throw AnimationError(
                 "the film is too large to be kept until it is whole, send it to a program with -o -");
-        if (collects) file.reserve(bytes);
+        if (collects) file.reserve(static_cast<std::size_t>(bytes)); // at most `most_`
         film.Finish([&](std::span<const std::uint8_t> piece) {
             if (collects) {
                 file.insert(file.end(), piece.begin(), piece.end());

@@ -311,8 +311,8 @@ TEST(AnimationWriters, PackFramesInAnyOrderAndTakeOtherDelaysLater) {
         }
         if (name.find("large") == std::string::npos) continue;
         std::string error;
-        const auto sizeAt = [&](int effort) {
-            return EncodeAnimation(AnimationKind::Apng, animation, error, {effort, {}}).size();
+        const auto sizeAt = [&, &made = animation](int effort) {
+            return EncodeAnimation(AnimationKind::Apng, made, error, {effort, {}}).size();
         };
         EXPECT_LT(sizeAt(12), sizeAt(1));
         std::size_t told = 0;

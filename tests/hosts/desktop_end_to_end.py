@@ -78,7 +78,7 @@ def make_inputs(native_dir, folder):
     shutil.copytree(ROOT / "tests/hosts/pictures", folder)
     subprocess.run([native_dir / "tools/samples/lumafold_samples", folder, "97", "65"], check=True)
     write_png(folder / "tiny.png", 7, 5, lambda x, y: (36 * x, 60 * y, 200, 255 if x != y else 0))
-    subprocess.run([native_dir / "hosts/cli/lumafold", "build", "-q", "--size", "33x1", "--true-colour", "-o", folder / "line/",
+    subprocess.run([native_dir / "hosts/cli/lumafold", "build", "-q", "--size", "33x1", "--true-colour", "-o", f"{folder}/line/",
                     folder / "dawn.png"], check=True)
     (folder / "line/frame-0001.bmp").rename(folder / "line.bmp")
     shutil.rmtree(folder / "line")
