@@ -39,7 +39,9 @@ TEST_F(ListFile, ReversedTwiceGivesTheOrderOnScreen) {
         EXPECT_TRUE(writer.Add(path->c_str()));
         EXPECT_TRUE(writer.Add("")) << "pasted, so without a file";
     }
+    EXPECT_TRUE(writer.Add(folder_.Path("gone").c_str()));
     ASSERT_TRUE(writer.Write(Path().c_str()));
+    EXPECT_EQ(folder_.Get("lists/list.txt").find("gone"), std::string::npos);
     std::filesystem::remove(folder_.Path("d.bmp"));
     screen.erase(screen.begin() + 2);
     Paths restored;
