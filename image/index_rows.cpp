@@ -26,8 +26,7 @@ void PackIndices(std::span<const std::uint8_t> indices, int bits, std::uint8_t* 
     } else {
         for (std::size_t x = 0; x < count; x += 8) {
             unsigned byte = 0;
-            const std::size_t used = std::min<std::size_t>(count - x, 8);
-            for (std::size_t i = 0; i < used; ++i)
+            for (std::size_t i = 0; i < 8 && x + i < count; ++i)
                 byte |= indices[x + i] != 0 ? 0x80U >> i : 0;
             row[x / 8] = static_cast<std::uint8_t>(byte);
         }

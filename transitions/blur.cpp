@@ -319,7 +319,8 @@ Mask ChannelOf(const ConstRowView& rows, std::ptrdiff_t channel) {
 
 Array<double> GaussianKernel(std::int32_t taps, double sigma) {
     if (taps < 1) taps = 3;
-    Array<double> weights(taps > kMostTaps ? SIZE_MAX : static_cast<std::size_t>(taps));
+    if (taps > kMostTaps) return {};
+    Array<double> weights(static_cast<std::size_t>(taps));
     if (!weights) return weights;
     const ExtendedPrecision precision;
     const long double spread = Extended(Extended(18.0L * sigma) * sigma);
