@@ -9,8 +9,8 @@
 #else
 #define LUMAFOLD_SSE2 0
 #endif
-// WebAssembly has vectors of 16 bytes alone, which SSE2's instructions are compiled to. LUMAFOLD_NO_AVX2 builds
-// the loops that other processors run.
+// WebAssembly has vectors of 16 bytes alone, which SSE2's instructions are compiled to. LUMAFOLD_NO_AVX2
+// builds the loops that other processors run.
 #if LUMAFOLD_SSE2 && !defined(__wasm__) && !defined(LUMAFOLD_NO_AVX2)
 #define LUMAFOLD_AVX2 1
 #else
