@@ -1,31 +1,33 @@
 #include "colour/remap.h"
 #include "image/colour_rows.h"
+#include "platform/simd.h"
 
 namespace lumafold {
 namespace {
 
-/// How channels lie in memory; the fourth word fills up.
-struct StoredChannels {
-    std::int16_t words[4];
-};
+/// Red, green and blue as 16-bit words that lie side by side; the fourth fills up.
+using StoredChannels = std::int64_t;
 
-/// Red, green and blue side by side in 16-bit words, for arithmetic on all three at once. The words wrap as
-/// such storage does; shifts round down.
+/// Such words, for arithmetic on all three at once. They wrap as such storage does; shifts round down.
 class Channels {
 public:
     Channels() = default;
-    explicit Channels(const StoredChannels& stored) { std::memcpy(&words_, &stored, sizeof(stored)); }
+    explicit Channels(StoredChannels stored) : words_(reinterpret_cast<Words>(Halves{stored, 0})) {}
     explicit Channels(PixelValue colour)
-        : words_{static_cast<std::int16_t>(RedOf(colour)), static_cast<std::int16_t>(GreenOf(colour)),
-                 static_cast<std::int16_t>(BlueOf(colour))} {}
+        : words_(reinterpret_cast<Words>(__builtin_shufflevector(reinterpret_cast<Bytes>(Halves{colour, 0}),
+                                                                 Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20,
+                                                                 5, 21, 6, 22, 7, 23))) {}
 
-    void Store(StoredChannels& stored) const { std::memcpy(&stored, &words_, sizeof(stored)); }
+    StoredChannels Stored() const { return reinterpret_cast<Halves>(words_)[0]; }
     /// The colour, each channel clamped to 0..255.
     PixelValue Clamped() const {
-        const Words low = words_ < 0 ? Words{} : words_;
-        const Words level = low > 255 ? Words{} + 255 : low;
-        return MakeColour(static_cast<unsigned>(level[0]), static_cast<unsigned>(level[1]),
-                          static_cast<unsigned>(level[2]));
+#if LUMAFOLD_SSE2
+        const auto words = reinterpret_cast<__m128i>(words_);
+        return static_cast<PixelValue>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+#else
+        const auto level = [&](int i) { return static_cast<unsigned>(std::clamp<int>(words_[i], 0, 255)); };
+        return MakeColour(level(0), level(1), level(2));
+#endif
     }
     /// `weight` sixteenths.
     Channels Share(std::int16_t weight) const { return Channels(words_ * weight >> 4); }
@@ -33,7 +35,9 @@ public:
     friend Channels operator-(Channels a, Channels b) { return Channels(a.words_ - b.words_); }
 
 private:
+    using Bytes = std::uint8_t __attribute__((vector_size(16)));
     using Words = std::int16_t __attribute__((vector_size(16)));
+    using Halves = std::int64_t __attribute__((vector_size(16)));
     explicit Channels(Words words) : words_(words) {}
     Words words_{};
 };
@@ -51,15 +55,15 @@ public:
     }
     void Give(std::size_t x, Channels error) {
         right_ = error.Share(7);
-        (belowLeft_ + error.Share(3)).Store(errors_[x]);
+        errors_[x] = (belowLeft_ + error.Share(3)).Stored();
         belowLeft_ = below_ + error.Share(5);
         below_ = error.Share(1);
     }
     /// The leftmost pixel never receives a share from its right.
     void KeepFirst() { first_ = belowLeft_; }
     void Finish(std::size_t width) {
-        belowLeft_.Store(errors_[width]);
-        first_.Store(errors_[1]);
+        errors_[width] = belowLeft_.Stored();
+        errors_[1] = first_.Stored();
     }
 
 private:
@@ -77,9 +81,8 @@ bool Diffuse(const DibHeader& source, DibHeader& target, const Palette& palette,
     if (width == 0) return true;
 
     std::array<StoredChannels, 256> entries;
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        entries[i] = {{palette[i].red, palette[i].green, palette[i].blue, 0}};
-    }
+    std::transform(palette.begin(), palette.end(), entries.begin(),
+                   [](Rgb entry) { return Channels(ColourOf(entry)).Stored(); });
     return FillIndexed(target, [&](std::int32_t y, std::uint8_t* indices) {
         const std::uint8_t* pixels = rows.Row(y);
         ErrorRow row(errors.data());
@@ -180,7 +183,7 @@ bool Remapper::FillDiffused(const DibHeader& source, DibHeader& target) const {
     const ExactColours exact(palette_, count_);
     return Diffuse(source, target, palette_, [&, cache = cache_.data()](PixelValue colour) -> std::size_t {
         const int index = exact.Find(colour);
-        return index >= 0 ? static_cast<std::size_t>(index) : cache[CellOf(colour)];
+        return index >= 0 ? static_cast<std::size_t>(index) : cache[CellOf(RgbOf(colour))];
     });
 }
 

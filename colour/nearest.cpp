@@ -151,9 +151,8 @@ Array<std::uint8_t> BuildLookupCache(const NearestSearch& search) {
 
 ExactColours::ExactColours(const Palette& palette, int count) {
     for (std::size_t i = 0; i < Entries(count); ++i) {
-        const PixelValue colour = ColourOf(palette[i]);
-        indices_.Add(colour, static_cast<int>(i));
-        const std::size_t cell = CellOf(colour);
+        indices_.Add(ColourOf(palette[i]), static_cast<int>(i));
+        const std::size_t cell = CellOf(palette[i]);
         occupied_[cell / 32] |= 1U << (cell % 32);
     }
 }

@@ -21,11 +21,11 @@ int FindNearestColour(int red, int green, int blue, const Palette& palette, int 
 /// The first equal entry, or -1.
 int FindExactColour(int red, int green, int blue, const Palette& palette, int count);
 
-/// The 15-bit cell of a colour (0x00BBGGRR): five bits a channel, red lowest. A cell stands for its darkest
+/// The 15-bit cell of a colour: five bits a channel, red lowest. A cell stands for its darkest
 /// colour.
 inline constexpr std::size_t kCellCount = 32768;
-constexpr std::size_t CellOf(PixelValue colour) {
-    return ((colour >> 3) & 0x1F) | ((colour >> 6) & 0x3E0) | ((colour >> 9) & 0x7C00);
+constexpr std::size_t CellOf(Rgb colour) {
+    return colour.red >> 3 | (colour.green & 0xF8U) << 2 | (colour.blue & 0xF8U) << 7;
 }
 
 /// FindNearestColour for one palette, by looking only at the entries that can win near the colour asked for.
@@ -107,7 +107,7 @@ public:
 
     int Find(PixelValue colour) const {
         // Few cells hold an entry at all, so this first question is nearly always the last.
-        const std::size_t cell = CellOf(colour);
+        const std::size_t cell = CellOf(RgbOf(colour));
         if ((occupied_[cell / 32] >> (cell % 32) & 1) == 0) return -1;
         return indices_.Find(colour);
     }

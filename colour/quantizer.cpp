@@ -1,5 +1,7 @@
 #include "colour/quantizer.h"
 
+#include <span>
+
 #include "colour/nearest.h"
 
 namespace lumafold {
@@ -48,15 +50,12 @@ private:
             ++count_;
             return;
         }
-        if (colour == latest_) return;
-        latest_ = colour;
         if (places_.Add(colour, count_) == count_)
             listed_[static_cast<std::size_t>(count_++)] = RgbOf(colour);
     }
 
     const int most_;
     int count_ = 0;
-    PixelValue latest_ = kNoPixel;
     Palette listed_{};
     NumberedColours places_; ///< of the colours in the list
 };
@@ -89,12 +88,11 @@ struct PixelSums {
     }
 };
 
-/// Pixels go straight to the leaves of the tree to come; what the nodes above see of them follows from these
-/// sums, which depend on no order.
-class LeafCounts {
+/// Pixels go straight to the leaves of the tree; what the nodes above see of them follows from these sums,
+/// which depend on no order.
+class LeafCounter {
 public:
-    LeafCounts() = default;
-    explicit LeafCounts(int depth) : leaves_(std::size_t{1} << 3 * depth) {
+    explicit LeafCounter(int depth) {
         for (unsigned level = 0; level < places_.size(); ++level) {
             unsigned place = 0;
             for (int bit = 7; bit >= 8 - depth; --bit)
@@ -102,27 +100,19 @@ public:
             places_[level] = static_cast<std::uint16_t>(place);
         }
     }
-    explicit operator bool() const { return static_cast<bool>(leaves_); }
-    const Array<PixelSums>& Leaves() const { return leaves_; }
-
-    void Add(const ConstRowView& rows) {
+    void Count(const ConstRowView& rows, PixelSums* leaves) const {
         for (std::int32_t y = 0; y < rows.Height(); ++y) {
             const std::uint8_t* pixel = rows.Row(y);
             for (std::int32_t x = 0; x < rows.Width(); ++x, pixel += 3) {
                 const unsigned red = pixel[2], green = pixel[1], blue = pixel[0];
-                leaves_[places_[red] * 4U + places_[green] * 2U + places_[blue]] +=
+                leaves[places_[red] * 4U + places_[green] * 2U + places_[blue]] +=
                     {1, red, green, blue, red * red + green * green + blue * blue};
             }
         }
     }
-    void Add(const LeafCounts& other) {
-        for (std::size_t i = 0; i < leaves_.size(); ++i)
-            leaves_[i] += other.leaves_[i];
-    }
 
 private:
-    std::array<std::uint16_t, 256> places_{}; ///< a level's bits spread to every third place
-    Array<PixelSums> leaves_;
+    std::array<std::uint16_t, 256> places_; ///< a level's bits spread to every third place
 };
 
 /// A cube of colours by its darkest corner; the cube of level n has sides of 256 >> n.
@@ -153,14 +143,13 @@ public:
     explicit ColourTree(int depth) : depth_(depth), order_(LevelStart(depth + 1)) {}
     explicit operator bool() const { return static_cast<bool>(order_); }
 
-    /// Makes the nodes from what was counted. False when memory is short.
-    bool MakeNodes(const LeafCounts& counts) {
+    /// Makes the nodes, all of them empty. False when memory is short.
+    bool MakeNodes() {
         sums_ = Array<PixelSums>(LevelStart(depth_ + 1));
         errors_ = Array<std::uint64_t>(LevelStart(depth_ + 1));
-        if (!sums_ || !errors_) return false;
-        std::copy(counts.Leaves().begin(), counts.Leaves().end(), sums_.begin() + LevelStart(depth_));
-        return true;
+        return sums_ && errors_;
     }
+    std::span<PixelSums> Leaves() { return {sums_.begin() + LevelStart(depth_), sums_.end()}; }
 
     /// Reduces the tree to at most so many colours: pass after pass prunes the nodes with the least error
     /// left. A pass counts nodes as it comes to them, children first: one that stands when its turn comes
@@ -260,24 +249,28 @@ private:
     Array<std::uint32_t> order_;  ///< room for the nodes in the order they are pruned in
 };
 
-/// Counts all frames, those of each worker by themselves. Empty when memory is short or one cannot be read.
-LeafCounts CountPixels(const FrameList& frames, int depth, const Runner& runner) {
-    constexpr std::size_t kMostWorkers = 16; // each has its own megabyte of sums
+/// Counts all frames into `leaves`, those of each worker by themselves. False when memory is short or one
+/// cannot be read.
+bool CountPixels(const FrameList& frames, const LeafCounter& counter, std::span<PixelSums> leaves,
+                 const Runner& runner) {
+    constexpr std::size_t kMostWorkers = 16; // each but the first has its own megabyte of sums
     const std::size_t workers = std::clamp<std::size_t>(
         std::min(runner.Workers(), static_cast<std::size_t>(frames.count)), 1, kMostWorkers);
-    std::array<LeafCounts, kMostWorkers> counts;
+    std::array<Array<PixelSums>, kMostWorkers> others;
+    std::array<bool, kMostWorkers> counted{};
     runner.ForEach(workers, [&](std::size_t w) {
-        LeafCounts mine(depth);
-        if (mine && VisitPictures(frames, static_cast<std::int32_t>(w), static_cast<std::int32_t>(workers),
-                                  [&](const ConstRowView& rows) { mine.Add(rows); })) {
-            counts[w] = std::move(mine);
-        }
+        if (w > 0) others[w] = Array<PixelSums>(leaves.size());
+        PixelSums* const mine = w > 0 ? others[w].data() : leaves.data();
+        counted[w] = mine != nullptr &&
+                     VisitPictures(frames, static_cast<std::int32_t>(w), static_cast<std::int32_t>(workers),
+                                   [&](const ConstRowView& rows) { counter.Count(rows, mine); });
     });
     for (std::size_t w = 0; w < workers; ++w) {
-        if (!counts[w]) return {};
-        if (w > 0) counts[0].Add(counts[w]);
+        if (!counted[w]) return false;
+        for (std::size_t i = 0; i < others[w].size(); ++i)
+            leaves[i] += others[w][i];
     }
-    return std::move(counts[0]);
+    return true;
 }
 
 } // namespace
@@ -297,10 +290,8 @@ PaletteResult ComputeOptimalPalette(const FrameList& frames, int& count, Palette
         count = first.Count();
         return PaletteResult::Made;
     }
-    {
-        const LeafCounts counts = CountPixels(frames, TreeDepth(most), runner);
-        if (!counts || !tree.MakeNodes(counts)) return PaletteResult::Failed;
-    }
+    if (!tree.MakeNodes() || !CountPixels(frames, LeafCounter(TreeDepth(most)), tree.Leaves(), runner))
+        return PaletteResult::Failed;
     tree.Prune(most);
     count = tree.Read(palette);
     return PaletteResult::Made;

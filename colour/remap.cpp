@@ -93,8 +93,7 @@ bool Remapper::FillNearest(const DibHeader& source, DibHeader& target) const {
     };
     if (bits_ == 1) return fill([](const std::uint8_t* pixel) { return BitOf(LoadRgb(pixel)); });
     // True colour goes through the cache whether or not the fast way is chosen.
-    return fill(
-        [cache = cache_.data()](const std::uint8_t* pixel) { return cache[CellOf(LoadColour(pixel))]; });
+    return fill([cache = cache_.data()](const std::uint8_t* pixel) { return cache[CellOf(LoadRgb(pixel))]; });
 }
 
 } // namespace lumafold
