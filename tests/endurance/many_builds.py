@@ -70,7 +70,8 @@ class Machine:
         (folder / f"sshd-{name}").write_text(
             f"Port {self.port}\nListenAddress 127.0.0.1\nHostKey {folder}/host-{name}\nPidFile none\nStrictModes no\n"
             f"AuthorizedKeysFile {folder}/key.pub\nUsePAM no\nPermitRootLogin yes\nMaxStartups 100\nMaxSessions 100\n"
-            f"SetEnv PATH={PROGRAM.parent}:{os.environ['PATH']}\n")
+            # A home of our own: what the user's shell does at its start is slow, and does not like to be killed.
+            f"SetEnv HOME={folder} PATH={PROGRAM.parent}:{os.environ['PATH']}\n")
 
     def start(self):
         self.server = subprocess.Popen([shutil.which("sshd") or "/usr/sbin/sshd", "-D", "-e", "-f", self.folder / f"sshd-{self.name}"],
@@ -212,6 +213,7 @@ SlurmctldPidFile={self.folder}/slurmctld.pid
 SlurmdPidFile={self.folder}/slurmd.pid
 NodeName=here NodeHostname={socket.gethostname().split('.')[0]} NodeAddr=127.0.0.1 CPUs=2 State=UNKNOWN
 PartitionName=all Nodes=here Default=YES State=UP
+SchedulerParameters=batch_sched_delay=0,sched_interval=1
 """)
         (self.folder / "state").mkdir()
         self.environment["SLURM_CONF"] = str(configuration)
