@@ -343,10 +343,7 @@ private:
 
 } // namespace
 
-std::uint64_t UsualBudget() {
-    const std::uint64_t room = MemoryRoom();
-    return room - room / 8;
-}
+std::uint64_t UsualBudget() { return MemoryRoom() / 8 * 7; }
 
 int BuildAnimation(const BuildRequest& request) {
     AnimationBuild build(request);

@@ -56,7 +56,10 @@ bool ReadKnownFile(const std::string& path, Array<std::uint8_t>& bytes, std::str
 }
 
 bool WriteFileSafely(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error) {
-    return Outcome(StoreFile(path.c_str(), bytes), error);
+    return WriteFileSafely(path, FilePieces(&bytes, 1), error);
+}
+bool WriteFileSafely(const std::string& path, FilePieces pieces, std::string& error) {
+    return Outcome(StoreFile(path.c_str(), pieces), error);
 }
 
 } // namespace lumafold

@@ -23,5 +23,6 @@ bool ReadKnownFile(const std::string& path, Array<std::uint8_t>& bytes, std::str
 
 /// Replaces or creates the file as StoreFile does. False leaves why in `error`, and the target as it was.
 bool WriteFileSafely(const std::string& path, std::span<const std::uint8_t> bytes, std::string& error);
+bool WriteFileSafely(const std::string& path, FilePieces pieces, std::string& error);
 
 } // namespace lumafold

@@ -24,7 +24,6 @@ YuvMatrix MatrixFor(const Y4mOptions& options, std::int32_t width, std::int32_t 
     return width >= 1280 || height > 576 ? YuvMatrix::Bt709 : YuvMatrix::Bt601;
 }
 
-constexpr char kStopped[] = "not all of the film could be written";
 constexpr int kFractionBits = 16;
 
 /// For samples of 255 steps, in units of 2^-16, with a sum that is exact: greys are to have no colour.
@@ -120,24 +119,14 @@ std::int32_t Y4mWriter::Unit() const {
     return CommonDelay(delays);
 }
 
-std::uint64_t Y4mWriter::Bytes() const {
+std::vector<std::span<const std::uint8_t>> Y4mWriter::Finish() {
     const std::int32_t unit = Unit();
-    std::uint64_t bytes = Head(unit).size();
+    head_ = Head(unit);
+    std::vector<std::span<const std::uint8_t>> pieces{
+        {reinterpret_cast<const std::uint8_t*>(head_.data()), head_.size()}};
     for (const Frame& frame : frames_)
-        bytes += frame.bytes.size() * static_cast<std::uint64_t>(frame.delay / unit);
-    return bytes;
-}
-
-void Y4mWriter::Finish(const ByteSink& sink) const {
-    const std::int32_t unit = Unit();
-    const std::string head = Head(unit);
-    if (!sink({reinterpret_cast<const std::uint8_t*>(head.data()), head.size()}))
-        throw AnimationError(kStopped);
-    for (const Frame& frame : frames_) {
-        for (std::int32_t i = 0; i < frame.delay / unit; ++i) {
-            if (!sink(frame.bytes)) throw AnimationError(kStopped);
-        }
-    }
+        pieces.insert(pieces.end(), static_cast<std::size_t>(frame.delay / unit), frame.bytes);
+    return pieces;
 }
 
 } // namespace lumafold

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -24,9 +23,6 @@ struct Y4mOptions {
     PixelValue behind = 0; ///< 0x00BBGGRR, where no frame has drawn yet
 };
 
-/// Takes the next bytes of a file; false when it will have no more.
-using ByteSink = std::function<bool(std::span<const std::uint8_t> bytes)>;
-
 /// A film in the making. Its rate follows from the delays of all frames, so it holds the planes of each, half
 /// the size of a true-colour picture with halved chroma, until it is written. Members throw AnimationError
 /// and std::bad_alloc.
@@ -37,11 +33,9 @@ public:
     /// What is seen next, 0x00BBGGRR row by row from the top, kNoPixel where nothing has been drawn; for how
     /// many hundredths of a second. What is seen for no time is left out.
     void Add(std::span<const PixelValue> screen, std::int32_t delay);
-    /// How long the film will be.
-    std::uint64_t Bytes() const;
-    /// The film, piece by piece, at the rate of the delays' greatest common measure. Throws when there is no
-    /// frame, none that is seen, or the sink wants no more.
-    void Finish(const ByteSink& sink) const;
+    /// The film, piece by piece, at the rate of the delays' greatest common measure, for as long as the
+    /// writer is left as it is. Throws when there is no frame or none that is seen.
+    std::vector<std::span<const std::uint8_t>> Finish();
 
 private:
     struct Frame {
@@ -65,6 +59,7 @@ private:
     Weights luma_, blueness_, redness_;
     bool any_ = false; ///< whether there was a frame, seen or not
     std::vector<Frame> frames_;
+    std::string head_;
 };
 
 } // namespace lumafold

@@ -10,7 +10,7 @@ bool FrameListAppend(FrameList& list, const FrameRecord& record) {
     if (grown == 0) return false;
     list.handle = grown;
     const GlobalLocked<FrameRecord> records(grown);
-    if (!records) return false;
+    if (!records) return list.count == 0 ? (FrameListRelease(list), false) : false;
     records.Get()[list.count++] = record;
     return true;
 }

@@ -50,8 +50,10 @@ std::string_view FolderOf(std::string_view path) {
 }
 
 /// Writes a file down to the disk and closes it. What went wrong first.
-FileError WriteAll(File file, std::span<const std::uint8_t> bytes) {
-    FileError error = file_system::Write(file, bytes);
+FileError WriteAll(File file, FilePieces pieces) {
+    FileError error = 0;
+    for (std::size_t i = 0; error == 0 && i < pieces.size(); ++i)
+        error = file_system::Write(file, pieces[i]);
     if (error == 0) error = file_system::Flush(file);
     const FileError closed = file_system::Close(file);
     return error != 0 ? error : closed;
@@ -76,8 +78,8 @@ public:
         if (pending_) file_system::Remove(path_);
     }
 
-    FileError Fill(std::span<const std::uint8_t> bytes) {
-        return error_ != 0 ? error_ : WriteAll(std::exchange(file_, kNoFile), bytes);
+    FileError Fill(FilePieces pieces) {
+        return error_ != 0 ? error_ : WriteAll(std::exchange(file_, kNoFile), pieces);
     }
     void TakeMode(std::uint32_t mode) {
         if (error_ == 0) file_system::TakeMode(path_, mode);
@@ -110,18 +112,17 @@ private:
     FileError error_ = EEXIST;
 };
 
-FileError StoreStraight(const char* target, std::span<const std::uint8_t> bytes) {
+FileError StoreStraight(const char* target, FilePieces pieces) {
     File file = kNoFile;
     const FileError error = file_system::Open(target, Opening::Overwrite, file);
-    return error != 0 ? error : WriteAll(file, bytes);
+    return error != 0 ? error : WriteAll(file, pieces);
 }
 
-FileError StoreBeside(const char* target, const file_system::Standing& before,
-                      std::span<const std::uint8_t> bytes) {
+FileError StoreBeside(const char* target, const file_system::Standing& before, FilePieces pieces) {
     Temporary temporary(target);
     // Before there is anything in it that others may not read.
     if (before.kind != Kind::Missing) temporary.TakeMode(before.mode);
-    if (const FileError error = temporary.Fill(bytes)) return error;
+    if (const FileError error = temporary.Fill(pieces)) return error;
     return temporary.TakeName(target);
 }
 
@@ -177,13 +178,13 @@ FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t mos
     return InputFile(path).ReadRest({}, bytes, most);
 }
 
-FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes) {
+FileError StoreFile(const char* path, FilePieces pieces) {
     char target[kPathBytes];
     if (const FileError error = file_system::FollowLinks(path, target)) return error;
     const file_system::Standing before = file_system::Inspect(target);
     if (before.kind == Kind::Folder) return EISDIR;
     if (before.kind == Kind::ReadOnly) return EACCES;
-    return before.kind == Kind::Special ? StoreStraight(target, bytes) : StoreBeside(target, before, bytes);
+    return before.kind == Kind::Special ? StoreStraight(target, pieces) : StoreBeside(target, before, pieces);
 }
 
 void MakeFoldersAbove(const char* path) {

@@ -54,10 +54,13 @@ private:
 /// The whole file, which may have `most` bytes; EFBIG when it has more. `bytes` is untouched by a failure.
 FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t most);
 
+/// What a file is to hold, piece after piece.
+using FilePieces = std::span<const std::span<const std::uint8_t>>;
+
 /// Replaces or creates the file and keeps its mode; a link stays a link to it. A file without write
 /// permission is left alone, even by those whom the system would let. What is no ordinary file (a pipe, a
 /// device) is written straight to. On failure the target is as it was.
-FileError StoreFile(const char* path, std::span<const std::uint8_t> bytes);
+FileError StoreFile(const char* path, FilePieces pieces);
 
 /// Makes the folders in front of the last name of `path`, as far as they are missing. Whether that worked is
 /// for the writer of the file to find out.

@@ -128,7 +128,9 @@ std::uint64_t LikelyBytes(File file) {
 }
 
 Standing Inspect(const char* path) {
-    const DWORD attributes = GetFileAttributesW(WideName(path));
+    DWORD attributes = GetFileAttributesW(WideName(path));
+    // A host's name in the code page may look like another one in UTF-8.
+    if (attributes == INVALID_FILE_ATTRIBUTES) attributes = GetFileAttributesA(path);
     if (attributes == INVALID_FILE_ATTRIBUTES) return {};
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {Kind::Folder, attributes};
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return {Kind::ReadOnly, attributes};

@@ -53,7 +53,8 @@ void LineWriter::Append(std::string_view text) {
 FileError LineWriter::Store(const char* path) const {
     if (failed_) return ENOMEM;
     MakeFoldersAbove(path);
-    return StoreFile(path, {reinterpret_cast<const std::uint8_t*>(text_.data()), used_});
+    const std::span text(reinterpret_cast<const std::uint8_t*>(text_.data()), used_);
+    return StoreFile(path, {&text, 1});
 }
 
 } // namespace lumafold

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 
 #include "image/import.h"
 #include "platform/folders.h"
@@ -82,6 +83,16 @@ bool InsertFiles(HWND dialog, const ChosenNames& names) {
     return true;
 }
 
+/// Parts the folder from the names where its last letter is one of two bytes that ends in the one of "\\":
+/// no reader of single bytes would do so.
+void PartFolder(std::span<char> names) {
+    const auto end = std::find(names.begin(), names.end(), '\0');
+    if (end == names.begin() || names.end() - end < 2 || end[-1] != '\\' || end[1] == '\0') return;
+    if (*CharPrevA(names.data(), &*end) == '\\') return;
+    std::move_backward(end, names.end() - 1, names.end());
+    *end = '\\';
+}
+
 void SelectLast(HWND dialog) {
     HWND list = ListOf(dialog);
     Select(list, Ask(list, LB_GETCOUNT) - 1);
@@ -102,6 +113,7 @@ void AddImages(HWND dialog) {
         return;
     }
     if (!CallingHost().ChooseFiles(HandleOf(dialog), buffer.data())) return;
+    PartFolder({buffer.data(), buffer.size()});
     if (InsertFiles(dialog, ChosenNames(buffer.data(), buffer.size()))) SelectLast(dialog);
     EnableByCount(dialog);
 }

@@ -292,7 +292,11 @@ void Notified(HWND dialog, int id, int code) {
         NotifiedByPaletteCombo(dialog, code);
         break;
     default:
-        if (code == BN_CLICKED && !Session().busy) Act(dialog, id);
+        // A check box has changed by itself already, so what depends on it follows at any time.
+        if (code == BN_CLICKED &&
+            (!Session().busy || id == LUMAFOLD_MAIN_CUSTOM_PALETTE || id == LUMAFOLD_MAIN_TRUE_COLOUR)) {
+            Act(dialog, id);
+        }
         break;
     }
 }

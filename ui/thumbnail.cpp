@@ -25,10 +25,11 @@ bool Blit(HDC context, const RECT& place, const DibHeader& picture) {
     return drawn;
 }
 
-/// Colours are averaged, not the indices that stand for them.
+/// Colours are averaged, not the indices that stand for them; and the system is not asked about a table whose
+/// header may count fewer entries than there are.
 OwnedDib ScaledColours(const DibHeader& picture, std::int32_t percent) {
-    const OwnedDib colours = DibToTrueColour(picture);
-    return colours ? DibScale(*colours, percent, percent) : OwnedDib();
+    OwnedDib colours = DibToTrueColour(picture);
+    return colours && percent < 100 ? DibScale(*colours, percent, percent) : std::move(colours);
 }
 
 } // namespace
@@ -40,7 +41,7 @@ RECT DrawThumbnail(const DRAWITEMSTRUCT& item, DibHandle picture) {
     const ReadDib loaded(picture);
     if (!loaded) return {};
     const std::int32_t percent = FitPercent(loaded->biWidth, loaded->biHeight, roomWidth, roomHeight);
-    const OwnedDib scaled = percent < 100 ? ScaledColours(*loaded, percent) : OwnedDib();
+    const OwnedDib scaled = ScaledColours(*loaded, percent);
     // Without a smaller copy the picture itself is shown, from the corner of the room on.
     const DibHeader& shown = scaled ? *scaled : *loaded;
 

@@ -147,7 +147,7 @@ private:
     int Build(MemoryList& list) {
         Progress progress(console_.err, StyleFor(console_.err, options_.talk));
         BuiltFrames frames({kind_, options_.estimate ? "" : options_.output, console_.out, pool_,
-                            options_.quality, options_.effort, memoryLimit_},
+                            options_.quality, options_.effort},
                            options_);
         RecordingHost host(CapabilityFlags(kind_), progress, console_.err, frames);
         const bool built =

@@ -68,41 +68,25 @@ AnimationKind KindOfFrames(OutputKind kind) {
 class Destination {
 public:
     explicit Destination(const OutputRequest& request)
-        : path_(request.path), standardOutput_(request.standardOutput), most_(request.mostBytes) {}
+        : path_(request.path), standardOutput_(request.standardOutput) {}
 
-    std::uint64_t Put(std::span<const std::uint8_t> file) const {
+    std::uint64_t Put(std::span<const std::uint8_t> file) const { return Put(FilePieces(&file, 1)); }
+    std::uint64_t Put(FilePieces pieces) const {
         std::string error;
-        if (path_ == kStandardStream ? !WriteAll(standardOutput_, file, error)
-                                     : !path_.empty() && !WriteFileSafely(path_, file, error))
+        if (!path_.empty() && path_ != kStandardStream && !WriteFileSafely(path_, pieces, error))
             throw AnimationError(error);
-        return file.size();
-    }
-
-    /// A film goes on as it is made, for it may be very large; a file is collected first.
-    std::uint64_t Put(const Y4mWriter& film) const {
-        const std::uint64_t bytes = film.Bytes();
-        if (path_.empty()) return bytes;
-        std::vector<std::uint8_t> file;
-        const bool collects = path_ != kStandardStream;
-        if (collects && bytes > most_)
-            throw AnimationError(
-                "the film is too large to be kept until it is whole, send it to a program with -o -");
-        if (collects) file.reserve(static_cast<std::size_t>(bytes)); // at most `most_`
-        film.Finish([&](std::span<const std::uint8_t> piece) {
-            if (collects) {
-                file.insert(file.end(), piece.begin(), piece.end());
-            } else {
-                Put(piece);
-            }
-            return true;
-        });
-        return collects ? Put(file) : bytes;
+        std::uint64_t bytes = 0;
+        for (const std::span<const std::uint8_t> piece : pieces) {
+            if (path_ == kStandardStream && !WriteAll(standardOutput_, piece, error))
+                throw AnimationError(error);
+            bytes += piece.size();
+        }
+        return bytes;
     }
 
 private:
     const std::string path_;
     std::ostream& standardOutput_;
-    const std::uint64_t most_;
 };
 
 class PackedFile final : public AnimationOutput {
@@ -138,7 +122,7 @@ public:
         screen_.emplace(facts);
     }
     void Add(const FrameView& frame) override { writer_->Add(screen_->Show(frame), frame.delay); }
-    std::uint64_t Finish(const FinishedTask&) override { return to_.Put(*writer_); }
+    std::uint64_t Finish(const FinishedTask&) override { return to_.Put(writer_->Finish()); }
 
 private:
     const Destination to_;

@@ -48,7 +48,6 @@ struct OutputRequest {
     const Runner& runner;       ///< who packs
     std::optional<int> quality; ///< of a WebP, 0 to 100; without one it keeps every colour
     std::optional<int> effort;  ///< of PNG and MNG files, 1 to 12
-    std::uint64_t mostBytes;    ///< that a film may take before it is written to a file
 };
 /// The stream and the runner outlive it. What it throws names no path, but for a folder's files.
 std::unique_ptr<AnimationOutput> NewOutput(const OutputRequest& request);

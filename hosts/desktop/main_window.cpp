@@ -15,7 +15,8 @@ namespace lumafold {
 namespace {
 
 constexpr char kProgram[] = "Lumafold Host";
-enum TimerNumber : UINT_PTR { kPlayTimer = 1, kIdleTimer, kFeedTimer };
+enum TimerNumber : UINT_PTR { kPlayTimer = 1, kIdleTimer };
+static_assert(kIdleTimer < kFeedTimer);
 constexpr UINT kDpiChanged = 0x02E0; ///< WM_DPICHANGED, which the headers for our oldest system lack
 
 Backdrop BackdropFor(const HostSettings& settings) {
@@ -280,7 +281,7 @@ void MainWindow::Drop(HDROP drop) {
     }
     session_.Queue(files_.OpenAnimationsOf(dropped));
     if (!session_.HasQueued()) return;
-    SetTimer(window_, kFeedTimer, 30, nullptr);
+    SetTimer(window_, kFeedTimer, kFeedMilliseconds, nullptr);
     PostMessageW(window_, WM_COMMAND, HOST_RUN_PLUGIN, 0);
 }
 

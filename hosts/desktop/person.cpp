@@ -148,6 +148,7 @@ std::string Person::ChooseFolder(HWND owner, const std::string& title) {
     wchar_t path[MAX_PATH] = L"";
     const bool found = SHGetPathFromIDListW(item, path) != 0;
     CoTaskMemFree(item);
+    if (!found) Tell(owner, "The path of this folder is too long.", Tone::Error);
     return found ? Utf8(path) : "";
 }
 

@@ -63,7 +63,14 @@ void PluginSession::Feed() {
 }
 
 std::vector<std::string> PluginSession::ChoosePictures(HWND owner) {
-    if (!feeding_ || queued_.empty()) return attendant_.ChoosePictures(owner);
+    if (!feeding_) {
+        std::vector<std::string> chosen = attendant_.ChoosePictures(owner);
+        if (chosen.empty() || !ChosenNamesBuffer(chosen).empty()) return chosen;
+        // More than the plug-in takes at once, or of several folders: the rest is added after these.
+        Queue(chosen);
+        SetTimer(window_, kFeedTimer, kFeedMilliseconds, nullptr);
+    }
+    if (queued_.empty()) return {};
     std::vector<std::string> pictures = std::move(queued_.front());
     queued_.pop_front();
     return pictures;

@@ -11,6 +11,10 @@
 
 namespace lumafold {
 
+/// By this timer of the main window, what waits for the plug-in's dialog is handed over.
+inline constexpr UINT_PTR kFeedTimer = 3;
+inline constexpr UINT kFeedMilliseconds = 30;
+
 class PluginSession : public HostServices {
 public:
     /// All outlive it.

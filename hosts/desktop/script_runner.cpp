@@ -140,6 +140,7 @@ ScriptRunner::State ScriptRunner::RunStep(const ScriptStep& step) {
     if (run == nullptr) return Fail("not known here");
     const State state = (this->*run)(step);
     started_ = true;
+    if (!CaughtFault().empty()) return Fail(CaughtFault());
     if (state == State::Waiting && step.verb != "wait" && GetTickCount() - startedAt_ > kPatience)
         return Fail("that took too long");
     return state;
@@ -192,14 +193,15 @@ ScriptRunner::State ScriptRunner::OpenDialog(const ScriptStep&) {
 }
 
 ScriptRunner::State ScriptRunner::Add(const ScriptStep& step) {
+    const auto progress = [&] { return window_.Plugin().HasQueued() ? State::Waiting : State::Done; };
+    if (started_) return progress();
     const HWND button = Button(LUMAFOLD_MAIN_ADD);
     if (button == nullptr) return State::Failed;
     answers_.pictures.clear();
     for (const std::string& word : step.words)
         answers_.pictures.push_back(FullPath(word));
-    if (ChosenNamesBuffer(answers_.pictures).empty()) return Fail("these files cannot be chosen together");
     Click(button);
-    return answers_.pictures.empty() ? State::Done : Fail("the plug-in did not ask for files");
+    return answers_.pictures.empty() ? progress() : Fail("the plug-in did not ask for files");
 }
 
 ScriptRunner::State ScriptRunner::RemoveAll(const ScriptStep&) {

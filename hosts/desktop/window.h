@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <string>
 
 #include "hosts/desktop/ids.h"
 
@@ -13,6 +14,10 @@ namespace lumafold {
 
 /// Writes a line where a person or a log sees it: what went wrong inside a window.
 void ReportFault(const char* text);
+/// The same of what a window threw; kept, so that nobody takes what was under way for done.
+void CatchFault(const char* text);
+/// What was caught first, "" so far.
+const std::string& CaughtFault();
 
 /// Self names its class by kClassName, answers messages by Handle(message, wparam, lparam), and calls Destroy
 /// in its own destructor: a window that goes still gets messages, which need the whole object.
@@ -77,9 +82,9 @@ private:
         try {
             return self->Handle(message, wparam, lparam);
         } catch (const std::exception& fault) {
-            ReportFault(fault.what());
+            CatchFault(fault.what());
         } catch (...) {
-            ReportFault("unexpected fault");
+            CatchFault("unexpected fault");
         }
         return DefWindowProcW(window, message, wparam, lparam);
     }

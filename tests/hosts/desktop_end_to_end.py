@@ -59,6 +59,9 @@ FAILURES = [
     ("open inputs\\clear.gif\nsave-as none\\x.gif\nwait 1", 1, "line 3: wait 1: this message was shown: "),
     ("open inputs\\clear.gif\nexpect-frames 2", 1, "line 2: expect-frames 2: found 1 frame, 33x21"),
     ("\nsave-as x.gif # nothing is there", 1, "line 2: save-as x.gif: nothing is open"),
+    # Of two folders, which the plug-in takes one after the other.
+    ("open-dialog\nremove-all\nadd inputs\\clear.gif windows\\dot.gif\nselect-item 2\nselect-item 3", 1,
+     "line 5: select-item 3: there is no such item"),
     ("jump", 2, '"jump" is no step'),
     ('add "x', 2, "line 1: a quote is not closed"),
 ]

@@ -23,7 +23,10 @@ using Names = std::vector<std::string>;
 class PlatformFiles : public testing::Test {
 protected:
     FileError Store(const std::string& path, const std::string& text) {
-        return StoreFile(path.c_str(), {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+        const std::span bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+        const std::span<const std::uint8_t> pieces[] = {
+            bytes.first(text.size() / 3), {}, bytes.subspan(text.size() / 3)};
+        return StoreFile(path.c_str(), pieces);
     }
     /// What LoadFile gives, or its error.
     std::string Load(const std::string& path, std::size_t most = 1000000) {

@@ -10,7 +10,12 @@ protected:
     Painting() {
         const std::string wide =
             pictures.Add("a wide picture with a long name.bmp", PlainPicture(1000, 100, 0xFF0000));
-        const std::string small = pictures.Add("small.bmp", PlainPicture(20, 10, 0x0000FF));
+        Palette table{};
+        table[99] = {255, 0, 0};
+        OwnedDib indexed = PictureOf(
+            20, 10, 8, [](int, int) { return 99U; }, &table);
+        indexed->biClrUsed = 16; // which says nothing about its pixels
+        const std::string small = pictures.Add("small.bmp", indexed);
         const std::string busy = pictures.Add("photo.bmp", BusyPicture(320, 240, 7));
         WriteFileBytes(files.List(), busy + "\r\n" + small + "\r\n" + wide + "\r\n");
     }
