@@ -211,13 +211,14 @@ private:
         return true;
     }
 
-    /// Calls `work(index, frame)` for every frame, as many at once as there are workers, and puts the records
-    /// back, changed or not: what a record was given is the list's to free. Positions are told in order, each
-    /// before the work on its frame. False as soon as one fails.
+    /// Calls `work(index, frame)` for every frame, several for each worker in turn as they take longer and
+    /// shorter, and puts the records back, changed or not: what a record was given is the list's to free.
+    /// Positions are told in order, each before the work on its frame. False as soon as one fails.
     template <typename Work>
     bool ForEachFrame(Work work) {
         std::array<FrameRecord, 64> frames;
-        const std::size_t atOnce = std::min(request_.runner.Workers(), frames.size());
+        const std::size_t workers = request_.runner.Workers();
+        const std::size_t atOnce = std::min(workers == 1 ? 1 : 4 * workers, frames.size());
         for (std::int32_t first = 0; first < frames_.count;) {
             std::size_t count = 0;
             for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_.count; ++count) {

@@ -23,7 +23,7 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
 
 // Several frames for each worker, as they take longer and shorter; one worker packs each at once.
 void AnimationWriter::Add(const FrameView& frame) {
-    constexpr std::size_t kFramesOfWorker = 3;
+    constexpr std::size_t kFramesOfWorker = 6;
     Take(frame);
     ++waiting_;
     const std::size_t workers = runner_.Workers();

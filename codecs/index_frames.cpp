@@ -60,19 +60,26 @@ IndexCut FileTable::Cut(const Screen& screen, const Rect& rect, int hole) const 
     const auto holeEntry = static_cast<std::uint8_t>(std::max(hole, 0));
     cut.pixels.resize(static_cast<std::size_t>(RectWidth(rect)) * static_cast<std::size_t>(RectHeight(rect)));
     ChoicePixel* to = cut.pixels.data();
-    int highest = 0;
+    // By index, and behind them what kNoPixel stands for.
+    std::array<std::uint8_t, 257> entryOf;
+    std::copy(entries_.begin(), entries_.end(), entryOf.begin());
+    entryOf.back() = holeEntry;
+    const unsigned mayLeaveOut = hole >= 0 ? 0xFF : 0;
+    unsigned highest = 0, different = 0;
     for (std::int32_t y = rect.top; y < rect.bottom; ++y) {
         const PixelValue* shown = screen.Row(y);
         const std::uint8_t* changed = screen.Changed(y);
         for (std::int32_t x = rect.left; x < rect.right; ++x, ++to) {
-            const auto entry =
-                shown[x] == kNoPixel ? holeEntry : static_cast<std::uint8_t>(entries_[shown[x] & 0xFF]);
-            *to = {entry, changed[x] == 0 && hole >= 0 ? holeEntry : entry};
-            cut.mayLeaveOut |= to->IsFree();
-            highest = std::max<int>(highest, entry);
+            const std::uint8_t entry = entryOf[std::min<PixelValue>(shown[x], 256)];
+            // Changes are as irregular as grain, so no branch depends on one.
+            const unsigned freedom = (entry ^ holeEntry) & (changed[x] - 1U) & mayLeaveOut;
+            *to = {entry, static_cast<std::uint8_t>(entry ^ freedom)};
+            different |= freedom;
+            highest = std::max<unsigned>(highest, entry);
         }
     }
-    cut.entries = std::max(highest, hole) + 1;
+    cut.mayLeaveOut = different != 0;
+    cut.entries = std::max(static_cast<int>(highest), hole) + 1;
     return cut;
 }
 

@@ -29,7 +29,7 @@ std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBu
 // As measured. A writer of PNG data holds what a few frames change for each worker, and copies of the rows
 // that are at work; the WebP library works on pictures of its own.
 TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers) {
-    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 3 * working;
+    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 6 * working;
     switch (kind) {
     case OutputKind::Folder:
         return {3, 0};
