@@ -94,10 +94,8 @@ class LeafCounter {
 public:
     explicit LeafCounter(int depth) {
         for (unsigned level = 0; level < places_.size(); ++level) {
-            unsigned place = 0;
             for (int bit = 7; bit >= 8 - depth; --bit)
-                place = place << 3 | (level >> bit & 1);
-            places_[level] = static_cast<std::uint16_t>(place);
+                places_[level] = places_[level] << 3 | (level >> bit & 1);
         }
     }
     void Count(const ConstRowView& rows, PixelSums* leaves) const {
@@ -105,14 +103,14 @@ public:
             const std::uint8_t* pixel = rows.Row(y);
             for (std::int32_t x = 0; x < rows.Width(); ++x, pixel += 3) {
                 const unsigned red = pixel[2], green = pixel[1], blue = pixel[0];
-                leaves[places_[red] * 4U + places_[green] * 2U + places_[blue]] +=
+                leaves[places_[red] * 4 + places_[green] * 2 + places_[blue]] +=
                     {1, red, green, blue, red * red + green * green + blue * blue};
             }
         }
     }
 
 private:
-    std::array<std::uint16_t, 256> places_; ///< a level's bits spread to every third place
+    std::array<unsigned, 256> places_{}; ///< a level's bits spread to every third place
 };
 
 /// A cube of colours by its darkest corner; the cube of level n has sides of 256 >> n.

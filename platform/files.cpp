@@ -179,12 +179,13 @@ FileError LoadFile(const char* path, Array<std::uint8_t>& bytes, std::size_t mos
 }
 
 FileError StoreFile(const char* path, FilePieces pieces) {
+    if (file_system::Inspect(path).kind == Kind::Special) return StoreStraight(path, pieces);
     char target[kPathBytes];
     if (const FileError error = file_system::FollowLinks(path, target)) return error;
     const file_system::Standing before = file_system::Inspect(target);
     if (before.kind == Kind::Folder) return EISDIR;
     if (before.kind == Kind::ReadOnly) return EACCES;
-    return before.kind == Kind::Special ? StoreStraight(target, pieces) : StoreBeside(target, before, pieces);
+    return StoreBeside(target, before, pieces);
 }
 
 void MakeFoldersAbove(const char* path) {

@@ -21,7 +21,8 @@ bool LineReader::Next(char (&line)[kLineBytes]) {
 int LineReader::Peek() {
     if (at_ == filled_) {
         at_ = 0;
-        filled_ = file_.Read(buffer_, sizeof(buffer_));
+        filled_ = file_.Read(buffer_, std::min(sizeof(buffer_), left_));
+        left_ -= filled_;
     }
     return filled_ == 0 ? kEnd : buffer_[at_];
 }

@@ -31,7 +31,7 @@ private:
 
     InputFile file_;
     unsigned char buffer_[4096];
-    std::size_t at_ = 0, filled_ = 0;
+    std::size_t at_ = 0, filled_ = 0, left_ = std::size_t{16} << 20; ///< of a file that may never end
 };
 
 class LineWriter {

@@ -74,6 +74,12 @@ private:
             if (!options_.estimate && WouldReplace(options_.output, kind_, image.path))
                 Mistake("-o " + options_.output + ": would replace the picture " + image.path);
         }
+        for (const std::string& path : options_.alsoRead) {
+            if (!sheet.empty() && SameFile(sheet, path))
+                Mistake("--sheet " + sheet + ": would replace what is read from there");
+            if (!options_.estimate && WouldReplace(options_.output, kind_, path))
+                Mistake("-o " + options_.output + ": would replace what is read from there");
+        }
     }
 
     void SettleSettings() {
@@ -125,7 +131,9 @@ private:
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         RemarkOnSize(estimate);
-        const TakerNeed taker = NeedOf(kind_, settings_.TransitionTruecolour != 0, pool_.Workers());
+        const bool trueColour = settings_.TransitionTruecolour != 0;
+        const TakerNeed taker =
+            NeedOf(kind_, trueColour, trueColour ? PackedBytes(list) : 0, pool_.Workers());
         why = WhyTooLarge(estimate, CommandBytes(list, estimate, taker), memoryLimit_);
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
     }
@@ -137,6 +145,7 @@ private:
             return;
         const PictureSize less = SizeFor({SizeRequest::Kind::AtMost, {kLarge, kLarge}}, canvas);
         const double part = static_cast<double>(less.width) * less.height / canvas.width / canvas.height;
+        if (part > 0.99) return;
         remarks_.push_back("the pictures are up to " + std::to_string(canvas.width) + "x" +
                            std::to_string(canvas.height) + "; --max-size " + std::to_string(kLarge) +
                            " would make it " + std::to_string(less.width) + "x" +

@@ -74,6 +74,7 @@ public:
         words_.Read(words);
         Check();
         options_.settings = settings_.Settle();
+        if (!settings_.File().empty()) options_.alsoRead.push_back(settings_.File());
         options_.size.matte = options_.settings.TransitionMattcolour;
         options_.supercompressAsked = settings_.AskedForSupercompression();
         options_.paletteAsked = settings_.AskedForPalette();
@@ -242,6 +243,7 @@ private:
             if (readsStandardInput_) Mistake(word + ": the standard input is read already");
             readsStandardInput_ = true;
         }
+        if (word.starts_with('@')) options_.alsoRead.push_back(word.substr(1));
         for (std::string& path : NamedPictures(word, standardInput_)) {
             options_.images.push_back({std::move(path), {}});
             gaps_.push_back(gap_);

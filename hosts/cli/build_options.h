@@ -57,6 +57,7 @@ struct BuildOptions {
     std::optional<std::uint32_t> jobs;        ///< none for as many as there are processors
     Talk talk = Talk::Usual;
     bool json = false;
+    std::vector<std::string> alsoRead; ///< files beside the pictures: their lists, and the settings
     std::vector<std::string> warnings; ///< one line each
 };
 

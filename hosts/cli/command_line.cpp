@@ -9,6 +9,7 @@
 #include "hosts/cli/listings.h"
 #include "hosts/cli/names.h"
 #include "hosts/cli/sheet_command.h"
+#include "hosts/cli/standard_streams.h"
 
 namespace lumafold {
 namespace {
@@ -64,10 +65,14 @@ int RunCommandLine(Words args, const Console& console) {
         return kMistake;
     }
     try {
-        return RunCommand(args, console);
-    } catch (const Answer& answer) {
-        console.out << answer.what();
-        return 0;
+        int status = 0;
+        try {
+            status = RunCommand(args, console);
+        } catch (const Answer& answer) {
+            console.out << answer.what();
+        }
+        if (console.out.flush() || status != 0) return status;
+        throw Failure(kFailed, kStandardOutputFull);
     } catch (const Failure& failure) {
         console.Say(failure.what());
         return failure.status;

@@ -12,6 +12,9 @@
 namespace lumafold {
 namespace {
 
+constexpr char kBrackets = '\x1D'; ///< stands before a word in brackets while the library has it
+std::string AsTyped(const std::string& word) { return word.substr(word.starts_with(kBrackets) ? 1 : 0); }
+
 constexpr std::size_t kMeaningsAt = 26, kLineWidth = 108; // columns
 
 std::string Wrapped(const std::string& text, std::size_t indent, std::size_t column) {
@@ -131,7 +134,7 @@ void CommandWords::Read(std::span<const std::string> words) {
     std::vector<std::string> backwards(words.rbegin(), words.rend());
     // The library would take brackets round a word for a list; a file's name may have them.
     for (std::string& word : backwards) {
-        if (word.starts_with('[') && word.ends_with(']')) word.insert(0, "./");
+        if (word.starts_with('[') && word.ends_with(']')) word.insert(0, 1, kBrackets);
     }
     try {
         app_->parse(backwards);
@@ -146,7 +149,7 @@ void CommandWords::Read(std::span<const std::string> words) {
     }
     std::map<const CLI::Option*, std::size_t> taken;
     for (const CLI::Option* option : app_->parse_order()) {
-        const std::string& value = option->results().at(taken[option]++);
+        const std::string value = AsTyped(option->results().at(taken[option]++));
         if (const auto take = takes_.find(option); take != takes_.end()) take->second(value);
     }
 }
@@ -181,7 +184,8 @@ void CommandWords::FailOnUnknown() const {
             names.push_back("--" + name);
     }
     const std::vector<std::string> unknown = app_->remaining();
-    const std::string& first = unknown.front() == "--" && unknown.size() > 1 ? unknown[1] : unknown.front();
+    const std::string first =
+        AsTyped(unknown.front() == "--" && unknown.size() > 1 ? unknown[1] : unknown.front());
     if (!first.starts_with('-')) {
         Mistake(std::string(command_.name) + " takes no words after it: " + first);
     }

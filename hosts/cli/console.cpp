@@ -31,8 +31,14 @@ std::size_t PrintableBytes(std::string_view text, std::size_t at) {
     for (std::size_t i = 1; i < bytes; ++i) {
         if ((ByteAt(text, at + i) & 0xC0) != 0x80) return 0;
     }
-    // U+0080 to U+009F steer terminals as an escape character does.
-    return first == 0xC2 && ByteAt(text, at + 1) < 0xA0 ? 0 : bytes;
+    // U+0080 to U+009F steer terminals as an escape character does; the others turn the order of letters
+    // round or end a line.
+    if (first == 0xC2 && ByteAt(text, at + 1) < 0xA0) return 0;
+    const unsigned char last = ByteAt(text, at + 2);
+    const bool turns =
+        (ByteAt(text, at + 1) == 0x80 && (last == 0x8E || last == 0x8F || (last >= 0xA8 && last <= 0xAE))) ||
+        (ByteAt(text, at + 1) == 0x81 && last >= 0xA6 && last <= 0xA9);
+    return first == 0xE2 && turns ? 0 : bytes;
 #endif
 }
 

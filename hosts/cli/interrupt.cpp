@@ -1,7 +1,7 @@
 #include "hosts/cli/interrupt.h"
 
-#ifdef _WIN32
 #include <atomic>
+#ifdef _WIN32
 #include <mutex>
 
 #include <io.h>
@@ -36,12 +36,12 @@ void TidyUp() {
 std::atomic<bool> raised = false;
 // The system tells on a thread of its own: who holds interrupts off must not start to while that one leaves.
 std::mutex heldMutex;
-bool held = false;
+int held = 0;
 
 BOOL WINAPI HandleInterrupt(DWORD) {
     raised = true;
     const std::lock_guard lock(heldMutex);
-    if (held) return TRUE;
+    if (held > 0) return TRUE;
     TidyUp();
     // Nothing may run on: not the other thread, not what would wait for it.
     TerminateProcess(GetCurrentProcess(), kInterruptedStatus);
@@ -50,7 +50,8 @@ BOOL WINAPI HandleInterrupt(DWORD) {
 
 #else
 
-volatile std::sig_atomic_t held = 0;
+std::atomic<int> held = 0;
+static_assert(std::atomic<int>::is_always_lock_free); // a signal handler reads it
 volatile std::sig_atomic_t raised = 0;
 
 extern "C" void HandleInterrupt(int) {
@@ -70,11 +71,11 @@ void WatchForInterrupts() { SetConsoleCtrlHandler(&HandleInterrupt, TRUE); }
 
 HoldInterrupts::HoldInterrupts() {
     const std::lock_guard lock(heldMutex);
-    held = true;
+    ++held;
 }
 HoldInterrupts::~HoldInterrupts() {
     const std::lock_guard lock(heldMutex);
-    held = false;
+    --held;
 }
 
 #else
@@ -88,8 +89,8 @@ void WatchForInterrupts() {
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-HoldInterrupts::HoldInterrupts() { held = 1; }
-HoldInterrupts::~HoldInterrupts() { held = 0; }
+HoldInterrupts::HoldInterrupts() { ++held; }
+HoldInterrupts::~HoldInterrupts() { --held; }
 
 #endif
 

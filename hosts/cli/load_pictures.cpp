@@ -1,6 +1,7 @@
 #include "hosts/cli/load_pictures.h"
 
 #include "codecs/decode.h"
+#include "codecs/picture_kinds.h"
 #include "hosts/cli/failure.h"
 #include "hosts/cli/standard_streams.h"
 
@@ -12,9 +13,15 @@ constexpr std::size_t kMostBytes = std::size_t{1} << 30; // as of a file
 DecodedPicture Decode(const std::string& path, std::istream& standardInput, PixelValue matte,
                       std::uint64_t pixels) {
     if (path != kStandardStream) return DecodePictureFile(path, matte, pixels);
-    const std::string bytes = ReadAll(standardInput, kMostBytes);
+    std::string bytes;
+    const auto read = [&] {
+        return std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    };
+    // A stream may never end, so no more is read of it before it is known for a picture.
+    ReadOn(standardInput, kKindBytes, bytes);
+    if (PictureKindOf(read()) != nullptr) ReadOn(standardInput, kMostBytes + 1, bytes);
     if (bytes.size() > kMostBytes) return {OwnedDib(), "too large for a picture"};
-    return DecodePicture({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, matte, pixels);
+    return DecodePicture(read(), matte, pixels);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "build/build_driver.h"
+#include "codecs/png_writer.h"
 #include "platform/machine.h"
 
 namespace lumafold {
@@ -28,7 +29,7 @@ std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBu
 
 // As measured. A writer of PNG data holds what a few frames change for each worker, and copies of the rows
 // that are at work; the WebP library works on pictures of its own.
-TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers) {
+TakerNeed NeedOf(OutputKind kind, bool trueColour, double packed, std::size_t workers) {
     const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 6 * working;
     switch (kind) {
     case OutputKind::Folder:
@@ -36,13 +37,31 @@ TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers) {
     case OutputKind::Y4m:
         return {8, 1.5};
     case OutputKind::Webp:
-        return {66, 1.1};
+        return {66, 1.7 * packed};
     case OutputKind::Gif:
         return {9 + 2 * waiting + 3 * working, 0.3};
     default:
-        return trueColour ? TakerNeed{9 + 4 * waiting + 6 * working, 1.1}
+        return trueColour ? TakerNeed{9 + 6 * waiting + 6 * working, packed}
                           : TakerNeed{9 + 2 * waiting + 3 * working, 0.3};
     }
+}
+
+double PackedBytes(ImageList& list) {
+    constexpr std::int32_t kMostPictures = 8, kPixels = 1 << 16; // of each
+    double bytes = 0, pixels = 1;
+    ImageEntry entry;
+    for (std::int32_t i = 0; i < std::min(list.Count(), kMostPictures); ++i) {
+        const ReadDib picture(list.Read(i, entry) ? entry.image : 0);
+        if (!picture || picture->biWidth < 1) continue;
+        const std::int32_t rows = std::clamp(kPixels / picture->biWidth, 1, picture->biHeight);
+        OwnedDib part = DibCreateLike(*picture, picture->biWidth, rows);
+        if (!part) continue;
+        DibCopyRect(*part, 0, 0, *picture, 0, (picture->biHeight - rows) / 2, picture->biWidth, rows);
+        std::string error;
+        bytes += static_cast<double>(EncodePng(part.Get(), error).size());
+        pixels += static_cast<double>(rows) * picture->biWidth;
+    }
+    return bytes / pixels;
 }
 
 std::uint64_t CommandBytes(ImageList& list, const BuildEstimate& estimate, const TakerNeed& taker) {

@@ -17,8 +17,11 @@ struct TakerNeed {
     double frame; ///< for each frame, until the last one
 };
 inline constexpr TakerNeed kSheetNeed{6, 0}; ///< a contact sheet's screen, and a picture in true colour
-/// Frames of photos, as they pack usually. `workers` pack at once.
-TakerNeed NeedOf(OutputKind kind, bool trueColour, std::size_t workers);
+/// `packed` is what a true-colour frame comes to, in bytes a pixel; `workers` pack at once.
+TakerNeed NeedOf(OutputKind kind, bool trueColour, double packed, std::size_t workers);
+
+/// What the pictures come to as PNG data, in bytes a pixel, by a part of some of them.
+double PackedBytes(ImageList& list);
 
 /// All that the build holds at once at the most, its list and the taker of its frames included.
 std::uint64_t CommandBytes(ImageList& list, const BuildEstimate& estimate, const TakerNeed& taker);

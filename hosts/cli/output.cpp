@@ -179,15 +179,19 @@ bool SameFile(const std::string& one, const std::string& other) {
 bool WouldReplace(const std::string& output, OutputKind kind, const std::string& input) {
     if (output == kStandardStream || input == kStandardStream) return false;
     if (kind != OutputKind::Folder) return SameFile(output, input);
-    const std::string name = NameOf(PathOf(input).filename());
-    const fs::path folder = PathOf(input).parent_path();
-    return name.starts_with("frame-") && name.ends_with(".bmp") &&
-           SameFile(output + "/.", (folder.empty() ? "." : NameOf(folder)) + "/.");
+    const fs::path settled = Settled(input);
+    const std::string name = NameOf(settled.filename());
+    return (name == "task.json" || (name.starts_with("frame-") && name.ends_with(".bmp"))) &&
+           SameFile(output + "/.", NameOf(settled.parent_path()) + "/.");
 }
 
 std::string WhyNoFileCanStandAt(const std::string& path) {
     std::error_code error;
-    if (fs::is_directory(PathOf(path), error)) return "is a folder";
+    const fs::file_status status = fs::status(PathOf(path), error);
+    if (status.type() == fs::file_type::directory) return "is a folder";
+    constexpr fs::perms kWritable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    if (fs::exists(status) && (status.permissions() & kWritable) == fs::perms::none)
+        return "permission denied";
     return WhyNoEntryIn(PathOf(path).parent_path());
 }
 

@@ -12,10 +12,14 @@ namespace {
 constexpr std::size_t kMostListBytes = std::size_t{16} << 20;
 
 std::string ListText(const std::string& path, std::istream& standardInput) {
-    if (path == kStandardStream) return ReadAll(standardInput, kMostListBytes);
+    std::string text;
+    if (path == kStandardStream) {
+        ReadOn(standardInput, kMostListBytes + 1, text);
+        return text;
+    }
     Array<std::uint8_t> bytes;
-    std::string error;
-    if (!ReadWholeFile(path, bytes, error)) throw Failure(kFailed, "@" + path + ": " + error);
+    const FileError error = LoadFile(path.c_str(), bytes, kMostListBytes);
+    if (error != 0) throw Failure(kFailed, "@" + path + ": " + FileErrorText(error));
     return {bytes.begin(), bytes.end()};
 }
 

@@ -23,6 +23,8 @@ public:
 
     /// Throws Failure when the settings file cannot be read.
     PluginSettings Settle() const;
+    /// "" for none.
+    const std::string& File() const { return config_; }
     /// One line each.
     std::vector<std::string>& Warnings() { return warnings_; }
     /// Whether a word, and not only the default, says so.

@@ -1,5 +1,6 @@
 #include "hosts/cli/standard_streams.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 #ifdef _WIN32
@@ -19,21 +20,20 @@ void LeaveBytesAlone([[maybe_unused]] std::FILE* file) {
 
 } // namespace
 
-std::string ReadAll(std::istream& stream, std::size_t most) {
+void ReadOn(std::istream& stream, std::size_t most, std::string& bytes) {
     if (&stream == &std::cin) LeaveBytesAlone(stdin);
-    std::string all;
     char piece[1 << 16];
-    while (all.size() <= most && (stream.read(piece, sizeof(piece)), stream.gcount() > 0))
-        all.append(piece, static_cast<std::size_t>(stream.gcount()));
-    if (all.size() > most) all.resize(most + 1);
-    return all;
+    while (bytes.size() < most && stream) {
+        stream.read(piece, static_cast<std::streamsize>(std::min(sizeof(piece), most - bytes.size())));
+        bytes.append(piece, static_cast<std::size_t>(stream.gcount()));
+    }
 }
 
 bool WriteAll(std::ostream& stream, std::span<const std::uint8_t> bytes, std::string& error) {
     if (&stream == &std::cout) LeaveBytesAlone(stdout);
     stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     if (stream.flush()) return true;
-    error = "the standard output takes no more";
+    error = kStandardOutputFull;
     return false;
 }
 

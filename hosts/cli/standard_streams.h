@@ -10,9 +10,10 @@ namespace lumafold {
 
 /// The standard input or output, where the name of a file is due.
 inline constexpr char kStandardStream[] = "-";
+inline constexpr char kStandardOutputFull[] = "the standard output takes no more";
 
-/// All bytes to the stream's end; of more than `most`, that many and one.
-std::string ReadAll(std::istream& stream, std::size_t most);
+/// Reads on until `bytes` holds `most` of them or the stream ends.
+void ReadOn(std::istream& stream, std::size_t most, std::string& bytes);
 
 /// False with `error` in one line when not all of it could be written.
 bool WriteAll(std::ostream& stream, std::span<const std::uint8_t> bytes, std::string& error);

@@ -1,6 +1,7 @@
 // Whole builds by the command line, and what they leave on the disk.
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
@@ -351,11 +352,15 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
         {2, "%/old.gif -o %/./old.gif", "-o %/./old.gif: would replace the picture "},
         {2, "-o %/s.png --sheet %/./s.png", "--sheet %/./s.png: the animation"},
         {2, "%/out/frame-0000.bmp -o %/out/", "-o %/out/: would replace the picture "},
+        {2, "%/out/task.json -o %/out/", "-o %/out/: would replace the picture "},
+        {2, "@%/c.gif -o %/./c.gif", "-o %/./c.gif: would replace what is read"},
+        {2, "--config %/c.gif -o %/./c.gif", "-o %/./c.gif: would replace what is read"},
         {2, "-o -", "-o -: say which kind of file, with --format "},
         {2, "-o %/x/ --format gif", "-o %/x/: a folder of frames takes no --format"},
     };
     std::filesystem::create_directories(Path("out"));
     PutPicture("out/frame-0000.bmp", 7, 5, 1);
+    Put("c.gif", Path("a.bmp"));
     const auto before = Names();
     for (const auto& row : kCases) {
         Ran ran = Run(std::string("build -q --transition None %/a.bmp ") + row.words);
@@ -369,6 +374,16 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
         EXPECT_EQ(Names(), before) << expected;
     }
     EXPECT_EQ(Get("old.gif"), "old");
+}
+
+TEST_F(CommandLineTest, ReadsNoStreamThatNeverEndsAndTellsWhenNoneIsTaken) {
+    std::istringstream endless(std::string(1 << 20, '\0'));
+    std::ostringstream err;
+    std::ofstream full; // not open, so it takes nothing
+    EXPECT_EQ(RunCommandLine(Words("build - -o " + Path("x.gif")), {endless, full, err}), 1);
+    EXPECT_LT(endless.tellg(), 100);
+    EXPECT_EQ(RunCommandLine(Words("palettes"), {endless, full, err}), 1);
+    EXPECT_TRUE(err.str().ends_with("lumafold: the standard output takes no more\n")) << err.str();
 }
 
 } // namespace

@@ -54,7 +54,7 @@ TEST(BuildOptions, GapOptionsApplyToThePicturesAfterThem) {
          "a 14/32/8, 14/1/8"},
         {"a b -o x.gif --set TransitionType=33", "a 0/100/5, b 0/100/5, 0/100/5"},
         {"-o x.gif -- --pause -q", "--pause 0/100/5, -q 0/100/5, 0/100/5"},
-        {"- [a] --pause 0 -5 -o x.gif", "- 0/100/5, ./[a] 0/100/5, -5 0/0/5, 0/0/5"},
+        {"- [a] --pause 0 -5 -o x.gif", "- 0/100/5, [a] 0/100/5, -5 0/0/5, 0/0/5"},
         // A list from the standard input.
         {"a --pause 7 @- -o x.gif", "a 0/100/5, b c.png 0/7/5, ./- 0/7/5, @d 0/7/5, 0/7/5"},
     };
@@ -195,6 +195,7 @@ TEST(Console, ShowsWhatWouldSteerATerminalAsEscapes) {
     EXPECT_EQ(Printable("a b\x1B[2J\n\r\t\x7F"), "a b\\x1B[2J\\n\\r\\t\\x7F");
 #ifndef _WIN32
     EXPECT_EQ(Printable("gr\xC3\xBC\xE2\x82\xAC\xF0\x9F\x99\x82"), "gr\xC3\xBC\xE2\x82\xAC\xF0\x9F\x99\x82");
+    EXPECT_EQ(Printable("\xE2\x80\xAEgnp\xE2\x80\xA6"), "\\xE2\\x80\\xAEgnp\xE2\x80\xA6") << "right to left";
     EXPECT_EQ(Printable("\xC2\x9B"
                         "1m\xFFz\xE2\x82"),
               "\\xC2\\x9B1m\\xFFz\\xE2\\x82");

@@ -8,6 +8,9 @@
 #include <cstring>
 #include <filesystem>
 #include <thread>
+#ifdef __linux__
+#include <unistd.h>
+#endif
 
 #include <gtest/gtest.h>
 
@@ -51,6 +54,19 @@ TEST_F(PlatformFiles, AreReplacedAndReadWhole) {
     }
     EXPECT_EQ(folder_.Names(), Names{"a.bin"});
 }
+
+#ifdef __linux__
+TEST_F(PlatformFiles, ArePipesByAnyName) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    EXPECT_EQ(Store("/dev/fd/" + std::to_string(ends[1]), "abc"), 0);
+    char read[4] = "";
+    EXPECT_EQ(::read(ends[0], read, 3), 3);
+    EXPECT_STREQ(read, "abc");
+    for (const int end : ends)
+        close(end);
+}
+#endif
 
 TEST_F(PlatformFiles, ThatCannotBeWrittenStayAsTheyAre) {
     folder_.Put("fixed.ini", "old");
