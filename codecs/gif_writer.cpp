@@ -39,32 +39,26 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// A sample is four rows in thirty-two, and tells of the rest which way packs best.
+/// A sample is an eighth of the rows, by four.
 enum class Rows { All, Sample };
-/// Which of the pixels that do not change may be left out: none, those in runs of several colours, or all.
-enum class LeftOut { None, Varied, Any };
+/// Which of the pixels that do not change are left out: none; those in runs of several colours, or all, where
+/// the encoder finds it better; or those in any case.
+enum class LeftOut { None, ChoiceOfVaried, Choice, Varied, All };
 
 class GifFrame {
 public:
     GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
 
-    /// Pixels that do not change may be drawn over with what is there or left out. The encoder takes what
-    /// packs better at the moment; but a run of one colour is a string already that a hole would break, and
-    /// an entry for holes may cost more than it saves, so several ways are tried.
+    /// Pixels that do not change may be drawn over with what is there or left out. The encoder can take what
+    /// packs better at the moment; but a run of one colour is a string already that a hole would break, an
+    /// entry for holes may cost more than it saves, and what is always the same makes longer strings. So
+    /// several ways are tried.
     void Pack() {
         if (!codes_.bytes.empty()) return;
-        LeftOut best = LeftOut::Any;
-        if (cut_.mayLeaveOut) {
-            constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
-            const Rows tried = cut_.pixels.size() >= kWorthSampling ? Rows::Sample : Rows::All;
-            std::size_t least = ~std::size_t{0};
-            for (const LeftOut way : {LeftOut::Varied, LeftOut::Any, LeftOut::None}) {
-                const std::size_t bytes = Encode(way, tried).bytes.size();
-                if (bytes < least) best = way;
-                least = std::min(least, bytes);
-            }
+        for (const LeftOut way : cut_.mayLeaveOut ? WaysToTry() : std::vector{LeftOut::Choice}) {
+            Codes codes = Encode(way, Rows::All);
+            if (codes_.bytes.empty() || codes.bytes.size() < codes_.bytes.size()) codes_ = std::move(codes);
         }
-        codes_ = Encode(best, Rows::All);
         cut_.pixels = std::vector<ChoicePixel>();
     }
 
@@ -99,6 +93,10 @@ private:
         for (ChoicePixel& pixel : pixels)
             pixel.other = pixel.drawn;
     }
+    static void LeaveOut(std::span<ChoicePixel> pixels) {
+        for (ChoicePixel& pixel : pixels)
+            pixel.drawn = pixel.other;
+    }
     static void DrawPlainRuns(std::span<ChoicePixel> pixels) {
         const auto isFree = [](ChoicePixel pixel) { return pixel.IsFree(); };
         for (auto run = pixels.begin(); run != pixels.end();) {
@@ -116,16 +114,41 @@ private:
         std::vector<ChoicePixel> sample;
         for (std::size_t at = 0; at < cut_.pixels.size(); at += width) {
             const auto row = cut_.pixels.begin() + static_cast<std::ptrdiff_t>(at);
-            if (at / width / 4 % 8 == 0)
+            // Not every thirty-second row, which could be the gap between lines of text.
+            if (static_cast<std::uint32_t>(at / width / 4) * 0x9E3779B1U >> 29 == 0)
                 sample.insert(sample.end(), row, row + static_cast<std::ptrdiff_t>(width));
         }
         return sample;
     }
 
+    /// By a sample. Of photos, whose rows are alike, it tells which way is best. Text and drawings pack so
+    /// well that it would mislead: of them, all ways that come near the best are tried, and more of them.
+    std::vector<LeftOut> WaysToTry() const {
+        constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
+        constexpr std::size_t kSampled = 8, kPixelsOfByte = 4;
+        constexpr LeftOut kWays[] = {LeftOut::ChoiceOfVaried, LeftOut::Choice, LeftOut::None, LeftOut::Varied,
+                                     LeftOut::All};
+        constexpr std::size_t kForPhotos = 3;
+        if (cut_.pixels.size() < kWorthSampling) return {std::begin(kWays), std::end(kWays)};
+        std::vector<std::size_t> sizes;
+        std::size_t least = cut_.pixels.size();
+        const auto packsWell = [&] { return least * kSampled * kPixelsOfByte < cut_.pixels.size(); };
+        while (sizes.size() < kForPhotos || (packsWell() && sizes.size() < std::size(kWays))) {
+            sizes.push_back(Encode(kWays[sizes.size()], Rows::Sample).bytes.size());
+            least = std::min(least, sizes.back());
+        }
+        std::vector<LeftOut> ways;
+        for (std::size_t i = 0; i < sizes.size(); ++i) {
+            if (sizes[i] <= (packsWell() ? least + least / 8 : least)) ways.push_back(kWays[i]);
+        }
+        return ways;
+    }
+
     Codes Encode(LeftOut leftOut, Rows rows) const {
         std::vector<ChoicePixel> pixels = Pixels(rows);
         if (leftOut == LeftOut::None) Draw(pixels);
-        if (leftOut == LeftOut::Varied) DrawPlainRuns(pixels);
+        if (leftOut == LeftOut::ChoiceOfVaried || leftOut == LeftOut::Varied) DrawPlainRuns(pixels);
+        if (leftOut == LeftOut::Varied || leftOut == LeftOut::All) LeaveOut(pixels);
         Codes codes{false, 0, {}};
         unsigned all = 0;
         for (const ChoicePixel pixel : pixels) {
