@@ -124,6 +124,25 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     await visit.find('Try it with three sample pictures', 'button');
     await visit.choose(() => visit.menu('Open a project…'), [project]);
     assert.equal(await visit.built(), size);
+    // Two damaged ones: what is out of range is brought into it, and what is no project is not opened.
+    const text = readFileSync(project, 'latin1');
+    const [signature = '', head = ''] = text.split('\n', 2);
+    const damaged = JSON.parse(head);
+    delete damaged.project.pictures[0].gap;
+    damaged.project.pictures[1].gap = { transition: 99, pause: -1, delay: 'long' };
+    Object.assign(damaged.project.settings, { TransitionIrisStep: 4294967295, TransitionDither: 'yes' });
+    Object.assign(damaged.project, { canvas: { mode: 'cover', width: -5, height: 70000 }, quality: -5000 });
+    const files = text.slice(signature.length + head.length + 2);
+    const reopened = [`${signature}\n{}\n`, `${signature}\n${JSON.stringify(damaged)}\n${files}`];
+    for (const [index, bytes] of reopened.entries()) {
+        const path = put(`damaged${index}.lumafold`, Buffer.from(bytes, 'latin1'));
+        await visit.choose(() => visit.menu('Open a project…'), [path]);
+        await visit.page.waitForSelector(index === 0 ? '.notice.error' : '.gap[aria-label$="Unplugged TV"]');
+    }
+    await visit.click('Output', 'tab');
+    assert.match(await visit.text('.notice.error'), /damaged0\.lumafold was not opened/);
+    await visit.page.waitForFunction(() => document.body.textContent?.includes('1 × 4096 pixels'));
+    await visit.built();
     await visit.end();
 });
 

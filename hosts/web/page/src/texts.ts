@@ -148,8 +148,8 @@ export const texts = {
         `The animation could not be built: ${reason} Pictures and settings are still here.`,
     badPicture: (name: string, reason: string) => `${name} was not added: ${reason}.`,
     unknownKind: 'this is no picture that can be read here. PNG, JPEG, GIF and BMP always can',
-    badProject: (name: string, reason: string) => `${name} was not opened: ${reason}.`,
-    noProject: 'this is no project of Lumafold',
+    badProject: (name: string) =>
+        `${name} was not opened: this is no project of Lumafold, or not a whole one.`,
     notKept: 'This browser keeps nothing for this page: save the project as a file before you close it.',
     settingsTaken: 'The settings were taken over.',
     unknownError: 'something went wrong in this page',

@@ -3,6 +3,7 @@ import { Ended, EngineClient } from '../engine/client';
 import type { Tables } from '../engine/protocol';
 import { texts } from '../texts';
 import { Builder } from './builder';
+import { completeProject, completeSettings } from './complete';
 import { Importer } from './import';
 import { Keeper, projectFile, readProjectFile } from './keep';
 import { Previews } from './previews';
@@ -65,7 +66,7 @@ export class App {
         kept: Project | null,
     ) {
         this.previews = new Previews(tables.transitions.findIndex(({ name }) => name === 'None'));
-        const project = this.completed(kept);
+        const project = completeProject(kept, tables);
         this.nextId = 1 + Math.max(0, ...project.pictures.map((picture) => picture.id));
         this.store = new Store<AppState>({
             project,
@@ -230,23 +231,21 @@ export class App {
     }
 
     async openProject(file: File): Promise<void> {
-        try {
-            const opened = await readProjectFile(file);
-            if (opened === null) throw new Error(texts.noProject);
-            // Numbers of its own, so that no picture is taken for one that was here before.
-            const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
-            const before = this.project;
-            this.replace(this.completed({ ...opened, pictures }));
-            this.tell(file.name, () => this.replace(before));
-        } catch (error) {
-            this.complain(texts.badProject(file.name, (error as Error).message));
-        }
+        // What stands in a file that is none may be anything.
+        const read = await readProjectFile(file).catch(() => null);
+        const opened = completeProject(read, this.tables);
+        if (opened.pictures.length === 0) return this.complain(texts.badProject(file.name));
+        // Numbers of its own, so that no picture is taken for one that was here before.
+        const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
+        const before = this.project;
+        this.replace({ ...opened, pictures });
+        this.tell(file.name, () => this.replace(before));
     }
 
     async importSettings(file: File): Promise<void> {
         const { values } = await this.engine.ask('read settings', { text: await file.text() });
         const before = this.project;
-        this.change({ settings: { ...before.settings, ...values } });
+        this.change({ settings: completeSettings(values, this.tables) });
         this.tell(texts.settingsTaken, () => this.replace(before));
     }
 
@@ -293,19 +292,6 @@ export class App {
 
     private replace(project: Project): void {
         this.store.set({ project, selected: project.pictures[0]?.id ?? null });
-    }
-
-    /** What an older page kept may lack what this one has. */
-    private completed(kept: Project | null): Project {
-        const fresh = newProject(this.tables);
-        if (kept === null) return fresh;
-        const known = this.tables.kinds.some((kind) => kind.id === kept.kind);
-        return {
-            ...fresh,
-            ...kept,
-            settings: { ...fresh.settings, ...kept.settings },
-            kind: known ? kept.kind : fresh.kind,
-        };
     }
 
     private projectChanged(project: Project): void {

@@ -1,13 +1,9 @@
 // How the file is made: its size, kind and colours, beside its frames as they will be.
-import { canvasSize, valueOf } from '../state/project';
-import type { Canvas } from '../state/project';
+import { canvasModes, canvasSize, largestSide, valueOf } from '../state/project';
 import { texts } from '../texts';
 import { useApp, useProject } from './context';
 import { FrameInspector } from './frame_inspector';
 import { SettingControl } from './setting_control';
-
-const canvasModes: Canvas['mode'][] = ['own', 'most', 'contain', 'cover'];
-const largestSide = 4096;
 
 function SideField({ label, value, set }: { label: string; value: number; set(value: number): void }) {
     return (
