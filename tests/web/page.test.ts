@@ -112,8 +112,11 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     assert.equal(await order(), 'boats dawn');
     await visit.click('Undo');
     assert.equal(await order(), 'boats lanterns dawn');
+    await visit.click('Use for all');
+    await visit.find('Undo');
     await visit.click('Output', 'tab');
     await visit.click('Dither', 'switch');
+    assert.equal(await visit.text('.notices'), '');
     const size = await visit.built();
     await new Promise((kept) => setTimeout(kept, 1500));
     await visit.open();

@@ -129,7 +129,7 @@ export class App {
             gap: { ...picture.gap, transition },
         }));
         this.change({ pictures });
-        this.tell(texts.usedForAll(this.transitionName(transition)), () => this.replace(before));
+        this.tell(texts.usedForAll(this.transitionName(transition)), () => this.change(before));
     }
 
     surprise(seed: number): void {
@@ -203,11 +203,12 @@ export class App {
         const picture = before.pictures[index];
         if (picture === undefined) return;
         const pictures = before.pictures.filter((one) => one.id !== id);
-        if (this.store.get().selected === id) {
+        const { selected } = this.store.get();
+        if (selected === id) {
             this.store.set({ selected: (pictures[index] ?? pictures[index - 1])?.id ?? null });
         }
         this.change({ pictures });
-        this.tell(texts.removed(picture.name), () => this.replace(before));
+        this.tell(texts.removed(picture.name), () => this.store.set({ project: before, selected }));
     }
 
     selectGap(id: number): void {
@@ -246,7 +247,7 @@ export class App {
         const { values } = await this.engine.ask('read settings', { text: await file.text() });
         const before = this.project;
         this.change({ settings: completeSettings(values, this.tables) });
-        this.tell(texts.settingsTaken, () => this.replace(before));
+        this.tell(texts.settingsTaken, () => this.change(before));
     }
 
     async settingsFile(): Promise<Blob> {
@@ -295,6 +296,9 @@ export class App {
     }
 
     private projectChanged(project: Project): void {
+        // Undoing an earlier change would take this one back, too.
+        const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
+        this.store.set({ notices });
         this.builder.update(project);
         clearTimeout(this.keeping);
         this.keeping = setTimeout(() => {
