@@ -60,20 +60,37 @@ const avif =
 
 test('pictures are pasted, and those that only the browser reads are read by it', async () => {
     const visit = await Visit.begin();
-    await visit.page.evaluate(async (packed) => {
-        const canvas = new OffscreenCanvas(9, 7);
-        canvas.getContext('2d')!.fillRect(1, 1, 3, 3);
-        const clipboardData = new DataTransfer();
-        clipboardData.items.add(
-            new File([await canvas.convertToBlob()], 'pasted.png', { type: 'image/png' }),
-        );
-        clipboardData.items.add(
-            new File([Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0))], 'pasted.avif'),
-        );
-        document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
-    }, avif);
-    await visit.page.waitForFunction(() => document.querySelectorAll('.picture').length === 2);
+    const paste = (): Promise<void> =>
+        visit.page.evaluate(async (packed) => {
+            const canvas = new OffscreenCanvas(9, 7);
+            canvas.getContext('2d')!.fillRect(1, 1, 3, 3);
+            const clipboardData = new DataTransfer();
+            clipboardData.items.add(
+                new File([await canvas.convertToBlob()], 'pasted.png', { type: 'image/png' }),
+            );
+            clipboardData.items.add(
+                new File([Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0))], 'pasted.avif'),
+            );
+            document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
+        }, avif);
+    const pictures = (count: number) =>
+        visit.page.waitForFunction((all) => document.querySelectorAll('.picture').length === all, {}, count);
+    await paste();
+    await pictures(2);
     assert.match((await visit.names('.picture')).join(), /pasted\.png, 9 × 7.*pasted\.avif, 8 × 6/);
+    // The finished animation, dragged and let go over the page, is no picture to add; one pasted there is.
+    await visit.built();
+    await visit.click('Show and save');
+    const shown = await visit.page.waitForSelector('.dialog .finished');
+    const { x, y } = (await shown!.boundingBox())!;
+    await visit.page.mouse.move(x + 4, y + 3);
+    await visit.page.mouse.down();
+    await visit.page.mouse.move(60, 600, { steps: 10 });
+    await visit.page.mouse.up();
+    await paste();
+    await pictures(4);
+    assert.match((await visit.names('.picture')).join(), /(.*pasted\.png.*pasted\.avif){2}/);
+    assert.equal(await visit.page.$('.dialog[open]'), null);
     await visit.end();
 });
 

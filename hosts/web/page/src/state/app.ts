@@ -296,9 +296,9 @@ export class App {
     }
 
     private projectChanged(project: Project): void {
-        // Undoing an earlier change would take this one back, too.
+        // Undoing an earlier change would take this one back, too; and a result is of the project as it was.
         const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
-        this.store.set({ notices });
+        this.store.set({ notices, resultOpen: false });
         this.builder.update(project);
         clearTimeout(this.keeping);
         this.keeping = setTimeout(() => {
