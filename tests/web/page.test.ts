@@ -121,14 +121,15 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     await visit.page.keyboard.press('ArrowRight');
     await visit.page.keyboard.up('Alt');
     assert.equal(await order(), 'boats lanterns dawn');
-    assert.match(
-        await visit.page.evaluate(() => document.activeElement?.ariaLabel ?? ''),
-        /2 of 3: lanterns/,
-    );
+    const focused = (name: string) =>
+        visit.page.waitForFunction((one) => document.activeElement?.ariaLabel?.includes(one), {}, name);
+    await focused('2 of 3: lanterns');
     await visit.page.keyboard.press('Delete');
     assert.equal(await order(), 'boats dawn');
+    await focused('2 of 2: dawn');
     await visit.click('Undo');
     assert.equal(await order(), 'boats lanterns dawn');
+    await focused('from dawn.png to boats.png');
     await visit.click('Use for all');
     await visit.find('Undo');
     await visit.click('Output', 'tab');
@@ -142,6 +143,7 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     const project = await visit.saved(() => visit.menu('Save the project'));
     await visit.menu('New');
     await visit.find('Try it with three sample pictures', 'button');
+    await focused('Project and settings');
     await visit.choose(() => visit.menu('Open a project…'), [project]);
     assert.equal(await visit.built(), size);
     // Two damaged ones: what is out of range is brought into it, and what is no project is not opened.
