@@ -219,8 +219,8 @@ test('a preview follows its slider, and all 33 play the chosen gap', async (t) =
     await visit.end();
 });
 
-test('a frame is compared with its full colour, pixel by pixel', async () => {
-    const visit = await Visit.begin();
+test('a frame is compared with its full colour, pixel by pixel, and nothing moves unasked', async () => {
+    const visit = await Visit.begin({ still: true });
     await visit.add(samples());
     await visit.click('Output', 'tab');
     await visit.built();
@@ -236,6 +236,11 @@ test('a frame is compared with its full colour, pixel by pixel', async () => {
         }),
     );
     assert.ok(colours[0]! <= 256 && colours[1]! > 5000, colours.join());
+    assert.equal(await visit.text('.frame-number'), 'Frame 1 of 87');
+    await visit.click('Show and save');
+    await visit.page.waitForSelector('canvas.finished');
+    await visit.click('Play');
+    await visit.page.waitForSelector('img.finished');
     await visit.end();
 });
 

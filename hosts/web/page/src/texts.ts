@@ -133,7 +133,7 @@ export const texts = {
     } as Record<string, string>,
 
     result: 'Your animation',
-    resultAlternative: 'The finished animation, playing',
+    resultAlternative: (playing: boolean) => `The finished animation, ${playing ? 'playing' : 'held still'}`,
     download: (size: string) => `Save the file (${size})`,
     dragOut: 'The picture can be dragged out of the page, too.',
     notShown: 'Browsers do not play this kind; these are its frames.',
