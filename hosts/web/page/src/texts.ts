@@ -10,6 +10,11 @@ export function bytes(count: number): string {
     return count < 1e6 ? `${(count / 1e3).toFixed(1)} kB` : `${(count / 1e6).toFixed(2)} MB`;
 }
 
+const list = (parts: string[]): string => new Intl.ListFormat('en').format(parts);
+
+/** A reason as the end of a sentence. */
+const ended = (reason: string): string => (/[.!?]$/.test(reason) ? reason : `${reason}.`);
+
 export const texts = {
     name: 'Lumafold',
     slogan: 'Still pictures into a looping animation. Nothing leaves this computer.',
@@ -145,8 +150,14 @@ export const texts = {
     memoryError:
         'There is not enough memory for this animation. Choose a smaller size under Output, longer steps, or fewer pictures. Pictures and settings are still here.',
     buildError: (reason: string) =>
-        `The animation could not be built: ${reason} Pictures and settings are still here.`,
-    badPicture: (name: string, reason: string) => `${name} was not added: ${reason}.`,
+        `The animation could not be built: ${ended(reason)} Pictures and settings are still here.`,
+    badPictures: (refused: [reason: string, names: string[]][]) =>
+        refused
+            .map(
+                ([reason, names]) =>
+                    `${list(names)} ${names.length === 1 ? 'was' : 'were'} not added: ${ended(reason)}`,
+            )
+            .join(' '),
     unknownKind: 'this is no picture that can be read here. PNG, JPEG, GIF and BMP always can',
     badProject: (name: string) =>
         `${name} was not opened: this is no project of Lumafold, or not a whole one.`,

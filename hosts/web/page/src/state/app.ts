@@ -42,6 +42,12 @@ export interface AppState {
 const largeSide = 1280;
 const usualBox = { width: 640, height: 480 };
 const noticeMilliseconds = 8000;
+/** How often pictures that are being read are shown. */
+const groupMilliseconds = 400;
+
+/** Why a file is no picture; what is not the engine's own reason is the browser's. */
+const refusal = (error: unknown): string =>
+    error instanceof DOMException ? texts.unknownKind : (error as Error).message;
 
 export class App {
     readonly store: Store<AppState>;
@@ -50,6 +56,8 @@ export class App {
     private readonly importer = new Importer();
     private keeping: ReturnType<typeof setTimeout> | undefined;
     private nextId = 1;
+    /** Counts the projects that there have been. */
+    private generation = 0;
 
     static async start(): Promise<App> {
         const engine = new EngineClient();
@@ -154,38 +162,57 @@ export class App {
         if (files.length === 1 && first instanceof Blob && /\.(ini|lumafold)$/i.test(first.name)) {
             return /ini$/i.test(first.name) ? this.importSettings(first) : this.openProject(first);
         }
+        const { generation } = this;
         this.store.set({ reading: this.store.get().reading + files.length });
-        for (const one of files) {
-            const file = one instanceof Blob ? one : one.file;
+        /** The names of those that were refused, by the reason. */
+        const refused = new Map<string, string[]>();
+        let added: Picture[] = [];
+        let counted = 0;
+        let shown = -Infinity;
+        for (const [index, one] of files.entries()) {
             try {
-                const read = await this.importer.read(file);
-                this.addPicture(
-                    { ...read, name: one.name },
-                    one instanceof Blob ? undefined : one.transition,
-                );
+                const read = await this.importer.read(one instanceof Blob ? one : one.file);
+                const transition = one instanceof Blob ? '' : one.transition;
+                added.push(this.newPicture({ ...read, name: one.name }, transition));
             } catch (error) {
-                const reason = error instanceof DOMException ? texts.unknownKind : (error as Error).message;
-                this.complain(texts.badPicture(one.name, reason));
+                const reason = refusal(error);
+                refused.set(reason, [...(refused.get(reason) ?? []), one.name]);
             }
-            this.store.set({ reading: this.store.get().reading - 1 });
+            // They were for a project that has been put away.
+            if (generation !== this.generation) return;
+            // Each change costs the page time for every picture that it has.
+            if (index + 1 < files.length && performance.now() - shown < groupMilliseconds) continue;
+            shown = performance.now();
+            this.addPictures(added);
+            added = [];
+            this.store.set({ reading: this.store.get().reading - (index + 1 - counted) });
+            counted = index + 1;
         }
+        if (refused.size > 0) this.complain(texts.badPictures([...refused]));
     }
 
-    private addPicture(read: Omit<Picture, 'id' | 'gap'>, transition = ''): void {
-        const { settings, pictures, canvas } = this.project;
+    private newPicture(read: Omit<Picture, 'id' | 'gap'>, transition: string): Picture {
+        const { settings } = this.project;
         const row = this.tables.transitions.findIndex(({ name }) => name === transition);
         const gap: Gap = {
             transition: row >= 0 ? row : (settings.TransitionType ?? 0),
             pause: settings.TransitionPause ?? 0,
             delay: settings.TransitionDelay ?? 0,
         };
-        const picture: Picture = { ...read, id: this.nextId++, gap };
-        const large = canvas.mode === 'own' && Math.max(read.width, read.height) > largeSide;
+        return { ...read, id: this.nextId++, gap };
+    }
+
+    private addPictures(added: readonly Picture[]): void {
+        const [first] = added;
+        if (first === undefined) return;
+        const { pictures, canvas } = this.project;
+        const large =
+            canvas.mode === 'own' && added.some(({ width, height }) => Math.max(width, height) > largeSide);
         this.change({
-            pictures: [...pictures, picture],
+            pictures: [...pictures, ...added],
             ...(large ? { canvas: { mode: 'most', ...usualBox } } : {}),
         });
-        if (this.store.get().selected === null) this.store.set({ selected: picture.id });
+        if (this.store.get().selected === null) this.store.set({ selected: first.id });
     }
 
     movePicture(from: number, to: number): void {
@@ -282,7 +309,9 @@ export class App {
 
     private notify(notice: Notice): void {
         // News of one kind take each other's place; complaints stay until they are dismissed.
-        const others = this.store.get().notices.filter((one) => one.kind === 'error');
+        const others = this.store
+            .get()
+            .notices.filter((one) => one.kind === 'error' && one.text !== notice.text);
         this.store.set({ notices: [...others, notice].slice(-4) });
         if (notice.kind === 'done') setTimeout(() => this.dismiss(notice.id), noticeMilliseconds);
     }
@@ -291,8 +320,10 @@ export class App {
         this.store.set({ project: { ...this.project, ...change } });
     }
 
+    /** Another project: what is still being read for this one is not added to it. */
     private replace(project: Project): void {
-        this.store.set({ project, selected: project.pictures[0]?.id ?? null });
+        this.generation++;
+        this.store.set({ project, selected: project.pictures[0]?.id ?? null, reading: 0 });
     }
 
     private projectChanged(project: Project): void {

@@ -4,7 +4,7 @@ import Sortable from 'sortablejs';
 import type { Picture } from '../state/project';
 import { texts } from '../texts';
 import { ChooseFiles } from './choose_files';
-import { useApp, useAppState, useProject } from './context';
+import { useApp, useAppState } from './context';
 import { focusNext } from './focus';
 import { Icon } from './icons';
 
@@ -122,7 +122,7 @@ function GapButton({ picture, next, last }: { picture: Picture; next: Picture; l
 
 export function Strip() {
     const app = useApp();
-    const { pictures } = useProject();
+    const pictures = useAppState((state) => state.project.pictures);
     const reading = useAppState((state) => state.reading);
     const list = useSorting();
     const first = pictures[0];
