@@ -294,6 +294,8 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     await visit.click('Close');
     assert.equal((await visit.names('.picture')).length, 2);
     await visit.setSize('Whole', '200', '200');
+    for (const refused of ['0', '-5', 'e']) await visit.setNumber('Width', refused);
+    assert.equal(await visit.page.$eval('.side input', (field) => (field as HTMLInputElement).value), '200');
     await visit.built();
     await visit.end();
 });

@@ -1,13 +1,14 @@
 // One gap: its transition played large beside the settings that it reads, and all others to choose from, each
 // playing this very gap.
 import { useEffect, useId, useState } from 'preact/hooks';
-import { nextPicture } from '../state/project';
+import { largestSeed, nextPicture } from '../state/project';
 import type { Picture, Size } from '../state/project';
 import type { Film } from '../state/previews';
 import { texts } from '../texts';
 import { useApp, useAppState, useProject } from './context';
 import { FilmView, prefersStillness } from './film';
 import { Icon } from './icons';
+import { NumberField } from './number_field';
 import { SettingControl } from './setting_control';
 
 interface Look {
@@ -111,17 +112,13 @@ function TimeField({
         <div class="setting time">
             <label for={id}>{label}</label>
             <span class="number">
-                <input
-                    type="number"
+                <NumberField
                     id={id}
-                    min={least / 100}
-                    max="10"
-                    step="0.01"
+                    minimum={least / 100}
+                    maximum={10}
+                    step={0.01}
                     value={value / 100}
-                    onChange={(event) => {
-                        const hundredths = Math.round(Number(event.currentTarget.value) * 100);
-                        if (Number.isFinite(hundredths)) set(Math.max(least, Math.min(1000, hundredths)));
-                    }}
+                    take={(time) => set(Math.max(least, Math.min(1000, Math.round(time * 100))))}
                 />
                 <span class="unit">{texts.unitSeconds}</span>
             </span>
@@ -141,12 +138,12 @@ function Surprise() {
             {seed !== null && (
                 <label>
                     {texts.seed}
-                    <input
-                        type="number"
-                        min="0"
+                    <NumberField
+                        minimum={0}
+                        maximum={largestSeed}
                         value={seed}
-                        onChange={(event) =>
-                            app.surprise(Math.max(0, Math.trunc(Number(event.currentTarget.value))))
+                        take={(number) =>
+                            app.surprise(Math.max(0, Math.min(largestSeed, Math.trunc(number))))
                         }
                     />
                 </label>
