@@ -80,6 +80,7 @@ export const texts = {
     surprised: (seed: number) => `Transitions drawn with seed ${seed}.`,
     reset: 'Defaults',
     large: (name: string) => `${name} between these pictures, playing`,
+    noPreview: 'No preview could be made',
     pauseFilm: 'Pause',
     playFilm: 'Play',
 

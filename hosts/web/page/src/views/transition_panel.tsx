@@ -25,16 +25,19 @@ const tileLook: Look = { box: { width: 120, height: 90 }, rank: 0, wait: 60, lon
 const quickLook: Look = { box: { width: 160, height: 120 }, rank: 100, wait: 0, longestPause: 70 };
 const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, rank: 50, wait: 200 };
 
-/** The film of a gap, the last one while a new one is made; null before the first. */
-function useFilm(picture: Picture, transition: number, look: Look): Film | null {
+/** Null before there is one. */
+type MaybeFilm = Film | 'failed' | null;
+
+/** The film of a gap, the last one while a new one is made. */
+function useFilm(picture: Picture, transition: number, look: Look): MaybeFilm {
     const app = useApp();
     const project = useProject();
-    const [film, setFilm] = useState<Film | null>(null);
+    const [film, setFilm] = useState<MaybeFilm>(null);
     useEffect(() => {
         let giveUp = (): void => {};
         const wish = (): void => {
             const wanted = { project, picture, transition, ...look };
-            giveUp = app.previews.want(wanted, setFilm, () => setFilm(null));
+            giveUp = app.previews.want(wanted, setFilm, () => setFilm('failed'));
         };
         const timer = look.wait > 0 ? setTimeout(wish, look.wait) : (wish(), undefined);
         return () => {
@@ -45,22 +48,24 @@ function useFilm(picture: Picture, transition: number, look: Look): Film | null 
     return film;
 }
 
+function FilmPlace({ film, playing, label }: { film: MaybeFilm; playing: boolean; label?: string }) {
+    if (film === null) return <div class="film waiting" />;
+    if (film === 'failed') return <div class="film failed">{texts.noPreview}</div>;
+    return <FilmView film={film} playing={playing} {...(label === undefined ? {} : { label })} />;
+}
+
 function LargePreview({ picture }: { picture: Picture }) {
     const app = useApp();
     const [playing, setPlaying] = useState(!prefersStillness());
     const { transition } = picture.gap;
     const quick = useFilm(picture, transition, quickLook);
     const sharp = useFilm(picture, transition, sharpLook);
-    const [film, setFilm] = useState<Film | null>(null);
+    const [film, setFilm] = useState<MaybeFilm>(null);
     useEffect(() => setFilm(quick), [quick]);
-    useEffect(() => setFilm(sharp ?? quick), [sharp]);
+    useEffect(() => setFilm(sharp === null || sharp === 'failed' ? quick : sharp), [sharp]);
     return (
         <div class="large-preview">
-            {film !== null ? (
-                <FilmView film={film} playing={playing} label={texts.large(app.transitionName(transition))} />
-            ) : (
-                <div class="film waiting" />
-            )}
+            <FilmPlace film={film} playing={playing} label={texts.large(app.transitionName(transition))} />
             <button
                 class="button round play"
                 aria-label={playing ? texts.pauseFilm : texts.playFilm}
@@ -86,11 +91,7 @@ function Tile({ picture, row }: { picture: Picture; row: number }) {
                 checked={chosen}
                 onChange={() => app.setGap(picture.id, { transition: row })}
             />
-            {film !== null ? (
-                <FilmView film={film} playing={pointed || !prefersStillness()} />
-            ) : (
-                <div class="film waiting" />
-            )}
+            <FilmPlace film={film} playing={pointed || !prefersStillness()} />
             <span class="tile-name">{app.transitionName(row)}</span>
         </label>
     );
