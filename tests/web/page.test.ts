@@ -2,6 +2,7 @@ import assert from 'node:assert/strict';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
+import { gzipSync } from 'node:zlib';
 import axe from 'axe-core';
 import { Visit, bitmap, closeBrowser, lumafold, root, samples, scratch, sha256 } from './visit';
 
@@ -21,6 +22,13 @@ function expected(suffix: string, ...options: string[]): string {
     lumafold('build', '-q', '-o', path, '--delay', '8', ...options, ...gaps, '--transition', 'Burp', boats);
     return sha256(path);
 }
+
+test('the page is one small file', () => {
+    const page = readFileSync(join(root, 'out/web/lumafold.html'));
+    assert.ok(page.length <= 1_500_000, `${page.length} bytes`);
+    const packed = gzipSync(page, { level: 9 }).length;
+    assert.ok(packed <= 600_000, `${packed} bytes packed`);
+});
 
 test('three files become the very bytes of the command line, as each kind of file', async () => {
     const visit = await Visit.begin();

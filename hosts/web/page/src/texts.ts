@@ -68,7 +68,10 @@ export const texts = {
     gapTitleAlone: 'To the matte colour and back',
     chooseTransition: 'Transitions',
     noSettings: 'This transition has no settings of its own.',
-    settingsScope: (name: string) => `These hold for every “${name}” of the animation.`,
+    settingsScope: (name: string, sharing: string[]) =>
+        `These hold for every “${name}” of the animation${
+            sharing.length > 0 ? `; some or all of them also for ${list(sharing)}` : ''
+        }.`,
     timing: 'Timing of this picture',
     pause: 'Shown for',
     delay: 'Each frame in between',
@@ -164,5 +167,6 @@ export const texts = {
         `${name} was not opened: this is no project of Lumafold, or not a whole one.`,
     notKept: 'This browser keeps nothing for this page: save the project as a file before you close it.',
     settingsTaken: 'The settings were taken over.',
-    unknownError: 'something went wrong in this page',
+    unknownError:
+        'Something went wrong in this page. Pictures and settings are still here: save the project, and open the page again.',
 };

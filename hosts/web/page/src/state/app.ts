@@ -303,8 +303,7 @@ export class App {
 
     /** What nobody foresaw is told, and nothing is lost by it. */
     complainOf(error: unknown): void {
-        if (error instanceof Ended) return;
-        this.complain(error instanceof Error ? error.message : texts.unknownError);
+        if (!(error instanceof Ended)) this.complain(texts.unknownError);
     }
 
     private notify(notice: Notice): void {

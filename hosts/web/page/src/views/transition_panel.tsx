@@ -159,6 +159,9 @@ function GapSettings({ picture }: { picture: Picture }) {
     const keys = transition?.settings ?? [];
     const settings = app.tables.settings.filter((setting) => keys.includes(setting.key));
     const name = transition?.name ?? '';
+    const sharing = app.tables.transitions
+        .filter((row) => row !== transition && row.settings.some((key) => keys.includes(key)))
+        .map((row) => row.name);
     return (
         <div class="gap-settings">
             <div class="title-row">
@@ -172,7 +175,7 @@ function GapSettings({ picture }: { picture: Picture }) {
             ) : (
                 <fieldset>
                     <legend class="hint">
-                        {texts.settingsScope(name)}{' '}
+                        {texts.settingsScope(name, sharing)}{' '}
                         <button class="link" onClick={() => app.resetSettings(keys)}>
                             {texts.reset}
                         </button>
