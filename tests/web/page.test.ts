@@ -2,6 +2,7 @@ import assert from 'node:assert/strict';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
+import { gzipSync } from 'node:zlib';
 import axe from 'axe-core';
 import { Visit, bitmap, closeBrowser, lumafold, root, samples, scratch, sha256 } from './visit';
 
@@ -21,6 +22,13 @@ function expected(suffix: string, ...options: string[]): string {
     lumafold('build', '-q', '-o', path, '--delay', '8', ...options, ...gaps, '--transition', 'Burp', boats);
     return sha256(path);
 }
+
+test('the page is one small file', () => {
+    const page = readFileSync(join(root, 'out/web/lumafold.html'));
+    assert.ok(page.length <= 1_500_000, `${page.length} bytes`);
+    const packed = gzipSync(page, { level: 9 }).length;
+    assert.ok(packed <= 600_000, `${packed} bytes packed`);
+});
 
 test('three files become the very bytes of the command line, as each kind of file', async () => {
     const visit = await Visit.begin();
@@ -60,20 +68,37 @@ const avif =
 
 test('pictures are pasted, and those that only the browser reads are read by it', async () => {
     const visit = await Visit.begin();
-    await visit.page.evaluate(async (packed) => {
-        const canvas = new OffscreenCanvas(9, 7);
-        canvas.getContext('2d')!.fillRect(1, 1, 3, 3);
-        const clipboardData = new DataTransfer();
-        clipboardData.items.add(
-            new File([await canvas.convertToBlob()], 'pasted.png', { type: 'image/png' }),
-        );
-        clipboardData.items.add(
-            new File([Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0))], 'pasted.avif'),
-        );
-        document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
-    }, avif);
-    await visit.page.waitForFunction(() => document.querySelectorAll('.picture').length === 2);
+    const paste = (): Promise<void> =>
+        visit.page.evaluate(async (packed) => {
+            const canvas = new OffscreenCanvas(9, 7);
+            canvas.getContext('2d')!.fillRect(1, 1, 3, 3);
+            const clipboardData = new DataTransfer();
+            clipboardData.items.add(
+                new File([await canvas.convertToBlob()], 'pasted.png', { type: 'image/png' }),
+            );
+            clipboardData.items.add(
+                new File([Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0))], 'pasted.avif'),
+            );
+            document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
+        }, avif);
+    const pictures = (count: number) =>
+        visit.page.waitForFunction((all) => document.querySelectorAll('.picture').length === all, {}, count);
+    await paste();
+    await pictures(2);
     assert.match((await visit.names('.picture')).join(), /pasted\.png, 9 × 7.*pasted\.avif, 8 × 6/);
+    // The finished animation, dragged and let go over the page, is no picture to add; one pasted there is.
+    await visit.built();
+    await visit.click('Show and save');
+    const shown = await visit.page.waitForSelector('.dialog .finished');
+    const { x, y } = (await shown!.boundingBox())!;
+    await visit.page.mouse.move(x + 4, y + 3);
+    await visit.page.mouse.down();
+    await visit.page.mouse.move(60, 600, { steps: 10 });
+    await visit.page.mouse.up();
+    await paste();
+    await pictures(4);
+    assert.match((await visit.names('.picture')).join(), /(.*pasted\.png.*pasted\.avif){2}/);
+    assert.equal(await visit.page.$('.dialog[open]'), null);
     await visit.end();
 });
 
@@ -104,16 +129,20 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     await visit.page.keyboard.press('ArrowRight');
     await visit.page.keyboard.up('Alt');
     assert.equal(await order(), 'boats lanterns dawn');
-    assert.match(
-        await visit.page.evaluate(() => document.activeElement?.ariaLabel ?? ''),
-        /2 of 3: lanterns/,
-    );
+    const focused = (name: string) =>
+        visit.page.waitForFunction((one) => document.activeElement?.ariaLabel?.includes(one), {}, name);
+    await focused('2 of 3: lanterns');
     await visit.page.keyboard.press('Delete');
     assert.equal(await order(), 'boats dawn');
+    await focused('2 of 2: dawn');
     await visit.click('Undo');
     assert.equal(await order(), 'boats lanterns dawn');
+    await focused('from dawn.png to boats.png');
+    await visit.click('Use for all');
+    await visit.find('Undo');
     await visit.click('Output', 'tab');
     await visit.click('Dither', 'switch');
+    assert.equal(await visit.text('.notices'), '');
     const size = await visit.built();
     await new Promise((kept) => setTimeout(kept, 1500));
     await visit.open();
@@ -122,8 +151,28 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     const project = await visit.saved(() => visit.menu('Save the project'));
     await visit.menu('New');
     await visit.find('Try it with three sample pictures', 'button');
+    await focused('Project and settings');
     await visit.choose(() => visit.menu('Open a project…'), [project]);
     assert.equal(await visit.built(), size);
+    // Two damaged ones: what is out of range is brought into it, and what is no project is not opened.
+    const text = readFileSync(project, 'latin1');
+    const [signature = '', head = ''] = text.split('\n', 2);
+    const damaged = JSON.parse(head);
+    delete damaged.project.pictures[0].gap;
+    damaged.project.pictures[1].gap = { transition: 99, pause: -1, delay: 'long' };
+    Object.assign(damaged.project.settings, { TransitionIrisStep: 4294967295, TransitionDither: 'yes' });
+    Object.assign(damaged.project, { canvas: { mode: 'cover', width: -5, height: 70000 }, quality: -5000 });
+    const files = text.slice(signature.length + head.length + 2);
+    const reopened = [`${signature}\n{}\n`, `${signature}\n${JSON.stringify(damaged)}\n${files}`];
+    for (const [index, bytes] of reopened.entries()) {
+        const path = put(`damaged${index}.lumafold`, Buffer.from(bytes, 'latin1'));
+        await visit.choose(() => visit.menu('Open a project…'), [path]);
+        await visit.page.waitForSelector(index === 0 ? '.notice.error' : '.gap[aria-label$="Unplugged TV"]');
+    }
+    await visit.click('Output', 'tab');
+    assert.match(await visit.text('.notice.error'), /damaged0\.lumafold was not opened/);
+    await visit.page.waitForFunction(() => document.body.textContent?.includes('1 × 4096 pixels'));
+    await visit.built();
     await visit.end();
 });
 
@@ -178,8 +227,8 @@ test('a preview follows its slider, and all 33 play the chosen gap', async (t) =
     await visit.end();
 });
 
-test('a frame is compared with its full colour, pixel by pixel', async () => {
-    const visit = await Visit.begin();
+test('a frame is compared with its full colour, pixel by pixel, and nothing moves unasked', async () => {
+    const visit = await Visit.begin({ still: true });
     await visit.add(samples());
     await visit.click('Output', 'tab');
     await visit.built();
@@ -195,6 +244,11 @@ test('a frame is compared with its full colour, pixel by pixel', async () => {
         }),
     );
     assert.ok(colours[0]! <= 256 && colours[1]! > 5000, colours.join());
+    assert.equal(await visit.text('.frame-number'), 'Frame 1 of 87');
+    await visit.click('Show and save');
+    await visit.page.waitForSelector('canvas.finished');
+    await visit.click('Play');
+    await visit.page.waitForSelector('img.finished');
     await visit.end();
 });
 
@@ -230,10 +284,14 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     const visit = await Visit.begin();
     const [dawn] = samples() as [string];
     const cut = put('cut.png', readFileSync(dawn).subarray(0, 5000));
-    const note = put('note.txt', 'This is no picture.');
-    await visit.add([cut, dawn, note], 1);
+    const notes = ['a', 'b', 'c', 'd', 'e'].map((name) => put(`${name}.txt`, 'This is no picture.'));
+    await visit.add([cut, dawn, ...notes], 1);
+    await visit.page.waitForSelector('.notice');
     const notices = await visit.text('.notices');
-    assert.match(notices, /cut\.png was not added: .*note\.txt was not added: .*PNG, JPEG, GIF and BMP/s);
+    assert.match(
+        notices,
+        /^cut\.png was not added: .*\. a\.txt, b\.txt, .*e\.txt were not added: .*PNG, JPEG, /,
+    );
     await visit.add([put('second.bmp', bitmap(300, 200, 1))], 2);
     await visit.built();
     await visit.click('Output', 'tab');
@@ -244,6 +302,8 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     await visit.click('Close');
     assert.equal((await visit.names('.picture')).length, 2);
     await visit.setSize('Whole', '200', '200');
+    for (const refused of ['0', '-5', 'e']) await visit.setNumber('Width', refused);
+    assert.equal(await visit.page.$eval('.side input', (field) => (field as HTMLInputElement).value), '200');
     await visit.built();
     await visit.end();
 });
@@ -257,8 +317,11 @@ test('photos of 12 megapixels and sixty pictures are no trouble', async (t) => {
     t.diagnostic(`two photos were read and built in ${Date.now() - began} ms`);
     await visit.click('Output', 'tab');
     assert.match(await visit.text('.output-settings'), /640 × 480 pixels/);
-    await visit.menu('New');
     const many = Array.from({ length: 60 }, (_, index) => put(`${index}.bmp`, bitmap(96, 72, index)));
+    // Those that are still being read are not for the new project.
+    await visit.choose(() => visit.click('Add pictures', 'button'), many);
+    await visit.page.waitForSelector('.strip-end p');
+    await visit.menu('New');
     await visit.add(many, 60);
     await visit.click('Transition', 'tab');
     await visit.built();

@@ -59,14 +59,17 @@ export class Visit {
         page.on('pageerror', (error) => this.told.push(String(error)));
     }
 
-    static async begin(look: { width?: number; dark?: boolean } = {}): Promise<Visit> {
+    static async begin(look: { width?: number; dark?: boolean; still?: boolean } = {}): Promise<Visit> {
         const args = process.getuid?.() === 0 ? ['--no-sandbox'] : [];
         browser ??= puppeteer.launch({ executablePath: '/usr/bin/chromium', args });
         const context = await (await browser).createBrowserContext();
         const visit = new Visit(context, await context.newPage());
         await visit.page.setViewport({ width: look.width ?? 1440, height: 900 });
         const scheme = look.dark === true ? 'dark' : 'light';
-        await visit.page.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: scheme }]);
+        await visit.page.emulateMediaFeatures([
+            { name: 'prefers-color-scheme', value: scheme },
+            { name: 'prefers-reduced-motion', value: look.still === true ? 'reduce' : 'no-preference' },
+        ]);
         const session = await visit.page.createCDPSession();
         const where = { downloadPath: visit.downloads, browserContextId: context.id! };
         await session.send('Browser.setDownloadBehavior', { behavior: 'allowAndName', ...where });

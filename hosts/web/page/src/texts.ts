@@ -10,6 +10,11 @@ export function bytes(count: number): string {
     return count < 1e6 ? `${(count / 1e3).toFixed(1)} kB` : `${(count / 1e6).toFixed(2)} MB`;
 }
 
+const list = (parts: string[]): string => new Intl.ListFormat('en').format(parts);
+
+/** A reason as the end of a sentence. */
+const ended = (reason: string): string => (/[.!?]$/.test(reason) ? reason : `${reason}.`);
+
 export const texts = {
     name: 'Lumafold',
     slogan: 'Still pictures into a looping animation. Nothing leaves this computer.',
@@ -63,7 +68,10 @@ export const texts = {
     gapTitleAlone: 'To the matte colour and back',
     chooseTransition: 'Transitions',
     noSettings: 'This transition has no settings of its own.',
-    settingsScope: (name: string) => `These hold for every “${name}” of the animation.`,
+    settingsScope: (name: string, sharing: string[]) =>
+        `These hold for every “${name}” of the animation${
+            sharing.length > 0 ? `; some or all of them also for ${list(sharing)}` : ''
+        }.`,
     timing: 'Timing of this picture',
     pause: 'Shown for',
     delay: 'Each frame in between',
@@ -75,6 +83,7 @@ export const texts = {
     surprised: (seed: number) => `Transitions drawn with seed ${seed}.`,
     reset: 'Defaults',
     large: (name: string) => `${name} between these pictures, playing`,
+    noPreview: 'No preview could be made',
     pauseFilm: 'Pause',
     playFilm: 'Play',
 
@@ -133,7 +142,7 @@ export const texts = {
     } as Record<string, string>,
 
     result: 'Your animation',
-    resultAlternative: 'The finished animation, playing',
+    resultAlternative: (playing: boolean) => `The finished animation, ${playing ? 'playing' : 'held still'}`,
     download: (size: string) => `Save the file (${size})`,
     dragOut: 'The picture can be dragged out of the page, too.',
     notShown: 'Browsers do not play this kind; these are its frames.',
@@ -145,12 +154,19 @@ export const texts = {
     memoryError:
         'There is not enough memory for this animation. Choose a smaller size under Output, longer steps, or fewer pictures. Pictures and settings are still here.',
     buildError: (reason: string) =>
-        `The animation could not be built: ${reason} Pictures and settings are still here.`,
-    badPicture: (name: string, reason: string) => `${name} was not added: ${reason}.`,
+        `The animation could not be built: ${ended(reason)} Pictures and settings are still here.`,
+    badPictures: (refused: [reason: string, names: string[]][]) =>
+        refused
+            .map(
+                ([reason, names]) =>
+                    `${list(names)} ${names.length === 1 ? 'was' : 'were'} not added: ${ended(reason)}`,
+            )
+            .join(' '),
     unknownKind: 'this is no picture that can be read here. PNG, JPEG, GIF and BMP always can',
-    badProject: (name: string, reason: string) => `${name} was not opened: ${reason}.`,
-    noProject: 'this is no project of Lumafold',
+    badProject: (name: string) =>
+        `${name} was not opened: this is no project of Lumafold, or not a whole one.`,
     notKept: 'This browser keeps nothing for this page: save the project as a file before you close it.',
     settingsTaken: 'The settings were taken over.',
-    unknownError: 'something went wrong in this page',
+    unknownError:
+        'Something went wrong in this page. Pictures and settings are still here: save the project, and open the page again.',
 };

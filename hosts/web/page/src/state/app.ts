@@ -3,6 +3,7 @@ import { Ended, EngineClient } from '../engine/client';
 import type { Tables } from '../engine/protocol';
 import { texts } from '../texts';
 import { Builder } from './builder';
+import { completeProject, completeSettings } from './complete';
 import { Importer } from './import';
 import { Keeper, projectFile, readProjectFile } from './keep';
 import { Previews } from './previews';
@@ -41,6 +42,12 @@ export interface AppState {
 const largeSide = 1280;
 const usualBox = { width: 640, height: 480 };
 const noticeMilliseconds = 8000;
+/** How often pictures that are being read are shown. */
+const groupMilliseconds = 400;
+
+/** Why a file is no picture; what is not the engine's own reason is the browser's. */
+const refusal = (error: unknown): string =>
+    error instanceof DOMException ? texts.unknownKind : (error as Error).message;
 
 export class App {
     readonly store: Store<AppState>;
@@ -49,6 +56,8 @@ export class App {
     private readonly importer = new Importer();
     private keeping: ReturnType<typeof setTimeout> | undefined;
     private nextId = 1;
+    /** Counts the projects that there have been. */
+    private generation = 0;
 
     static async start(): Promise<App> {
         const engine = new EngineClient();
@@ -65,7 +74,7 @@ export class App {
         kept: Project | null,
     ) {
         this.previews = new Previews(tables.transitions.findIndex(({ name }) => name === 'None'));
-        const project = this.completed(kept);
+        const project = completeProject(kept, tables);
         this.nextId = 1 + Math.max(0, ...project.pictures.map((picture) => picture.id));
         this.store = new Store<AppState>({
             project,
@@ -128,7 +137,7 @@ export class App {
             gap: { ...picture.gap, transition },
         }));
         this.change({ pictures });
-        this.tell(texts.usedForAll(this.transitionName(transition)), () => this.replace(before));
+        this.tell(texts.usedForAll(this.transitionName(transition)), () => this.change(before));
     }
 
     surprise(seed: number): void {
@@ -153,38 +162,57 @@ export class App {
         if (files.length === 1 && first instanceof Blob && /\.(ini|lumafold)$/i.test(first.name)) {
             return /ini$/i.test(first.name) ? this.importSettings(first) : this.openProject(first);
         }
+        const { generation } = this;
         this.store.set({ reading: this.store.get().reading + files.length });
-        for (const one of files) {
-            const file = one instanceof Blob ? one : one.file;
+        /** The names of those that were refused, by the reason. */
+        const refused = new Map<string, string[]>();
+        let added: Picture[] = [];
+        let counted = 0;
+        let shown = -Infinity;
+        for (const [index, one] of files.entries()) {
             try {
-                const read = await this.importer.read(file);
-                this.addPicture(
-                    { ...read, name: one.name },
-                    one instanceof Blob ? undefined : one.transition,
-                );
+                const read = await this.importer.read(one instanceof Blob ? one : one.file);
+                const transition = one instanceof Blob ? '' : one.transition;
+                added.push(this.newPicture({ ...read, name: one.name }, transition));
             } catch (error) {
-                const reason = error instanceof DOMException ? texts.unknownKind : (error as Error).message;
-                this.complain(texts.badPicture(one.name, reason));
+                const reason = refusal(error);
+                refused.set(reason, [...(refused.get(reason) ?? []), one.name]);
             }
-            this.store.set({ reading: this.store.get().reading - 1 });
+            // They were for a project that has been put away.
+            if (generation !== this.generation) return;
+            // Each change costs the page time for every picture that it has.
+            if (index + 1 < files.length && performance.now() - shown < groupMilliseconds) continue;
+            shown = performance.now();
+            this.addPictures(added);
+            added = [];
+            this.store.set({ reading: this.store.get().reading - (index + 1 - counted) });
+            counted = index + 1;
         }
+        if (refused.size > 0) this.complain(texts.badPictures([...refused]));
     }
 
-    private addPicture(read: Omit<Picture, 'id' | 'gap'>, transition = ''): void {
-        const { settings, pictures, canvas } = this.project;
+    private newPicture(read: Omit<Picture, 'id' | 'gap'>, transition: string): Picture {
+        const { settings } = this.project;
         const row = this.tables.transitions.findIndex(({ name }) => name === transition);
         const gap: Gap = {
             transition: row >= 0 ? row : (settings.TransitionType ?? 0),
             pause: settings.TransitionPause ?? 0,
             delay: settings.TransitionDelay ?? 0,
         };
-        const picture: Picture = { ...read, id: this.nextId++, gap };
-        const large = canvas.mode === 'own' && Math.max(read.width, read.height) > largeSide;
+        return { ...read, id: this.nextId++, gap };
+    }
+
+    private addPictures(added: readonly Picture[]): void {
+        const [first] = added;
+        if (first === undefined) return;
+        const { pictures, canvas } = this.project;
+        const large =
+            canvas.mode === 'own' && added.some(({ width, height }) => Math.max(width, height) > largeSide);
         this.change({
-            pictures: [...pictures, picture],
+            pictures: [...pictures, ...added],
             ...(large ? { canvas: { mode: 'most', ...usualBox } } : {}),
         });
-        if (this.store.get().selected === null) this.store.set({ selected: picture.id });
+        if (this.store.get().selected === null) this.store.set({ selected: first.id });
     }
 
     movePicture(from: number, to: number): void {
@@ -202,11 +230,12 @@ export class App {
         const picture = before.pictures[index];
         if (picture === undefined) return;
         const pictures = before.pictures.filter((one) => one.id !== id);
-        if (this.store.get().selected === id) {
+        const { selected } = this.store.get();
+        if (selected === id) {
             this.store.set({ selected: (pictures[index] ?? pictures[index - 1])?.id ?? null });
         }
         this.change({ pictures });
-        this.tell(texts.removed(picture.name), () => this.replace(before));
+        this.tell(texts.removed(picture.name), () => this.store.set({ project: before, selected }));
     }
 
     selectGap(id: number): void {
@@ -230,24 +259,22 @@ export class App {
     }
 
     async openProject(file: File): Promise<void> {
-        try {
-            const opened = await readProjectFile(file);
-            if (opened === null) throw new Error(texts.noProject);
-            // Numbers of its own, so that no picture is taken for one that was here before.
-            const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
-            const before = this.project;
-            this.replace(this.completed({ ...opened, pictures }));
-            this.tell(file.name, () => this.replace(before));
-        } catch (error) {
-            this.complain(texts.badProject(file.name, (error as Error).message));
-        }
+        // What stands in a file that is none may be anything.
+        const read = await readProjectFile(file).catch(() => null);
+        const opened = completeProject(read, this.tables);
+        if (opened.pictures.length === 0) return this.complain(texts.badProject(file.name));
+        // Numbers of its own, so that no picture is taken for one that was here before.
+        const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
+        const before = this.project;
+        this.replace({ ...opened, pictures });
+        this.tell(file.name, () => this.replace(before));
     }
 
     async importSettings(file: File): Promise<void> {
         const { values } = await this.engine.ask('read settings', { text: await file.text() });
         const before = this.project;
-        this.change({ settings: { ...before.settings, ...values } });
-        this.tell(texts.settingsTaken, () => this.replace(before));
+        this.change({ settings: completeSettings(values, this.tables) });
+        this.tell(texts.settingsTaken, () => this.change(before));
     }
 
     async settingsFile(): Promise<Blob> {
@@ -276,13 +303,14 @@ export class App {
 
     /** What nobody foresaw is told, and nothing is lost by it. */
     complainOf(error: unknown): void {
-        if (error instanceof Ended) return;
-        this.complain(error instanceof Error ? error.message : texts.unknownError);
+        if (!(error instanceof Ended)) this.complain(texts.unknownError);
     }
 
     private notify(notice: Notice): void {
         // News of one kind take each other's place; complaints stay until they are dismissed.
-        const others = this.store.get().notices.filter((one) => one.kind === 'error');
+        const others = this.store
+            .get()
+            .notices.filter((one) => one.kind === 'error' && one.text !== notice.text);
         this.store.set({ notices: [...others, notice].slice(-4) });
         if (notice.kind === 'done') setTimeout(() => this.dismiss(notice.id), noticeMilliseconds);
     }
@@ -291,24 +319,16 @@ export class App {
         this.store.set({ project: { ...this.project, ...change } });
     }
 
+    /** Another project: what is still being read for this one is not added to it. */
     private replace(project: Project): void {
-        this.store.set({ project, selected: project.pictures[0]?.id ?? null });
-    }
-
-    /** What an older page kept may lack what this one has. */
-    private completed(kept: Project | null): Project {
-        const fresh = newProject(this.tables);
-        if (kept === null) return fresh;
-        const known = this.tables.kinds.some((kind) => kind.id === kept.kind);
-        return {
-            ...fresh,
-            ...kept,
-            settings: { ...fresh.settings, ...kept.settings },
-            kind: known ? kept.kind : fresh.kind,
-        };
+        this.generation++;
+        this.store.set({ project, selected: project.pictures[0]?.id ?? null, reading: 0 });
     }
 
     private projectChanged(project: Project): void {
+        // Undoing an earlier change would take this one back, too; and a result is of the project as it was.
+        const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
+        this.store.set({ notices, resultOpen: false });
         this.builder.update(project);
         clearTimeout(this.keeping);
         this.keeping = setTimeout(() => {

@@ -25,8 +25,13 @@ export interface Picture {
 
 export const thumbnailBox = { width: 640, height: 480 };
 
+export const canvasModes = ['own', 'most', 'contain', 'cover'] as const;
+/** Of a canvas, in pixels. */
+export const largestSide = 4096;
+export const largestSeed = 2 ** 32 - 1;
+
 export interface Canvas {
-    mode: 'own' | 'most' | 'contain' | 'cover';
+    mode: (typeof canvasModes)[number];
     width: number;
     height: number;
 }

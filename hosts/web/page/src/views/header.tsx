@@ -12,6 +12,11 @@ function Menu() {
     const details = useRef<HTMLDetailsElement>(null);
     const [licences, setLicences] = useState(false);
     const close = (): void => details.current?.removeAttribute('open');
+    /** What has the focus in the list is no longer seen. */
+    const leave = (): void => {
+        close();
+        details.current?.querySelector('summary')?.focus();
+    };
     useEffect(() => {
         const outside = (event: Event): void => {
             if (!details.current?.contains(event.target as Node)) close();
@@ -20,13 +25,13 @@ function Menu() {
         return () => document.removeEventListener('pointerdown', outside);
     }, []);
     const act = (what: () => void) => () => {
-        close();
+        leave();
         what();
     };
     const exportSettings = async (): Promise<void> => saveBlob(await app.settingsFile(), 'LUMAFOLD.INI');
     return (
         <>
-            <details ref={details} class="menu" onKeyDown={(event) => event.key === 'Escape' && close()}>
+            <details ref={details} class="menu" onKeyDown={(event) => event.key === 'Escape' && leave()}>
                 <summary class="button quiet" aria-label={texts.more} title={texts.more}>
                     <Icon name="menu" />
                 </summary>

@@ -1,11 +1,16 @@
 // What happened and what went wrong, with a way back where there is one.
 import { texts } from '../texts';
 import { useApp, useAppState } from './context';
+import { focusNext } from './focus';
 import { Icon } from './icons';
 
 export function Notices() {
     const app = useApp();
     const notices = useAppState((state) => state.notices);
+    const leave = (id: number): void => {
+        app.dismiss(id);
+        focusNext('.notice button', '.gap[aria-pressed=true]', '.picture', '.drop-zone button');
+    };
     return (
         <div class="notices" role="status" aria-live="polite">
             {notices.map((notice) => (
@@ -16,7 +21,7 @@ export function Notices() {
                             class="button small"
                             onClick={() => {
                                 notice.undo?.();
-                                app.dismiss(notice.id);
+                                leave(notice.id);
                             }}
                         >
                             {texts.undo}
@@ -25,7 +30,7 @@ export function Notices() {
                     <button
                         class="button quiet small"
                         aria-label={texts.dismiss}
-                        onClick={() => app.dismiss(notice.id)}
+                        onClick={() => leave(notice.id)}
                     >
                         <Icon name="close" />
                     </button>

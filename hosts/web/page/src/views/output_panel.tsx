@@ -1,27 +1,20 @@
 // How the file is made: its size, kind and colours, beside its frames as they will be.
-import { canvasSize, valueOf } from '../state/project';
-import type { Canvas } from '../state/project';
+import { canvasModes, canvasSize, largestSide, valueOf } from '../state/project';
 import { texts } from '../texts';
 import { useApp, useProject } from './context';
 import { FrameInspector } from './frame_inspector';
+import { NumberField } from './number_field';
 import { SettingControl } from './setting_control';
-
-const canvasModes: Canvas['mode'][] = ['own', 'most', 'contain', 'cover'];
-const largestSide = 4096;
 
 function SideField({ label, value, set }: { label: string; value: number; set(value: number): void }) {
     return (
         <label class="side">
             <span>{label}</span>
-            <input
-                type="number"
-                min="1"
-                max={largestSide}
+            <NumberField
+                minimum={1}
+                maximum={largestSide}
                 value={value}
-                onChange={(event) => {
-                    const side = Math.round(Number(event.currentTarget.value));
-                    if (side >= 1) set(Math.min(largestSide, side));
-                }}
+                take={(side) => side >= 1 && set(Math.min(largestSide, Math.round(side)))}
             />
         </label>
     );

@@ -12,18 +12,22 @@ import { TransitionPanel } from './transition_panel';
 import { Welcome } from './welcome';
 import type { Workspace } from '../state/app';
 
-const hasFiles = (event: DragEvent): boolean => event.dataTransfer?.types.includes('Files') === true;
-
 /** Whether files are being dragged over the page. */
 function useFileDrop(): boolean {
     const app = useApp();
     const [over, setOver] = useState(false);
     useEffect(() => {
         const end = new AbortController();
-        const on = <Name extends 'dragenter' | 'dragover' | 'dragleave' | 'drop' | 'paste'>(
+        // A picture dragged out of the page looks like a file, too; it is none to add.
+        let ours = false;
+        const hasFiles = (event: DragEvent): boolean =>
+            !ours && event.dataTransfer?.types.includes('Files') === true;
+        const on = <Name extends keyof DocumentEventMap>(
             name: Name,
             listener: (event: DocumentEventMap[Name]) => void,
         ): void => document.addEventListener(name, listener, { signal: end.signal });
+        on('dragstart', () => (ours = true));
+        on('dragend', () => (ours = false));
         on('dragenter', (event) => setOver(hasFiles(event)));
         on('dragover', (event) => hasFiles(event) && event.preventDefault());
         on('dragleave', (event) => event.relatedTarget === null && setOver(false));

@@ -6,39 +6,51 @@ import type { Result } from '../state/builder';
 import { bytes, texts } from '../texts';
 import { errorText, Progress } from './build_bar';
 import { useApp, useAppState, useBuilder } from './context';
-import { drawPixels } from './film';
+import { drawPixels, prefersStillness } from './film';
 import { Icon } from './icons';
 import { saveBlob } from './saving';
 
-/** Plays frame by frame what browsers cannot. */
-function FramePlayer({ result, onFrame }: { result: Result; onFrame(index: number): void }) {
+interface PlayerProps {
+    result: Result;
+    playing: boolean;
+    /** The frame that is shown. */
+    index: { current: number };
+}
+
+/** Plays frame by frame what browsers cannot, and holds one of them still. */
+function FramePlayer({ result, playing, index }: PlayerProps) {
     const app = useApp();
     const canvas = useRef<HTMLCanvasElement>(null);
     useEffect(() => {
         let live = true;
+        const { delays } = result.built;
         const play = async (): Promise<void> => {
-            for (let index = 0; live; index = (index + 1) % result.built.delays.length) {
-                const pixels = await app.builder.frame(index);
+            while (live) {
+                const pixels = await app.builder.frame(index.current);
                 if (live && canvas.current !== null) drawPixels(canvas.current, pixels);
-                onFrame(index);
-                await new Promise((next) => setTimeout(next, Math.max(20, result.built.delays[index]! * 10)));
+                if (!playing) return;
+                await new Promise((next) => setTimeout(next, Math.max(20, delays[index.current]! * 10)));
+                if (live) index.current = (index.current + 1) % delays.length;
             }
         };
         play().catch(() => {});
         return () => {
             live = false;
         };
-    }, [result]);
-    return <canvas ref={canvas} class="finished" role="img" aria-label={texts.resultAlternative} />;
+    }, [result, playing]);
+    return <canvas ref={canvas} class="finished" role="img" aria-label={texts.resultAlternative(playing)} />;
 }
 
 function Finished({ result }: { result: Result }) {
     const app = useApp();
     const kind = app.tables.kinds.find((row) => row.id === result.project.kind)!;
     const file = useMemo(() => new Blob([result.file], { type: kind.mediaType }), [result]);
-    const url = useMemo(() => URL.createObjectURL(file), [file]);
+    const [playing, setPlaying] = useState(!prefersStillness());
+    // Of a new address browsers play the first frame first.
+    const url = useMemo(() => URL.createObjectURL(file), [file, playing]);
     useEffect(() => () => URL.revokeObjectURL(url), [url]);
-    const began = useMemo(() => performance.now(), [result]);
+    const shown = kind.shown && playing;
+    const began = useMemo(() => performance.now(), [result, playing]);
     const playerFrame = useRef(0);
     const [told, setTold] = useState('');
     const name = `lumafold${kind.suffix}`;
@@ -46,12 +58,16 @@ function Finished({ result }: { result: Result }) {
     const duration = built.delays.reduce((sum, delay) => sum + delay, 0);
     /** The browser plays from the moment the picture is shown. */
     const frameShown = (): number => {
-        if (!kind.shown) return playerFrame.current;
+        if (!shown) return playerFrame.current;
         let left = ((performance.now() - began) / 10) % Math.max(1, duration);
         return Math.max(
             0,
             built.delays.findIndex((delay) => (left -= delay) < 0),
         );
+    };
+    const toggle = (): void => {
+        playerFrame.current = frameShown();
+        setPlaying(!playing);
     };
     const copy = async (): Promise<void> => {
         try {
@@ -64,16 +80,16 @@ function Finished({ result }: { result: Result }) {
     };
     return (
         <>
-            {kind.shown ? (
+            {shown ? (
                 <img
                     class="finished"
                     src={url}
-                    alt={texts.resultAlternative}
+                    alt={texts.resultAlternative(playing)}
                     width={built.width}
                     height={built.height}
                 />
             ) : (
-                <FramePlayer result={result} onFrame={(index) => (playerFrame.current = index)} />
+                <FramePlayer result={result} playing={playing} index={playerFrame} />
             )}
             <p class="facts">
                 <strong>{bytes(file.size)}</strong> {texts.pixels(built.width, built.height)},{' '}
@@ -84,13 +100,17 @@ function Finished({ result }: { result: Result }) {
                     <Icon name="save" />
                     <span>{texts.download(bytes(file.size))}</span>
                 </button>
+                <button class="button" onClick={toggle}>
+                    <Icon name={playing ? 'pause' : 'play'} />
+                    <span>{playing ? texts.pauseFilm : texts.playFilm}</span>
+                </button>
                 <button class="button" onClick={() => void copy()}>
                     <Icon name="copy" />
                     <span>{texts.copyFrame}</span>
                 </button>
             </div>
             <p class="hint" role="status">
-                {told !== '' ? told : kind.shown ? texts.dragOut : texts.notShown}
+                {told !== '' ? told : !kind.shown ? texts.notShown : playing && texts.dragOut}
             </p>
         </>
     );

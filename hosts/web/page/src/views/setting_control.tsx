@@ -3,6 +3,7 @@ import { useId } from 'preact/hooks';
 import type { Setting } from '../engine/protocol';
 import { valueOf } from '../state/project';
 import { useApp, useProject } from './context';
+import { NumberField } from './number_field';
 
 /** The engine's colours are 0x00BBGGRR. */
 export function colourText(value: number): string {
@@ -35,9 +36,8 @@ function NumberInputs({
     set(value: number): void;
 }) {
     const { minimum, maximum } = setting;
-    const take = (text: string): void => {
-        const number = Number(text);
-        if (text !== '' && Number.isInteger(number)) set(Math.max(minimum, Math.min(maximum, number)));
+    const take = (number: number): void => {
+        if (Number.isInteger(number)) set(Math.max(minimum, Math.min(maximum, number)));
     };
     return (
         <span class="number">
@@ -47,16 +47,9 @@ function NumberInputs({
                 min={minimum}
                 max={maximum}
                 value={value}
-                onInput={(event) => take(event.currentTarget.value)}
+                onInput={(event) => take(Number(event.currentTarget.value))}
             />
-            <input
-                type="number"
-                aria-label={setting.label}
-                min={minimum}
-                max={maximum}
-                value={value}
-                onChange={(event) => take(event.currentTarget.value)}
-            />
+            <NumberField label={setting.label} {...{ minimum, maximum, value, take }} />
         </span>
     );
 }

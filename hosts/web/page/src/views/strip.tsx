@@ -4,7 +4,8 @@ import Sortable from 'sortablejs';
 import type { Picture } from '../state/project';
 import { texts } from '../texts';
 import { ChooseFiles } from './choose_files';
-import { useApp, useAppState, useProject } from './context';
+import { useApp, useAppState } from './context';
+import { focusNext } from './focus';
 import { Icon } from './icons';
 
 function useObjectUrl(blob: Blob): string {
@@ -46,10 +47,16 @@ function PictureCard({ picture, index, count }: { picture: Picture; index: numbe
     const move = (to: number): void => {
         app.movePicture(index, to);
         // The card keeps its element, which the browser takes the focus from while it is moved.
-        requestAnimationFrame(() => document.getElementById(`picture-${picture.id}`)?.focus());
+        focusNext(`#picture-${picture.id}`);
+    };
+    const remove = (): void => {
+        app.removePicture(picture.id);
+        // The one that takes its place, or the last.
+        const place = Math.min(index + 1, count - 1);
+        focusNext(`.entry:nth-child(${place}) .picture`, '.drop-zone button');
     };
     const onKey = (event: KeyboardEvent): void => {
-        if (event.key === 'Delete') app.removePicture(picture.id);
+        if (event.key === 'Delete') remove();
         if (!event.altKey || (event.key !== 'ArrowLeft' && event.key !== 'ArrowRight')) return;
         event.preventDefault();
         move(Math.max(0, Math.min(count - 1, index + (event.key === 'ArrowLeft' ? -1 : 1))));
@@ -86,11 +93,7 @@ function PictureCard({ picture, index, count }: { picture: Picture; index: numbe
                 >
                     <Icon name="right" />
                 </button>
-                <button
-                    class="tool"
-                    aria-label={texts.remove(picture.name)}
-                    onClick={() => app.removePicture(picture.id)}
-                >
+                <button class="tool" aria-label={texts.remove(picture.name)} onClick={remove}>
                     <Icon name="close" />
                 </button>
             </div>
@@ -119,7 +122,7 @@ function GapButton({ picture, next, last }: { picture: Picture; next: Picture; l
 
 export function Strip() {
     const app = useApp();
-    const { pictures } = useProject();
+    const pictures = useAppState((state) => state.project.pictures);
     const reading = useAppState((state) => state.reading);
     const list = useSorting();
     const first = pictures[0];

@@ -1,13 +1,14 @@
 // One gap: its transition played large beside the settings that it reads, and all others to choose from, each
 // playing this very gap.
 import { useEffect, useId, useState } from 'preact/hooks';
-import { nextPicture } from '../state/project';
+import { largestSeed, nextPicture } from '../state/project';
 import type { Picture, Size } from '../state/project';
 import type { Film } from '../state/previews';
 import { texts } from '../texts';
 import { useApp, useAppState, useProject } from './context';
 import { FilmView, prefersStillness } from './film';
 import { Icon } from './icons';
+import { NumberField } from './number_field';
 import { SettingControl } from './setting_control';
 
 interface Look {
@@ -24,16 +25,19 @@ const tileLook: Look = { box: { width: 120, height: 90 }, rank: 0, wait: 60, lon
 const quickLook: Look = { box: { width: 160, height: 120 }, rank: 100, wait: 0, longestPause: 70 };
 const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, rank: 50, wait: 200 };
 
-/** The film of a gap, the last one while a new one is made; null before the first. */
-function useFilm(picture: Picture, transition: number, look: Look): Film | null {
+/** Null before there is one. */
+type MaybeFilm = Film | 'failed' | null;
+
+/** The film of a gap, the last one while a new one is made. */
+function useFilm(picture: Picture, transition: number, look: Look): MaybeFilm {
     const app = useApp();
     const project = useProject();
-    const [film, setFilm] = useState<Film | null>(null);
+    const [film, setFilm] = useState<MaybeFilm>(null);
     useEffect(() => {
         let giveUp = (): void => {};
         const wish = (): void => {
             const wanted = { project, picture, transition, ...look };
-            giveUp = app.previews.want(wanted, setFilm, () => setFilm(null));
+            giveUp = app.previews.want(wanted, setFilm, () => setFilm('failed'));
         };
         const timer = look.wait > 0 ? setTimeout(wish, look.wait) : (wish(), undefined);
         return () => {
@@ -44,22 +48,24 @@ function useFilm(picture: Picture, transition: number, look: Look): Film | null 
     return film;
 }
 
+function FilmPlace({ film, playing, label }: { film: MaybeFilm; playing: boolean; label?: string }) {
+    if (film === null) return <div class="film waiting" />;
+    if (film === 'failed') return <div class="film failed">{texts.noPreview}</div>;
+    return <FilmView film={film} playing={playing} {...(label === undefined ? {} : { label })} />;
+}
+
 function LargePreview({ picture }: { picture: Picture }) {
     const app = useApp();
     const [playing, setPlaying] = useState(!prefersStillness());
     const { transition } = picture.gap;
     const quick = useFilm(picture, transition, quickLook);
     const sharp = useFilm(picture, transition, sharpLook);
-    const [film, setFilm] = useState<Film | null>(null);
+    const [film, setFilm] = useState<MaybeFilm>(null);
     useEffect(() => setFilm(quick), [quick]);
-    useEffect(() => setFilm(sharp ?? quick), [sharp]);
+    useEffect(() => setFilm(sharp === null || sharp === 'failed' ? quick : sharp), [sharp]);
     return (
         <div class="large-preview">
-            {film !== null ? (
-                <FilmView film={film} playing={playing} label={texts.large(app.transitionName(transition))} />
-            ) : (
-                <div class="film waiting" />
-            )}
+            <FilmPlace film={film} playing={playing} label={texts.large(app.transitionName(transition))} />
             <button
                 class="button round play"
                 aria-label={playing ? texts.pauseFilm : texts.playFilm}
@@ -85,11 +91,7 @@ function Tile({ picture, row }: { picture: Picture; row: number }) {
                 checked={chosen}
                 onChange={() => app.setGap(picture.id, { transition: row })}
             />
-            {film !== null ? (
-                <FilmView film={film} playing={pointed || !prefersStillness()} />
-            ) : (
-                <div class="film waiting" />
-            )}
+            <FilmPlace film={film} playing={pointed || !prefersStillness()} />
             <span class="tile-name">{app.transitionName(row)}</span>
         </label>
     );
@@ -111,17 +113,13 @@ function TimeField({
         <div class="setting time">
             <label for={id}>{label}</label>
             <span class="number">
-                <input
-                    type="number"
+                <NumberField
                     id={id}
-                    min={least / 100}
-                    max="10"
-                    step="0.01"
+                    minimum={least / 100}
+                    maximum={10}
+                    step={0.01}
                     value={value / 100}
-                    onChange={(event) => {
-                        const hundredths = Math.round(Number(event.currentTarget.value) * 100);
-                        if (Number.isFinite(hundredths)) set(Math.max(least, Math.min(1000, hundredths)));
-                    }}
+                    take={(time) => set(Math.max(least, Math.min(1000, Math.round(time * 100))))}
                 />
                 <span class="unit">{texts.unitSeconds}</span>
             </span>
@@ -141,12 +139,12 @@ function Surprise() {
             {seed !== null && (
                 <label>
                     {texts.seed}
-                    <input
-                        type="number"
-                        min="0"
+                    <NumberField
+                        minimum={0}
+                        maximum={largestSeed}
                         value={seed}
-                        onChange={(event) =>
-                            app.surprise(Math.max(0, Math.trunc(Number(event.currentTarget.value))))
+                        take={(number) =>
+                            app.surprise(Math.max(0, Math.min(largestSeed, Math.trunc(number))))
                         }
                     />
                 </label>
@@ -161,6 +159,9 @@ function GapSettings({ picture }: { picture: Picture }) {
     const keys = transition?.settings ?? [];
     const settings = app.tables.settings.filter((setting) => keys.includes(setting.key));
     const name = transition?.name ?? '';
+    const sharing = app.tables.transitions
+        .filter((row) => row !== transition && row.settings.some((key) => keys.includes(key)))
+        .map((row) => row.name);
     return (
         <div class="gap-settings">
             <div class="title-row">
@@ -174,7 +175,7 @@ function GapSettings({ picture }: { picture: Picture }) {
             ) : (
                 <fieldset>
                     <legend class="hint">
-                        {texts.settingsScope(name)}{' '}
+                        {texts.settingsScope(name, sharing)}{' '}
                         <button class="link" onClick={() => app.resetSettings(keys)}>
                             {texts.reset}
                         </button>
