@@ -10,7 +10,8 @@ function asPromise<T>(request: IDBRequest<T>): Promise<T> {
     });
 }
 
-function open(): Promise<IDBDatabase> {
+/** Rejects also where the browser keeps nothing for a page of this address. */
+async function open(): Promise<IDBDatabase> {
     const request = indexedDB.open(databaseName, 1);
     request.onupgradeneeded = () => {
         request.result.createObjectStore('pictures', { keyPath: 'id' });
