@@ -138,13 +138,21 @@ test('pictures are sorted by mouse and keyboard, removed and brought back, and k
     await visit.click('Undo');
     assert.equal(await order(), 'boats lanterns dawn');
     await focused('from dawn.png to boats.png');
+    const kept = (): Promise<void> => new Promise((done) => setTimeout(done, 1500));
+    await kept();
+    // Another tab that empties the project takes no picture from this one.
+    const other = await visit.tab();
+    assert.equal((await other.names('.picture')).length, 3);
+    await other.menu('New');
+    await kept();
+    await visit.page.bringToFront();
     await visit.click('Use for all');
     await visit.find('Undo');
     await visit.click('Output', 'tab');
     await visit.click('Dither', 'switch');
     assert.equal(await visit.text('.notices'), '');
     const size = await visit.built();
-    await new Promise((kept) => setTimeout(kept, 1500));
+    await kept();
     await visit.open();
     assert.equal(await order(), 'boats lanterns dawn');
     assert.equal(await visit.built(), size);

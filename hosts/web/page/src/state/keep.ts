@@ -20,6 +20,13 @@ async function open(): Promise<IDBDatabase> {
     return asPromise(request);
 }
 
+function finished(writing: IDBTransaction): Promise<void> {
+    return new Promise((resolve, reject) => {
+        writing.oncomplete = () => resolve();
+        writing.onabort = () => reject(writing.error);
+    });
+}
+
 type Bytes = { id: number; file: ArrayBuffer; thumbnail: ArrayBuffer; types: [string, string] };
 type Kept = Omit<Project, 'pictures'> & { pictures: Omit<Picture, 'file' | 'thumbnail'>[] };
 
@@ -28,47 +35,60 @@ function withoutFiles(project: Project): Kept {
     return { ...project, pictures };
 }
 
-/** Files are written once, the small rest at every change. */
+/** Files are written once, the small rest at every change. Pages in several tabs share the store: what is there
+ *  is asked for every time, and the last that writes is the one whose project stays. */
 export class Keeper {
     private readonly database = open();
-    private readonly stored = new Set<number>();
+    private saving = Promise.resolve();
 
     async load(): Promise<Project | null> {
         const reading = (await this.database).transaction(['project', 'pictures']);
         const kept = (await asPromise(reading.objectStore('project').get('current'))) as Kept | undefined;
         if (kept === undefined) return null;
         const files = (await asPromise(reading.objectStore('pictures').getAll())) as Bytes[];
-        const pictures: Picture[] = [];
-        for (const picture of kept.pictures) {
+        const pictures = kept.pictures.flatMap((picture): Picture[] => {
             const found = files.find((file) => file.id === picture.id);
-            if (found === undefined) continue;
-            this.stored.add(picture.id);
+            if (found === undefined) return [];
             const file = new Blob([found.file], { type: found.types[0] });
-            pictures.push({
-                ...picture,
-                file,
-                thumbnail: new Blob([found.thumbnail], { type: found.types[1] }),
-            });
-        }
+            return [{ ...picture, file, thumbnail: new Blob([found.thumbnail], { type: found.types[1] }) }];
+        });
         return { ...kept, pictures };
     }
 
-    async save(project: Project): Promise<void> {
-        const added = project.pictures.filter((picture) => !this.stored.has(picture.id));
-        const bytes = await Promise.all(added.map(bytesOf));
-        const writing = (await this.database).transaction(['project', 'pictures'], 'readwrite');
-        const files = writing.objectStore('pictures');
-        for (const one of bytes) files.put(one);
-        for (const id of this.stored) {
-            if (!project.pictures.some((picture) => picture.id === id)) files.delete(id);
+    /** One after the other, so that the last one stays. */
+    save(project: Project): Promise<void> {
+        const saved = this.saving.then(() => this.write(project));
+        this.saving = saved.catch(() => {});
+        return saved;
+    }
+
+    private async write(project: Project): Promise<void> {
+        const database = await this.database;
+        for (;;) {
+            const missing = await this.writeRest(database, project);
+            if (missing.length === 0) return;
+            for (const picture of missing) {
+                const bytes = await bytesOf(picture);
+                const writing = database.transaction('pictures', 'readwrite');
+                writing.objectStore('pictures').put(bytes);
+                await finished(writing);
+            }
         }
-        writing.objectStore('project').put(withoutFiles(project), 'current');
-        await new Promise<void>((resolve, reject) => {
-            writing.oncomplete = () => resolve();
-            writing.onabort = () => reject(writing.error);
-        });
-        this.stored.clear();
-        for (const picture of project.pictures) this.stored.add(picture.id);
+    }
+
+    /** All but files, unless some of them are not there: these are returned, and nothing is written. */
+    private async writeRest(database: IDBDatabase, project: Project): Promise<Picture[]> {
+        const writing = database.transaction(['project', 'pictures'], 'readwrite');
+        const files = writing.objectStore('pictures');
+        const there = new Set(await asPromise(files.getAllKeys()));
+        const missing = project.pictures.filter(({ id }) => !there.has(id));
+        if (missing.length === 0) {
+            for (const { id } of project.pictures) there.delete(id);
+            for (const id of there) files.delete(id);
+            writing.objectStore('project').put(withoutFiles(project), 'current');
+        }
+        await finished(writing);
+        return missing;
     }
 }
 
