@@ -43,9 +43,16 @@ async function isEnginesKind(file: Blob): Promise<boolean> {
 export class Importer {
     private room = new PictureRoom();
     private count = 0;
+    private last: Promise<unknown> = Promise.resolve();
 
-    /** Rejects with the reason in one line. */
-    async read(file: Blob): Promise<ReadPicture> {
+    /** One picture after the other, whoever brings them. Rejects with the reason in one line. */
+    read(file: Blob): Promise<ReadPicture> {
+        const read = this.last.then(() => this.readNow(file));
+        this.last = read.catch(() => {});
+        return read;
+    }
+
+    private async readNow(file: Blob): Promise<ReadPicture> {
         try {
             return await this.readByEngine(file);
         } catch (error) {
@@ -69,7 +76,7 @@ export class Importer {
             show: true,
         };
         const { width, height, shown } = await this.room.engine.ask('add', order);
-        void this.room.engine.ask('remove', { number: 1 });
+        await this.room.engine.ask('remove', { number: 1 });
         if (shown === undefined) throw new Error('no pixels');
         const starts = await beginsWith(file);
         const opaque = starts(0xff, 0xd8) || starts(0x42, 0x4d);
