@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { mkdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, test } from 'node:test';
 import { gzipSync } from 'node:zlib';
@@ -312,7 +312,9 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
         notices,
         /^cut\.png was not added: .*\. a\.txt, b\.txt, .*e\.txt were not added: .*PNG, JPEG, /,
     );
-    await visit.add([put('second.bmp', bitmap(300, 200, 1))], 2);
+    const second = put('second.bmp', bitmap(300, 200, 1));
+    await visit.add([second], 2);
+    rmSync(second);
     await visit.built();
     await visit.click('Output', 'tab');
     await visit.setSize('Whole', '4096', '4096');

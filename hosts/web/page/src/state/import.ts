@@ -68,18 +68,15 @@ export class Importer {
             this.room = new PictureRoom();
         }
         const fit = { mode: 'most', ...thumbnailBox } as const;
-        const order = {
-            number: 1,
-            bytes: await file.arrayBuffer(),
-            matte: 0xffffff,
-            fit,
-            show: true,
-        };
+        const bytes = await file.arrayBuffer();
+        const order = { number: 1, bytes, matte: 0xffffff, fit, show: true };
         const { width, height, shown } = await this.room.engine.ask('add', order);
         await this.room.engine.ask('remove', { number: 1 });
         if (shown === undefined) throw new Error('no pixels');
         const starts = await beginsWith(file);
         const opaque = starts(0xff, 0xd8) || starts(0x42, 0x4d);
-        return { file, width, height, opaque, thumbnail: await blobOf(shown, 'image/jpeg') };
+        // Its own copy: what stands on the disk may be changed or go while the page is open.
+        const kept = new Blob([bytes], { type: file.type });
+        return { file: kept, width, height, opaque, thumbnail: await blobOf(shown, 'image/jpeg') };
     }
 }

@@ -113,9 +113,10 @@ export function projectFile(project: Project): Blob {
     return new Blob([signature, head, '\n', ...files], { type: 'application/octet-stream' });
 }
 
-/** Null for a file that is none of these. */
-export async function readProjectFile(file: Blob): Promise<Project | null> {
-    if ((await file.slice(0, signature.length).text()) !== signature) return null;
+/** Null for a file that is none of these. What is read needs the file on the disk no longer. */
+export async function readProjectFile(onDisk: Blob): Promise<Project | null> {
+    if ((await onDisk.slice(0, signature.length).text()) !== signature) return null;
+    const file = new Blob([await onDisk.arrayBuffer()]);
     const start = await file.slice(signature.length, signature.length + (1 << 20)).text();
     const end = start.indexOf('\n');
     const { project, sizes } = JSON.parse(start.slice(0, end)) as {
