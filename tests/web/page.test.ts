@@ -83,6 +83,8 @@ test('pictures are pasted, and those that only the browser reads are read by it'
                         'pasted.avif',
                     ),
                 );
+                const svg = '<svg xmlns="http://www.w3.org/2000/svg" width="30" height="20"/>';
+                clipboardData.items.add(new File([svg], 'pasted.svg', { type: 'image/svg+xml' }));
                 for (let time = 0; time < count; time++) {
                     document.dispatchEvent(new ClipboardEvent('paste', { clipboardData, bubbles: true }));
                 }
@@ -93,8 +95,11 @@ test('pictures are pasted, and those that only the browser reads are read by it'
     const pictures = (count: number) =>
         visit.page.waitForFunction((all) => document.querySelectorAll('.picture').length === all, {}, count);
     await paste(1);
-    await pictures(2);
-    assert.match((await visit.names('.picture')).join(), /pasted\.png, 1600 × 1200.*pasted\.avif, 8 × 6/);
+    await pictures(3);
+    assert.match(
+        (await visit.names('.picture')).join(),
+        /pasted\.png, 1600 × 1200.*pasted\.avif, 8 × 6.*pasted\.svg, 30 × 20/,
+    );
     // The finished animation, dragged and let go over the page, is no picture to add; one pasted there is.
     await visit.built();
     await visit.click('Show and save');
@@ -105,12 +110,12 @@ test('pictures are pasted, and those that only the browser reads are read by it'
     await visit.page.mouse.move(60, 600, { steps: 10 });
     await visit.page.mouse.up();
     await paste(1);
-    await pictures(4);
+    await pictures(6);
     assert.match((await visit.names('.picture')).join(), /(.*pasted\.png.*pasted\.avif){2}/);
     assert.equal(await visit.page.$('.dialog[open]'), null);
     // Twelve times at once: what one of them does must not end what another waits for.
     await paste(12);
-    await pictures(28);
+    await pictures(42);
     await visit.end();
 });
 
