@@ -73,7 +73,7 @@ export class App {
         private readonly keeper: Keeper,
         kept: Project | null,
     ) {
-        this.previews = new Previews(tables.transitions.findIndex(({ name }) => name === 'None'));
+        this.previews = new Previews(tables.transitions);
         const project = completeProject(kept, tables);
         this.store = new Store<AppState>({
             project,
