@@ -54,7 +54,6 @@ export class App {
     readonly builder = new Builder();
     readonly previews: Previews;
     private readonly importer = new Importer();
-    private keeping: ReturnType<typeof setTimeout> | undefined;
     private nextId = 1;
     /** Counts the projects that there have been. */
     private generation = 0;
@@ -329,9 +328,6 @@ export class App {
         const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
         this.store.set({ notices, resultOpen: false });
         this.builder.update(project);
-        clearTimeout(this.keeping);
-        this.keeping = setTimeout(() => {
-            this.keeper.save(this.project).catch(() => this.complain(texts.notKept));
-        }, 300);
+        this.keeper.keep(project, () => this.complain(texts.notKept));
     }
 }

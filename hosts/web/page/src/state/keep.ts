@@ -28,6 +28,7 @@ function finished(writing: IDBTransaction): Promise<void> {
 }
 
 type Bytes = { id: number; file: ArrayBuffer; thumbnail: ArrayBuffer; types: [string, string] };
+/** All but the files. */
 type Kept = Omit<Project, 'pictures'> & { pictures: Omit<Picture, 'file' | 'thumbnail'>[] };
 
 function withoutFiles(project: Project): Kept {
@@ -35,15 +36,37 @@ function withoutFiles(project: Project): Kept {
     return { ...project, pictures };
 }
 
+/** What was changed since the save of that number. A page has the time to write this while it goes. */
+interface Note {
+    since: number | undefined;
+    project: Kept;
+}
+
+const settleMilliseconds = 300;
+
 /** Files are written once, the small rest at every change. Pages in several tabs share the store: what is there
  *  is asked for every time, and the last that writes is the one whose project stays. */
 export class Keeper {
     private readonly database = open();
+    private opened: IDBDatabase | undefined;
     private saving = Promise.resolve();
+    private timer: ReturnType<typeof setTimeout> | undefined;
+    private unsaved: Project | undefined;
+    /** The number of the last save that this page has read or made. */
+    private saved: number | undefined;
+
+    constructor() {
+        for (const name of ['pagehide', 'visibilitychange']) addEventListener(name, () => this.note());
+    }
 
     async load(): Promise<Project | null> {
-        const reading = (await this.database).transaction(['project', 'pictures']);
-        const kept = (await asPromise(reading.objectStore('project').get('current'))) as Kept | undefined;
+        this.opened = await this.database;
+        const reading = this.opened.transaction(['project', 'pictures']);
+        const get = (key: string): Promise<unknown> => asPromise(reading.objectStore('project').get(key));
+        const current = (await get('current')) as Kept | undefined;
+        const note = (await get('note')) as Note | undefined;
+        this.saved = (await get('saved')) as number | undefined;
+        const kept = note !== undefined && note.since === this.saved ? note.project : current;
         if (kept === undefined) return null;
         const files = (await asPromise(reading.objectStore('pictures').getAll())) as Bytes[];
         const pictures = kept.pictures.flatMap((picture): Picture[] => {
@@ -55,11 +78,22 @@ export class Keeper {
         return { ...kept, pictures };
     }
 
-    /** One after the other, so that the last one stays. */
-    save(project: Project): Promise<void> {
-        const saved = this.saving.then(() => this.write(project));
-        this.saving = saved.catch(() => {});
-        return saved;
+    /** Saves the project when its changes pause, one after the other, so that the last one stays. */
+    keep(project: Project, failed: () => void): void {
+        this.unsaved = project;
+        clearTimeout(this.timer);
+        this.timer = setTimeout(() => {
+            this.saving = this.saving.then(() => this.write(project)).catch(failed);
+        }, settleMilliseconds);
+    }
+
+    /** Committed at once: nothing of this page runs after it. */
+    private note(): void {
+        if (this.unsaved === undefined || this.opened === undefined) return;
+        const note: Note = { since: this.saved, project: withoutFiles(this.unsaved) };
+        const writing = this.opened.transaction('project', 'readwrite');
+        writing.objectStore('project').put(note, 'note');
+        writing.commit();
     }
 
     private async write(project: Project): Promise<void> {
@@ -85,7 +119,12 @@ export class Keeper {
         if (missing.length === 0) {
             for (const { id } of project.pictures) there.delete(id);
             for (const id of there) files.delete(id);
-            writing.objectStore('project').put(withoutFiles(project), 'current');
+            const rest = writing.objectStore('project');
+            rest.put(withoutFiles(project), 'current');
+            rest.put((this.saved = Math.random()), 'saved');
+            rest.delete('note');
+            writing.commit();
+            if (this.unsaved === project) this.unsaved = undefined;
         }
         await finished(writing);
         return missing;
