@@ -77,6 +77,13 @@ export class Visit {
         return visit;
     }
 
+    /** Another tab of the same browser. */
+    async tab(): Promise<Visit> {
+        const visit = new Visit(this.context, await this.context.newPage());
+        await visit.open();
+        return visit;
+    }
+
     async open(): Promise<void> {
         await this.page.goto(`file://${root}/out/web/lumafold.html`);
         await this.find('Project and settings');

@@ -7,7 +7,7 @@ import { completeProject, completeSettings } from './complete';
 import { Importer } from './import';
 import { Keeper, projectFile, readProjectFile } from './keep';
 import { Previews } from './previews';
-import { moved, newProject, randomNumbers } from './project';
+import { moved, newPictureId, newProject, randomNumbers } from './project';
 import type { Canvas, Gap, Picture, Project } from './project';
 import { Store } from './store';
 
@@ -54,7 +54,6 @@ export class App {
     readonly builder = new Builder();
     readonly previews: Previews;
     private readonly importer = new Importer();
-    private keeping: ReturnType<typeof setTimeout> | undefined;
     private nextId = 1;
     /** Counts the projects that there have been. */
     private generation = 0;
@@ -73,9 +72,8 @@ export class App {
         private readonly keeper: Keeper,
         kept: Project | null,
     ) {
-        this.previews = new Previews(tables.transitions.findIndex(({ name }) => name === 'None'));
+        this.previews = new Previews(tables.transitions);
         const project = completeProject(kept, tables);
-        this.nextId = 1 + Math.max(0, ...project.pictures.map((picture) => picture.id));
         this.store = new Store<AppState>({
             project,
             selected: project.pictures[0]?.id ?? null,
@@ -199,7 +197,7 @@ export class App {
             pause: settings.TransitionPause ?? 0,
             delay: settings.TransitionDelay ?? 0,
         };
-        return { ...read, id: this.nextId++, gap };
+        return { ...read, id: newPictureId(), gap };
     }
 
     private addPictures(added: readonly Picture[]): void {
@@ -264,7 +262,7 @@ export class App {
         const opened = completeProject(read, this.tables);
         if (opened.pictures.length === 0) return this.complain(texts.badProject(file.name));
         // Numbers of its own, so that no picture is taken for one that was here before.
-        const pictures = opened.pictures.map((picture) => ({ ...picture, id: this.nextId++ }));
+        const pictures = opened.pictures.map((picture) => ({ ...picture, id: newPictureId() }));
         const before = this.project;
         this.replace({ ...opened, pictures });
         this.tell(file.name, () => this.replace(before));
@@ -330,9 +328,6 @@ export class App {
         const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
         this.store.set({ notices, resultOpen: false });
         this.builder.update(project);
-        clearTimeout(this.keeping);
-        this.keeping = setTimeout(() => {
-            this.keeper.save(this.project).catch(() => this.complain(texts.notKept));
-        }, 300);
+        this.keeper.keep(project, () => this.complain(texts.notKept));
     }
 }

@@ -20,6 +20,13 @@ export interface Forecast {
     duration: number;
 }
 
+/** A build that leaves out every reduction of colours. */
+interface ColourBuild {
+    project: Project;
+    room: PictureRoom;
+    ready: Promise<unknown>;
+}
+
 export interface BuilderState {
     /** What the settings as they are would make, as far as a small build can tell. */
     forecast: Forecast | null;
@@ -93,8 +100,7 @@ export class Builder {
     readonly store = new Store<BuilderState>(idle);
     private room: PictureRoom | undefined;
     private forecaster: PictureRoom | undefined;
-    private colourRoom: PictureRoom | undefined;
-    private colourProject: Project | undefined;
+    private colour: ColourBuild | undefined;
     private project: Project | undefined;
     private timer: ReturnType<typeof setTimeout> | undefined;
     /** How much more than by its area a large file is than a small one, from the last that was built. */
@@ -143,14 +149,24 @@ export class Builder {
     async fullColourFrame(index: number): Promise<Pixels> {
         const project = this.store.get().result?.project;
         if (project === undefined) throw new Ended();
-        if (this.colourProject !== project) {
-            this.colourRoom ??= new PictureRoom();
-            await this.hold(this.colourRoom, project, 1);
-            const order = buildOrder(project, project.pictures.map(entryOf), 1);
-            await this.colourRoom.engine.ask('build', { ...order, fullColour: true });
-            this.colourProject = project;
+        if (this.colour?.project !== project) {
+            this.colour?.room.engine.end();
+            this.colour = this.colourBuild(project);
         }
-        return (await this.colourRoom!.engine.ask('frame', { index })).pixels;
+        const { room, ready } = this.colour;
+        await ready;
+        return (await room.engine.ask('frame', { index })).pixels;
+    }
+
+    private colourBuild(project: Project): ColourBuild {
+        const room = new PictureRoom();
+        const order = buildOrder(project, project.pictures.map(entryOf), 1);
+        const ready = this.hold(room, project, 1).then(() =>
+            room.engine.ask('build', { ...order, fullColour: true }),
+        );
+        // What failed once would fail for every other frame, too; only its memory is given back.
+        ready.catch(() => room.engine.end());
+        return { project, room, ready };
     }
 
     private stop(): void {

@@ -18,40 +18,44 @@ export async function blobOf(pixels: Pixels, type = 'image/png'): Promise<Blob> 
     return canvas.convertToBlob({ type, quality: 0.85 });
 }
 
-/** The first picture of a file, decoded by the browser; rejects what it does not know either. */
+/** The first picture of a file, decoded by the browser. It reads no more of other files than their beginning,
+ *  and rejects them. */
 async function asPng(file: Blob): Promise<Blob> {
-    const bitmap = await createImageBitmap(file, { colorSpaceConversion: 'default' });
-    const canvas = new OffscreenCanvas(bitmap.width, bitmap.height);
-    canvas.getContext('2d')?.drawImage(bitmap, 0, 0);
-    bitmap.close();
-    return canvas.convertToBlob({ type: 'image/png' });
+    const image = new Image();
+    image.src = URL.createObjectURL(file);
+    try {
+        await image.decode();
+        const { naturalWidth: width, naturalHeight: height } = image;
+        const canvas = new OffscreenCanvas(width, height);
+        canvas.getContext('2d')?.drawImage(image, 0, 0, width, height);
+        return await canvas.convertToBlob({ type: 'image/png' });
+    } finally {
+        URL.revokeObjectURL(image.src);
+    }
 }
 
-async function beginsWith(file: Blob): Promise<(...bytes: number[]) => boolean> {
-    const head = new Uint8Array(await file.slice(0, 4).arrayBuffer());
-    return (...bytes) => bytes.every((byte, index) => head[index] === byte);
-}
+/** What files that the engine reads begin with: its own reason why it cannot read one of them counts. */
+const enginesKind = /^(\x89PNG|\xff\xd8|GIF|BM|RIFF.{4}WEBP)/s;
+const opaqueKind = /^(\xff\xd8|BM)/;
 
-/** Whether the file is of a kind that the engine reads: then its own reason why it cannot counts. */
-async function isEnginesKind(file: Blob): Promise<boolean> {
-    const starts = await beginsWith(file);
-    return (
-        starts(0x89, 0x50, 0x4e, 0x47) || starts(0xff, 0xd8) || starts(0x47, 0x49, 0x46) || starts(0x42, 0x4d)
-    );
-}
+/** The first bytes of a file, each as a letter. */
+const beginning = async (file: Blob): Promise<string> =>
+    String.fromCharCode(...new Uint8Array(await file.slice(0, 12).arrayBuffer()));
 
 export class Importer {
     private room = new PictureRoom();
     private count = 0;
+    private last: Promise<unknown> = Promise.resolve();
 
-    /** Rejects with the reason in one line. */
-    async read(file: Blob): Promise<ReadPicture> {
-        try {
-            return await this.readByEngine(file);
-        } catch (error) {
-            if (await isEnginesKind(file)) throw error;
-            return this.readByEngine(await asPng(file));
-        }
+    /** One picture after the other, whoever brings them. Rejects with the reason in one line. */
+    read(file: Blob): Promise<ReadPicture> {
+        const read = this.last.then(() => this.readNow(file));
+        this.last = read.catch(() => {});
+        return read;
+    }
+
+    private async readNow(file: Blob): Promise<ReadPicture> {
+        return this.readByEngine(enginesKind.test(await beginning(file)) ? file : await asPng(file));
     }
 
     private async readByEngine(file: Blob): Promise<ReadPicture> {
@@ -61,18 +65,14 @@ export class Importer {
             this.room = new PictureRoom();
         }
         const fit = { mode: 'most', ...thumbnailBox } as const;
-        const order = {
-            number: 1,
-            bytes: await file.arrayBuffer(),
-            matte: 0xffffff,
-            fit,
-            show: true,
-        };
+        const bytes = await file.arrayBuffer();
+        const order = { number: 1, bytes, matte: 0xffffff, fit, show: true };
         const { width, height, shown } = await this.room.engine.ask('add', order);
-        void this.room.engine.ask('remove', { number: 1 });
+        await this.room.engine.ask('remove', { number: 1 });
         if (shown === undefined) throw new Error('no pixels');
-        const starts = await beginsWith(file);
-        const opaque = starts(0xff, 0xd8) || starts(0x42, 0x4d);
-        return { file, width, height, opaque, thumbnail: await blobOf(shown, 'image/jpeg') };
+        const opaque = opaqueKind.test(await beginning(file));
+        // Its own copy: what stands on the disk may be changed or go while the page is open.
+        const kept = new Blob([bytes], { type: file.type });
+        return { file: kept, width, height, opaque, thumbnail: await blobOf(shown, 'image/jpeg') };
     }
 }

@@ -10,7 +10,8 @@ function asPromise<T>(request: IDBRequest<T>): Promise<T> {
     });
 }
 
-function open(): Promise<IDBDatabase> {
+/** Rejects also where the browser keeps nothing for a page of this address. */
+async function open(): Promise<IDBDatabase> {
     const request = indexedDB.open(databaseName, 1);
     request.onupgradeneeded = () => {
         request.result.createObjectStore('pictures', { keyPath: 'id' });
@@ -19,7 +20,15 @@ function open(): Promise<IDBDatabase> {
     return asPromise(request);
 }
 
+function finished(writing: IDBTransaction): Promise<void> {
+    return new Promise((resolve, reject) => {
+        writing.oncomplete = () => resolve();
+        writing.onabort = () => reject(writing.error);
+    });
+}
+
 type Bytes = { id: number; file: ArrayBuffer; thumbnail: ArrayBuffer; types: [string, string] };
+/** All but the files. */
 type Kept = Omit<Project, 'pictures'> & { pictures: Omit<Picture, 'file' | 'thumbnail'>[] };
 
 function withoutFiles(project: Project): Kept {
@@ -27,47 +36,98 @@ function withoutFiles(project: Project): Kept {
     return { ...project, pictures };
 }
 
-/** Files are written once, the small rest at every change. */
+/** What was changed since the save of that number. A page has the time to write this while it goes. */
+interface Note {
+    since: number | undefined;
+    project: Kept;
+}
+
+const settleMilliseconds = 300;
+
+/** Files are written once, the small rest at every change. Pages in several tabs share the store: what is there
+ *  is asked for every time, and the last that writes is the one whose project stays. */
 export class Keeper {
     private readonly database = open();
-    private readonly stored = new Set<number>();
+    private opened: IDBDatabase | undefined;
+    private saving = Promise.resolve();
+    private timer: ReturnType<typeof setTimeout> | undefined;
+    private unsaved: Project | undefined;
+    /** The number of the last save that this page has read or made. */
+    private saved: number | undefined;
+
+    constructor() {
+        for (const name of ['pagehide', 'visibilitychange']) addEventListener(name, () => this.note());
+    }
 
     async load(): Promise<Project | null> {
-        const reading = (await this.database).transaction(['project', 'pictures']);
-        const kept = (await asPromise(reading.objectStore('project').get('current'))) as Kept | undefined;
+        this.opened = await this.database;
+        const reading = this.opened.transaction(['project', 'pictures']);
+        const get = (key: string): Promise<unknown> => asPromise(reading.objectStore('project').get(key));
+        const current = (await get('current')) as Kept | undefined;
+        const note = (await get('note')) as Note | undefined;
+        this.saved = (await get('saved')) as number | undefined;
+        const kept = note !== undefined && note.since === this.saved ? note.project : current;
         if (kept === undefined) return null;
         const files = (await asPromise(reading.objectStore('pictures').getAll())) as Bytes[];
-        const pictures: Picture[] = [];
-        for (const picture of kept.pictures) {
+        const pictures = kept.pictures.flatMap((picture): Picture[] => {
             const found = files.find((file) => file.id === picture.id);
-            if (found === undefined) continue;
-            this.stored.add(picture.id);
+            if (found === undefined) return [];
             const file = new Blob([found.file], { type: found.types[0] });
-            pictures.push({
-                ...picture,
-                file,
-                thumbnail: new Blob([found.thumbnail], { type: found.types[1] }),
-            });
-        }
+            return [{ ...picture, file, thumbnail: new Blob([found.thumbnail], { type: found.types[1] }) }];
+        });
         return { ...kept, pictures };
     }
 
-    async save(project: Project): Promise<void> {
-        const added = project.pictures.filter((picture) => !this.stored.has(picture.id));
-        const bytes = await Promise.all(added.map(bytesOf));
-        const writing = (await this.database).transaction(['project', 'pictures'], 'readwrite');
-        const files = writing.objectStore('pictures');
-        for (const one of bytes) files.put(one);
-        for (const id of this.stored) {
-            if (!project.pictures.some((picture) => picture.id === id)) files.delete(id);
+    /** Saves the project when its changes pause, one after the other, so that the last one stays. */
+    keep(project: Project, failed: () => void): void {
+        this.unsaved = project;
+        clearTimeout(this.timer);
+        this.timer = setTimeout(() => {
+            this.saving = this.saving.then(() => this.write(project)).catch(failed);
+        }, settleMilliseconds);
+    }
+
+    /** Committed at once: nothing of this page runs after it. */
+    private note(): void {
+        if (this.unsaved === undefined || this.opened === undefined) return;
+        const note: Note = { since: this.saved, project: withoutFiles(this.unsaved) };
+        const writing = this.opened.transaction('project', 'readwrite');
+        writing.objectStore('project').put(note, 'note');
+        writing.commit();
+    }
+
+    private async write(project: Project): Promise<void> {
+        const database = await this.database;
+        for (;;) {
+            const missing = await this.writeRest(database, project);
+            if (missing.length === 0) return;
+            for (const picture of missing) {
+                const bytes = await bytesOf(picture);
+                const writing = database.transaction('pictures', 'readwrite');
+                writing.objectStore('pictures').put(bytes);
+                await finished(writing);
+            }
         }
-        writing.objectStore('project').put(withoutFiles(project), 'current');
-        await new Promise<void>((resolve, reject) => {
-            writing.oncomplete = () => resolve();
-            writing.onabort = () => reject(writing.error);
-        });
-        this.stored.clear();
-        for (const picture of project.pictures) this.stored.add(picture.id);
+    }
+
+    /** All but files, unless some of them are not there: these are returned, and nothing is written. */
+    private async writeRest(database: IDBDatabase, project: Project): Promise<Picture[]> {
+        const writing = database.transaction(['project', 'pictures'], 'readwrite');
+        const files = writing.objectStore('pictures');
+        const there = new Set(await asPromise(files.getAllKeys()));
+        const missing = project.pictures.filter(({ id }) => !there.has(id));
+        if (missing.length === 0) {
+            for (const { id } of project.pictures) there.delete(id);
+            for (const id of there) files.delete(id);
+            const rest = writing.objectStore('project');
+            rest.put(withoutFiles(project), 'current');
+            rest.put((this.saved = Math.random()), 'saved');
+            rest.delete('note');
+            writing.commit();
+            if (this.unsaved === project) this.unsaved = undefined;
+        }
+        await finished(writing);
+        return missing;
     }
 }
 
@@ -92,9 +152,10 @@ export function projectFile(project: Project): Blob {
     return new Blob([signature, head, '\n', ...files], { type: 'application/octet-stream' });
 }
 
-/** Null for a file that is none of these. */
-export async function readProjectFile(file: Blob): Promise<Project | null> {
-    if ((await file.slice(0, signature.length).text()) !== signature) return null;
+/** Null for a file that is none of these. What is read needs the file on the disk no longer. */
+export async function readProjectFile(onDisk: Blob): Promise<Project | null> {
+    if ((await onDisk.slice(0, signature.length).text()) !== signature) return null;
+    const file = new Blob([await onDisk.arrayBuffer()]);
     const start = await file.slice(signature.length, signature.length + (1 << 20)).text();
     const end = start.indexOf('\n');
     const { project, sizes } = JSON.parse(start.slice(0, end)) as {

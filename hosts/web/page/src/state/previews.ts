@@ -1,7 +1,7 @@
-// Gaps played small, rendered by the engine one after the other: what is asked for last and matters most
-// comes first, and what nobody waits for any more is never rendered.
+// Gaps played small, rendered by the engine. Films of one size are rendered one after the other by a worker of
+// their own, so that none waits for films of another size; what nobody waits for any more is never rendered.
 import { PictureRoom } from '../engine/picture_room';
-import type { Entry, Pixels } from '../engine/protocol';
+import type { Entry, Pixels, Transition } from '../engine/protocol';
 import { boxFactor, buildOrder, entryOf, heldPictures, nextPicture, valueOf } from './project';
 import type { Picture, Project, Size } from './project';
 
@@ -17,8 +17,6 @@ export interface PreviewWish {
     picture: Picture;
     transition: number;
     box: Size;
-    /** Higher ones come first. */
-    rank: number;
     /** Still pictures are seen no longer than this, in hundredths of a second. */
     longestPause: number;
 }
@@ -30,77 +28,80 @@ interface Job {
     fail(error: Error): void;
 }
 
-const mostKept = 80;
-
-function keyOf({ project, picture, transition, box, longestPause }: PreviewWish): string {
-    const read = project.settings;
-    const next = nextPicture(project, picture.id);
-    const { canvas } = project;
-    const places = [
-        picture.id,
-        next?.id,
-        transition,
-        box.width,
-        longestPause,
-        canvas.mode,
-        canvas.width,
-        canvas.height,
-    ];
-    return JSON.stringify([...places, picture.gap.pause, picture.gap.delay, read]);
+/** Films of one size: their worker holds each picture in that size once. */
+interface Line {
+    room: PictureRoom;
+    jobs: Set<Job>;
+    busy: boolean;
 }
 
-export class Previews {
-    private readonly jobs = new Set<Job>();
-    private readonly kept = new Map<string, Film>();
-    private busy = false;
-    private readonly rooms = new Map<number, PictureRoom>();
+const mostKept = 80;
 
-    constructor(private readonly noTransition: number) {}
+export class Previews {
+    private readonly kept = new Map<string, Film>();
+    /** By the width of their boxes. */
+    private readonly lines = new Map<number, Line>();
+    private readonly noTransition: number;
+
+    constructor(private readonly transitions: readonly Transition[]) {
+        this.noTransition = transitions.findIndex(({ name }) => name === 'None');
+    }
 
     /** Calls back at once when the film is there already. The function returned gives the wish up. */
     want(wish: PreviewWish, show: (film: Film) => void, fail: (error: Error) => void): () => void {
-        const key = keyOf(wish);
+        const key = this.keyOf(wish);
         const known = this.kept.get(key);
         if (known !== undefined) {
             show(known);
             return () => {};
         }
+        const line = this.lines.get(wish.box.width) ?? {
+            room: new PictureRoom(),
+            jobs: new Set(),
+            busy: false,
+        };
+        this.lines.set(wish.box.width, line);
         const job: Job = { wish, key, show, fail };
-        this.jobs.add(job);
-        void this.work();
-        return () => this.jobs.delete(job);
+        line.jobs.add(job);
+        void this.work(line);
+        return () => line.jobs.delete(job);
     }
 
-    private async work(): Promise<void> {
-        if (this.busy) return;
-        this.busy = true;
+    /** Tells films apart by all that they are made of. */
+    private keyOf({ project, picture, transition, box, longestPause }: PreviewWish): string {
+        const read = ['TransitionMattcolour', ...(this.transitions[transition]?.settings ?? [])];
+        return JSON.stringify([
+            picture.id,
+            nextPicture(project, picture.id)?.id,
+            transition,
+            box.width,
+            boxFactor(project, box),
+            longestPause,
+            project.canvas,
+            picture.gap.pause,
+            picture.gap.delay,
+            read.map((key) => project.settings[key]),
+        ]);
+    }
+
+    private async work(line: Line): Promise<void> {
+        if (line.busy) return;
+        line.busy = true;
+        // Those that are added meanwhile are served, too.
+        for (const job of line.jobs) await this.serve(line, job);
+        line.busy = false;
+    }
+
+    private async serve(line: Line, job: Job): Promise<void> {
         try {
-            // The wishes of one turn of the page are weighed against each other.
-            await Promise.resolve();
-            for (let job = this.foremost(); job !== undefined; job = this.foremost()) await this.serve(job);
-        } finally {
-            this.busy = false;
-        }
-    }
-
-    private foremost(): Job | undefined {
-        let best: Job | undefined;
-        for (const job of this.jobs) {
-            if (best === undefined || job.wish.rank > best.wish.rank) best = job;
-        }
-        return best;
-    }
-
-    private async serve(job: Job): Promise<void> {
-        try {
-            const film = this.kept.get(job.key) ?? (await this.render(job.wish));
+            const film = this.kept.get(job.key) ?? (await this.render(line.room, job.wish));
             this.keep(job.key, film);
-            if (this.jobs.delete(job)) job.show(film);
+            if (line.jobs.delete(job)) job.show(film);
         } catch (error) {
             // A worker that ran out of memory is of no more use; the next film gets a new one.
-            this.rooms.get(job.wish.box.width)?.engine.end();
-            this.rooms.delete(job.wish.box.width);
-            if (this.jobs.delete(job)) job.fail(error as Error);
+            line.room.engine.end();
+            line.room = new PictureRoom();
+            if (line.jobs.delete(job)) job.fail(error as Error);
         }
     }
 
@@ -113,9 +114,9 @@ export class Previews {
         }
     }
 
-    private async render({ project, picture, transition, box, longestPause }: PreviewWish): Promise<Film> {
+    private async render(room: PictureRoom, wish: PreviewWish): Promise<Film> {
+        const { project, picture, transition, box, longestPause } = wish;
         const next = nextPicture(project, picture.id) ?? picture;
-        const room = this.roomFor(box);
         const factor = boxFactor(project, box);
         const pictures = next.id === picture.id ? [picture] : [picture, next];
         await room.hold(heldPictures(project, pictures, factor), valueOf(project, 'TransitionMattcolour'));
@@ -129,12 +130,5 @@ export class Previews {
         const built = await room.engine.ask('build', { ...order, fullColour: true });
         const { frames } = await room.engine.ask('frames', {});
         return { frames, delays: built.delays };
-    }
-
-    /** Films of one size share a worker, so that each picture is read once for it. */
-    private roomFor(box: Size): PictureRoom {
-        const room = this.rooms.get(box.width) ?? new PictureRoom();
-        this.rooms.set(box.width, room);
-        return room;
     }
 }

@@ -10,6 +10,7 @@ export interface Gap {
 }
 
 export interface Picture {
+    /** Of `newPictureId`. */
     id: number;
     name: string;
     /** As the engine reads it. */
@@ -22,6 +23,9 @@ export interface Picture {
     opaque: boolean;
     gap: Gap;
 }
+
+/** Not the number of any other picture, in this tab or another; the engine takes 31 bits. */
+export const newPictureId = (): number => Math.floor(Math.random() * 2 ** 31);
 
 export const thumbnailBox = { width: 640, height: 480 };
 

@@ -13,17 +13,15 @@ import { SettingControl } from './setting_control';
 
 interface Look {
     box: Size;
-    /** Higher ones are rendered first. */
-    rank: number;
     /** Milliseconds that a change has to rest before it is rendered. */
     wait: number;
     longestPause: number;
 }
 
-const tileLook: Look = { box: { width: 120, height: 90 }, rank: 0, wait: 60, longestPause: 30 };
+const tileLook: Look = { box: { width: 120, height: 90 }, wait: 60, longestPause: 30 };
 /** The quick one answers while a slider moves; the sharp one follows when it rests. */
-const quickLook: Look = { box: { width: 160, height: 120 }, rank: 100, wait: 0, longestPause: 70 };
-const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, rank: 50, wait: 200 };
+const quickLook: Look = { box: { width: 160, height: 120 }, wait: 0, longestPause: 70 };
+const sharpLook: Look = { ...quickLook, box: { width: 400, height: 300 }, wait: 200 };
 
 /** Null before there is one. */
 type MaybeFilm = Film | 'failed' | null;
