@@ -62,7 +62,6 @@ FAILURES = [
     # Of two folders, which the plug-in takes one after the other.
     ("open-dialog\nremove-all\nadd inputs\\clear.gif windows\\dot.gif\nselect-item 2\nselect-item 3", 1,
      "line 5: select-item 3: there is no such item"),
-    ("jump", 2, '"jump" is no step'),
     ('add "x', 2, "line 1: a quote is not closed"),
 ]
 

@@ -15,7 +15,6 @@
 #include "hosts/desktop/script_steps.h"
 #include "hosts/desktop/view_picture.h"
 #include "platform/files.h"
-#include "resources/texts/resource_ids.h"
 #include "tests/hosts/cli_fixture.h"
 #include "tests/support/animations.h"
 
@@ -280,16 +279,6 @@ TEST(Script, TakesLinesApart) {
     }
 }
 
-TEST(Script, KnowsControlsAndColours) {
-    EXPECT_EQ(ControlNumber("117"), 117);
-    EXPECT_EQ(ControlNumber("TransitionDelay"), LUMAFOLD_MAIN_DELAY);
-    EXPECT_EQ(ControlNumber("RandomSeed"), 105);
-    EXPECT_EQ(ControlNumber("PatchLevel"), std::nullopt);
-    EXPECT_EQ(ControlNumber("12x"), std::nullopt);
-    EXPECT_EQ(ColourNumber("#FF8040"), 0x4080FFU);
-    EXPECT_FALSE(ColourNumber("FF8040") || ColourNumber("#FF80G0"));
-}
-
 TEST(FileAddress, SpellsWhatABrowserWouldTakeForItsOwn) {
     constexpr std::pair<const char*, const char*> kAddresses[] = {
         {"C:\\Program Files\\a.html", "file:///C:/Program%20Files/a.html#x"},
@@ -322,9 +311,8 @@ TEST_F(CommandLineTest, HostSettingsComeBackAsTheyWereKept) {
     Put("old.ini", "[Host]\nWindow=1,2,3\nCapabilities=8\nMaximised=1");
     read = {};
     read.Load(Path("old.ini"));
-    EXPECT_TRUE(read.maximised && read.checkerboard && read.openFiles.empty());
+    EXPECT_TRUE(read.maximised && read.checkerboard && read.openFiles.empty() && read.window.right == 0);
     EXPECT_EQ(read.capabilities, kHostTakesSupercompression);
-    EXPECT_EQ(read.window.right, 0);
 }
 
 } // namespace
