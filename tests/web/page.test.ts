@@ -269,9 +269,10 @@ test('a frame is compared with its full colour, pixel by pixel, and nothing move
     await visit.built();
     await visit.page.waitForSelector('.frame');
     assert.equal(await visit.text('.frame-number'), 'Frame 1 of 78');
-    await visit.click('Play');
+    await (await visit.find('Play')).press('Enter');
     await visit.click('Compare with full colour', 'switch');
     await visit.page.waitForSelector('.frame.full');
+    await (await visit.find('Pause')).press('Enter');
     await visit.click('4×', 'radio');
     const colours = await visit.page.$$eval('.frame', (canvases) =>
         canvases.map((one) => {
