@@ -95,8 +95,7 @@ TEST(Playback, ShowsEveryFrameForItsDelay) {
     one.Play(0);
     none.Go(3);
     none.Step(1);
-    EXPECT_FALSE(one.IsPlaying() || none.IsPlaying());
-    EXPECT_EQ(none.Current(), 0U);
+    EXPECT_FALSE(one.IsPlaying() || none.IsPlaying() || none.Current() != 0);
 }
 
 TEST(FrameScreens, ShowsFramesInAnyOrder) {
@@ -307,8 +306,7 @@ TEST_F(CommandLineTest, HostSettingsComeBackAsTheyWereKept) {
     EXPECT_EQ(read.recentFiles[0] + read.recentFiles[2] + read.recentFiles[3], "file 9file 10file 8");
     EXPECT_EQ(read.window.left + read.window.bottom + static_cast<int>(read.capabilities), 598);
     EXPECT_TRUE(!read.checkerboard && read.hasCustomColours && read.customColours == kept.customColours);
-    // What an older version, or a person, left.
-    Put("old.ini", "[Host]\nWindow=1,2,3\nCapabilities=8\nMaximised=1");
+    Put("old.ini", "[Host]\nWindow=1,2,3\nCapabilities=8\nMaximised=1"); // an older version's, or a person's
     read = {};
     read.Load(Path("old.ini"));
     EXPECT_TRUE(read.maximised && read.checkerboard && read.openFiles.empty() && read.window.right == 0);
