@@ -39,7 +39,7 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-/// A sample is an eighth of the rows, by four.
+/// A sample is a sixteenth of the rows, by four.
 enum class Rows { All, Sample };
 /// Which of the pixels that do not change are left out: none; those in runs of several colours, or all, where
 /// the encoder finds it better; or those in any case.
@@ -55,7 +55,7 @@ public:
     /// several ways are tried.
     void Pack() {
         if (!codes_.bytes.empty()) return;
-        for (const LeftOut way : cut_.mayLeaveOut ? WaysToTry() : std::vector{LeftOut::Choice}) {
+        for (const Way& way : WaysToTry()) {
             Codes codes = Encode(way, Rows::All);
             if (codes_.bytes.empty() || codes.bytes.size() < codes_.bytes.size()) codes_ = std::move(codes);
         }
@@ -83,6 +83,10 @@ public:
     }
 
 private:
+    struct Way {
+        LeftOut leftOut;
+        FullTable fullTable;
+    };
     struct Codes {
         bool hasHoles;
         int bits;
@@ -114,8 +118,8 @@ private:
         std::vector<ChoicePixel> sample;
         for (std::size_t at = 0; at < cut_.pixels.size(); at += width) {
             const auto row = cut_.pixels.begin() + static_cast<std::ptrdiff_t>(at);
-            // Not every thirty-second row, which could be the gap between lines of text.
-            if (static_cast<std::uint32_t>(at / width / 4) * 0x9E3779B1U >> 29 == 0)
+            // Not every sixty-fourth row, which could be the gap between lines of text.
+            if (static_cast<std::uint32_t>(at / width / 4) * 0x9E3779B1U >> 28 == 0)
                 sample.insert(sample.end(), row, row + static_cast<std::ptrdiff_t>(width));
         }
         return sample;
@@ -123,28 +127,39 @@ private:
 
     /// By a sample. Of photos, whose rows are alike, it tells which way is best. Text and drawings pack so
     /// well that it would mislead: of them, all ways that come near the best are tried, and more of them.
-    std::vector<LeftOut> WaysToTry() const {
+    std::vector<Way> WaysToTry() const {
         constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
-        constexpr std::size_t kSampled = 8, kPixelsOfByte = 4;
-        constexpr LeftOut kWays[] = {LeftOut::ChoiceOfVaried, LeftOut::Choice, LeftOut::None, LeftOut::Varied,
-                                     LeftOut::All};
+        constexpr std::size_t kSampled = 16, kPixelsOfByte = 4;
+        constexpr LeftOut kLeftOut[] = {LeftOut::ChoiceOfVaried, LeftOut::Choice, LeftOut::None,
+                                        LeftOut::Varied, LeftOut::All};
         constexpr std::size_t kForPhotos = 3;
-        if (cut_.pixels.size() < kWorthSampling) return {std::begin(kWays), std::end(kWays)};
+        std::vector<Way> ways;
+        for (const LeftOut leftOut : std::span(kLeftOut).first(cut_.mayLeaveOut ? std::size(kLeftOut) : 1))
+            ways.push_back({leftOut, FullTable::Emptied});
+        if (cut_.pixels.size() < kWorthSampling) {
+            ways.push_back({ways.front().leftOut, FullTable::KeptWhileUseful});
+            return ways;
+        }
         std::vector<std::size_t> sizes;
         std::size_t least = cut_.pixels.size();
         const auto packsWell = [&] { return least * kSampled * kPixelsOfByte < cut_.pixels.size(); };
-        while (sizes.size() < kForPhotos || (packsWell() && sizes.size() < std::size(kWays))) {
-            sizes.push_back(Encode(kWays[sizes.size()], Rows::Sample).bytes.size());
+        while (sizes.size() < ways.size() && (sizes.size() < kForPhotos || packsWell())) {
+            sizes.push_back(Encode(ways[sizes.size()], Rows::Sample).bytes.size());
             least = std::min(least, sizes.back());
         }
-        std::vector<LeftOut> ways;
+        Way best = ways[static_cast<std::size_t>(std::ranges::find(sizes, least) - sizes.begin())];
+        best.fullTable = FullTable::KeptWhileUseful;
+        if (Encode(best, Rows::Sample).bytes.size() >= least) best.fullTable = FullTable::Emptied;
+        std::vector<Way> worthTrying;
         for (std::size_t i = 0; i < sizes.size(); ++i) {
-            if (sizes[i] <= (packsWell() ? least + least / 8 : least)) ways.push_back(kWays[i]);
+            if (sizes[i] <= (packsWell() ? least + least / 8 : least))
+                worthTrying.push_back({ways[i].leftOut, best.fullTable});
         }
-        return ways;
+        return worthTrying;
     }
 
-    Codes Encode(LeftOut leftOut, Rows rows) const {
+    Codes Encode(const Way& way, Rows rows) const {
+        const auto [leftOut, fullTable] = way;
         std::vector<ChoicePixel> pixels = Pixels(rows);
         if (leftOut == LeftOut::None) Draw(pixels);
         if (leftOut == LeftOut::ChoiceOfVaried || leftOut == LeftOut::Varied) DrawPlainRuns(pixels);
@@ -157,7 +172,7 @@ private:
         }
         // Fewer bits than the table has are enough where the higher entries do not occur.
         codes.bits = std::max(2, static_cast<int>(std::bit_width(all)));
-        codes.bytes = EncodeLzw(pixels, codes.bits);
+        codes.bytes = EncodeLzw(pixels, codes.bits, fullTable);
         return codes;
     }
 

@@ -66,7 +66,8 @@ private:
 
 class Encoder {
 public:
-    Encoder(std::span<const ChoicePixel> pixels, int codeBits) : pixels_(pixels), codeBits_(codeBits) {}
+    Encoder(std::span<const ChoicePixel> pixels, int codeBits, FullTable fullTable)
+        : pixels_(pixels), codeBits_(codeBits), fullTable_(fullTable) {}
 
     std::vector<std::uint8_t> Encode() {
         StartAgain();
@@ -76,6 +77,7 @@ public:
             stream_.Put(match.code, width_);
             last_ = match.code;
             at += match.length;
+            Count(match.length);
         }
         // The reader has caught up by now, and may expect the end in the wider code.
         if (next_ == 1U << width_ && width_ < kMostCodeBits) ++width_;
@@ -121,6 +123,7 @@ private:
     /// Adds the last string and the index that follows it, or empties the full table; what then is the match.
     Match Learn(std::size_t at, Match match) {
         if (next_ == kMostCodes) {
+            if (fullTable_ == FullTable::KeptWhileUseful && IsUseful()) return match;
             StartAgain();
             return Best(at);
         }
@@ -137,8 +140,19 @@ private:
                            (pixels_[end].drawn == match.first || pixels_[end].other == match.first);
         return again ? Match{match.first, learnt, match.length + 1} : match;
     }
+    void Count(std::size_t pixels) {
+        tablePixels_ += pixels;
+        tableBits_ += static_cast<unsigned>(width_);
+        // Grows to kOne for each pixel a code, over some hundred codes.
+        recentLength_ += (static_cast<std::int64_t>(pixels) * kOne - recentLength_) / 128;
+    }
+    /// The codes of late do better than all since the table was empty, the costly first ones among them.
+    bool IsUseful() const {
+        return static_cast<std::uint64_t>(recentLength_) * tableBits_ >= tablePixels_ * kOne * kMostCodeBits;
+    }
     void StartAgain() {
         stream_.Put(clear_, width_);
+        tablePixels_ = tableBits_ = 0;
         table_.Clear();
         next_ = clear_ + 2;
         width_ = codeBits_ + 1;
@@ -146,17 +160,21 @@ private:
 
     std::span<const ChoicePixel> pixels_;
     int codeBits_;
+    FullTable fullTable_;
     unsigned clear_ = 1U << codeBits_;
     int width_ = codeBits_ + 1;
     unsigned next_ = 0, last_ = 0;
+    static constexpr std::int64_t kOne = 1 << 16;
+    std::uint64_t tablePixels_ = 0, tableBits_ = 0; ///< coded since the table was empty
+    std::int64_t recentLength_ = 0;                 ///< of a string, in kOne
     StringTable table_;
     CodeStream stream_;
 };
 
 } // namespace
 
-std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits) {
-    return Encoder(pixels, codeBits).Encode();
+std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits, FullTable fullTable) {
+    return Encoder(pixels, codeBits, fullTable).Encode();
 }
 
 } // namespace lumafold

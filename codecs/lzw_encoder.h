@@ -10,7 +10,11 @@
 
 namespace lumafold {
 
+/// What becomes of the table of strings once it is full. Noise packs better when it is kept, since short
+/// strings take long to be learnt; what changes from place to place when it is emptied at once.
+enum class FullTable { Emptied, KeptWhileUseful };
+
 /// The code stream of `pixels`, their entries each below 2^codeBits; `codeBits` is 2 to 8.
-std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits);
+std::vector<std::uint8_t> EncodeLzw(std::span<const ChoicePixel> pixels, int codeBits, FullTable fullTable);
 
 } // namespace lumafold
