@@ -1,7 +1,7 @@
 // The Gaussian blur. BlurRow is its definition, in doubles, tap by tap. The passes over a whole mask work in
 // floats, many pixels at once, with a bound on their error: a value too near a step to be sure of is computed
 // again by the definition, so every byte is the definition's. Where all taps see one value, as they do nearly
-// everywhere in a mask, nothing is summed. A picture is blurred as three masks.
+// everywhere in a mask, nothing is summed.
 #include <cmath>
 
 #include "numbers/portable_math.h"
@@ -62,6 +62,17 @@ std::uint8_t ExactByte(const Kernel& kernel, const std::uint8_t* line, std::ptrd
     return static_cast<std::uint8_t>(std::min(static_cast<int>(value), 255));
 }
 
+/// What is blurred in place: the rows of a mask, or of a picture with three bytes a pixel, which are blurred
+/// each by itself.
+struct Lines {
+    std::uint8_t* top;
+    std::ptrdiff_t below;             ///< from a row to the next
+    std::int32_t width, height, step; ///< in pixels; bytes of a pixel
+
+    std::uint8_t* Row(std::int32_t y) const { return top + below * y; }
+    std::int32_t Bytes() const { return width * step; }
+};
+
 /// What the passes share: the kernel in floats, and how far a float sum may be from the definition's. Weights
 /// at the same distance before and behind the middle are the same sum of samples, so two taps take one
 /// multiplication.
@@ -97,14 +108,15 @@ struct FastKernel {
     }
 };
 
-/// What a sum at each position of a line is multiplied with: 1, or at the borders the inverse of the weights
+/// What a sum at each byte of a line is multiplied with: 1, or at the borders the inverse of the weights
 /// inside.
 struct Inverses {
     Array<float> values; ///< and kMostLanes more
     float most = 1;
 
-    Inverses(const Kernel& kernel, std::int32_t count)
-        : values(static_cast<std::size_t>(count) + kMostLanes) {
+    /// For a line of `count` pixels of `step` bytes.
+    Inverses(const Kernel& kernel, std::int32_t count, std::int32_t step)
+        : values(static_cast<std::size_t>(count) * static_cast<std::size_t>(step) + kMostLanes) {
         std::fill(values.begin(), values.end(), 1.0F);
         for (std::int32_t x = 0; values && x < count; ++x) {
             if (kernel.IsWhole(x, x, count)) continue;
@@ -114,7 +126,7 @@ struct Inverses {
                 used += kernel.middle[k];
             const auto inverse = static_cast<float>(1.0 / used);
             most = std::max(most, inverse);
-            values[static_cast<std::size_t>(x)] = inverse;
+            std::fill_n(values.begin() + std::ptrdiff_t{x} * step, step, inverse);
         }
     }
 };
@@ -122,10 +134,6 @@ struct Inverses {
 LUMAFOLD_IN_CALLER void ToFloats(const std::uint8_t* bytes, float* floats, std::int32_t count) {
     for (std::int32_t i = 0; i < count; ++i)
         floats[i] = bytes[i];
-}
-
-bool AreEqual(const std::uint8_t* bytes, std::int32_t count) {
-    return std::memcmp(bytes, bytes + 1, static_cast<std::size_t>(count - 1)) == 0;
 }
 
 /// kLanes neighbouring sums around floats at `middle`, a tap every `step`, in four vectors.
@@ -182,66 +190,74 @@ LUMAFOLD_IN_CALLER void BlurBlock(const FastKernel& kernel, const float* middle,
 /// Blurs every row in place.
 struct RowPass {
     const FastKernel& kernel;
-    Mask& mask;
+    const Lines& lines;
     const Inverses& inverses;
     std::uint8_t* copy; ///< of a row as it was
     float* line;        ///< the same, with zeros before and behind as far as taps and lanes go beyond it
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Run() const {
-        const std::int32_t width = mask.Width();
+        const std::int32_t bytes = lines.Bytes(), step = lines.step;
         const float borderMargin = 2 * kernel.margin * inverses.most;
-        for (std::int32_t y = 0; y < mask.Height(); ++y) {
-            std::uint8_t* row = mask.Row(y);
-            if (StaysFlat(row, 0, width)) continue;
-            std::memcpy(copy, row, static_cast<std::size_t>(width));
-            ToFloats(copy, line, width);
-            for (std::int32_t x = 0; x < width; x += kLanes) {
-                const std::int32_t count = std::min(kLanes, width - x);
-                if (StaysFlat(copy, x, count)) continue;
-                const bool whole = kernel.exact.IsWhole(x, x + count - 1, width);
+        for (std::int32_t y = 0; y < lines.height; ++y) {
+            std::uint8_t* row = lines.Row(y);
+            if (StaysFlat(row, 0, bytes)) continue;
+            std::memcpy(copy, row, static_cast<std::size_t>(bytes));
+            ToFloats(copy, line, bytes);
+            for (std::int32_t i = 0; i < bytes; i += kLanes) {
+                const std::int32_t count = std::min(kLanes, bytes - i);
+                if (StaysFlat(copy, i, count)) continue;
                 BlurBlock<kLanes>(
-                    kernel, line + x, 1, &inverses.values[static_cast<std::size_t>(x)],
-                    whole ? kernel.margin : borderMargin, row + x, count,
-                    [&](std::int32_t lane) { return ExactByte(kernel.exact, copy, 1, width, x + lane); });
+                    kernel, line + i, step, &inverses.values[static_cast<std::size_t>(i)],
+                    IsWhole(i, count) ? kernel.margin : borderMargin, row + i, count, [&](std::int32_t lane) {
+                        const std::int32_t x = (i + lane) / step;
+                        return ExactByte(kernel.exact, copy + (i + lane - x * step), step, lines.width, x);
+                    });
             }
         }
     }
 
+    bool IsWhole(std::int32_t first, std::int32_t count) const {
+        return kernel.exact.IsWhole(first / lines.step, (first + count - 1) / lines.step, lines.width);
+    }
+    /// Whether all taps of `count` bytes see the value that is there, and it comes out as it is.
     bool StaysFlat(const std::uint8_t* row, std::int32_t first, std::int32_t count) const {
-        const std::int32_t from = std::max(first - kernel.exact.reach, 0),
-                           to = std::min(first + count + kernel.exact.reach, mask.Width());
-        return AreEqual(row + from, to - from) &&
-               kernel.Keeps(row + first, 1, kernel.exact.IsWhole(first, first + count - 1, mask.Width()),
+        const std::int64_t step = lines.step, reach = kernel.exact.reach * step;
+        const std::int64_t from = std::max<std::int64_t>(first - reach, 0),
+                           to = std::min<std::int64_t>(first + count + reach, lines.Bytes());
+        if (to - from > step &&
+            std::memcmp(row + from, row + from + step, static_cast<std::size_t>(to - from - step)) != 0)
+            return false;
+        return kernel.Keeps(row + first, std::min(count, lines.step), IsWhole(first, count),
                             1 / inverses.most);
     }
 };
 
-/// Blurs every column in place, kLanes side by side at once. They are held as floats so that the window
+/// Blurs every column in place, kLanes bytes side by side at once. They are held as floats so that the window
 /// slides down within the nearest cache.
 struct ColumnPass {
     const FastKernel& kernel;
-    Mask& mask;
+    const Lines& lines;
     const Inverses& inverses;
     std::uint8_t* copy; ///< of kMostLanes columns as they were
     float* strip;       ///< the same, with rows of zeros as far as taps go beyond them
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Run() const {
-        for (std::int32_t x = 0; x < mask.Width(); x += kLanes)
-            Strip<kLanes>(x, std::min(kLanes, mask.Width() - x));
+        for (std::int32_t i = 0; i < lines.Bytes(); i += kLanes)
+            Strip<kLanes>(i, std::min(kLanes, lines.Bytes() - i));
     }
 
     template <int kLanes>
     LUMAFOLD_IN_CALLER void Strip(std::int32_t first, std::int32_t count) const {
-        const std::int32_t reach = kernel.exact.reach, height = mask.Height();
+        const std::int32_t reach = kernel.exact.reach, height = lines.height;
         std::int32_t converted = 0, entered = 0, equal = 0;
         for (std::int32_t y = 0; y < height; ++y) {
             const std::uint8_t* row = copy + std::ptrdiff_t{y} * kLanes;
             const bool whole = kernel.exact.IsWhole(y, y, height);
             const std::int32_t top = std::max(y - reach, 0), end = std::min(y + reach + 1, height);
             for (; entered < end; ++entered)
-                equal = Enter<kLanes>(mask.Row(entered) + first, entered, count) ? equal + 1 : 1;
+                equal = Enter<kLanes>(lines.Row(entered) + first, entered, count) ? equal + 1 : 1;
             if (equal >= end - top && kernel.Keeps(row, count, whole, 1 / inverses.most)) continue;
             for (converted = std::max(converted, top); converted < end; ++converted)
                 ToFloats(copy + std::ptrdiff_t{converted} * kLanes,
@@ -250,7 +266,7 @@ struct ColumnPass {
             std::fill(border, border + kLanes, inverses.values[static_cast<std::size_t>(y)]);
             BlurBlock<kLanes>(
                 kernel, strip + std::ptrdiff_t{reach + y} * kLanes, kLanes, border,
-                whole ? kernel.margin : 2 * kernel.margin * border[0], mask.Row(y) + first, count,
+                whole ? kernel.margin : 2 * kernel.margin * border[0], lines.Row(y) + first, count,
                 [&](std::int32_t lane) { return ExactByte(kernel.exact, copy + lane, kLanes, height, y); });
         }
     }
@@ -268,22 +284,22 @@ struct ColumnPass {
     }
 };
 
-/// Both passes, in place; false when memory is short.
-bool BlurMask(Mask& mask, const Kernel& exact) {
+/// Both passes; false when memory is short.
+bool Blur(const Lines& lines, const Kernel& exact) {
     const FastKernel kernel(exact);
-    const auto width = static_cast<std::size_t>(mask.Width()),
-               height = static_cast<std::size_t>(mask.Height()),
-               reach = static_cast<std::size_t>(exact.reach);
-    // For the tallest masks this needs more than 32 bits; no array is as long as SIZE_MAX.
+    const auto bytes = static_cast<std::size_t>(lines.Bytes()),
+               height = static_cast<std::size_t>(lines.height), reach = static_cast<std::size_t>(exact.reach);
+    // For the tallest pictures this needs more than 32 bits; no array is as long as SIZE_MAX.
     const auto lanes = [](std::uint64_t rows) {
         return static_cast<std::size_t>(std::min<std::uint64_t>(rows * kMostLanes, SIZE_MAX));
     };
-    const Inverses across(exact, mask.Width()), down(exact, mask.Height());
-    Array<std::uint8_t> row(width), columns(lanes(height));
-    Array<float> line(width + 2 * reach + kMostLanes), strip(lanes(std::uint64_t{height} + 2 * reach));
+    const Inverses across(exact, lines.width, lines.step), down(exact, lines.height, 1);
+    const std::size_t before = reach * static_cast<std::size_t>(lines.step);
+    Array<std::uint8_t> row(bytes), columns(lanes(height));
+    Array<float> line(bytes + 2 * before + kMostLanes), strip(lanes(std::uint64_t{height} + 2 * reach));
     if (!kernel || !across.values || !down.values || !row || !columns || !line || !strip) return false;
-    WithWidestLanes(RowPass{kernel, mask, across, row.data(), line.data() + reach});
-    WithWidestLanes(ColumnPass{kernel, mask, down, columns.data(), strip.data()});
+    WithWidestLanes(RowPass{kernel, lines, across, row.data(), line.data() + before});
+    WithWidestLanes(ColumnPass{kernel, lines, down, columns.data(), strip.data()});
     return true;
 }
 
@@ -304,16 +320,6 @@ struct BlurWeights {
         weights = GaussianKernel(static_cast<std::int32_t>(std::min(taps, 2 * weighing + 1)), pixels);
     }
 };
-
-/// One channel of a 24-bit picture, by its place in the pixel's bytes.
-Mask ChannelOf(const ConstRowView& rows, std::ptrdiff_t channel) {
-    Mask mask(rows.Width(), rows.Height());
-    for (std::int32_t y = 0; mask && y < mask.Height(); ++y) {
-        for (std::int32_t x = 0; x < mask.Width(); ++x)
-            mask.Row(y)[x] = rows.Row(y)[3 * x + channel];
-    }
-    return mask;
-}
 
 } // namespace
 
@@ -355,24 +361,21 @@ OwnedDib DibGaussianBlur(const DibHeader& picture, std::int32_t radius, std::int
     if (picture.biBitCount != 24) return {};
     OwnedDib result = DibCreate(picture.biWidth, picture.biHeight, nullptr, 24);
     if (!result || picture.biWidth < 1 || picture.biHeight < 1) return result;
+    const BlurWeights blur(radius, sigma);
+    // Without taps the passes would give black, which a new picture is.
+    if (!blur.weights) return result;
     const RowView rows = result.Rows();
-    for (std::ptrdiff_t channel = 0; channel < 3; ++channel) {
-        Mask mask = ChannelOf(ConstRowView(picture), channel);
-        const Mask blurred = mask ? MaskGaussianBlur(std::move(mask), radius, sigma) : Mask();
-        if (!blurred) return {};
-        for (std::int32_t y = 0; y < rows.Height(); ++y) {
-            for (std::int32_t x = 0; x < rows.Width(); ++x)
-                rows.Row(y)[3 * x + channel] = blurred.Row(y)[x];
-        }
-    }
-    return result;
+    for (std::int32_t y = 0; y < rows.Height(); ++y)
+        std::memcpy(rows.Row(y), ConstRowView(picture).Row(y), rows.RowBytes());
+    const Lines lines{rows.Row(0), -rows.Stride(), rows.Width(), rows.Height(), 3};
+    return Blur(lines, Kernel(blur.weights, blur.half)) ? std::move(result) : OwnedDib();
 }
 
 Mask MaskGaussianBlur(Mask mask, std::int32_t radius, std::int32_t sigma) {
     const BlurWeights blur(radius, sigma);
-    // Without taps the passes would give black, which a new mask is.
     if (!blur.weights) return {mask.Width(), mask.Height()};
-    return BlurMask(mask, Kernel(blur.weights, blur.half)) ? std::move(mask) : Mask();
+    const Lines lines{mask.Row(0), mask.Width(), mask.Width(), mask.Height(), 1};
+    return Blur(lines, Kernel(blur.weights, blur.half)) ? std::move(mask) : Mask();
 }
 
 } // namespace lumafold
