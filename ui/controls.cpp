@@ -7,8 +7,11 @@
 
 #include <commctrl.h>
 
+#include "colour/palettes.h"
 #include "resources/texts/resource_ids.h"
+#include "resources/texts/strings.h"
 #include "transitions/table.h"
+#include "ui/module.h"
 
 namespace lumafold {
 namespace {
@@ -85,6 +88,15 @@ void FillTransitions(HWND combo) {
     SendMessageA(combo, CB_RESETCONTENT, 0, 0);
     for (const TransitionRow& row : TransitionTable)
         SendMessageA(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row.name));
+}
+
+void FillPalettes(HWND combo) {
+    SendMessageA(combo, CB_RESETCONTENT, 0, 0);
+    for (UINT i = 0; i < kFixedPaletteCount; ++i) {
+        char name[kChoiceLength + 1] = "";
+        LoadStringA(ModuleInstance(), LUMAFOLD_STRING_PALETTE + i, name, sizeof name);
+        SendMessageA(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
+    }
 }
 
 int ReadSelection(HWND dialog, int comboId, int low, int high) {

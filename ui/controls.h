@@ -29,6 +29,8 @@ void SetClamped(HWND dialog, int editId, std::uint32_t value);
 int FillChoices(HWND combo, const char* choices);
 /// Fills a combo box with the names of the transitions, in the table's order.
 void FillTransitions(HWND combo);
+/// Fills a combo box with the names of the fixed palettes, as the string table has them.
+void FillPalettes(HWND combo);
 /// The row selected, raised to `low` and lowered to `high`, each unless negative.
 int ReadSelection(HWND dialog, int comboId, int low, int high);
 

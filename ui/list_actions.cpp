@@ -14,7 +14,6 @@
 #include "settings/settings.h"
 #include "ui/dialogs.h"
 #include "ui/list_box.h"
-#include "ui/module.h"
 #include "ui/session.h"
 
 namespace lumafold {
@@ -44,13 +43,8 @@ ImageEntry NewEntry(HWND dialog, const char* label) {
 /// Where new pictures go, below the selection, which stays. With nothing selected, -1, that is the top.
 int InsertionIndex(HWND dialog) { return Ask(ListOf(dialog), LB_GETCURSEL) + 1; }
 
-/// Inserts a picture from the host. False after a message.
-bool InsertPicture(HWND dialog, int index, const char* label, DibHandle foreign) {
-    OwnedDib picture = DibImport(foreign);
-    if (!picture) {
-        ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
-        return false;
-    }
+/// False after a message.
+bool InsertPicture(HWND dialog, int index, const char* label, OwnedDib picture) {
     ImageEntry entry = NewEntry(dialog, label);
     entry.image = picture.Get();
     if (!InsertEntry(ListOf(dialog), index, entry)) {
@@ -62,8 +56,8 @@ bool InsertPicture(HWND dialog, int index, const char* label, DibHandle foreign)
 }
 
 bool InsertFile(HWND dialog, int index, const char* path) {
-    const DibHandle loaded = CallingHost().LoadPicture(path);
-    if (loaded != 0) return InsertPicture(dialog, index, path, loaded);
+    OwnedDib loaded = DibImport(CallingHost().LoadPicture(path));
+    if (loaded) return InsertPicture(dialog, index, path, std::move(loaded));
     ShowString(dialog, LUMAFOLD_STRING_READ_ERROR);
     return false;
 }
@@ -100,12 +94,6 @@ void SelectLast(HWND dialog) {
 
 } // namespace
 
-void ShowString(HWND dialog, UINT number) {
-    char text[260] = "";
-    LoadStringA(ModuleInstance(), number, text, sizeof(text));
-    ShowMessage(dialog, text);
-}
-
 void AddImages(HWND dialog) {
     Array<char> buffer(kChosenNamesBytes);
     if (!buffer) {
@@ -119,12 +107,13 @@ void AddImages(HWND dialog) {
 }
 
 void PasteImage(HWND dialog) {
-    const DibHandle pasted = CallingHost().ClipboardPicture(HandleOf(dialog));
-    if (pasted == 0) {
+    OwnedDib pasted = DibImport(CallingHost().ClipboardPicture(HandleOf(dialog)));
+    if (!pasted) {
         ShowMessage(dialog, LUMAFOLD_TEXT_CLIPBOARD_ERROR);
         return;
     }
-    if (InsertPicture(dialog, InsertionIndex(dialog), LUMAFOLD_LABEL_CLIPBOARD, pasted)) SelectLast(dialog);
+    if (InsertPicture(dialog, InsertionIndex(dialog), LUMAFOLD_LABEL_CLIPBOARD, std::move(pasted)))
+        SelectLast(dialog);
     EnableByCount(dialog);
 }
 

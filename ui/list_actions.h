@@ -10,9 +10,6 @@
 
 namespace lumafold {
 
-/// Shows a text of the module's string table.
-void ShowString(HWND dialog, UINT number);
-
 void AddImages(HWND dialog);
 void PasteImage(HWND dialog);
 void RemoveImage(HWND dialog);

@@ -76,11 +76,7 @@ void Centre(HWND dialog) {
 void SettingsToControls(HWND dialog) {
     FillTransitions(GetDlgItem(dialog, LUMAFOLD_MAIN_TRANSITION));
     Choose(dialog, LUMAFOLD_MAIN_TRANSITION, Session().settings.TransitionType);
-    for (const SettingDescriptor& row : SettingDescriptors()) {
-        if (row.value == &PluginSettings::TransitionPalette) {
-            FillChoices(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE), row.choices);
-        }
-    }
+    FillPalettes(GetDlgItem(dialog, LUMAFOLD_MAIN_PALETTE));
     Choose(dialog, LUMAFOLD_MAIN_PALETTE, Session().settings.TransitionPalette);
     // Starting an up-down control writes into its edit box, so the numbers follow.
     StartSpin(dialog, LUMAFOLD_MAIN_DELAY);

@@ -9,6 +9,8 @@ namespace lumafold {
 
 /// A message box with the caption "Message", owned by `owner`, that waits until it is answered.
 void ShowMessage(HWND owner, const char* text);
+/// The same with a text of the module's string table.
+void ShowString(HWND owner, UINT number);
 
 /// The wait cursor while a build runs, and a message box when it was given up.
 class BuildMessages final : public BuildObserver {

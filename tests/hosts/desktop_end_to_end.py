@@ -187,6 +187,7 @@ def names_script():
     yield from ("open-dialog", "remove-all", "cancel")
     yield "drop " + " ".join('"names\\' + name.replace("/", "\\") + '.gif"' for name in NAMES)
     yield from (f"expect-items {len(NAMES)}", "set TransitionType None", "build", f"expect-frames {len(NAMES)}")
+    yield from ("open-dialog", f"expect-items {len(NAMES)}", "cancel")
 
 
 def dots_script():

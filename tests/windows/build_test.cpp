@@ -1,6 +1,7 @@
 // Building from the dialog: what comes of the list and the dialog, whatever the host does meanwhile.
 #include <cstring>
 
+#include "resources/texts/strings.h"
 #include "tests/windows/dialog_fixture.h"
 
 namespace lumafold::test {
@@ -103,6 +104,31 @@ TEST_F(Building, TellsOfEveryFailureOfTheHostAndGoesOn) {
         Close(IDOK); // and a build that nothing disturbs works
         EXPECT_EQ(host.commands.back(), (RecordedCommand{4, 1, ""}));
     }
+}
+
+TEST_F(Building, SpeaksAsItsStringTableDoes) {
+    char original[MAX_PATH];
+    GetModuleFileNameA(GetModuleHandleA("lumafold.dll"), original, MAX_PATH);
+    const std::string translated = pictures.Path() + "lumafold.dll";
+    CopyFileA(original, translated.c_str(), FALSE);
+    // Sixteen texts make a block, each behind its length: here the number that it has in it.
+    std::u16string block;
+    for (int i = 0; i < 16; ++i)
+        block += i < 10 ? std::u16string{1, static_cast<char16_t>('0' + i)} : std::u16string(1, 0);
+    const HANDLE update = BeginUpdateResourceA(translated.c_str(), FALSE);
+    for (const int number : {0, LUMAFOLD_STRING_PALETTE})
+        UpdateResourceA(update, RT_STRING, MAKEINTRESOURCEA(number / 16 + 1),
+                        MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), block.data(),
+                        static_cast<DWORD>(block.size() * 2));
+    ASSERT_TRUE(EndUpdateResourceA(update, FALSE));
+    Reload(translated);
+    OpenForBuilding("TransitionType = 24\r\nTransitionSoftSlideStep = 0\r\nTransitionPalette = 7\r\n");
+    EXPECT_EQ(Text(LUMAFOLD_MAIN_PALETTE), "7");
+    Click(LUMAFOLD_MAIN_TEST); // which a step of 0 ends
+    EXPECT_EQ(AnswerMessage(), "6");
+    AddFiles({"none"});
+    EXPECT_EQ(AnswerMessage(), "3");
+    Close();
 }
 
 TEST_F(Building, TakesNoOrdersWhileTheHostIsAtWork) {

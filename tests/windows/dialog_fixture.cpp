@@ -42,9 +42,9 @@ DialogTest::~DialogTest() {
     if (library_ != nullptr) FreeLibrary(library_);
 }
 
-void DialogTest::Reload() {
+void DialogTest::Reload(const std::string& path) {
     if (library_ != nullptr) FreeLibrary(library_);
-    library_ = LoadLibraryA("lumafold.dll");
+    library_ = LoadLibraryA(path.c_str());
     SetModuleInstance(library_); // its resources are this program's too
     if (code_ == Code::Library) {
         doBuild_ = reinterpret_cast<decltype(PLUGINDoBuild)*>(

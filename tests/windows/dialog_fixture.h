@@ -42,7 +42,7 @@ protected:
     enum class Shift { Up, Down };
     void Open(Shift shift = Shift::Up);
     void Close(int button = IDCANCEL);
-    void Reload();
+    void Reload(const std::string& path = "lumafold.dll");
     int Result() const { return result_; }
     /// From the host's thread alone.
     int CallPlugin() { return doBuild_(ui.Window(), &host.context); }

@@ -100,7 +100,7 @@ TEST_F(ListDialog, PastesWhatTheHostHas) {
     for (const auto garbage : {reinterpret_cast<std::intptr_t>(tiny), std::intptr_t{0x7FFF1235}}) {
         host.answer = [=](std::uint32_t) { return static_cast<std::int32_t>(garbage); };
         Click(LUMAFOLD_MAIN_PASTE);
-        AnswerMessage();
+        EXPECT_EQ(AnswerMessage(), "Clipboard error");
         InvalidateRect(Control(LUMAFOLD_MAIN_LIST), nullptr, TRUE);
         ui.Settle();
         EXPECT_EQ(Caption(), "Lumafold");
@@ -198,6 +198,41 @@ TEST_F(ListDialog, RestoresItsFile) {
     Close();
     EXPECT_TRUE(FileExists(files.List().c_str()));
     EXPECT_EQ(ReadFileBytes(files.List()), "");
+}
+
+/// Where letters may have two bytes, the second that of "\\".
+class CodePage932 : public ListDialog {
+protected:
+    void SetUp() override {
+        if (GetACP() != 932) GTEST_SKIP() << "the copy of this program beside the manifest has it";
+    }
+};
+
+TEST_F(CodePage932, TakesAndKeepsNamesOfTwoByteLetters) {
+    const std::string folder = pictures.Path() + "\x95\\",
+                      ambiguous = Picture("\xC3\xB1"); // a letter in UTF-8
+    CreateDirectoryA(folder.c_str(), nullptr);
+    std::string chosen, lines = ambiguous + "\r\n";
+    for (const char* name : {"\x83\\", "\x8F\\.bmp"}) {
+        chosen += std::string(1, '\0') + name;
+        lines += Picture(std::string("\x95\\\\") + name) + "\r\n";
+    }
+    Open();
+    AddBuffer(folder + chosen + std::string(2, '\0'));
+    AddBuffer(folder + "\\" + chosen + std::string(2, '\0'));
+    AddFiles({ambiguous});
+    ASSERT_EQ(Count(), 5);
+    DoubleClickItem(2);
+    EXPECT_EQ(Caption(), "Transition override [ \x8F\\.bmp ]");
+    Click(IDCANCEL);
+    for (int i = 0; i < 2; ++i)
+        Click(LUMAFOLD_MAIN_REMOVE);
+    Close();
+    EXPECT_EQ(ReadFileBytes(files.List()), lines);
+    Open();
+    EXPECT_EQ(Count(), 3);
+    EXPECT_EQ(Entry(0).label, folder + "\\\x8F\\.bmp");
+    Close();
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // What the dialogs look like, measured where it is exact.
+#include "platform/gdi_win32.h"
 #include "tests/windows/dialog_fixture.h"
 #include "tests/windows/snapshot.h"
+#include "ui/thumbnail.h"
 
 namespace lumafold::test {
 namespace {
@@ -86,9 +88,10 @@ TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
     WriteFileBytes(files.Settings(), "ShowListLabels = 0\r\n");
     Open();
     const HWND list = Control(LUMAFOLD_MAIN_LIST);
-    for (const char* items : {"five", "four"}) { // which need no scroll bar
-        if (items[1] == 'o') Click(LUMAFOLD_MAIN_REMOVE);
-        ui.Settle();
+    for (const int items : {5, 4, 5}) { // of which four need no scroll bar
+        ClickItem(3); // the ones before it are not told to draw themselves
+        if (items < Count()) Click(LUMAFOLD_MAIN_REMOVE);
+        if (items > Count()) AddFiles({path});
         const Snapshot shown(Dialog());
         RECT client;
         GetClientRect(list, &client);
@@ -108,9 +111,10 @@ TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
 
 TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
     for (const bool plain : {false, true}) {
-        WriteFileBytes(files.Settings(),
-                       std::string("TransitionMattcolour = 13421821\r\nSolidBackground = ") +
-                           (plain ? "1\r\n" : "0\r\n"));
+        WriteFileBytes(
+            files.Settings(),
+            std::string("TransitionPalette = 6\r\nTransitionMattcolour = 13421821\r\nSolidBackground = ") +
+                (plain ? "1\r\n" : "0\r\n"));
         Open();
         const Snapshot shown = Take();
         // The strips along the border are bare.
@@ -127,16 +131,44 @@ TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
         EXPECT_EQ(different > 0, !plain);
         // The face is the colour itself; its corner tells what a fixed palette makes of it, once one is in
         // use.
-        const auto swatch = [&](const Snapshot& taken, POINT point) {
-            return taken.At(Control(LUMAFOLD_MAIN_MATTE), point);
-        };
-        EXPECT_EQ(swatch(shown, {20, 10}), 0xCCCCFDU);
-        EXPECT_EQ(swatch(shown, {6, 6}), 0xCCCCFDU);
-        Click(LUMAFOLD_MAIN_CUSTOM_PALETTE);
-        const Snapshot fixed = Take();
-        EXPECT_EQ(swatch(fixed, {20, 10}), 0xCCCCFDU);
-        EXPECT_NE(swatch(fixed, {6, 6}), 0xCCCCFDU);
+        const auto swatch = [&](LONG x, LONG y) { return Take().At(Control(LUMAFOLD_MAIN_MATTE), {x, y}); };
+        for (const auto& [box, corner] : {std::pair(0, 0xCCCCFDU), // one is computed
+                                          {LUMAFOLD_MAIN_TRUE_COLOUR, 0xCCCCFDU},
+                                          {LUMAFOLD_MAIN_CUSTOM_PALETTE, 0xCCCCFDU}, // true colour alone
+                                          {LUMAFOLD_MAIN_TRUE_COLOUR, 0xAAD8FFU}}) {
+            if (box != 0) Click(box);
+            EXPECT_EQ(swatch(20, 10), 0xCCCCFDU);
+            EXPECT_EQ(swatch(6, 6), corner) << "after a click on " << box;
+        }
+        Choose(LUMAFOLD_MAIN_PALETTE, 8);
+        EXPECT_EQ(swatch(6, 6), 0xDCDCDCU);
         Close();
+    }
+}
+
+TEST(Thumbnail, ShowsWhatCannotBeScaled) {
+    const OwnedContext context(CreateCompatibleDC(nullptr));
+    const OwnedGdi<HBITMAP> paper(CreateBitmap(212, 100, 1, 32, nullptr));
+    const SelectedGdi selected(context.Get(), paper.Get());
+    DRAWITEMSTRUCT item{};
+    item.hDC = context.Get();
+    item.rcItem = {0, 0, 212, 100};
+    const auto at = [&](int x, int y) { return GetPixel(context.Get(), x, y); };
+    const COLORREF frame = GetSysColor(COLOR_BTNSHADOW);
+    // At two percent nothing is left of one pixel, but the frame round it.
+    DrawThumbnail(item, PlainPicture(1, 4000, 0xFF).Get());
+    EXPECT_EQ(std::tuple(at(105, 9), at(106, 90), at(105, 91)), std::tuple(frame, frame, 0U));
+    // Without memory for a smaller copy the picture itself begins at the corner of the room and ends with it.
+    const OwnedDib large = BusyPicture(300, 200, 1);
+    for (const int failing : {1, 2}) {
+        allocation_hooks::FailNth(failing);
+        DrawThumbnail(item, large.Get());
+        EXPECT_TRUE(allocation_hooks::HasFailed());
+        allocation_hooks::FailNth(0);
+        for (const POINT place : {POINT{0, 0}, POINT{199, 87}})
+            EXPECT_EQ(at(6 + place.x, 6 + place.y), DibGetPixel(*large, place.x, place.y));
+        EXPECT_EQ(std::tuple(at(206, 50), at(50, 94), at(207, 95)), std::tuple(frame, frame, 0U));
+        PatBlt(context.Get(), 0, 0, 212, 100, BLACKNESS);
     }
 }
 
