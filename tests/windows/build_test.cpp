@@ -10,14 +10,8 @@ namespace {
 class Building : public DialogTest {
 protected:
     Building() {
-        std::string lines;
-        for (std::size_t i = kPictures; i-- > 0;) {
-            const auto size = static_cast<std::int32_t>(20 + 7 * i);
-            lines +=
-                pictures.Add(std::string(1, static_cast<char>('a' + i)), BusyPicture(size, 61 - size, 3)) +
-                "\r\n";
-        }
-        WriteFileBytes(files.List(), lines);
+        KeepList({pictures.Add("a", BusyPicture(20, 61, 3)), pictures.Add("b", BusyPicture(27, 54, 3)),
+                  pictures.Add("c", BusyPicture(34, 47, 3))});
     }
     void OpenForBuilding(const std::string& settings) {
         WriteFileBytes(files.Settings(), settings + "TransitionPause = 31\r\nTransitionDelay = 4\r\n");
@@ -39,12 +33,10 @@ protected:
         for (const MSG& message : held)
             PostMessageA(message.hwnd, message.message, message.wParam, message.lParam);
     }
-
-    static constexpr std::size_t kPictures = 3;
 };
 
 TEST_F(Building, LeavesTheListAloneAfterTheLineOfOnePicture) {
-    WriteFileBytes(files.List(), pictures.Add("a", BusyPicture(20, 41, 3)) + "\r\n");
+    KeepList({pictures.Add("a", BusyPicture(20, 41, 3))});
     OpenForBuilding("TransitionType = 23\r\nTransitionTruecolour = 1\r\nTransitionMattcolour = 255\r\n");
     DoubleClickItem(0);
     Type(LUMAFOLD_OVERRIDE_PAUSE, "77");
@@ -77,10 +69,6 @@ TEST_F(Building, TellsOfEveryFailureOfTheHostAndGoesOn) {
     for (const Case& c : {Case{LUMAFOLD_MAIN_TEST, 5, 1, "Error creating new task.", {5, 0, ""}},
                           {LUMAFOLD_MAIN_TEST, 2, 1, frameError, {4, 0, ""}},
                           {LUMAFOLD_MAIN_TEST, 2, 3, frameError, {4, 0, ""}},
-                          {LUMAFOLD_MAIN_TEST, 10, 1, "", {4, 1, ""}},
-                          {LUMAFOLD_MAIN_TEST, 13, 1, "", {4, 1, ""}},
-                          {LUMAFOLD_MAIN_TEST, 3, 1, "", {4, 1, ""}},
-                          {LUMAFOLD_MAIN_TEST, 4, 1, "", {4, 1, ""}},
                           {IDOK, 1, 1, "Error creating new task.", {1, 0, ""}},
                           {IDOK, 2, 2, frameError, {4, 0, ""}}}) {
         SCOPED_TRACE(testing::Message() << "command " << c.command << " the " << c.nth << "th time");

@@ -2,8 +2,7 @@
 
 #include <shlobj.h>
 
-#include <cstring>
-
+#include "ui/list_box.h"
 #include "ui/module.h"
 
 namespace lumafold::test {
@@ -52,6 +51,13 @@ void DialogTest::Reload(const std::string& path) {
     } else {
         doBuild_ = PLUGINDoBuild;
     }
+}
+
+void DialogTest::KeepList(const std::vector<std::string>& paths) const {
+    std::string lines;
+    for (auto path = paths.rbegin(); path != paths.rend(); ++path)
+        lines += *path + "\r\n";
+    WriteFileBytes(files.List(), lines);
 }
 
 void DialogTest::Open(Shift shift) {
@@ -137,11 +143,7 @@ void DialogTest::AddBuffer(const std::string& bytes) {
 
 ImageEntry DialogTest::Entry(int item) const {
     ImageEntry entry{};
-    const LRESULT data = Ask(LUMAFOLD_MAIN_LIST, LB_GETITEMDATA, static_cast<WPARAM>(item));
-    const auto block = reinterpret_cast<HGLOBAL>(data);
-    const void* record = GlobalLock(block);
-    if (record != nullptr) std::memcpy(&entry, record, sizeof(entry));
-    GlobalUnlock(block);
+    ReadEntry(Control(LUMAFOLD_MAIN_LIST), item, entry);
     return entry;
 }
 

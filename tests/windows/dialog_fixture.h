@@ -38,6 +38,9 @@ protected:
     explicit DialogTest(Code code = Code::Library);
     ~DialogTest() override;
 
+    /// Writes the list file for pictures in this order on the screen.
+    void KeepList(const std::vector<std::string>& paths) const;
+
     // Opening and closing. A reloaded library starts with its defaults.
     enum class Shift { Up, Down };
     void Open(Shift shift = Shift::Up);

@@ -17,6 +17,7 @@ protected:
 
 TEST_F(Leaks, FiftyOpeningsLeaveNothingOfTheSystem) {
     const auto open = [&](bool everything) {
+        Reload();
         Open();
         if (everything) {
             Click(LUMAFOLD_ID_HELP);

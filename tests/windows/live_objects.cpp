@@ -7,13 +7,9 @@
 namespace lumafold::test {
 namespace {
 
-BOOL CALLBACK CountChild(HWND, LPARAM count) {
+BOOL CALLBACK CountWindow(HWND, LPARAM count) {
     ++*reinterpret_cast<int*>(count);
     return TRUE;
-}
-BOOL CALLBACK CountWindow(HWND window, LPARAM count) {
-    EnumChildWindows(window, CountChild, count);
-    return CountChild(window, count);
 }
 
 } // namespace

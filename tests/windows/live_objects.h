@@ -11,7 +11,7 @@ namespace lumafold::test {
 std::size_t OpenHandles();
 /// Pens, brushes, bitmaps, fonts, contexts and the like.
 int GdiObjects();
-/// Windows of a window's thread, children included.
+/// Windows of a window's thread, children not counted.
 int WindowsBeside(HWND window);
 
 } // namespace lumafold::test

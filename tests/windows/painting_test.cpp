@@ -10,16 +10,13 @@ namespace {
 class Painting : public DialogTest {
 protected:
     Painting() {
-        const std::string wide =
-            pictures.Add("a wide picture with a long name.bmp", PlainPicture(1000, 100, 0xFF0000));
         Palette table{};
         table[99] = {255, 0, 0};
         OwnedDib indexed = PictureOf(
             20, 10, 8, [](int, int) { return 99U; }, &table);
         indexed->biClrUsed = 16; // which says nothing about its pixels
-        const std::string small = pictures.Add("small.bmp", indexed);
-        const std::string busy = pictures.Add("photo.bmp", BusyPicture(320, 240, 7));
-        WriteFileBytes(files.List(), busy + "\r\n" + small + "\r\n" + wide + "\r\n");
+        KeepList({pictures.Add("a wide picture with a long name.bmp", PlainPicture(1000, 100, 0xFF0000)),
+                  pictures.Add("small.bmp", indexed), pictures.Add("photo.bmp", BusyPicture(320, 240, 7))});
     }
     Snapshot Take() {
         RedrawWindow(Dialog(), nullptr, nullptr,
@@ -81,15 +78,12 @@ TEST_F(Painting, AveragesColoursOfPalettesAndFollowsTheScrollBar) {
         600, 300, 8, [](int x, int) { return x % 2 == 0 ? 10 : 250; }, &palette);
     const Rgb a = palette[10], b = palette[250];
     const std::string path = pictures.Add("striped.bmp", striped);
-    std::string lines;
-    for (int i = 0; i < 5; ++i)
-        lines += path + "\r\n";
-    WriteFileBytes(files.List(), lines);
+    KeepList(std::vector(5, path));
     WriteFileBytes(files.Settings(), "ShowListLabels = 0\r\n");
     Open();
     const HWND list = Control(LUMAFOLD_MAIN_LIST);
     for (const int items : {5, 4, 5}) { // of which four need no scroll bar
-        ClickItem(3); // the ones before it are not told to draw themselves
+        ClickItem(3);                   // the ones before it are not told to draw themselves
         if (items < Count()) Click(LUMAFOLD_MAIN_REMOVE);
         if (items > Count()) AddFiles({path});
         const Snapshot shown(Dialog());
