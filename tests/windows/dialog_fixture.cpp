@@ -121,8 +121,7 @@ void DialogTest::Choose(int comboId, int row) {
 
 std::string DialogTest::AnswerMessage() {
     if (Caption() != "Message") return "";
-    constexpr int kTextId = 0xFFFF;
-    const std::string text = Text(kTextId);
+    const std::string text = Text(0xFFFF);
     EXPECT_NE(GetWindow(Dialog(), GW_OWNER), nullptr);
     PostMessageA(Dialog(), WM_COMMAND, IDOK, 0);
     ui.Settle();
@@ -196,9 +195,8 @@ void DialogTest::Drag(int item, POINT to) {
     MoveMouse(from);
     PressMouse(MouseButton::Down);
     ui.Settle();
-    constexpr int kSteps = 4;
-    for (int i = 1; i <= kSteps; ++i) {
-        MoveMouse({from.x + (to.x - from.x) * i / kSteps, from.y + (to.y - from.y) * i / kSteps});
+    for (int i = 1; i <= 4; ++i) {
+        MoveMouse({from.x + (to.x - from.x) * i / 4, from.y + (to.y - from.y) * i / 4});
         ui.Settle();
     }
     PressMouse(MouseButton::Up);

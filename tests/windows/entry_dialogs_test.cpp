@@ -16,12 +16,6 @@ using Values = std::tuple<int, int, int, unsigned>; ///< transition, pause, dela
 
 class EntryDialogs : public DialogTest {
 protected:
-    void OpenWithTwo() {
-        KeepList({pictures.Add("a.bmp", PlainPicture(20, 10, 0xFF)),
-                  pictures.Add("b.bmp", PlainPicture(20, 10, 0xFF))});
-        Open();
-        ASSERT_EQ(Names(), "a.bmp b.bmp");
-    }
     Values Of(int item) const {
         const ImageEntry entry = Entry(item);
         return {entry.transition, entry.pause, entry.delay, entry.flags};
@@ -29,7 +23,10 @@ protected:
 };
 
 TEST_F(EntryDialogs, DefaultsFollowTheUserButForOverriddenEntries) {
-    OpenWithTwo();
+    KeepList({pictures.Add("a.bmp", PlainPicture(20, 10, 0xFF)),
+              pictures.Add("b.bmp", PlainPicture(20, 10, 0xFF))});
+    Open();
+    ASSERT_EQ(Names(), "a.bmp b.bmp");
     EXPECT_EQ(Of(0), Values(0, 100, 5, 0));
     Type(LUMAFOLD_MAIN_DELAY, "8");
     Type(LUMAFOLD_MAIN_PAUSE, "80");
@@ -133,15 +130,12 @@ TEST_F(AdvancedDialog, ShowsEverySettingInItsRangeAndStoresOnlyOnOk) {
     for (const int button : {IDCANCEL, IDOK}) {
         Click(LUMAFOLD_MAIN_ADVANCED);
         ASSERT_NE(Dialog(), main);
-        int controls = 0;
         for (const SettingDescriptor& row : SettingDescriptors()) {
             if (row.dialog != SettingDialog::Advanced) continue;
             SCOPED_TRACE(row.key);
-            ++controls;
             ASSERT_NO_FATAL_FAILURE(ExpectShown(row));
             Change(row);
         }
-        EXPECT_EQ(controls, 55);
         Click(LUMAFOLD_ID_HELP);
         Click(button);
         ASSERT_EQ(Dialog(), main);
