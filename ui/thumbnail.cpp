@@ -1,6 +1,7 @@
 #include "ui/thumbnail.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "image/resample.h"
 
@@ -9,8 +10,19 @@ namespace {
 
 constexpr int kMargin = 6;
 
-/// A picture's header is laid out as the system's, and its colour table follows as the system expects.
-const BITMAPINFO* InfoOf(const DibHeader& picture) { return reinterpret_cast<const BITMAPINFO*>(&picture); }
+/// A picture's header, which is laid out as the system's, with its whole colour table, however many entries
+/// it calls used.
+struct WholeInfo {
+    explicit WholeInfo(const DibHeader& picture) : header(picture) {
+        header.biClrUsed = 0;
+        if (picture.biBitCount > 8) return;
+        std::memcpy(table, &picture + 1, DibTableEntries(picture.biBitCount) * sizeof(RGBQUAD));
+    }
+    const BITMAPINFO* Get() const { return reinterpret_cast<const BITMAPINFO*>(this); }
+
+    DibHeader header;
+    RGBQUAD table[256];
+};
 
 /// Draws the picture with its corner at the place's, as much of it as fits. False when nothing was drawn
 /// though there are pixels.
@@ -20,13 +32,12 @@ bool Blit(HDC context, const RECT& place, const DibHeader& picture) {
     IntersectClipRect(context, place.left, place.top, place.right, place.bottom);
     const bool drawn = StretchDIBits(context, place.left, place.top, picture.biWidth, picture.biHeight, 0, 0,
                                      picture.biWidth, picture.biHeight, ConstRowView(picture).Stored(),
-                                     InfoOf(picture), DIB_RGB_COLORS, SRCCOPY) > 0;
+                                     WholeInfo(picture).Get(), DIB_RGB_COLORS, SRCCOPY) > 0;
     RestoreDC(context, saved);
     return drawn;
 }
 
-/// Colours are averaged, not the indices that stand for them; and the system is not asked about a table whose
-/// header may count fewer entries than there are.
+/// Colours are averaged, not the indices that stand for them.
 OwnedDib ScaledColours(const DibHeader& picture, std::int32_t percent) {
     OwnedDib colours = DibToTrueColour(picture);
     return colours && percent < 100 ? DibScale(*colours, percent, percent) : std::move(colours);

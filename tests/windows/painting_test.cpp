@@ -1,4 +1,5 @@
 // What the dialogs look like, measured where it is exact.
+#include "image/resample.h"
 #include "platform/gdi_win32.h"
 #include "tests/windows/dialog_fixture.h"
 #include "tests/windows/snapshot.h"
@@ -153,14 +154,16 @@ TEST(Thumbnail, ShowsWhatCannotBeScaled) {
     DrawThumbnail(item, PlainPicture(1, 4000, 0xFF).Get());
     EXPECT_EQ(std::tuple(at(105, 9), at(106, 90), at(105, 91)), std::tuple(frame, frame, 0U));
     // Without memory for a smaller copy the picture itself begins at the corner of the room and ends with it.
-    const OwnedDib large = BusyPicture(300, 200, 1);
+    OwnedDib large = NoisePicture(300, 200, 8, 1);
+    large->biClrUsed = 2; // which says nothing about its pixels
+    const OwnedDib colours = DibToTrueColour(*large);
     for (const int failing : {1, 2}) {
         allocation_hooks::FailNth(failing);
         DrawThumbnail(item, large.Get());
         EXPECT_TRUE(allocation_hooks::HasFailed());
         allocation_hooks::FailNth(0);
         for (const POINT place : {POINT{0, 0}, POINT{199, 87}})
-            EXPECT_EQ(at(6 + place.x, 6 + place.y), DibGetPixel(*large, place.x, place.y));
+            EXPECT_EQ(at(6 + place.x, 6 + place.y), DibGetPixel(*colours, place.x, place.y));
         EXPECT_EQ(std::tuple(at(206, 50), at(50, 94), at(207, 95)), std::tuple(frame, frame, 0U));
         PatBlt(context.Get(), 0, 0, 212, 100, BLACKNESS);
     }
