@@ -68,6 +68,10 @@ TEST_F(Building, TellsOfEveryFailureOfTheHostAndGoesOn) {
     const char* const frameError = "There has been an error adding an image to the current file object.";
     for (const Case& c : {Case{LUMAFOLD_MAIN_TEST, 5, 1, "Error creating new task.", {5, 0, ""}},
                           {LUMAFOLD_MAIN_TEST, 2, 3, frameError, {4, 0, ""}},
+                          {LUMAFOLD_MAIN_TEST, 10, 1, "", {4, 1, ""}},
+                          {LUMAFOLD_MAIN_TEST, 13, 1, "", {4, 1, ""}},
+                          {LUMAFOLD_MAIN_TEST, 3, 1, "", {4, 1, ""}},
+                          {LUMAFOLD_MAIN_TEST, 4, 1, "", {4, 1, ""}},
                           {IDOK, 1, 1, "Error creating new task.", {1, 0, ""}},
                           {IDOK, 2, 2, frameError, {4, 0, ""}}}) {
         SCOPED_TRACE(testing::Message() << "command " << c.command << " the " << c.nth << "th time");
