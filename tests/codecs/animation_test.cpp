@@ -135,31 +135,31 @@ std::string ChunksOf(const File& file) {
 }
 
 /// Three frames, of which the second changes one pixel and the third nothing; the delay changes once.
-Animation RedThenGreen() {
-    Animation animation = EmptyAnimation(2, 1, 2);
+Animation RedThenGreen(std::int32_t height = 1) {
+    Animation animation = EmptyAnimation(2, height, 2);
     animation.palette[0] = {255, 0, 0};
     animation.palette[1] = {0, 255, 0};
     animation.comment = "k\xC3\xB6nnen";
     AddFrame(animation, {8, 5}, [](int, int) { return 0U; });
-    AddFrame(animation, {8, 5, 3}, [](int x, int) { return x == 1 ? 1U : 3U; });
+    AddFrame(animation, {8, 5, 3}, [=](int x, int y) { return x == 1 && y == height - 1 ? 1U : 3U; });
     AddFrame(animation, {8, 258, 3}, [](int, int) { return 3U; });
     return animation;
 }
 
 TEST(AnimationWriters, PutChunksInOrderWithWhatTheyMustSay) {
     const std::string comment = "iTXt 436F6D6D 656E7400 00000000 6BC3B66E 6E656E\n";
-    EXPECT_EQ(ChunksOf(Encoded(AnimationKind::Apng, RedThenGreen())),
-              "IHDR 00000002 00000001 08030000 00\nacTL 00000003 00000000\nPLTE\n" + comment +
-                  "fcTL 00000000 00000002 00000001 00000000 00000000 00050064 0000\nIDAT\n"
-                  "fcTL 00000001 00000001 00000001 00000001 00000000 00050064 0001\nfdAT 00000002\n"
+    EXPECT_EQ(ChunksOf(Encoded(AnimationKind::Apng, RedThenGreen(2))),
+              "IHDR 00000002 00000002 08030000 00\nacTL 00000003 00000000\nPLTE\n" + comment +
+                  "fcTL 00000000 00000002 00000002 00000000 00000000 00050064 0000\nIDAT\n"
+                  "fcTL 00000001 00000001 00000001 00000001 00000001 00050064 0001\nfdAT 00000002\n"
                   "fcTL 00000003 00000001 00000001 00000000 00000000 01020064 0001\nfdAT 00000004\n");
     const std::string onePixel = "IHDR 00000001 00000001 01030000 00\nPLTE\nIDAT\nIEND\n";
-    EXPECT_EQ(ChunksOf(Encoded(AnimationKind::Mng, RedThenGreen())),
-              "MHDR 00000002 00000001 00000064 00000000 00000003 0000010C 00000043\n"
+    EXPECT_EQ(ChunksOf(Encoded(AnimationKind::Mng, RedThenGreen(2))),
+              "MHDR 00000002 00000002 00000064 00000000 00000003 0000010C 00000043\n"
               "TERM 03000000 00007FFF FFFF\n" +
                   comment + "FRAM 01000200 00000000 0005\nDEFI 00000000 00000000 00000000\n" +
-                  "IHDR 00000002 00000001 01030000 00\nPLTE\nIDAT\nIEND\n" +
-                  "DEFI 00000000 00000001 00000000\n" + onePixel +
+                  "IHDR 00000002 00000002 01030000 00\nPLTE\nIDAT\nIEND\n" +
+                  "DEFI 00000000 00000001 00000001\n" + onePixel +
                   "FRAM 01000200 00000000 0102\nDEFI 00000000 00000000 00000000\n" + onePixel);
     Animation open = EmptyAnimation(2, 1, 1);
     AddFrame(open, {1, 5, 1}, [](int x, int) { return static_cast<unsigned>(x); });

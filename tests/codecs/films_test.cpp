@@ -85,17 +85,24 @@ TEST(Y4mWriter, RepeatsStillsAtTheCommonRate) {
              [](int x, int) { return x == 2 ? 3U : 0U; }); // a hole, a column left out
     AddFrame(animation, {8, 0}, [](int, int) { return 3U; });
     AddFrame(animation, {8, 16}, [](int, int) { return 2U; });
-    const Film film = FilmOf(animation, {Y4mOptions::Chroma::Half420, {}, MakeColour(0, 0, 255)}, 15 + 2 * 6);
+    const Film film = FilmOf(animation, {Y4mOptions::Chroma::Half420, {}, MakeColour(0, 0, 243)}, 15 + 2 * 6);
     EXPECT_EQ(film.head, "YUV4MPEG2 W5 H3 F25:2 Ip A1:1 C420jpeg XCOLORRANGE=LIMITED XCOLORMATRIX=BT601");
     ASSERT_EQ(film.frames.size(), 5U);
     EXPECT_EQ(film.frames[0], film.frames[2]);
     EXPECT_EQ(film.frames[3], film.frames[4]);
     EXPECT_EQ(film.frames[3], std::string(15, '\xEB') + std::string(12, '\x80'));
-    EXPECT_EQ(film.frames[0].substr(0, 5), "\x51\x51\x29\x51\x29") << "red, and the blue behind";
-    EXPECT_EQ(film.frames[0].substr(15, 3), std::string("\x5A\xA5\xF0")) << "two of red, one of each, blue";
+    EXPECT_EQ(film.frames[0].substr(0, 5), "\x51\x51\x28\x51\x28") << "red, and the blue behind";
+    EXPECT_EQ(film.frames[0].substr(15, 3), std::string("\x5A\xA3\xEB")) << "two of red, one of each, blue";
 }
 
 TEST(Y4mWriter, FollowsTheMatrix) {
+    std::string error;
+    for (const auto& [width, height, end] :
+         {std::tuple{1279, 576, "=BT601\n"}, {1280, 1, "=BT709\n"}, {1, 577, "=BT709\n"}}) {
+        Animation film = EmptyAnimation(width, height, 8);
+        AddFrame(film, {8, 5}, [](int, int) { return 0U; });
+        EXPECT_NE(WriteFilm(film, {}, error).find(end), std::string::npos) << width << 'x' << height;
+    }
     Animation animation = EmptyAnimation(64, 64, 8);
     AddFrame(animation, {24, 5}, [](int x, int y) {
         const auto step = [](int i) { return static_cast<unsigned>(i % 16 * 17); };

@@ -1,6 +1,7 @@
 #include <gif_lib.h>
 #include <gtest/gtest.h>
 
+#include "codecs/animation_reader.h"
 #include "codecs/animation_writer.h"
 #include "tests/codecs/compose.h"
 #include "tests/support/animations.h"
@@ -63,6 +64,9 @@ TEST(GifDecoder, ReadsInterlacedFramesWithLocalColours) {
         const GifColorType& c = colours[index(x - 2, y - 3)];
         return Rgb{c.Red, c.Green, c.Blue};
     });
+    const ReadAnimation read = DecodeAnimation(file, 1 << 20);
+    ASSERT_TRUE(read.animation) << read.error;
+    EXPECT_EQ(std::pair(read.animation->width, read.animation->height), std::pair(11, 16));
 }
 
 } // namespace

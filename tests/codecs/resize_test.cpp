@@ -52,9 +52,10 @@ char QuarterAt(const DecodedPicture& picture, int x, int y) {
 }
 
 TEST(Resize, FitsInCutsOrStretches) {
-    const auto quarters = [](Fit fit, PictureSize to) {
-        OwnedDib picture = PictureOf(
-            32, 16, 24, [](int x, int y) { return static_cast<PixelValue>(y / 8 * 160 + x / 16 * 80); });
+    const auto quarters = [](Fit fit, PictureSize to, PictureSize first = {16, 8}) {
+        OwnedDib picture = PictureOf(32, 16, 24, [=](int x, int y) {
+            return static_cast<PixelValue>((y < first.height ? 0 : 160) + (x < first.width ? 0 : 80));
+        });
         const DecodedPicture got = Resized(std::move(picture), {Kind::Exact, to, fit, 100, 0xFFFFFF}, kMany);
         std::string seen;
         for (const int y : {0, to.height / 4, to.height - to.height / 4 - 1, to.height - 1}) {
@@ -66,7 +67,8 @@ TEST(Resize, FitsInCutsOrStretches) {
     EXPECT_EQ(quarters(Fit::Contain, {16, 16}), "mmmm00112233mmmm");
     EXPECT_EQ(quarters(Fit::Contain, {64, 16}), "m01mm01mm23mm23m");
     EXPECT_EQ(quarters(Fit::Cover, {16, 16}), "0011001122332233");
-    EXPECT_EQ(quarters(Fit::Cover, {64, 16}), "0011001122332233");
+    EXPECT_EQ(quarters(Fit::Cover, {16, 16}, {6, 8}), "1111111133333333");
+    EXPECT_EQ(quarters(Fit::Cover, {64, 16}, {16, 2}), "2233223322332233");
     EXPECT_EQ(quarters(Fit::Stretch, {16, 16}), "0011001122332233");
 }
 

@@ -161,6 +161,13 @@ TEST(Quantizer, IsWhatItsDefinitionSays) {
         pixels.resize(listed.size() + 1);
         sets.push_back(Gather(PictureOf(pixels)));
     }
+    // Nodes with as much error as the one above them; then a colour that outweighs its neighbour.
+    Colours equal = {{47, 47, 47}, {48, 48, 48}, {175, 175, 175}, {176, 176, 176}};
+    Colours heavy = equal;
+    equal.insert(equal.end(), {{47, 47, 175}, {47, 47, 175}, {48, 48, 176}, {48, 48, 176}});
+    heavy.insert(heavy.end(), {{255, 255, 0}, {255, 255, 0}, {255, 255, 0}, {192, 192, 0}});
+    for (const Colours& pixels : {equal, heavy})
+        sets.push_back(Gather(PictureOf(pixels)));
     std::uint32_t seed = 0;
     for (const auto& [width, height] : {std::pair{1, 1}, {7, 5}, {33, 1}, {61, 47}}) {
         seed += 10;

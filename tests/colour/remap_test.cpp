@@ -74,6 +74,7 @@ TEST(Reduction, GivesTheSameEverywhere) {
 
 TEST(Reduction, SurvivesOddCountsAndRefusesOtherDepths) {
     const OwnedDib picture = NoisePicture(7, 5, 24, 1), deep = DibCreate(7, 5, nullptr, 32);
+    const OwnedDib black = test::PlainPicture(7, 5, 0);
     for (const Dithering dithering : {Dithering::None, Dithering::Diffused}) {
         const RemapOptions options{dithering, true, 20, 20};
         const auto reduce = [&](int count) {
@@ -82,6 +83,9 @@ TEST(Reduction, SurvivesOddCountsAndRefusesOtherDepths) {
         for (const auto& [count, same] : {std::pair{-1, 0}, {300, 256}})
             EXPECT_EQ(DibChecksum(reduce(count).Get()), DibChecksum(reduce(same).Get())) << count;
         EXPECT_FALSE(Remapper(FixedPalette(6), 8, 256, options).Reduce(*deep));
+        // The lowest level that is diffused lies above the threshold of a black picture.
+        EXPECT_EQ(DibGetPixel(*Remapper(FixedPalette(6), 1, 2, options).Reduce(*black), 3, 2),
+                  dithering == Dithering::None ? 0U : 1U);
         for (const int bits : {0, 9, 24})
             EXPECT_FALSE(Remapper(FixedPalette(6), bits, 256, options)) << bits;
     }

@@ -107,7 +107,7 @@ def jpeg_pictures():
     yield "empty.jpg", jpeg_head(0, 0) + end
     yield "promises.jpg", jpeg_head(16384, 16384) + scan(0, 0, bytes(10)) + end
     # A run of 16384 to 32767 blocks to each 15 bits: ever the same coefficients again.
-    for name, side, scans in (("scans", 4000, 5000), ("scans_large", 16000, 400), ("scans_small", 8, 200000)):
+    for name, side, scans in (("scans", 4000, 5000), ("scans_large", 16000, 400), ("scans_small", 8, 1000)):
         blocks = ((side + 7) // 8) ** 2
         run = bytes(2 + blocks // 16384 * 2)
         yield f"{name}.jpg", jpeg_head(side, side) + scan(0, 0, bytes(blocks // 8 + 1)) + scan(1, 63, run) * scans + end

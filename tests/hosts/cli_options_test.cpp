@@ -5,6 +5,7 @@
 #include "hosts/cli/console.h"
 #include "hosts/cli/failure.h"
 #include "hosts/cli/names.h"
+#include "hosts/cli/progress.h"
 #include "tests/hosts/cli_fixture.h"
 
 namespace lumafold::test {
@@ -139,7 +140,7 @@ TEST(BuildOptions, MistakesNameTheWordAndTheNearestName) {
         {"--transition slientmovie", "no transition has this name, did you mean \"Silent movie\"?"},
         {"--pause soon", "not a number of hundredths of a second"},
         {"--set FastRemap", "write it as KEY=VALUE"},
-        {"--set fastremap=1", "no setting fastremap, did you mean \"FastRemap\"?"},
+        {"--set fsatrmeap=1", "no setting fsatrmeap, did you mean \"FastRemap\"?"},
         {"--set IrisStep=1", "no setting IrisStep, did you mean \"TransitionIrisStep\"?"},
         {"--set FastRemap=yes", "yes is no whole number from 0 to 4294967295"},
         {"--palette 9", "there is no such palette, they are 0 to 8"},
@@ -200,6 +201,19 @@ TEST(Console, ShowsWhatWouldSteerATerminalAsEscapes) {
                         "1m\xFFz\xE2\x82"),
               "\\xC2\\x9B1m\\xFFz\\xE2\\x82");
 #endif
+}
+
+TEST(Progress, DrawsOverALongerBar) {
+    std::ostringstream screen;
+    Progress bar(screen, ProgressStyle::Bar);
+    bar.Caption("Building");
+    bar.Position(9, 10);
+    bar.Caption("Remapping");
+    bar.Clear();
+    const std::string line = "\rBuilding          [", rest(32, '.');
+    EXPECT_EQ(screen.str(), line + rest + "]" + line + std::string(28, '#') +
+                                "....] 9/10\rRemapping         [" + rest + "]     \r" + std::string(52, ' ') +
+                                "\r");
 }
 
 TEST_F(CommandLineTest, HelpAndVersionAnswerEverywhere) {

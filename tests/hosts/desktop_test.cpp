@@ -144,7 +144,7 @@ TEST(ViewPicture, ShowsNearestPixelsOrAverages) {
 TEST(Document, TellsWhatItIsAndSavesIt) {
     Animation animation = EmptyAnimation(61, 47, 8);
     AddFrame(animation, {8, 5}, [](int x, int) { return x > 3 ? 1U : 0U; });
-    AddFrame(animation, {8, 50}, [](int, int) { return 1U; });
+    AddFrame(animation, {8, 50, 7}, [](int, int) { return 7U; });
     Document document(std::move(animation), "Animation 1", Origin::Build);
     EXPECT_EQ(TitleOf(document), "* Animation 1 - 2 frames, 61x47, 2 colors, 0.55 s");
     while (document.DrawThumbnails(1)) {
@@ -155,8 +155,8 @@ TEST(Document, TellsWhatItIsAndSavesIt) {
     document.SetThumbnailHeight(2 * kThumbnailHeight);
     EXPECT_EQ(document.ThumbnailsDrawn(), 0U);
     EXPECT_EQ(document.ThumbnailOf(1).height, 2 * kThumbnailHeight);
-    document.MarkSaved(std::string("folder") + kFolderSeparator + "b.gif", 1234);
-    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.2 kB");
+    document.MarkSaved(std::string("folder") + kFolderSeparator + "b.gif", 1000);
+    EXPECT_EQ(TitleOf(document), "b.gif - 2 frames, 61x47, 2 colors, 0.55 s, 1.0 kB");
 }
 
 TEST(DocumentSet, KeepsTheCurrentOneWhenAnEarlierOneCloses) {
@@ -230,7 +230,7 @@ TEST_F(CommandLineTest, SavingTakesTheKindFromTheName) {
     const DecodedPicture frame = DecodePictureFile(Path("frame-0000.png"), 0, 100);
     ASSERT_TRUE(frame.picture) << frame.error;
     EXPECT_EQ(PixelAt(frame.picture.Get(), 1, 1), 0xFFFFFFU);
-    EXPECT_EQ(Stem("pics/a.b.gif") + FileNamePart("x/y"), "a.by");
+    EXPECT_EQ(Stem("pics/a.b.gif") + Stem("x/.gif") + FileNamePart("x/y"), "a.b.gify");
 }
 
 TEST_F(CommandLineTest, SavingLeavesWhatWasThereWhenItIsGivenUp) {

@@ -40,7 +40,8 @@ TEST_F(WorkshopTest, TablesAreWholeAndSettingsGoThroughTheirFile) {
         EXPECT_LE(setting["minimum"], setting["default"]) << setting;
         EXPECT_LE(setting["default"], setting["maximum"]) << setting;
     }
-    const Json text = Do({{"do", "write settings"}, {"values", {{"TransitionIrisStep", 9}}}})["text"];
+    const Json text = Do(
+        {{"do", "write settings"}, {"values", {{"TransitionIrisStep", 9}, {"PatchLevel", "fixed"}}}})["text"];
     const Json values = Do({{"do", "read settings"}, {"text", text}})["values"];
     EXPECT_EQ(values["TransitionIrisStep"], 9);
     EXPECT_EQ(values["TransitionSpikeStep"], 5);
@@ -64,10 +65,12 @@ TEST_F(WorkshopTest, BuildsShowsAndPacks) {
     Add(1, NoisePicture(40, 20, 24, 1));
     Add(2, NoisePicture(40, 20, 24, 2));
     const int solarize = 26;
-    const Json settings = {{"TransitionType", solarize}, {"TransitionSolarizeStep", 64}};
+    const Json settings = {
+        {"TransitionType", solarize}, {"TransitionSolarizeStep", 64}, {"TransitionDelay", 1}};
     const Json built = Build(settings);
     ASSERT_TRUE(built.contains("delays")) << built;
     EXPECT_EQ(built["delays"][0], 7);
+    EXPECT_EQ(built["delays"][1], 2) << "long enough to be played";
     EXPECT_EQ(built["delays"].back(), 3);
     EXPECT_FALSE(built["palette"].empty());
     EXPECT_NE(std::find(captions_.begin(), captions_.end(), "Remapping"), captions_.end());
@@ -76,7 +79,9 @@ TEST_F(WorkshopTest, BuildsShowsAndPacks) {
     EXPECT_TRUE(Do({{"do", "frame"}, {"index", 1000}}).contains("error"));
     EXPECT_FALSE(Do({{"do", "pack"}}).contains("error"));
     EXPECT_EQ(workshop_.Output()[0], 'G');
+    captions_.clear();
     EXPECT_TRUE(Build(settings, {{"fullColour", true}})["palette"].empty());
+    EXPECT_EQ(std::find(captions_.begin(), captions_.end(), "Supercompressing"), captions_.end());
     EXPECT_TRUE(Do({{"do", "pack"}}).contains("error")); // no GIF holds that
 }
 
@@ -88,8 +93,8 @@ TEST_F(WorkshopTest, LengthsShrinkWithThePictures) {
         const Json settings = {{"TransitionType", alphaTile}, {"TransitionAlphaTileSize", size}};
         return Build(settings, {{"lengthPercent", percent}})["delays"].size();
     };
-    EXPECT_EQ(frames(32, 50), frames(16, 100));
-    EXPECT_NE(frames(32, 50), frames(32, 100));
+    EXPECT_EQ(frames(43, 50), frames(22, 100));
+    EXPECT_NE(frames(22, 100), frames(21, 100));
     EXPECT_EQ(frames(4, 1), frames(2, 100)); // not below what the setting allows
 }
 
