@@ -48,21 +48,6 @@ protected:
     TestList list;
 };
 
-TEST_F(BuildDriver, SendsTheCommentWhenAskedAndLeavesTheListAlone) {
-    list.Add(BusyPicture(7, 5, 1), kNone, 50, 3);
-    list.Add(BusyPicture(6, 8, 2), kNone, 60, 3);
-    ASSERT_TRUE(Build());
-    ASSERT_EQ(host.commands.size(), 21U);
-    EXPECT_EQ(host.commands[19], (RecordedCommand{3, 0, kDescriptiveComment}));
-    EXPECT_EQ(host.failures, Failures{});
-    EXPECT_EQ(host.waiting, 0);
-    ExpectListAsItWas(2);
-    settings.AddDescriptiveCommentBlock = 0;
-    host.Forget();
-    ASSERT_TRUE(Build());
-    EXPECT_EQ(host.commands.size(), 20U);
-}
-
 TEST_F(BuildDriver, FailuresTellOnceAndLeaveTheListAlone) {
     const auto expectFailure = [&](BuildFailure failure, const RecordedCommand& last, std::int32_t count) {
         host.Forget();
@@ -266,25 +251,6 @@ TEST(WholeBuilds, MayRunAtTheSameTime) {
     const std::jthread forwards(each(false)), backwards(each(true));
 }
 #endif
-
-/// What one effect leaves in the context is the next one's; none leaves anything.
-TEST(WholeBuilds, EffectsLeaveTheContextAsItIs) {
-    const OwnedDib source = BusyPicture(7, 5, 1), target = BusyPicture(7, 5, 2);
-    const PluginSettings settings;
-    for (int row = 0; row < kTransitionCount; ++row) {
-        OwnedFrameList frames;
-        TransitionContext context{};
-        context.transition = row;
-        context.image = source.Get();
-        context.nextImage = context.previousImage = target.Get();
-        context.carryWord = 0x12345678;
-        context.frames = &*frames;
-        const TransitionContext before = context;
-        EXPECT_EQ(TransitionTable[static_cast<std::size_t>(row)].effect(context, settings, Runner()), 1)
-            << row;
-        EXPECT_EQ(std::memcmp(&context, &before, sizeof(context)), 0) << row;
-    }
-}
 
 } // namespace
 } // namespace lumafold::test

@@ -190,15 +190,6 @@ TEST(AnimationWriters, RefuseWhatTheFormatsCannotHold) {
     refused(kApng, animation, "1000000");
 }
 
-// Readers of still pictures get the first frame.
-TEST(ApngWriter, IsAStillPictureToo) {
-    Animation animation = EmptyAnimation(3, 2, 8);
-    AddFrame(animation, {8, 5}, [](int x, int y) { return static_cast<unsigned>(x * y); });
-    const DecodedPicture still = DecodePicture(WriteAndRead(kApng, animation), 0, 100);
-    ASSERT_EQ(still.error, "");
-    EXPECT_EQ(ColourAt(*still.picture, 2, 1), animation.palette[2]);
-}
-
 TEST(GifWriter, IsExact) {
     Animation animation = EmptyAnimation(1, 1, 1);
     animation.palette[0] = {'r', 'e', 'd'};

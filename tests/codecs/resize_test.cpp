@@ -72,20 +72,6 @@ TEST(Resize, FitsInCutsOrStretches) {
     EXPECT_EQ(quarters(Fit::Stretch, {16, 16}), "0011001122332233");
 }
 
-TEST(Resize, MixesLightInsteadOfSamples) {
-    // Black and white by turns give half the light, which is 188 of 255.
-    for (const int bits : {1, 24}) {
-        const Palette palette{Rgb{0, 0, 0}, Rgb{255, 255, 255}};
-        const PixelValue white = bits == 1 ? 1 : 0xFFFFFF;
-        OwnedDib picture = PictureOf(
-            64, 64, bits, [=](int x, int y) { return (x + y) % 2 == 0 ? 0 : white; }, &palette);
-        const DecodedPicture got = Resized(std::move(picture), {Kind::Scale, {}, Fit::Contain, 25}, kMany);
-        const OwnedDib& small = got.picture;
-        ASSERT_EQ(small->biBitCount, 24);
-        EXPECT_NEAR(ColourAt(*small, 8, 8).green, 188, 1);
-    }
-}
-
 TEST(Resize, GivesTheSameBytesEverywhere) {
     for (const auto& [percent, checksum] :
          {std::pair{37.0, 7373656576689830957ULL}, {180.0, 15946114296125009372ULL}}) {

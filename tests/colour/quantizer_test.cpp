@@ -13,7 +13,6 @@ namespace lumafold {
 namespace {
 
 using Colours = std::vector<Rgb>;
-
 using Pictures = std::vector<OwnedDib>;
 
 /// A 24-bit picture of the colours, row by row.
@@ -82,24 +81,19 @@ TEST(Quantizer, GivesTheSameEverywhere) {
             test::BusyPicture(width, height, seed + 2), test::PlainPicture(width, height, 0x654321),
             test::NoisePicture(width, height, 24, seed + 3), test::BusyPicture(width, height, seed + 4)));
     }
-    constexpr std::uint64_t kFull = 0x840EE4DA8904232C;
-    for (const auto& [most, expected] : {std::pair<int, std::uint64_t>{1, 0x7C77122AE6968AC5},
-                                         {2, 0x3AF0109F4DF3A732},
-                                         {3, 0x99B6F238649E763F},
-                                         {16, 0x656DABE4C8BD2DE4},
-                                         {100, 0x6DB49664F9F84FFA},
-                                         {255, 0x78BC74FEF13E3212},
-                                         {256, kFull},
-                                         {257, kFull},
-                                         {0, kFull},
-                                         {-1, kFull}}) {
+    constexpr int kMost[] = {1, 2, 3, 16, 100, 255, 256, 257, 0, -1}; // from 256 on they mean the same
+    constexpr std::uint64_t kSums[] = {0x7C77122AE6968AC5, 0x3AF0109F4DF3A732, 0x99B6F238649E763F,
+                                       0x656DABE4C8BD2DE4, 0x6DB49664F9F84FFA, 0x78BC74FEF13E3212,
+                                       0x840EE4DA8904232C};
+    for (std::size_t i = 0; i < std::size(kMost); ++i) {
         Checksum sum;
         for (const Pictures& pictures : sets) {
-            const Colours palette = Compute(pictures, most, Runner());
-            EXPECT_EQ(Compute(pictures, most, ThreadPool(3)), palette);
+            const Colours palette = Compute(pictures, kMost[i], Runner());
+            EXPECT_EQ(Compute(pictures, kMost[i], ThreadPool(3)), palette);
             sum.Add(palette.data(), palette.size() * sizeof(Rgb));
         }
-        EXPECT_EQ(sum.Value(), expected) << most << " colours" << std::hex << ": 0x" << sum.Value();
+        EXPECT_EQ(sum.Value(), kSums[std::min<std::size_t>(i, 6)])
+            << kMost[i] << std::hex << ": 0x" << sum.Value();
     }
 }
 

@@ -1,5 +1,9 @@
 #include "tests/support/pictures.h"
 
+#include <cstring>
+
+#include <gtest/gtest.h>
+
 #include "transitions/random.h"
 #include "transitions/table.h"
 
@@ -60,10 +64,13 @@ void RunEffect(int row, const PluginSettings& settings, const OwnedDib& source, 
     context.image = source.Get();
     context.nextImage = target.Get();
     context.previousImage = target.Get();
-    context.carryWord = 1;
+    context.carryWord = 0x12345678;
     context.paletteBits = 8;
     context.frames = &*result.frames;
+    const TransitionContext before = context;
     result.returned = TransitionTable[static_cast<std::size_t>(row)].effect(context, settings, runner);
+    EXPECT_EQ(std::memcmp(&context, &before, sizeof(context)), 0)
+        << "what one effect leaves is the next one's";
 }
 
 PixelValue PixelAt(DibHandle picture, std::int32_t x, std::int32_t y) {

@@ -186,13 +186,18 @@ TEST_P(EveryRow, AnyValueOfAnySettingGivesTheSameEverywhere) {
     EXPECT_EQ(sum.Value(), kKnown[Row()].swept);
 }
 
-TEST(TransitionTable, KeepsItsOrder) {
-    for (std::size_t row = 1; row < TransitionTable.size(); ++row) {
-        const std::string_view before = TransitionTable[row - 1].name, name = TransitionTable[row].name;
-        // Alphabetical but for the three shapes of alpha pieces, whose tiles come after their bars.
-        EXPECT_TRUE(before < name || name == "Alpha tile (opaque)") << name;
-        EXPECT_EQ(TransitionTable[row].reserved, 0U);
-    }
+TEST(TransitionTable, TurnsTallPicturesHalvedDownToAPixel) {
+    constexpr int kSpiralIn = 29;
+    PluginSettings settings;
+    settings.TransitionSpiralShear = 1;
+    EffectResult result;
+    RunEffect(kSpiralIn, settings, BusyPicture(7, 19, 1), BusyPicture(7, 19, 2), result);
+    Checksum sum;
+    AddFrames(sum, result);
+    EXPECT_EQ(sum.Value(), 14676330621140205334U);
+}
+
+TEST(TransitionTable, HasItsRowsAndNoOthers) {
     EXPECT_STREQ(TransitionTable[0].name, "Alpha horizontal bar (opaque)");
     EXPECT_STREQ(TransitionTable[14].name, "None");
     EXPECT_STREQ(TransitionTable[32].name, "Unplugged TV");
