@@ -8,13 +8,11 @@
 
 #include "codecs/animation_reader.h"
 #include "codecs/animation_writer.h"
-#include "codecs/decode.h"
 #include "codecs/frame_screens.h"
 #include "codecs/gif_reader.h"
 #include "codecs/png_chunks.h"
 #include "codecs/png_writer.h"
 #include "tests/support/animations.h"
-#include "tests/support/colours.h"
 #include "tests/support/pictures.h"
 
 namespace lumafold::test {
@@ -242,16 +240,6 @@ TEST(GifWriter, WidensTheTableForIndexesBeyondIt) {
     AddFrame(made, {8, 5}, [](int x, int y) { return static_cast<unsigned>(x * 8 + y) % 32 + 20; });
     AddFrame(made, {8, 5, 200}, [](int x, int y) { return x == y ? static_cast<unsigned>(x + 60) : 200; });
     EXPECT_EQ(Look(WriteAndRead(kGif, made)).paletteBits, 6);
-}
-
-TEST(AnimationWriters, PlaceSmallFramesAndKeepHolesOpen) {
-    Animation made = EmptyAnimation(9, 8, 3);
-    AddFrame(made, {4, 5, 7, 3, 4}, [](int x, int y) { return (x + y) % 2 == 0 ? 7U : 4U; });
-    AddFrame(made, {4, 5, 7}, [](int x, int) { return static_cast<unsigned>(x % 8); });
-    AddFrame(made, {4, 5, -1, 2, 2}, [](int, int) { return 7U; }); // here the same index is a colour
-    AddFrame(made, {4, 5, 7}, [](int x, int) { return x == 0 ? 7U : 1U; });
-    for (const Format& format : {kGif, kApng, kMng})
-        WriteAndRead(format, made);
 }
 
 // What was taken for a hole turns out to be a colour, and indexes turn into colours, when frames are written.

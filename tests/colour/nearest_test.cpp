@@ -24,14 +24,9 @@ std::vector<Search> PalettesToSearch() {
         all.push_back({palette, 256});
     }
     Random random(5);
-    for (const auto& [mask, base, count] : {std::array{0xFF, 0, 256},
-                                            {0x1F, 90, 256},
-                                            {0xC0, 0, 256},
-                                            {0xFF, 0, 17},
-                                            {0xFF, 0, 1},
-                                            {0xFF, 0, 0},
-                                            {0xFF, 0, -3},
-                                            {0xFF, 0, 400}}) {
+    constexpr std::array<int, 3> kKinds[] = {{0xFF, 0, 256}, {0x1F, 90, 256}, {0xC0, 0, 256}, {0xFF, 0, 17},
+                                             {0xFF, 0, 1},   {0xFF, 0, 0},    {0xFF, 0, -3},  {0xFF, 0, 400}};
+    for (const auto& [mask, base, count] : kKinds) {
         Search search{{}, count};
         for (Rgb& entry : search.palette) {
             for (std::uint8_t* level : {&entry.red, &entry.green, &entry.blue})

@@ -84,16 +84,6 @@ TEST_F(PlatformFiles, ThatCannotBeWrittenStayAsTheyAre) {
     EXPECT_EQ(folder_.Names(), (Names{"fixed.ini", "folder"})) << "a temporary was left";
 }
 
-TEST_F(PlatformFiles, AreThereOrNot) {
-    folder_.Put("a.ini", "");
-    fs::create_directory(folder_.Path("folder"));
-    EXPECT_TRUE(FileExists(folder_.Path("a.ini").c_str()));
-    for (const std::string& name : {folder_.Path("b.ini"), folder_.Path("folder"), std::string()})
-        EXPECT_FALSE(FileExists(name.c_str())) << name;
-    EXPECT_EQ(Load(folder_.Path("b.ini")), std::strerror(ENOENT));
-    EXPECT_EQ(Load(folder_.Path("folder")), std::strerror(EISDIR));
-}
-
 // The temporary stands beside the target and must not have a longer path than the system takes.
 TEST_F(PlatformFiles, MayHaveTheLongestNamesAndOtherLetters) {
     const std::size_t longest = kPathBytes - 1;

@@ -77,17 +77,6 @@ TEST_F(Memory, LockedBlocksStayWhereTheyAre) {
     EXPECT_TRUE(IsFilled(block.Get(), 63, 64, 9));
 }
 
-TEST_F(Memory, DuplicatesAreBlocksOfTheirOwn) {
-    const OwnedGlobal block(GlobalCreate(GlobalKind::MovableShared, 300));
-    ASSERT_TRUE(Fill(block.Get(), 300, 0x31));
-    const OwnedGlobal copy(GlobalDuplicate(block.Get()));
-    ASSERT_TRUE(Fill(block.Get(), 300, 0x32));
-    EXPECT_TRUE(IsFilled(copy.Get(), 0, 300, 0x31));
-    allocation_hooks::FailNth(1);
-    EXPECT_EQ(GlobalDuplicate(block.Get()), 0U);
-    EXPECT_TRUE(allocation_hooks::HasFailed());
-}
-
 TEST_F(Memory, WhatIsNoBlockIsToldSo) {
     EXPECT_EQ(GlobalBytes(0), 0U);
     EXPECT_EQ(GlobalAcquire(0), nullptr);

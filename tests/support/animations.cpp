@@ -68,6 +68,16 @@ Animation TwinColours() {
     return made;
 }
 
+/// An index that is a hole in one frame and a colour in the next.
+Animation SmallFrames() {
+    Animation made = EmptyAnimation(9, 8, 3);
+    AddFrame(made, {4, 5, 7, 3, 4}, [](int x, int y) { return (x + y) % 2 == 0 ? 7U : 4U; });
+    AddFrame(made, {4, 5, 7}, [](int x, int) { return static_cast<unsigned>(x % 8); });
+    AddFrame(made, {4, 5, -1, 2, 2}, [](int, int) { return 7U; });
+    AddFrame(made, {4, 5, 7}, [](int x, int) { return x == 0 ? 7U : 1U; });
+    return made;
+}
+
 } // namespace
 
 std::vector<AnimationCase> AnimationCases() {
@@ -86,6 +96,7 @@ std::vector<AnimationCase> AnimationCases() {
     for (const int hole : {-1, 255})
         cases.push_back({"large with hole " + std::to_string(hole), Busy(300, 211, 8, 8, hole)});
     cases.push_back({"twin colours", TwinColours()});
+    cases.push_back({"small frames", SmallFrames()});
     cases.push_back({"holes with nothing behind", HolesWithNothingBehind(100, 8)});
     cases.push_back({"the same with a full palette", HolesWithNothingBehind(256, 8)});
     cases.back().animation.comment = std::string(600, 'c') + "\n";
