@@ -29,15 +29,8 @@ TEST(FixedPalettes, AreTheNineAgreedOn) {
         EXPECT_EQ(sum.Value(), row.checksum);
         EXPECT_EQ(BuildFixedPalette(nullptr, nullptr, number), row.colours);
     }
-}
-
-TEST(Palettes, DepthAndLuminanceFollowTheColours) {
-    for (int bits = 1; bits <= 8; ++bits) {
-        EXPECT_EQ(PaletteBitsFor(1 << bits), bits);
-        EXPECT_EQ(PaletteBitsFor((1 << bits) + 1), std::min(bits + 1, 8));
-    }
-    EXPECT_EQ(PaletteBitsFor(0), 1);
-    EXPECT_EQ(Luminance({255, 255, 255}), 254);
+    for (const auto& [colours, bits] : {std::pair{0, 1}, {3, 2}, {4, 2}, {5, 3}, {300, 8}})
+        EXPECT_EQ(PaletteBitsFor(colours), bits) << colours;
 }
 
 } // namespace

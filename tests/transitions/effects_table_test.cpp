@@ -197,7 +197,13 @@ TEST(TransitionTable, TurnsTallPicturesHalvedDownToAPixel) {
     EXPECT_EQ(sum.Value(), 14676330621140205334U);
 }
 
-TEST(TransitionTable, HasItsRowsAndNoOthers) {
+TEST(TransitionTable, KeepsItsOrder) {
+    for (std::size_t row = 1; row < TransitionTable.size(); ++row) {
+        const std::string_view before = TransitionTable[row - 1].name, name = TransitionTable[row].name;
+        // Alphabetical but for the three shapes of alpha pieces, whose tiles come after their bars.
+        EXPECT_TRUE(before < name || name == "Alpha tile (opaque)") << name;
+        EXPECT_EQ(TransitionTable[row].reserved, 0U);
+    }
     EXPECT_STREQ(TransitionTable[0].name, "Alpha horizontal bar (opaque)");
     EXPECT_STREQ(TransitionTable[14].name, "None");
     EXPECT_STREQ(TransitionTable[32].name, "Unplugged TV");
