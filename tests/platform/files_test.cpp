@@ -62,6 +62,8 @@ TEST_F(PlatformFiles, ArePipesByAnyName) {
     char read[4] = "";
     EXPECT_EQ(::read(ends[0], read, 3), 3);
     EXPECT_STREQ(read, "abc");
+    EXPECT_EQ(Store("/dev/fd/" + std::to_string(ends[1]), "abc"), 0);
+    EXPECT_EQ(Load("/dev/fd/" + std::to_string(ends[0]), 2), std::strerror(EFBIG)) << "none tells its length";
     for (const int end : ends)
         close(end);
 }
