@@ -37,22 +37,26 @@ std::vector<Search> PalettesToSearch() {
     return all;
 }
 
-TEST(Searches, FindTheFirstOfTheNearestByWeight) {
-    const Palette palette{{{10, 10, 10}, {10, 10, 10}, {12, 10, 10}, {9, 9, 9}, {10, 10, 13}}};
-    const auto found = [&](int red, int green, int blue, int count) {
-        return std::pair(FindNearestColour(red, green, blue, palette, count),
-                         FindExactColour(red, green, blue, palette, count));
-    };
-    EXPECT_EQ(found(10, 10, 10, 400), std::pair(0, 0));
-    EXPECT_EQ(found(11, 10, 10, 5), std::pair(0, -1));
-    EXPECT_EQ(found(10, 10, 12, 5), std::pair(4, -1));
-    EXPECT_EQ(found(9, 9, 9, 3), std::pair(0, -1));
-    EXPECT_EQ(found(0, 0, 0, -3), std::pair(0, -1));
+int PlainNearest(Rgb c, const Palette& palette, int count) {
+    int best = 0, bestDistance = 1000000;
+    for (int i = 0; i < count; ++i) {
+        const Rgb entry = palette[static_cast<std::size_t>(i)];
+        const int r = c.red - entry.red, g = c.green - entry.green, b = c.blue - entry.blue;
+        const int distance = 3 * r * r + 4 * g * g + 2 * b * b;
+        if (distance < bestDistance) bestDistance = distance, best = i;
+    }
+    return best;
 }
 
-TEST(Searches, ByTablesAgreeOnEveryCellAndBeyond) {
+int PlainExact(Rgb c, const Palette& palette, int count) {
+    const auto end = palette.begin() + count, found = std::find(palette.begin(), end, c);
+    return found == end ? -1 : static_cast<int>(found - palette.begin());
+}
+
+TEST(Searches, AgreeWithTheirDefinitionOnEveryCellAndBeyond) {
     Random random(77);
     for (const auto& [palette, count] : PalettesToSearch()) {
+        const int real = std::clamp(count, 0, 256);
         NearestSearch search;
         ASSERT_TRUE(search.Build(palette, count));
         const Array<std::uint8_t> cache = BuildLookupCache(search);
@@ -60,14 +64,17 @@ TEST(Searches, ByTablesAgreeOnEveryCellAndBeyond) {
         int wrong = 0;
         const auto check = [&, &palette = palette, count = count](PixelValue colour) {
             const Rgb c = RgbOf(colour);
-            const int nearest = FindNearestColour(c.red, c.green, c.blue, palette, count);
+            const int nearest = PlainNearest(c, palette, real), equal = PlainExact(c, palette, real);
             wrong += search.Find(colour) != nearest;
-            wrong += exact.Find(colour) != FindExactColour(c.red, c.green, c.blue, palette, count);
+            wrong += FindNearestColour(c.red, c.green, c.blue, palette, count) != nearest;
+            wrong += exact.Find(colour) != equal;
+            wrong += FindExactColour(c.red, c.green, c.blue, palette, count) != equal;
             return nearest;
         };
-        for (unsigned cell = 0; cell < 32768; ++cell)
+        for (unsigned cell = 0; cell < 32768; ++cell) {
             wrong +=
                 cache[cell] != check(MakeColour((cell & 31) * 8, (cell >> 5 & 31) * 8, (cell >> 10) * 8));
+        }
         for (int i = 0; i < 20000; ++i)
             check(random.Draw() >> 4 & 0xFFFFFF);
         for (const Rgb entry : palette)

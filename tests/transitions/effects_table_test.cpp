@@ -2,14 +2,9 @@
 #include <memory>
 #include <string>
 
-#include <gtest/gtest.h>
-
 #include "hosts/common/thread_pool.h"
-#include "tests/support/checksum.h"
 #include "tests/support/failing_memory.h"
-#include "tests/support/pictures.h"
-#include "transitions/random.h"
-#include "transitions/table.h"
+#include "tests/transitions/effect_checks.h"
 
 namespace lumafold::test {
 namespace {
