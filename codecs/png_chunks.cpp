@@ -62,8 +62,7 @@ ChunkWriter::Data& ChunkWriter::Data::Bytes(std::span<const std::uint8_t> bytes)
 }
 
 ChunkWriter::Data& ChunkWriter::Data::Text(std::string_view text) {
-    bytes_.insert(bytes_.end(), text.begin(), text.end());
-    return *this;
+    return Bytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 void ChunkWriter::Put(std::string_view type, const Data& data, std::span<const std::uint8_t> more) {
