@@ -139,6 +139,7 @@ std::vector<std::uint8_t> WebpWriter::Finish(std::span<const std::int32_t> delay
     WebPDataInit(&data);
     const std::unique_ptr<WebPData, decltype(&WebPDataClear)> owner(&data, WebPDataClear);
     if (WebPAnimEncoderAssemble(state_->encoder.get(), &data) == 0) throw AnimationError{kFailed};
+    state_->encoder.reset(); // which holds all frames packed, as the data do
     std::vector<std::uint8_t> file(data.bytes, data.bytes + data.size);
     if (delays.empty()) return file;
     Moments moments{0};
