@@ -42,6 +42,10 @@ const ScreenPixels& FrameScreens::At(std::size_t index) {
             screen_.Clear();
         }
     }
+    std::ptrdiff_t first = wanted;
+    while (first > shown_ + 1 && !Covers(static_cast<std::size_t>(first)))
+        --first;
+    shown_ = first - 1;
     while (shown_ < wanted) {
         Draw(static_cast<std::size_t>(shown_ + 1));
         ++shown_;
@@ -54,6 +58,12 @@ void FrameScreens::Draw(std::size_t index) {
     const AnimationFrame& held = animation_.frames.at(index);
     if (!held.image) throw AnimationError("a frame of the animation has no picture");
     screen_.Show({*held.image, held.delay, held.transparentIndex});
+}
+
+bool FrameScreens::Covers(std::size_t index) const {
+    const AnimationFrame& frame = animation_.frames.at(index);
+    return frame.image && frame.transparentIndex < 0 && frame.image->biWidth >= animation_.width &&
+           frame.image->biHeight >= animation_.height;
 }
 
 void FrameScreens::Keep(std::size_t index) {

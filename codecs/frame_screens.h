@@ -31,8 +31,9 @@ private:
     ScreenPixels shown_;
 };
 
-/// Frames in any order; some screens on the way are kept, so that none has to begin at the first frame. The
-/// animation must outlive this. Throws AnimationError for a frame without a picture, and std::bad_alloc.
+/// Frames in any order. A frame that covers the screen needs none before it, and some screens on the way are
+/// kept, so that the others need not begin at the first frame. The animation must outlive this. Throws
+/// AnimationError for a frame without a picture, and std::bad_alloc.
 class FrameScreens {
 public:
     explicit FrameScreens(const Animation& animation);
@@ -42,6 +43,7 @@ public:
 
 private:
     void Draw(std::size_t index);
+    bool Covers(std::size_t index) const;
     void Keep(std::size_t index);
 
     const Animation& animation_;

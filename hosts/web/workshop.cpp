@@ -1,5 +1,7 @@
 #include "hosts/web/workshop.h"
 
+#include <cstring>
+
 #include "build/build_driver.h"
 #include "codecs/delays.h"
 #include "hosts/common/memory_list.h"
@@ -152,12 +154,13 @@ Json Workshop::Frame(std::size_t index) {
     if (!animation_ || index >= animation_->frames.size()) return Error("there is no such frame");
     if (!screens_) screens_ = std::make_unique<FrameScreens>(*animation_);
     const ScreenPixels& pixels = screens_->At(index);
-    output_.reserve(pixels.size() * 4);
+    output_.resize(pixels.size() * 4);
+    std::uint8_t* out = output_.data();
     for (const PixelValue pixel : pixels) {
-        const auto alpha = static_cast<std::uint8_t>(pixel == kNoPixel ? 0 : 255);
-        output_.insert(output_.end(),
-                       {static_cast<std::uint8_t>(RedOf(pixel)), static_cast<std::uint8_t>(GreenOf(pixel)),
-                        static_cast<std::uint8_t>(BlueOf(pixel)), alpha});
+        // From the lowest byte on red, green and blue, as a canvas has them; and clear or opaque.
+        const std::uint32_t bytes = pixel == kNoPixel ? 0 : pixel | 0xFF000000U;
+        std::memcpy(out, &bytes, sizeof bytes);
+        out += sizeof bytes;
     }
     return {{"width", animation_->width}, {"height", animation_->height}};
 }

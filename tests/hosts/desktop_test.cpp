@@ -101,7 +101,7 @@ TEST(Playback, ShowsEveryFrameForItsDelay) {
 TEST(FrameScreens, ShowsFramesInAnyOrder) {
     Animation animation = EmptyAnimation(7, 5, 8);
     for (unsigned i = 0; i < 70; ++i)
-        AddFrame(animation, {8, 5, 255},
+        AddFrame(animation, {8, 5, i % 24 == 20 ? -1 : 255},
                  [&](int x, int y) { return static_cast<unsigned>(x + 7 * y) % 35 == i % 35 ? i : 255U; });
     const auto wanted = WantedScreens(animation);
     FrameScreens screens(animation);

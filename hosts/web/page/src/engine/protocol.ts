@@ -98,8 +98,8 @@ export interface Orders {
     remove: [take: { number: number }, give: Record<string, never>];
     build: [take: BuildOrder, give: Built];
     frame: [take: { index: number }, give: { pixels: Pixels }];
-    /** All frames at once, for small ones. */
-    frames: [take: Record<string, never>, give: { frames: Pixels[] }];
+    /** Several at once, for small ones. */
+    frames: [take: { indices: number[] }, give: { frames: Pixels[] }];
     /** Without a quality, 0 to 100, every colour is kept. */
     pack: [take: { quality?: number }, give: { file: Uint8Array<ArrayBuffer> }];
 }

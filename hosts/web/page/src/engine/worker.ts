@@ -1,5 +1,5 @@
 // The worker's script, which stands behind the engine's own: it takes the page's orders to the engine.
-import type { Built, Give, OrderName, Pixels, Progress, Reply, Request, Take } from './protocol';
+import type { Give, OrderName, Pixels, Progress, Reply, Request, Take } from './protocol';
 
 interface EngineModule {
     HEAPU8: Uint8Array<ArrayBuffer>;
@@ -49,13 +49,8 @@ class Engine {
                 return this.add(take as Take<'add'>);
             case 'frame':
                 return { pixels: this.frame((take as Take<'frame'>).index) };
-            case 'build': {
-                const built = this.order(name, take) as unknown as Built;
-                this.frameCount = built.delays.length;
-                return built;
-            }
             case 'frames':
-                return { frames: Array.from({ length: this.frameCount }, (_, index) => this.frame(index)) };
+                return { frames: (take as Take<'frames'>).indices.map((index) => this.frame(index)) };
             case 'pack':
                 this.order(name, take);
                 return { file: this.output() };
@@ -63,8 +58,6 @@ class Engine {
                 return this.order(name, take) as unknown as Give<OrderName>;
         }
     }
-
-    private frameCount = 0;
 
     private order(name: OrderName, take: object): Record<string, unknown> {
         const text = JSON.stringify({ do: name, ...take });

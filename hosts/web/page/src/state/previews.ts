@@ -35,7 +35,30 @@ interface Line {
     busy: boolean;
 }
 
-const mostKept = 80;
+/** Of all films together. */
+const mostBytesKept = 200e6;
+/** About as many as an eye tells apart in a film of a few seconds. */
+const mostFrames = 150;
+
+/** Which frames a film shows, and for how long each. Of very many, some stand for the few that follow them; a
+ *  still picture, which is seen longer, is always shown. */
+function shownFrames(delays: readonly number[]): { indices: number[]; delays: number[] } {
+    const total = delays.reduce((sum, delay) => sum + delay, 0);
+    const longest = delays.length > mostFrames ? total / mostFrames : 0;
+    const indices: number[] = [];
+    const sums: number[] = [];
+    for (const [index, delay] of delays.entries()) {
+        const sum = (sums.at(-1) ?? Infinity) + delay;
+        if (sum <= longest) sums[sums.length - 1] = sum;
+        else {
+            indices.push(index);
+            sums.push(delay);
+        }
+    }
+    return { indices, delays: sums };
+}
+
+const bytesOf = ({ frames }: Film): number => frames.length * (frames[0]?.rgba.length ?? 0);
 
 export class Previews {
     private readonly kept = new Map<string, Film>();
@@ -52,6 +75,7 @@ export class Previews {
         const key = this.keyOf(wish);
         const known = this.kept.get(key);
         if (known !== undefined) {
+            this.keep(key, known);
             show(known);
             return () => {};
         }
@@ -108,9 +132,12 @@ export class Previews {
     private keep(key: string, film: Film): void {
         this.kept.delete(key);
         this.kept.set(key, film);
-        for (const oldest of this.kept.keys()) {
-            if (this.kept.size <= mostKept) break;
+        let bytes = 0;
+        for (const one of this.kept.values()) bytes += bytesOf(one);
+        for (const [oldest, one] of this.kept) {
+            if (bytes <= mostBytesKept) break;
             this.kept.delete(oldest);
+            bytes -= bytesOf(one);
         }
     }
 
@@ -128,7 +155,8 @@ export class Previews {
         const entries = [first, { ...first, picture: next.id, transition: this.noTransition }];
         const order = buildOrder(project, pictures.length === 1 ? [first] : entries, factor);
         const built = await room.engine.ask('build', { ...order, fullColour: true });
-        const { frames } = await room.engine.ask('frames', {});
-        return { frames, delays: built.delays };
+        const { indices, delays } = shownFrames(built.delays);
+        const { frames } = await room.engine.ask('frames', { indices });
+        return { frames, delays };
     }
 }
