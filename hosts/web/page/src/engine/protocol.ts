@@ -42,10 +42,14 @@ export interface Tables {
 
 export type SettingValues = Record<string, number>;
 
+export interface Size {
+    width: number;
+    height: number;
+}
+
 /** How a picture comes to its size: as it is; within a box, never larger than it is; in the box with the
  *  matte beside it; filling the box, cut at its edges; or filling it out of proportion. */
-export type Fit =
-    { mode: 'own' } | { mode: 'most' | 'contain' | 'cover' | 'stretch'; width: number; height: number };
+export type Fit = { mode: 'own' } | ({ mode: 'most' | 'contain' | 'cover' | 'stretch' } & Size);
 
 export interface Entry {
     picture: number;
@@ -83,10 +87,17 @@ export interface BuildOrder {
 
 export interface PictureFile {
     number: number;
-    bytes: ArrayBuffer;
+    file: Blob;
     /** 0x00BBGGRR, behind clear pixels. */
     matte: number;
     fit: Fit;
+}
+
+export interface ReadPicture extends Size {
+    file: Blob;
+    thumbnail: Blob;
+    /** Whether it is known to have no clear pixels. */
+    opaque: boolean;
 }
 
 /** Every order with what it takes and what it gives. */
@@ -94,7 +105,9 @@ export interface Orders {
     tables: [take: Record<string, never>, give: { tables: Tables }];
     'read settings': [take: { text: string }, give: { values: SettingValues }];
     'write settings': [take: { values: SettingValues }, give: { text: string }];
-    add: [take: PictureFile & { show?: boolean }, give: { width: number; height: number; shown?: Pixels }];
+    /** A picture as a person brings it, with a copy of its file and a thumbnail; nothing of it stays. */
+    read: [take: { file: Blob; box: Size }, give: ReadPicture];
+    add: [take: PictureFile, give: Record<string, never>];
     remove: [take: { number: number }, give: Record<string, never>];
     build: [take: BuildOrder, give: Built];
     frame: [take: { index: number }, give: { pixels: Pixels }];

@@ -1,5 +1,6 @@
 // The worker's script, which stands behind the engine's own: it takes the page's orders to the engine.
-import type { Give, OrderName, Pixels, Progress, Reply, Request, Take } from './protocol';
+import { blobOf } from './pixels';
+import type { Size, Give, OrderName, Pixels, Progress, ReadPicture, Reply, Request, Take } from './protocol';
 
 interface EngineModule {
     HEAPU8: Uint8Array<ArrayBuffer>;
@@ -36,17 +37,27 @@ function transferable(given: object): Transferable[] {
     return found;
 }
 
+interface Added extends Size {
+    shownWidth: number;
+    shownHeight: number;
+}
+
+/** JPEG and BMP files. */
+const isOpaque = (bytes: ArrayBuffer): boolean =>
+    /^(\xff\xd8|BM)/.test(String.fromCharCode(...new Uint8Array(bytes, 0, Math.min(2, bytes.byteLength))));
+
 class Engine {
     constructor(private readonly module: EngineModule) {}
 
-    do<Name extends OrderName>(name: Name, take: Take<Name>): Give<Name> {
-        return this.give(name, take) as Give<Name>;
-    }
-
-    private give(name: OrderName, take: Take<OrderName>): Give<OrderName> {
+    async do(name: OrderName, take: Take<OrderName>): Promise<Give<OrderName>> {
         switch (name) {
-            case 'add':
-                return this.add(take as Take<'add'>);
+            case 'read':
+                return this.read(take as Take<'read'>);
+            case 'add': {
+                const { file, ...rest } = take as Take<'add'>;
+                this.add(await file.arrayBuffer(), rest);
+                return {};
+            }
             case 'frame':
                 return { pixels: this.frame((take as Take<'frame'>).index) };
             case 'frames':
@@ -80,20 +91,27 @@ class Engine {
         return (this.module.ccall(name, 'number', types, values) as number) >>> 0;
     }
 
-    private add(take: Take<'add'>): Give<'add'> {
-        const { bytes, ...rest } = take;
+    private add(bytes: ArrayBuffer, order: Omit<Take<'add'>, 'file'> & { show?: boolean }): Added {
         const room = this.number('LumafoldInput', bytes.byteLength);
         if (room === 0 && bytes.byteLength > 0) throw new Error('not enough memory');
         this.module.HEAPU8.set(new Uint8Array(bytes), room);
-        const added = this.order('add', rest) as unknown as {
-            width: number;
-            height: number;
-            shownWidth: number;
-            shownHeight: number;
+        return this.order('add', order) as unknown as Added;
+    }
+
+    private async read({ file, box }: Take<'read'>): Promise<ReadPicture> {
+        const bytes = await file.arrayBuffer();
+        const fit = { mode: 'most', ...box } as const;
+        const added = this.add(bytes, { number: 1, matte: 0xffffff, fit, show: true });
+        const thumbnail = blobOf(this.pixels(added.shownWidth, added.shownHeight), 'image/jpeg');
+        this.order('remove', { number: 1 });
+        return {
+            width: added.width,
+            height: added.height,
+            // What stands on the disk may be changed or go while the page is open.
+            file: new Blob([bytes], { type: file.type }),
+            thumbnail: await thumbnail,
+            opaque: isOpaque(bytes),
         };
-        const size = { width: added.width, height: added.height };
-        if (take.show !== true) return size;
-        return { ...size, shown: this.pixels(added.shownWidth, added.shownHeight) };
     }
 
     private frame(index: number): Pixels {
@@ -129,18 +147,21 @@ function start(compiled: WebAssembly.Module): Promise<Engine> {
     }).then((module) => new Engine(module));
 }
 
-self.onmessage = async ({ data }: MessageEvent<WebAssembly.Module | Request>) => {
-    if (data instanceof WebAssembly.Module) {
-        ready = start(data);
-        return;
-    }
+async function answer({ id, name, take }: Request): Promise<void> {
     try {
         const engine = await ready;
         if (engine === undefined) throw new Error('the engine was not started');
-        current = data.id;
-        const give = engine.do(data.name, data.take);
-        reply({ id: data.id, give }, transferable(give));
+        current = id;
+        const give = await engine.do(name, take);
+        reply({ id, give }, transferable(give));
     } catch (error) {
-        reply({ id: data.id, error: describe(error) });
+        reply({ id, error: describe(error) });
     }
+}
+
+let last = Promise.resolve();
+
+self.onmessage = ({ data }: MessageEvent<WebAssembly.Module | Request>) => {
+    if (data instanceof WebAssembly.Module) ready = start(data);
+    else last = last.then(() => answer(data));
 };

@@ -82,9 +82,10 @@ export class App {
             notices: [],
             resultOpen: false,
         });
-        this.builder.update(project);
+        this.builder.update(project, 'soon');
         this.store.subscribe((state, before) => {
-            if (state.project !== before.project) this.projectChanged(state.project);
+            if (state.project !== before.project) this.projectChanged(state);
+            else if (state.reading === 0 && before.reading > 0) this.builder.update(state.project, 'soon');
         });
     }
 
@@ -323,11 +324,12 @@ export class App {
         this.store.set({ project, selected: project.pictures[0]?.id ?? null, reading: 0 });
     }
 
-    private projectChanged(project: Project): void {
+    private projectChanged({ project, reading }: AppState): void {
         // Undoing an earlier change would take this one back, too; and a result is of the project as it was.
         const notices = this.store.get().notices.filter(({ undo }) => undo === undefined);
         this.store.set({ notices, resultOpen: false });
-        this.builder.update(project);
+        // While pictures are being read the next change comes at once.
+        this.builder.update(project, reading > 0 ? 'when asked' : 'soon');
         this.keeper.keep(project, () => this.complain(texts.notKept));
     }
 }

@@ -109,8 +109,8 @@ export class Builder {
     /** Whether a person wants the project as it is, however long it takes. */
     private asked = false;
 
-    /** The project has changed; the build begins when the changes pause. */
-    update(project: Project): void {
+    /** The project has changed; the build begins when the changes pause, or a person asks for it. */
+    update(project: Project, begins: 'soon' | 'when asked'): void {
         this.project = project;
         this.asked = false;
         clearTimeout(this.timer);
@@ -120,7 +120,7 @@ export class Builder {
             this.store.set({ ...idle });
             return;
         }
-        this.timer = setTimeout(() => void this.run(project), settleMilliseconds);
+        if (begins === 'soon') this.timer = setTimeout(() => void this.run(project), settleMilliseconds);
     }
 
     /** Builds now, however long it takes. */
@@ -221,6 +221,7 @@ export class Builder {
         const { engine } = this.forecaster;
         const factor = boxFactor(project, forecastBox);
         await this.hold(this.forecaster, project, factor);
+        if (this.project !== project) throw new Ended();
         const phases = new Phases();
         const order = buildOrder(project, project.pictures.map(entryOf), factor);
         const built = await engine.ask('build', order, (progress) => phases.note(progress));

@@ -27,7 +27,8 @@ function finished(writing: IDBTransaction): Promise<void> {
     });
 }
 
-type Bytes = { id: number; file: ArrayBuffer; thumbnail: ArrayBuffer; types: [string, string] };
+/** Written by the browser without a copy in the page, which would stall it. */
+type Files = Pick<Picture, 'id' | 'file' | 'thumbnail'>;
 /** All but the files. */
 type Kept = Omit<Project, 'pictures'> & { pictures: Omit<Picture, 'file' | 'thumbnail'>[] };
 
@@ -68,12 +69,10 @@ export class Keeper {
         this.saved = (await get('saved')) as number | undefined;
         const kept = note !== undefined && note.since === this.saved ? note.project : current;
         if (kept === undefined) return null;
-        const files = (await asPromise(reading.objectStore('pictures').getAll())) as Bytes[];
+        const files = (await asPromise(reading.objectStore('pictures').getAll())) as Files[];
         const pictures = kept.pictures.flatMap((picture): Picture[] => {
             const found = files.find((file) => file.id === picture.id);
-            if (found === undefined) return [];
-            const file = new Blob([found.file], { type: found.types[0] });
-            return [{ ...picture, file, thumbnail: new Blob([found.thumbnail], { type: found.types[1] }) }];
+            return found?.file instanceof Blob ? [{ ...picture, ...found }] : [];
         });
         return { ...kept, pictures };
     }
@@ -101,10 +100,9 @@ export class Keeper {
         for (;;) {
             const missing = await this.writeRest(database, project);
             if (missing.length === 0) return;
-            for (const picture of missing) {
-                const bytes = await bytesOf(picture);
+            for (const { id, file, thumbnail } of missing) {
                 const writing = database.transaction('pictures', 'readwrite');
-                writing.objectStore('pictures').put(bytes);
+                writing.objectStore('pictures').put({ id, file, thumbnail } satisfies Files);
                 await finished(writing);
             }
         }
@@ -129,12 +127,6 @@ export class Keeper {
         await finished(writing);
         return missing;
     }
-}
-
-async function bytesOf(picture: Picture): Promise<Bytes> {
-    const { id, file, thumbnail } = picture;
-    const [fileBytes, thumbnailBytes] = await Promise.all([file.arrayBuffer(), thumbnail.arrayBuffer()]);
-    return { id, file: fileBytes, thumbnail: thumbnailBytes, types: [file.type, thumbnail.type] };
 }
 
 const signature = 'LUMAFOLD PROJECT 1\n';

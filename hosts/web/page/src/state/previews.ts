@@ -1,9 +1,9 @@
 // Gaps played small, rendered by the engine. Films of one size are rendered one after the other by a worker of
 // their own, so that none waits for films of another size; what nobody waits for any more is never rendered.
 import { PictureRoom } from '../engine/picture_room';
-import type { Entry, Pixels, Transition } from '../engine/protocol';
+import type { Entry, Pixels, Size, Transition } from '../engine/protocol';
 import { boxFactor, buildOrder, entryOf, heldPictures, nextPicture, valueOf } from './project';
-import type { Picture, Project, Size } from './project';
+import type { Picture, Project } from './project';
 
 export interface Film {
     frames: Pixels[];

@@ -1,6 +1,6 @@
 // What a person makes: pictures in order, the gap behind each, settings, canvas and kind. Plain values that
 // are replaced, never changed.
-import type { BuildOrder, Entry, Fit, SettingValues, Tables } from '../engine/protocol';
+import type { BuildOrder, Entry, Fit, SettingValues, Size, Tables } from '../engine/protocol';
 
 /** What leads from a picture to the next, and how long they are seen, in hundredths of a second. */
 export interface Gap {
@@ -64,11 +64,6 @@ export function newProject(tables: Tables): Project {
 
 /** A setting's value; the keys are the engine's own, so each has one. */
 export const valueOf = (project: Project, key: string): number => project.settings[key] ?? 0;
-
-export interface Size {
-    width: number;
-    height: number;
-}
 
 /** How much smaller than its file a picture is in an animation whose canvas has no size of its own. */
 function pictureFactor(picture: Size, canvas: Canvas): number {

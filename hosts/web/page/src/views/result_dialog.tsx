@@ -1,7 +1,7 @@
 // The finished animation: playing, with what it is, to be saved, dragged out or copied; before it is finished,
 // how far it is.
 import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
-import { blobOf } from '../state/import';
+import { blobOf } from '../engine/pixels';
 import type { Result } from '../state/builder';
 import { bytes, texts } from '../texts';
 import { errorText, Progress } from './build_bar';

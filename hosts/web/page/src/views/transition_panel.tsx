@@ -1,8 +1,9 @@
 // One gap: its transition played large beside the settings that it reads, and all others to choose from, each
 // playing this very gap.
 import { useEffect, useId, useState } from 'preact/hooks';
+import type { Size } from '../engine/protocol';
 import { largestSeed, nextPicture } from '../state/project';
-import type { Picture, Size } from '../state/project';
+import type { Picture } from '../state/project';
 import type { Film } from '../state/previews';
 import { texts } from '../texts';
 import { useApp, useAppState, useProject } from './context';
