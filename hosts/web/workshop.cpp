@@ -91,6 +91,8 @@ std::string Workshop::Do(const std::string& order) {
         return Answer(nlohmann::json::parse(order)).dump();
     } catch (const std::bad_alloc&) {
         return Error("not enough memory").dump();
+    } catch (const nlohmann::json::exception&) {
+        return Error("the engine does not understand this page").dump();
     } catch (const std::exception& error) {
         return Error(error.what()).dump();
     }

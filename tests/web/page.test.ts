@@ -322,12 +322,13 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     const [dawn] = samples() as [string];
     const cut = put('cut.png', readFileSync(dawn).subarray(0, 5000));
     const notes = ['a', 'b', 'c', 'd', 'e'].map((name) => put(`${name}.txt`, 'This is no picture.'));
-    await visit.add([cut, dawn, ...notes], 1);
+    const heic = put('photo.heic', '\0\0\0\x1cftypheic\0\0\0\0mif1heic');
+    await visit.add([cut, dawn, ...notes, heic], 1);
     await visit.page.waitForSelector('.notice');
     const notices = await visit.text('.notices');
     assert.match(
         notices,
-        /^cut\.png was not added: .*\. a\.txt, b\.txt, .*e\.txt were not added: .*PNG, JPEG, /,
+        /^cut\.png was not.*\. a\.txt, .*e\.txt were not added: .*PNG, JPEG, .*photo\.heic .*HEIC.*PNG, JPEG, /,
     );
     const second = put('second.bmp', bitmap(300, 200, 1));
     await visit.add([second], 2);
@@ -344,6 +345,17 @@ test('what cannot be read or built is told, and nothing is lost', async () => {
     for (const refused of ['0', '-5', 'e']) await visit.setNumber('Width', refused);
     assert.equal(await visit.page.$eval('.side input', (field) => (field as HTMLInputElement).value), '200');
     await visit.built();
+    // The build in full colour goes wrong, and no other.
+    await visit.page.evaluate(() => {
+        const post = Worker.prototype.postMessage;
+        Worker.prototype.postMessage = function (order) {
+            const { take } = order;
+            if (take?.fullColour && take.lengthPercent === 100) take.kind = 'none';
+            post.call(this, order);
+        };
+    });
+    await visit.click('Compare with full colour', 'switch');
+    await visit.page.waitForSelector('.inspector .error');
     await visit.end();
 });
 

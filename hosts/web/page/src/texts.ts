@@ -1,4 +1,5 @@
 // Every text that the page shows, the engine's own names and meanings apart.
+import { unreadableFile } from './engine/protocol';
 
 const plural = (count: number, one: string, many = `${one}s`): string =>
     `${count} ${count === 1 ? one : many}`;
@@ -15,6 +16,8 @@ const list = (parts: string[]): string => new Intl.ListFormat('en').format(parts
 /** A reason as the end of a sentence. */
 const ended = (reason: string): string => (/[.!?]$/.test(reason) ? reason : `${reason}.`);
 
+const kindsRead = 'PNG, JPEG, GIF, BMP and WebP can always be read';
+
 export const texts = {
     name: 'Lumafold',
     slogan: 'Still pictures into a looping animation. Nothing leaves this computer.',
@@ -24,7 +27,8 @@ export const texts = {
 
     add: 'Add pictures',
     dropHere: 'Drop pictures here',
-    orPaste: 'or paste one, or choose files. PNG, JPEG, GIF and BMP, and whatever else this browser shows.',
+    orPaste:
+        'or paste one, or choose files. PNG, JPEG, GIF, BMP and WebP, and whatever else this browser shows.',
     trySamples: 'Try it with three sample pictures',
     steps: [
         ['Add pictures', 'Of any sizes. Drag them into the order you like.'],
@@ -154,7 +158,7 @@ export const texts = {
     memoryError:
         'There is not enough memory for this animation. Choose a smaller size under Output, longer steps, or fewer pictures. Pictures and settings are still here.',
     buildError: (reason: string) =>
-        `The animation could not be built: ${ended(reason)} Pictures and settings are still here.`,
+        `The animation could not be built: ${ended(texts.reason(reason))} Pictures and settings are still here.`,
     badPictures: (refused: [reason: string, names: string[]][]) =>
         refused
             .map(
@@ -162,7 +166,10 @@ export const texts = {
                     `${list(names)} ${names.length === 1 ? 'was' : 'were'} not added: ${ended(reason)}`,
             )
             .join(' '),
-    unknownKind: 'this is no picture that can be read here. PNG, JPEG, GIF and BMP always can',
+    unknownKind: `this is no picture that can be read here; ${kindsRead}`,
+    noHeic: `this browser cannot show HEIC pictures: save it as JPEG first, or open this page in Safari. ${kindsRead}`,
+    unreadable: 'the browser could not read the file. It may have been moved or changed: choose it again',
+    reason: (reason: string): string => (reason === unreadableFile ? texts.unreadable : reason),
     badProject: (name: string) =>
         `${name} was not opened: this is no project of Lumafold, or not a whole one.`,
     notKept: 'This browser keeps nothing for this page: save the project as a file before you close it.',

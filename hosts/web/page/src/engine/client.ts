@@ -1,4 +1,5 @@
 // The page's end of a worker: orders as promises, and an end at any moment.
+import { noMemory } from './protocol';
 import type { Give, OrderName, Progress, Reply, Request, Take } from './protocol';
 
 /** The worker was ended before it answered. */
@@ -44,7 +45,7 @@ export class EngineClient {
         this.worker.onmessage = ({ data }: MessageEvent<Reply>) => this.take(data);
         this.worker.onerror = (event) => {
             event.preventDefault();
-            this.end(new Error(event.message));
+            this.end(new Error(noMemory));
         };
     }
 

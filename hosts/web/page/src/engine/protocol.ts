@@ -134,6 +134,10 @@ export interface Progress {
     total: number;
 }
 
+/** Reasons why an order was not done that are not the engine's own. */
+export const unreadableFile = 'unreadable file';
+export const noMemory = 'not enough memory';
+
 export type Reply =
     | { id: number; give: Give<OrderName> }
     | { id: number; error: string }

@@ -1,5 +1,6 @@
 // The worker's script, which stands behind the engine's own: it takes the page's orders to the engine.
 import { blobOf } from './pixels';
+import { noMemory, unreadableFile } from './protocol';
 import type { Size, Give, OrderName, Pixels, Progress, ReadPicture, Reply, Request, Take } from './protocol';
 
 interface EngineModule {
@@ -36,6 +37,9 @@ function transferable(given: object): Transferable[] {
     }
     return found;
 }
+
+/** Its message is the engine's own reason, in one line. */
+class EngineError extends Error {}
 
 interface Added extends Size {
     shownWidth: number;
@@ -77,7 +81,7 @@ class Engine {
         ) as {
             error?: string;
         };
-        if (answer.error !== undefined) throw new Error(answer.error);
+        if (answer.error !== undefined) throw new EngineError(answer.error);
         return answer as Record<string, unknown>;
     }
 
@@ -93,7 +97,7 @@ class Engine {
 
     private add(bytes: ArrayBuffer, order: Omit<Take<'add'>, 'file'> & { show?: boolean }): Added {
         const room = this.number('LumafoldInput', bytes.byteLength);
-        if (room === 0 && bytes.byteLength > 0) throw new Error('not enough memory');
+        if (room === 0 && bytes.byteLength > 0) throw new EngineError(noMemory);
         this.module.HEAPU8.set(new Uint8Array(bytes), room);
         return this.order('add', order) as unknown as Added;
     }
@@ -125,32 +129,34 @@ class Engine {
     }
 }
 
-/** The engine's own failures are answers; what else goes wrong in it is memory that could not be had. */
+/** The browser's own errors come of files that it cannot read, and of memory that could not be had. */
 function describe(error: unknown): string {
-    return error instanceof Error && !(error instanceof WebAssembly.RuntimeError)
-        ? error.message
-        : 'Memory error';
+    if (error instanceof DOMException) return unreadableFile;
+    if (error instanceof RangeError || error instanceof WebAssembly.RuntimeError) return noMemory;
+    return error instanceof EngineError ? error.message : String(error);
 }
 
 let ready: Promise<Engine> | undefined;
 
 /** The page has compiled the module, so that every worker after the first starts at once. */
 function start(compiled: WebAssembly.Module): Promise<Engine> {
-    return createEngine({
-        instantiateWasm: (imports, done) => {
-            void WebAssembly.instantiate(compiled, imports).then(done);
-            return {};
-        },
-        tellProgress: (caption, position, total) => tellProgress({ caption, position, total }),
-        print: () => {},
-        printErr: () => {},
-    }).then((module) => new Engine(module));
+    return new Promise((resolve, reject) => {
+        void createEngine({
+            instantiateWasm: (imports, done) => {
+                WebAssembly.instantiate(compiled, imports).then(done, reject);
+                return {};
+            },
+            tellProgress: (caption, position, total) => tellProgress({ caption, position, total }),
+            print: () => {},
+            printErr: () => {},
+        }).then((module) => resolve(new Engine(module)), reject);
+    });
 }
 
 async function answer({ id, name, take }: Request): Promise<void> {
     try {
         const engine = await ready;
-        if (engine === undefined) throw new Error('the engine was not started');
+        if (engine === undefined) return;
         current = id;
         const give = await engine.do(name, take);
         reply({ id, give }, transferable(give));
@@ -162,6 +168,8 @@ async function answer({ id, name, take }: Request): Promise<void> {
 let last = Promise.resolve();
 
 self.onmessage = ({ data }: MessageEvent<WebAssembly.Module | Request>) => {
-    if (data instanceof WebAssembly.Module) ready = start(data);
-    else last = last.then(() => answer(data));
+    if (data instanceof WebAssembly.Module) {
+        ready = start(data);
+        ready.catch(() => {});
+    } else last = last.then(() => answer(data));
 };

@@ -47,7 +47,7 @@ const groupMilliseconds = 400;
 
 /** Why a file is no picture; what is not the engine's own reason is the browser's. */
 const refusal = (error: unknown): string =>
-    error instanceof DOMException ? texts.unknownKind : (error as Error).message;
+    error instanceof DOMException ? texts.unreadable : texts.reason((error as Error).message);
 
 export class App {
     readonly store: Store<AppState>;

@@ -2,6 +2,7 @@
 // engine gets it as a PNG.
 import { PictureRoom } from '../engine/picture_room';
 import type { ReadPicture } from '../engine/protocol';
+import { texts } from '../texts';
 import { thumbnailBox } from './project';
 
 /** The first picture of a file, decoded by the browser. It reads no more of other files than their beginning,
@@ -22,6 +23,7 @@ async function asPng(file: Blob): Promise<Blob> {
 
 /** What files that the engine reads begin with: its own reason why it cannot read one of them counts. */
 const enginesKind = /^(\x89PNG|\xff\xd8|GIF|BM|RIFF.{4}WEBP)/s;
+const heicKind = /^.{4}ftyp(hei|hev|mif1|msf1)/s;
 
 /** The first bytes of a file, each as a letter. */
 const beginning = async (file: Blob): Promise<string> =>
@@ -40,7 +42,12 @@ export class Importer {
     }
 
     private async readNow(file: Blob): Promise<ReadPicture> {
-        return this.readByEngine(enginesKind.test(await beginning(file)) ? file : await asPng(file));
+        const begins = await beginning(file);
+        if (enginesKind.test(begins)) return this.readByEngine(file);
+        const png = await asPng(file).catch(() => {
+            throw new Error(heicKind.test(begins) ? texts.noHeic : texts.unknownKind);
+        });
+        return this.readByEngine(png);
     }
 
     private async readByEngine(file: Blob): Promise<ReadPicture> {

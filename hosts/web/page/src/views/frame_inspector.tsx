@@ -1,8 +1,10 @@
 // Any frame as it will be, beside what it was in full colour, down to the pixel; and the palette.
 import { useEffect, useRef, useState } from 'preact/hooks';
+import { Ended } from '../engine/client';
 import type { Pixels } from '../engine/protocol';
 import type { Result } from '../state/builder';
 import { texts } from '../texts';
+import { errorText } from './build_bar';
 import { useApp, useBuilder } from './context';
 import { drawPixels, prefersStillness } from './film';
 import { Icon } from './icons';
@@ -11,27 +13,29 @@ import { colourText } from './setting_control';
 const zooms = [0, 1, 2, 4, 8] as const;
 type Zoom = (typeof zooms)[number];
 
-/** The last frame stays while the next is fetched. */
+/** The last frame stays while the next is fetched. Beside it, why there is none. */
 function useFrame(
     result: Result | null,
     index: number,
     fetch: ((index: number) => Promise<Pixels>) | null,
-): Pixels | null {
+): [Pixels | null, error: string | null] {
     const [pixels, setPixels] = useState<Pixels | null>(null);
+    const [error, setError] = useState<string | null>(null);
     const wanted = fetch !== null;
     useEffect(() => {
         if (!wanted) setPixels(null);
+        setError(null);
         if (result === null || fetch === null) return;
         let live = true;
         fetch(index).then(
             (next) => live && setPixels(next),
-            () => {},
+            (reason: Error) => live && !(reason instanceof Ended) && setError(reason.message),
         );
         return () => {
             live = false;
         };
     }, [result, index, wanted]);
-    return pixels;
+    return [pixels, error];
 }
 
 function FrameCanvas({ pixels, style }: { pixels: Pixels; style: string }) {
@@ -144,8 +148,13 @@ export function FrameInspector() {
     const count = shown?.built.delays.length ?? 1;
     const index = Math.min(wanted, count - 1);
     const [playing, setPlaying] = usePlaying(result, index, setIndex);
-    const reduced = useFrame(result, index, (at) => app.builder.frame(at));
-    const full = useFrame(result, index, comparing ? (at) => app.builder.fullColourFrame(at) : null);
+    const [reduced, failed] = useFrame(result, index, (at) => app.builder.frame(at));
+    const [full, fullFailed] = useFrame(
+        result,
+        index,
+        comparing ? (at) => app.builder.fullColourFrame(at) : null,
+    );
+    const error = failed ?? fullFailed;
     const label = texts.frameOf(index, count);
     if (shown === null || reduced === null) {
         return (
@@ -153,6 +162,7 @@ export function FrameInspector() {
                 <div class="frame-stage empty">
                     <p class="hint">{large ? texts.waitsForBuild : texts.notBuilt}</p>
                 </div>
+                {error !== null && <p class="error">{errorText(error)}</p>}
             </section>
         );
     }
@@ -208,6 +218,11 @@ export function FrameInspector() {
                     ))}
                 </div>
             </div>
+            {error !== null && (
+                <p class="error" role="alert">
+                    {errorText(error)}
+                </p>
+            )}
             <PaletteView result={shown} />
         </section>
     );
