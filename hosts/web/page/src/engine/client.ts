@@ -62,7 +62,9 @@ export class EngineClient {
             const waiting: Waiting = { resolve: resolve as Waiting['resolve'], reject };
             if (progress !== undefined) waiting.progress = progress;
             this.waiting.set(id, waiting);
-            void this.started.then(() => this.worker.postMessage(request));
+            // A file's bytes are the worker's from here on.
+            const transfer = 'bytes' in take ? [take.bytes] : [];
+            void this.started.then(() => this.worker.postMessage(request, transfer));
         });
     }
 

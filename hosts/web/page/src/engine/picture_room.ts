@@ -23,7 +23,7 @@ export class PictureRoom {
             const key = JSON.stringify([matte, fit]);
             if (this.held.get(id) === key) continue;
             this.held.delete(id);
-            await this.engine.ask('add', { number: id, file, matte, fit });
+            await this.engine.ask('add', { number: id, bytes: await file.arrayBuffer(), matte, fit });
             this.held.set(id, key);
         }
     }

@@ -87,7 +87,7 @@ export interface BuildOrder {
 
 export interface PictureFile {
     number: number;
-    file: Blob;
+    bytes: ArrayBuffer;
     /** 0x00BBGGRR, behind clear pixels. */
     matte: number;
     fit: Fit;
@@ -106,7 +106,7 @@ export interface Orders {
     'read settings': [take: { text: string }, give: { values: SettingValues }];
     'write settings': [take: { values: SettingValues }, give: { text: string }];
     /** A picture as a person brings it, with a copy of its file and a thumbnail; nothing of it stays. */
-    read: [take: { file: Blob; box: Size }, give: ReadPicture];
+    read: [take: { bytes: ArrayBuffer; type: string; box: Size }, give: ReadPicture];
     add: [take: PictureFile, give: Record<string, never>];
     remove: [take: { number: number }, give: Record<string, never>];
     build: [take: BuildOrder, give: Built];

@@ -57,11 +57,9 @@ class Engine {
         switch (name) {
             case 'read':
                 return this.read(take as Take<'read'>);
-            case 'add': {
-                const { file, ...rest } = take as Take<'add'>;
-                this.add(await file.arrayBuffer(), rest);
+            case 'add':
+                this.add(take as Take<'add'>);
                 return {};
-            }
             case 'frame':
                 return { pixels: this.frame((take as Take<'frame'>).index) };
             case 'frames':
@@ -95,24 +93,23 @@ class Engine {
         return (this.module.ccall(name, 'number', types, values) as number) >>> 0;
     }
 
-    private add(bytes: ArrayBuffer, order: Omit<Take<'add'>, 'file'> & { show?: boolean }): Added {
+    private add({ bytes, ...order }: Take<'add'> & { show?: boolean }): Added {
         const room = this.number('LumafoldInput', bytes.byteLength);
         if (room === 0 && bytes.byteLength > 0) throw new EngineError(noMemory);
         this.module.HEAPU8.set(new Uint8Array(bytes), room);
         return this.order('add', order) as unknown as Added;
     }
 
-    private async read({ file, box }: Take<'read'>): Promise<ReadPicture> {
-        const bytes = await file.arrayBuffer();
+    private async read({ bytes, type, box }: Take<'read'>): Promise<ReadPicture> {
         const fit = { mode: 'most', ...box } as const;
-        const added = this.add(bytes, { number: 1, matte: 0xffffff, fit, show: true });
+        const added = this.add({ bytes, number: 1, matte: 0xffffff, fit, show: true });
         const thumbnail = blobOf(this.pixels(added.shownWidth, added.shownHeight), 'image/jpeg');
         this.order('remove', { number: 1 });
         return {
             width: added.width,
             height: added.height,
             // What stands on the disk may be changed or go while the page is open.
-            file: new Blob([bytes], { type: file.type }),
+            file: new Blob([bytes], { type }),
             thumbnail: await thumbnail,
             opaque: isOpaque(bytes),
         };

@@ -56,6 +56,8 @@ export class Importer {
             this.room.engine.end();
             this.room = new PictureRoom();
         }
-        return this.room.engine.ask('read', { file, box: thumbnailBox });
+        // The page reads it: where it is opened from a file, workers of some browsers cannot.
+        const bytes = await file.arrayBuffer();
+        return this.room.engine.ask('read', { bytes, type: file.type, box: thumbnailBox });
     }
 }

@@ -27,8 +27,13 @@ function finished(writing: IDBTransaction): Promise<void> {
     });
 }
 
-/** Written by the browser without a copy in the page, which would stall it. */
-type Files = Pick<Picture, 'id' | 'file' | 'thumbnail'>;
+/** Of a picture, with the types of both. */
+interface Files {
+    id: number;
+    file: Blob | ArrayBuffer;
+    thumbnail: Blob | ArrayBuffer;
+    types: [string, string];
+}
 /** All but the files. */
 type Kept = Omit<Project, 'pictures'> & { pictures: Omit<Picture, 'file' | 'thumbnail'>[] };
 
@@ -53,6 +58,7 @@ export class Keeper {
     private saving = Promise.resolve();
     private timer: ReturnType<typeof setTimeout> | undefined;
     private unsaved: Project | undefined;
+    private takesBlobs = true;
     /** The number of the last save that this page has read or made. */
     private saved: number | undefined;
 
@@ -72,7 +78,11 @@ export class Keeper {
         const files = (await asPromise(reading.objectStore('pictures').getAll())) as Files[];
         const pictures = kept.pictures.flatMap((picture): Picture[] => {
             const found = files.find((file) => file.id === picture.id);
-            return found?.file instanceof Blob ? [{ ...picture, ...found }] : [];
+            if (found === undefined) return [];
+            const [file, thumbnail] = [found.file, found.thumbnail].map(
+                (bytes, index) => new Blob([bytes], { type: found.types[index]! }),
+            ) as [Blob, Blob];
+            return [{ ...picture, file, thumbnail }];
         });
         return { ...kept, pictures };
     }
@@ -100,12 +110,26 @@ export class Keeper {
         for (;;) {
             const missing = await this.writeRest(database, project);
             if (missing.length === 0) return;
-            for (const { id, file, thumbnail } of missing) {
-                const writing = database.transaction('pictures', 'readwrite');
-                writing.objectStore('pictures').put({ id, file, thumbnail } satisfies Files);
-                await finished(writing);
+            for (const picture of missing) await this.writeFiles(database, picture);
+        }
+    }
+
+    /** The browser writes files without a copy in the page, which would stall it; not every one does. */
+    private async writeFiles(database: IDBDatabase, { id, file, thumbnail }: Picture): Promise<void> {
+        const put = (one: Blob | ArrayBuffer, other: Blob | ArrayBuffer): Promise<void> => {
+            const files: Files = { id, file: one, thumbnail: other, types: [file.type, thumbnail.type] };
+            const writing = database.transaction('pictures', 'readwrite');
+            writing.objectStore('pictures').put(files);
+            return finished(writing);
+        };
+        if (this.takesBlobs) {
+            try {
+                return await put(file, thumbnail);
+            } catch {
+                this.takesBlobs = false;
             }
         }
+        return put(await file.arrayBuffer(), await thumbnail.arrayBuffer());
     }
 
     /** All but files, unless some of them are not there: these are returned, and nothing is written. */

@@ -25,6 +25,9 @@ function useSorting() {
             handle: '.picture',
             draggable: '.entry',
             animation: matchMedia('(prefers-reduced-motion: reduce)').matches ? 0 : 150,
+            // By pointer in every browser: their own dragging differs, and takes pictures for files.
+            forceFallback: true,
+            fallbackTolerance: 4,
             delay: 150,
             delayOnTouchOnly: true,
             ghostClass: 'dragged',
