@@ -184,20 +184,22 @@ function GapSettings({ picture }: { picture: Picture }) {
                     ))}
                 </fieldset>
             )}
-            <fieldset class="timing">
+            <fieldset>
                 <legend class="hint">{texts.timing}</legend>
-                <TimeField
-                    label={texts.pause}
-                    value={picture.gap.pause}
-                    least={0}
-                    set={(pause) => app.setGap(picture.id, { pause })}
-                />
-                <TimeField
-                    label={texts.delay}
-                    value={picture.gap.delay}
-                    least={1}
-                    set={(delay) => app.setGap(picture.id, { delay })}
-                />
+                <div class="times">
+                    <TimeField
+                        label={texts.pause}
+                        value={picture.gap.pause}
+                        least={0}
+                        set={(pause) => app.setGap(picture.id, { pause })}
+                    />
+                    <TimeField
+                        label={texts.delay}
+                        value={picture.gap.delay}
+                        least={1}
+                        set={(delay) => app.setGap(picture.id, { delay })}
+                    />
+                </div>
             </fieldset>
         </div>
     );
