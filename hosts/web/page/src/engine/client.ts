@@ -18,6 +18,14 @@ interface Waiting {
 /** The engine stands in the page as texts: the worker's script, and the module packed and in base 64. */
 const textOf = (id: string): string => document.getElementById(id)?.textContent?.trim() ?? '';
 
+/** Of a text in base 64. */
+export function bytesOf(packed: string): Uint8Array<ArrayBuffer> {
+    const letters = atob(packed);
+    const bytes = new Uint8Array(letters.length);
+    for (let index = 0; index < letters.length; index++) bytes[index] = letters.charCodeAt(index);
+    return bytes;
+}
+
 function once<T>(make: () => T): () => T {
     let made: { value: T } | undefined;
     return () => (made ??= { value: make() }).value;
@@ -26,8 +34,9 @@ function once<T>(make: () => T): () => T {
 const scriptUrl = once(() => URL.createObjectURL(new Blob([textOf('engine')], { type: 'text/javascript' })));
 
 const compiledModule = once(async () => {
-    const packed = Uint8Array.from(atob(textOf('module')), (letter) => letter.charCodeAt(0));
-    const unpacked = new Blob([packed]).stream().pipeThrough(new DecompressionStream('gzip'));
+    const unpacked = new Blob([bytesOf(textOf('module'))])
+        .stream()
+        .pipeThrough(new DecompressionStream('gzip'));
     return WebAssembly.compile(await new Response(unpacked).arrayBuffer());
 });
 

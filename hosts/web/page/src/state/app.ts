@@ -60,9 +60,11 @@ export class App {
 
     static async start(): Promise<App> {
         const engine = new EngineClient();
-        const { tables } = await engine.ask('tables', {});
         const keeper = new Keeper();
-        const kept = await keeper.load().catch(() => null);
+        const [{ tables }, kept] = await Promise.all([
+            engine.ask('tables', {}),
+            keeper.load().catch(() => null),
+        ]);
         return new App(engine, tables, keeper, kept);
     }
 

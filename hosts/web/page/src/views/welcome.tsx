@@ -1,4 +1,5 @@
 // What a first visit shows: where pictures go, and three to try.
+import { bytesOf } from '../engine/client';
 import type { BroughtPicture } from '../state/app';
 import { texts } from '../texts';
 import { ChooseFiles } from './choose_files';
@@ -14,11 +15,10 @@ function samples(): (BroughtPicture & { address: string })[] {
         string
     >;
     return Object.entries(found).map(([name, packed], index) => {
-        const bytes = Uint8Array.from(atob(packed), (letter) => letter.charCodeAt(0));
         const address = `data:image/jpeg;base64,${packed}`;
         return {
             name,
-            file: new Blob([bytes], { type: 'image/jpeg' }),
+            file: new Blob([bytesOf(packed)], { type: 'image/jpeg' }),
             address,
             transition: sampleTransitions[index] ?? '',
         };
