@@ -126,11 +126,13 @@ export const texts = {
     notBuilt: 'Frames are shown once the animation is built.',
     waitsForBuild: 'This is a large animation, so it is built when you ask for it.',
     updating: 'Bringing the frames up to date…',
+    outOfDate: 'Not up to date: press Build',
 
     build: 'Build',
     show: 'Show and save',
     cancel: 'Cancel',
     building: 'Building the animation',
+    notBuiltTitle: 'The animation was not built',
     packing: 'Packing the file',
     readingPictures: 'Reading the pictures',
     secondsLeft: (count: number) => `about ${Math.max(1, Math.round(count))} s left`,

@@ -141,6 +141,7 @@ export function FrameInspector() {
     const result = useBuilder((state) => state.result);
     const last = useBuilder((state) => state.lastResult);
     const large = useBuilder((state) => state.large);
+    const waits = useBuilder((state) => state.large || state.error !== null);
     const shown = result ?? last;
     const [wanted, setIndex] = useState(0);
     const [comparing, setComparing] = useState(false);
@@ -190,7 +191,9 @@ export function FrameInspector() {
                         setIndex(Number(event.currentTarget.value));
                     }}
                 />
-                <output class="frame-number">{result === null ? texts.updating : label}</output>
+                <output class="frame-number">
+                    {result !== null ? label : waits ? texts.outOfDate : texts.updating}
+                </output>
             </div>
             <div class="frame-tools">
                 <label class="switch">

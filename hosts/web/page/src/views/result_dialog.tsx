@@ -127,6 +127,7 @@ export function ResultDialog() {
         if (open && dialog.current?.open === false) dialog.current.showModal();
         if (!open && dialog.current?.open === true) dialog.current.close();
     }, [open]);
+    const title = result !== null ? texts.result : error !== null ? texts.notBuiltTitle : texts.building;
     const cancel = (): void => {
         app.builder.cancel();
         app.showResult(false);
@@ -141,7 +142,7 @@ export function ResultDialog() {
             {open && (
                 <>
                     <div class="title-row">
-                        <h2 id="result-title">{result !== null ? texts.result : texts.building}</h2>
+                        <h2 id="result-title">{title}</h2>
                         <button
                             class="button quiet small"
                             aria-label={texts.close}
