@@ -38,7 +38,10 @@ function FramePlayer({ result, playing, index }: PlayerProps) {
             live = false;
         };
     }, [result, playing]);
-    return <canvas ref={canvas} class="finished" role="img" aria-label={texts.resultAlternative(playing)} />;
+    // As large from the beginning as its frames, so that nothing below moves.
+    const { width, height } = result.built;
+    const label = texts.resultAlternative(playing);
+    return <canvas ref={canvas} class="finished" role="img" aria-label={label} {...{ width, height }} />;
 }
 
 function Finished({ result }: { result: Result }) {
