@@ -147,7 +147,8 @@ private:
             sizes.push_back(Encode(ways[sizes.size()], Rows::Sample).bytes.size());
             least = std::min(least, sizes.back());
         }
-        Way best = ways[static_cast<std::size_t>(std::ranges::find(sizes, least) - sizes.begin())];
+        Way best =
+            ways[static_cast<std::size_t>(std::find(sizes.begin(), sizes.end(), least) - sizes.begin())];
         best.fullTable = FullTable::KeptWhileUseful;
         if (Encode(best, Rows::Sample).bytes.size() >= least) best.fullTable = FullTable::Emptied;
         std::vector<Way> worthTrying;
