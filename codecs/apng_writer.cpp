@@ -44,7 +44,8 @@ private:
                 // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is
                 // packed.
                 if (!frames_.empty()) frames_.front().KeepPixels(false);
-                frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay, effort_);
+                frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay,
+                                     EffortOfFrame(effort_, frames_.size()));
                 frames_.back().KeepPixels(frames_.size() == 1);
                 return;
             }
@@ -90,6 +91,8 @@ private:
         const bool toldFree = told >= 0 && told < 256 && !table_.Has(static_cast<PixelValue>(told)) &&
                               use.drawn[static_cast<std::size_t>(told)] == 0;
         const bool first = frames_.empty();
+        // Rows begin with a byte 0, which makes runs of holes longer when those are 0, too.
+        if (first) table_.ReserveHole();
         if (table_.Hole() < 0 && ((first && HasRoom()) || toldFree || use.holes) && !table_.AdmitHole() &&
             use.holes)
             return false;

@@ -25,20 +25,30 @@ bool FileTable::Admit(const IndexUse& use) {
         if (use.drawn[index] + use.kept[index] > 0 && !Has(static_cast<PixelValue>(index)))
             added.push_back(static_cast<std::int16_t>(index));
     }
-    if (indexes_.size() + added.size() > kMostEntries) return false;
+    if (indexes_.size() + added.size() > kMostEntries + (IsReserved() ? 1U : 0U)) return false;
     const auto pixels = [&](std::int16_t index) {
         return use.drawn[static_cast<std::size_t>(index)] + use.kept[static_cast<std::size_t>(index)];
     };
     std::stable_sort(added.begin(), added.end(),
                      [&](std::int16_t a, std::int16_t b) { return pixels(a) > pixels(b); });
     for (const std::int16_t index : added) {
-        entries_[static_cast<std::size_t>(index)] = static_cast<std::int16_t>(Entries());
-        indexes_.push_back(index);
+        const bool full = Entries() == kMostEntries;
+        entries_[static_cast<std::size_t>(index)] =
+            full ? std::int16_t{0} : static_cast<std::int16_t>(Entries());
+        if (full) {
+            indexes_.front() = index;
+        } else {
+            indexes_.push_back(index);
+        }
     }
     return true;
 }
 
 bool FileTable::AdmitHole() {
+    if (IsReserved()) {
+        hole_ = 0;
+        return true;
+    }
     if (Entries() == kMostEntries) return false;
     hole_ = Entries();
     indexes_.push_back(kHoleIndex);

@@ -39,6 +39,8 @@ public:
     /// Gives an entry to every index in use that has none yet, the most frequent first. False when there are
     /// not enough.
     bool Admit(const IndexUse& use);
+    /// Keeps entry 0 for holes, until all others are taken. For an empty table.
+    void ReserveHole() { indexes_.push_back(kHoleIndex); }
     /// Gives an entry to holes; false when there is none left.
     bool AdmitHole();
     int Hole() const { return hole_; }
@@ -58,6 +60,7 @@ private:
     std::vector<std::int16_t> indexes_; ///< by entry
     int hole_ = -1;
 
+    bool IsReserved() const { return hole_ < 0 && !indexes_.empty() && indexes_.front() == kHoleIndex; }
     static std::array<std::int16_t, 256> NoEntries() {
         std::array<std::int16_t, 256> none{};
         none.fill(-1);

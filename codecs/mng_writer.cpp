@@ -66,7 +66,7 @@ private:
             return;
         }
         PngPicture picture(table.Cut(screen_, rect, table.Hole()), BitsFor(table.Entries()), frame.delay,
-                           effort_);
+                           EffortOfFrame(effort_, frames_.size()));
         frames_.push_back({std::move(picture), table.Colours(facts_.palette), kNoPixel});
     }
 

@@ -8,6 +8,7 @@ namespace {
 /// What is packed to find out which way packs best; the order of the ways is the same at every effort.
 constexpr int kTrialEffort = 2;
 constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
+constexpr int kQuickEffort = 7, kSlowEffort = 10;
 
 } // namespace
 
@@ -57,6 +58,12 @@ bool Draws(const Screen& screen, const Rect& rect, PixelValue colour) {
     return false;
 }
 
+int EffortOfFrame(int effort, std::size_t frame) {
+    if (effort < 6 || effort > 9) return effort;
+    const auto ofTwenty = static_cast<std::size_t>(7 + 3 * (effort - 6));
+    return frame * ofTwenty % 20 < ofTwenty ? kSlowEffort : kQuickEffort;
+}
+
 PngPicture::PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort)
     : rect_(cut.rect), bits_(bits), delay_(delay), effort_(effort), indexes_(std::move(cut)) {}
 
@@ -84,6 +91,10 @@ void PngPicture::Pack() {
     const std::vector<std::uint8_t> rows = Filtered(best, Rows::All, hasHoles_);
     colours_.pixels = std::vector<PixelValue>();
     data_ = Deflate(rows, effort_);
+    // Text and drawings gain most from a long search.
+    constexpr std::size_t kPacksWell = 8;
+    if (HasPalette() && effort_ == kQuickEffort && data_.size() * kPacksWell < rows.size())
+        data_ = Deflate(rows, kSlowEffort);
     packed_ = true;
     if (!keepsPixels_) indexes_.pixels = std::vector<ChoicePixel>();
 }
