@@ -1,5 +1,3 @@
-#include <atomic>
-
 #include "codecs/writers.h"
 
 namespace lumafold {
@@ -16,41 +14,33 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
         if (!frame.image) throw AnimationError("a frame of the animation has no picture");
         writer->Add({*frame.image, frame.delay, frame.transparentIndex});
     }
-    return writer->Finish(animation.comment, options.delays);
+    return writer->Finish(animation.comment, options.delays).Join();
 }
 
 } // namespace
 
-// Several frames for each worker, as they take longer and shorter; one worker packs each at once.
 void AnimationWriter::Add(const FrameView& frame) {
-    constexpr std::size_t kFramesOfWorker = 6;
-    Take(frame);
-    ++waiting_;
-    const std::size_t workers = runner_.Workers();
-    if (waiting_ >= (workers == 1 ? 1 : workers * kFramesOfWorker)) PackAll();
+    runner_.Begin([this, &taken = Take(frame)] {
+        try {
+            taken.Pack();
+        } catch (const std::bad_alloc&) {
+            noMemory_ = true;
+        }
+    });
+    if (noMemory_) throw std::bad_alloc();
 }
 
-std::vector<std::uint8_t> AnimationWriter::Finish(const std::string& comment,
-                                                  std::span<const std::int32_t> delays) {
+PiecedFile AnimationWriter::Finish(const std::string& comment, std::span<const std::int32_t> delays) {
     if (Frames() == 0) throw AnimationError(kNoFrames);
-    PackAll();
+    FinishPacking();
     for (std::size_t i = 0; i < delays.size(); ++i)
         SetDelay(i, delays[i]);
     return Assemble(comment);
 }
 
-void AnimationWriter::PackAll() {
-    const std::size_t first = Frames() - waiting_;
-    std::atomic<bool> failed = false;
-    runner_.ForEach(waiting_, [&](std::size_t i) {
-        try {
-            Pack(first + i);
-        } catch (const std::bad_alloc&) {
-            failed = true;
-        }
-    });
-    if (failed) throw std::bad_alloc();
-    waiting_ = 0;
+void AnimationWriter::FinishPacking() const {
+    AwaitPacking();
+    if (noMemory_) throw std::bad_alloc();
 }
 
 std::unique_ptr<AnimationWriter> NewAnimationWriter(AnimationKind kind, const AnimationFacts& facts,

@@ -2,11 +2,13 @@
 // complexity. Every frame is cut to what it changes on screen, and packed for itself.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
 #include "codecs/file_kinds.h"
 #include "codecs/frame_changes.h"
+#include "codecs/pieced_file.h"
 #include "platform/runner.h"
 
 namespace lumafold {
@@ -14,34 +16,42 @@ namespace lumafold {
 /// How hard to pack PNG data: 1 is fastest, 12 smallest.
 inline constexpr int kLeastEffort = 1, kMostEffort = 12, kUsualEffort = 6;
 
+/// A frame that was taken, with all that packing it needs.
+class PackedFrame {
+public:
+    virtual ~PackedFrame() = default;
+
+    /// Packs it on any thread, at once with other frames. Throws std::bad_alloc.
+    virtual void Pack() = 0;
+};
+
 /// A file in the making. Members throw AnimationError for what the format cannot hold, and std::bad_alloc.
 class AnimationWriter {
 public:
     virtual ~AnimationWriter() = default;
 
-    /// The next frame. What it changes is copied, so that the picture may go. Frames are packed as soon as
-    /// there are enough of them to keep every worker busy.
+    /// The next frame. What it changes is copied, so that the picture may go, and packed beside the caller.
     void Add(const FrameView& frame);
     /// The whole file. `comment` "" for none. `delays` has one for each frame and takes the place of those
     /// that they came with; empty leaves them. The writer is spent.
-    std::vector<std::uint8_t> Finish(const std::string& comment, std::span<const std::int32_t> delays = {});
+    PiecedFile Finish(const std::string& comment, std::span<const std::int32_t> delays = {});
 
 protected:
     explicit AnimationWriter(const Runner& runner) : runner_(runner) {}
-    /// Copies what the frame changes.
-    virtual void Take(const FrameView& frame) = 0;
+    /// Copies what the frame changes. What it returns stays where it is until packing has ended.
+    virtual PackedFrame& Take(const FrameView& frame) = 0;
     virtual std::size_t Frames() const = 0;
-    /// Packs the frame, once; on any thread, and at once with other frames. Throws std::bad_alloc.
-    virtual void Pack(std::size_t frame) = 0;
     virtual void SetDelay(std::size_t frame, std::int32_t delay) = 0;
     /// The file of frames that are all packed, of which there is one at least.
-    virtual std::vector<std::uint8_t> Assemble(const std::string& comment) = 0;
-    /// Packs what is not packed yet.
-    void PackAll();
+    virtual PiecedFile Assemble(const std::string& comment) = 0;
+    /// Returns when all frames that were taken are packed or have failed; called before any of them goes.
+    void AwaitPacking() const { runner_.Settle(); }
+    /// The same; throws std::bad_alloc when one has failed.
+    void FinishPacking() const;
 
 private:
     const Runner& runner_;
-    std::size_t waiting_ = 0; ///< frames that were taken and are not packed yet
+    std::atomic<bool> noMemory_ = false; ///< for packing one of the frames
 };
 
 /// Throws AnimationError for sides that the format cannot hold. GIF knows no effort. `runner` packs, and

@@ -1,4 +1,4 @@
-#include <numeric>
+#include <deque>
 
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::int32_t kMostDelay = 65535;
 constexpr std::uint32_t kTicksPerSecond = 100;
-constexpr std::size_t kFrameChunks = 60; // bytes around the data of a frame
 enum class Dispose : std::uint8_t { None = 0 };
 enum class Blend : std::uint8_t { Source = 0, Over = 1 };
 
@@ -28,38 +27,37 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngPicture& picture
 /// All pictures of a file are of one kind and share their palette: indexes as long as those of all frames so
 /// far, and a hole where one is needed, find room in it; from then on colours. What was written by then is
 /// read back.
-class ApngWriter : public AnimationWriter {
+class ApngWriter final : public AnimationWriter {
 public:
     ApngWriter(const AnimationFacts& facts, int effort, const Runner& runner)
         : AnimationWriter(runner), facts_(facts), effort_(effort),
           reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
+    ~ApngWriter() override { AwaitPacking(); }
 
 private:
-    void Take(const FrameView& frame) override {
+    PackedFrame& Take(const FrameView& frame) override {
         if (!colours_ && frame.picture.biBitCount <= 8) {
             const Rect changed = screen_.Show(reader_.ReadIndexes(frame));
             const Rect rect = frames_.empty() ? screen_.Whole() : changed;
             const IndexUse use(screen_, rect);
             if (Admit(use, frame.transparentIndex)) {
                 // A widely used viewer misplaces cropped frames of packed pixels, so only a single picture is
-                // packed.
-                if (!frames_.empty()) frames_.front().KeepPixels(false);
-                frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay,
-                                     EffortOfFrame(effort_, frames_.size()));
-                frames_.back().KeepPixels(frames_.size() == 1);
-                return;
+                // packed, when it is known to be the only one.
+                return frames_.emplace_back(table_.Cut(screen_, rect, table_.Hole()), 8, frame.delay,
+                                            EffortOfFrame(effort_, frames_.size()),
+                                            frames_.empty() ? AfterPacking::KeepPixels
+                                                            : AfterPacking::DropPixels);
             }
         }
         const FramePixels pixels = reader_.ReadColours(frame);
         if (!colours_) StartAgain(pixels);
-        TakeColours(pixels, frame.delay);
+        return TakeColours(pixels, frame.delay);
     }
 
     std::size_t Frames() const override { return frames_.size(); }
-    void Pack(std::size_t frame) override { frames_[frame].Pack(); }
     void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].SetDelay(delay); }
 
-    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
+    PiecedFile Assemble(const std::string& comment) override {
         const int bits = !colours_ && frames_.size() == 1 ? BitsFor(table_.Entries()) : 8;
         if (bits < 8) frames_.front().Repack(bits);
         ChunkWriter file(kPngSignature);
@@ -71,9 +69,6 @@ private:
             file.Put("tRNS", colours_ ? PngTransparentColour(hole_) : TransparentEntry());
         file.PutComment(comment);
         std::uint32_t sequence = 0;
-        file.Reserve(std::accumulate(
-            frames_.begin(), frames_.end(), std::size_t{0},
-            [](std::size_t sum, const auto& picture) { return sum + picture.Bytes() + kFrameChunks; }));
         for (PngPicture& picture : frames_) {
             const bool first = &picture == &frames_.front();
             file.Put("fcTL", FrameControl(sequence++, picture, first ? Blend::Source : Blend::Over));
@@ -82,7 +77,7 @@ private:
             file.Put(first ? "IDAT" : "fdAT", number, picture.TakeData());
         }
         file.Put("IEND");
-        return file.Take();
+        return file.TakePieces();
     }
 
     /// Holes get an entry early, so that what is told of it is short; but not where they might take one that
@@ -113,14 +108,14 @@ private:
         return data.U8(0);
     }
 
-    void TakeColours(const FramePixels& pixels, std::int32_t delay) {
+    PngPicture& TakeColours(const FramePixels& pixels, std::int32_t delay) {
         Rect rect = screen_.Show(pixels);
         if (hole_ != kNoPixel && Draws(screen_, rect, hole_)) {
             StartAgain(pixels);
             rect = screen_.Show(pixels);
         }
         if (frames_.empty()) rect = screen_.Whole();
-        frames_.emplace_back(CutColours(screen_, rect, hole_), delay, effort_);
+        return frames_.emplace_back(CutColours(screen_, rect, hole_), delay, effort_);
     }
 
     /// Writes all frames so far in colours, with a hole that neither they nor `next` have.
@@ -129,8 +124,8 @@ private:
         taken.Add(next.values);
         std::vector<std::uint8_t> before;
         if (!frames_.empty()) {
-            PackAll();
-            before = Assemble("");
+            FinishPacking();
+            before = Assemble("").Join();
             Play(before, [&](const ShownScreen& screen, std::int32_t) { taken.Add(screen.pixels); });
         }
         frames_.clear();
@@ -139,8 +134,7 @@ private:
         hole_ = taken.Free();
         if (before.empty()) return;
         Play(before, [&](const ShownScreen& screen, std::int32_t delay) {
-            TakeColours({screen.width, screen.height, screen.pixels}, delay);
-            frames_.back().Pack();
+            TakeColours({screen.width, screen.height, screen.pixels}, delay).Pack();
         });
     }
     static void Play(const std::vector<std::uint8_t>& file, const OnScreen& onScreen) {
@@ -158,7 +152,7 @@ private:
     FileTable table_;
     bool colours_ = false;
     PixelValue hole_ = kNoPixel; ///< of colours
-    std::vector<PngPicture> frames_;
+    std::deque<PngPicture> frames_;
 };
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <numeric>
+#include <deque>
 #include <span>
 #include <utility>
 
@@ -16,7 +16,6 @@ constexpr std::int32_t kMostDelay = 65535, kMostRepeats = 65535;
 
 class GifBytes {
 public:
-    void Reserve(std::size_t bytes) { bytes_.reserve(bytes_.size() + bytes); }
     void U8(std::uint32_t value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
     void U16(std::int32_t value) {
         U8(static_cast<std::uint32_t>(value) & 0xFF);
@@ -25,6 +24,7 @@ public:
     void Text(std::string_view text) { bytes_.insert(bytes_.end(), text.begin(), text.end()); }
     /// Cut into pieces of at most 255 bytes, each after its length, and ended by an empty one.
     void SubBlocks(std::span<const std::uint8_t> data) {
+        bytes_.reserve(bytes_.size() + data.size() + data.size() / 255 + 2);
         while (!data.empty()) {
             const auto piece = data.first(std::min<std::size_t>(data.size(), 255));
             U8(static_cast<std::uint32_t>(piece.size()));
@@ -45,7 +45,7 @@ enum class Rows { All, Sample };
 /// the encoder finds it better; or those in any case.
 enum class LeftOut { None, ChoiceOfVaried, Choice, Varied, All };
 
-class GifFrame {
+class GifFrame final : public PackedFrame {
 public:
     GifFrame(IndexCut cut, std::int32_t delay) : cut_(std::move(cut)), delay_(delay) {}
 
@@ -53,33 +53,38 @@ public:
     /// packs better at the moment; but a run of one colour is a string already that a hole would break, an
     /// entry for holes may cost more than it saves, and what is always the same makes longer strings. So
     /// several ways are tried.
-    void Pack() {
-        if (!codes_.bytes.empty()) return;
+    void Pack() override {
+        Codes best{};
         for (const Way& way : WaysToTry()) {
             Codes codes = Encode(way, Rows::All);
-            if (codes_.bytes.empty() || codes.bytes.size() < codes_.bytes.size()) codes_ = std::move(codes);
+            if (best.bytes.empty() || codes.bytes.size() < best.bytes.size()) best = std::move(codes);
         }
         cut_.pixels = std::vector<ChoicePixel>();
+        hasHoles_ = best.hasHoles;
+        GifBytes data;
+        data.U8(static_cast<std::uint32_t>(best.bits));
+        data.SubBlocks(best.bytes);
+        data_ = data.Take();
     }
 
     void SetDelay(std::int32_t delay) { delay_ = delay; }
-    std::size_t Bytes() const { return codes_.bytes.size(); }
     /// Gives the packed data away.
-    void Put(GifBytes& file) {
+    void Put(PiecedFile& file) {
         constexpr std::uint32_t kLeaveInPlace = 1 << 2;
-        file.Text("\x21\xF9\x04");
-        file.U8(kLeaveInPlace | (codes_.hasHoles ? 1 : 0));
-        file.U16(std::clamp(delay_, 0, kMostDelay));
-        file.U8(static_cast<std::uint32_t>(codes_.hasHoles ? cut_.hole : 0));
-        file.U8(0);
-        file.U8(0x2C);
-        file.U16(cut_.rect.left);
-        file.U16(cut_.rect.top);
-        file.U16(RectWidth(cut_.rect));
-        file.U16(RectHeight(cut_.rect));
-        file.U8(0);
-        file.U8(static_cast<std::uint32_t>(codes_.bits));
-        file.SubBlocks(std::exchange(codes_.bytes, {}));
+        GifBytes head;
+        head.Text("\x21\xF9\x04");
+        head.U8(kLeaveInPlace | (hasHoles_ ? 1 : 0));
+        head.U16(std::clamp(delay_, 0, kMostDelay));
+        head.U8(static_cast<std::uint32_t>(hasHoles_ ? cut_.hole : 0));
+        head.U8(0);
+        head.U8(0x2C);
+        head.U16(cut_.rect.left);
+        head.U16(cut_.rect.top);
+        head.U16(RectWidth(cut_.rect));
+        head.U16(RectHeight(cut_.rect));
+        head.U8(0);
+        file.Add(head.Take());
+        file.Add(std::exchange(data_, {}));
     }
 
 private:
@@ -179,17 +184,19 @@ private:
 
     IndexCut cut_;
     std::int32_t delay_;
-    Codes codes_{};
+    bool hasHoles_ = false;
+    std::vector<std::uint8_t> data_;
 };
 
-class GifWriter : public AnimationWriter {
+class GifWriter final : public AnimationWriter {
 public:
     GifWriter(const AnimationFacts& facts, const Runner& runner)
         : AnimationWriter(runner), facts_(facts), reader_(facts.width, facts.height, facts.palette),
           screen_(facts.width, facts.height) {}
+    ~GifWriter() override { AwaitPacking(); }
 
 private:
-    void Take(const FrameView& frame) override {
+    PackedFrame& Take(const FrameView& frame) override {
         if (frame.picture.biBitCount > 8) throw AnimationError("GIF cannot hold true-colour frames");
         const FramePixels pixels = reader_.ReadIndexes(frame);
         const Rect changed = screen_.Show(pixels);
@@ -197,23 +204,19 @@ private:
         const Rect rect = frames_.empty() ? Rect{0, 0, pixels.width, pixels.height} : changed;
         const IndexUse use(screen_, rect);
         table_.Admit(use);
-        frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
+        return frames_.emplace_back(table_.Cut(screen_, rect, ChooseHole(use)), frame.delay);
     }
 
     std::size_t Frames() const override { return frames_.size(); }
-    void Pack(std::size_t frame) override { frames_[frame].Pack(); }
     void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].SetDelay(delay); }
 
-    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
-        GifBytes file;
-        PutHead(file, comment);
-        file.Reserve(std::accumulate(
-            frames_.begin(), frames_.end(), std::size_t{0},
-            [](std::size_t sum, const GifFrame& frame) { return sum + frame.Bytes() * 256 / 255 + 32; }));
+    PiecedFile Assemble(const std::string& comment) override {
+        PiecedFile file;
+        file.Add(Head(comment));
         for (GifFrame& frame : frames_)
             frame.Put(file);
-        file.U8(0x3B);
-        return file.Take();
+        file.Add({0x3B});
+        return file;
     }
 
     /// As the task said, but never too few for the indexes that occur: fixed palettes are searched beyond
@@ -244,8 +247,9 @@ private:
         return choice;
     }
 
-    void PutHead(GifBytes& file, const std::string& comment) const {
+    std::vector<std::uint8_t> Head(const std::string& comment) const {
         const int bits = TableBits();
+        GifBytes file;
         file.Text("GIF89a");
         file.U16(facts_.width);
         file.U16(facts_.height);
@@ -267,13 +271,14 @@ private:
             file.Text("\x21\xFE");
             file.SubBlocks({reinterpret_cast<const std::uint8_t*>(comment.data()), comment.size()});
         }
+        return file.Take();
     }
 
     AnimationFacts facts_;
     FrameReader reader_;
     Screen screen_;
     FileTable table_;
-    std::vector<GifFrame> frames_;
+    std::deque<GifFrame> frames_;
 };
 
 } // namespace

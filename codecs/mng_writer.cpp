@@ -1,4 +1,4 @@
-#include <numeric>
+#include <deque>
 
 #include "codecs/free_colour.h"
 #include "codecs/png_pictures.h"
@@ -8,7 +8,6 @@ namespace lumafold {
 namespace {
 
 constexpr std::uint32_t kTicksPerSecond = 100, kInfinite = 0x7FFFFFFF;
-constexpr std::size_t kMostAround = 1024; // bytes around the data of a frame, its palette among them
 
 /// What a reader must be able to do, one bit each.
 enum Profile : std::uint32_t {
@@ -45,14 +44,15 @@ ChunkWriter::Data Place(const Rect& rect) {
 
 /// Every picture is a PNG picture for itself, with a palette of its own as long as one is enough: one palette
 /// for the whole file would be smaller, but not all readers join it with transparency.
-class MngWriter : public AnimationWriter {
+class MngWriter final : public AnimationWriter {
 public:
     MngWriter(const AnimationFacts& facts, int effort, const Runner& runner)
         : AnimationWriter(runner), facts_(facts), effort_(effort),
           reader_(facts.width, facts.height, facts.palette), screen_(facts.width, facts.height) {}
+    ~MngWriter() override { AwaitPacking(); }
 
 private:
-    void Take(const FrameView& frame) override {
+    PackedFrame& Take(const FrameView& frame) override {
         if (!colours_ && frame.picture.biBitCount > 8) UseColours();
         const Rect changed = screen_.Show(colours_ ? reader_.ReadColours(frame) : reader_.ReadIndexes(frame));
         // The first frame is whole: it is what is seen where animations are not understood.
@@ -63,25 +63,22 @@ private:
             const PixelValue hole = Hole(rect);
             PngPicture picture(CutColours(screen_, rect, hole), frame.delay, effort_);
             frames_.push_back({std::move(picture), {}, hole});
-            return;
+            return frames_.back().picture;
         }
         PngPicture picture(table.Cut(screen_, rect, table.Hole()), BitsFor(table.Entries()), frame.delay,
                            EffortOfFrame(effort_, frames_.size()));
         frames_.push_back({std::move(picture), table.Colours(facts_.palette), kNoPixel});
+        return frames_.back().picture;
     }
 
     std::size_t Frames() const override { return frames_.size(); }
-    void Pack(std::size_t frame) override { frames_[frame].picture.Pack(); }
     void SetDelay(std::size_t frame, std::int32_t delay) override { frames_[frame].picture.SetDelay(delay); }
 
-    std::vector<std::uint8_t> Assemble(const std::string& comment) override {
+    PiecedFile Assemble(const std::string& comment) override {
         ChunkWriter file(kMngSignature);
         file.Put("MHDR", Header());
         file.Put("TERM", Termination(facts_.plays));
         file.PutComment(comment);
-        file.Reserve(std::accumulate(
-            frames_.begin(), frames_.end(), std::size_t{0},
-            [](std::size_t sum, const Frame& frame) { return sum + frame.picture.Bytes() + kMostAround; }));
         for (std::size_t i = 0; i < frames_.size(); ++i) {
             const std::int32_t delay = frames_[i].picture.Delay();
             // The first frame says everything: the loop comes back to it with the last one's values.
@@ -90,7 +87,7 @@ private:
             PutPicture(file, frames_[i]);
         }
         file.Put("MEND");
-        return file.Take();
+        return file.TakePieces();
     }
 
     struct Frame {
@@ -152,7 +149,7 @@ private:
     FrameReader reader_;
     Screen screen_;
     bool colours_ = false;
-    std::vector<Frame> frames_;
+    std::deque<Frame> frames_;
 };
 
 } // namespace

@@ -41,8 +41,10 @@ bool IsDispensable(std::string_view type) {
     return (type.front() & 0x20) != 0 && type != "fcTL" && type != "fdAT";
 }
 
-std::uint32_t Checksum(std::span<const std::uint8_t> bytes) {
-    return libdeflate_crc32(0, bytes.data(), bytes.size());
+/// Of bytes that follow those of which `before` is the sum, 0 for none.
+std::uint32_t Checksum(std::uint32_t before, std::span<const std::uint8_t> bytes) {
+    // The library begins anew where there is no pointer.
+    return bytes.empty() ? before : libdeflate_crc32(before, bytes.data(), bytes.size());
 }
 
 } // namespace
@@ -65,14 +67,13 @@ ChunkWriter::Data& ChunkWriter::Data::Text(std::string_view text) {
     return Bytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
-void ChunkWriter::Put(std::string_view type, const Data& data, std::span<const std::uint8_t> more) {
-    Data head, end;
+void ChunkWriter::Put(std::string_view type, const Data& data, std::vector<std::uint8_t> more) {
+    Data head;
     head.U32(static_cast<std::uint32_t>(data.Get().size() + more.size())).Text(type).Bytes(data.Get());
-    bytes_.insert(bytes_.end(), head.Get().begin(), head.Get().end());
-    bytes_.insert(bytes_.end(), more.begin(), more.end());
-    const std::size_t summed = type.size() + data.Get().size() + more.size(); // all but the length
-    end.U32(Checksum(std::span(bytes_).last(summed)));
-    bytes_.insert(bytes_.end(), end.Get().begin(), end.Get().end());
+    file_.Add(head.Get());
+    const std::uint32_t sum = Checksum(Checksum(0, std::span(head.Get()).subspan(4)), more);
+    file_.Add(std::move(more));
+    file_.Add(Data().U32(sum).Get());
 }
 
 void ChunkWriter::PutComment(const std::string& text) {
@@ -120,7 +121,7 @@ bool ChunkReader::Take(Chunk& chunk) {
     const Chunk head{"", rest_};
     const std::size_t length = head.U32(0);
     if (length > rest_.size() - kAround) throw DecodeError{kEndsTooEarly};
-    const bool whole = Checksum(rest_.subspan(4, length + 4)) == head.U32(8 + length);
+    const bool whole = Checksum(0, rest_.subspan(4, length + 4)) == head.U32(8 + length);
     chunk = {{reinterpret_cast<const char*>(rest_.data()) + 4, 4}, rest_.subspan(8, length)};
     // Types are letters, and messages name them.
     if (!std::all_of(chunk.type.begin(), chunk.type.end(),

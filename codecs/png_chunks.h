@@ -8,14 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "codecs/pieced_file.h"
+
 namespace lumafold {
 
 class ChunkWriter {
 public:
-    explicit ChunkWriter(std::string_view signature) { bytes_.assign(signature.begin(), signature.end()); }
-
-    /// Room for `bytes` more, so that a large file is not copied as it grows.
-    void Reserve(std::size_t bytes) { bytes_.reserve(bytes_.size() + bytes); }
+    explicit ChunkWriter(std::string_view signature) { file_.Add(Data().Text(signature).Get()); }
 
     class Data {
     public:
@@ -31,13 +30,14 @@ public:
     };
     void Put(std::string_view type, const Data& data = {}) { Put(type, data, {}); }
     /// Data in two pieces, so that the second need not be copied.
-    void Put(std::string_view type, const Data& data, std::span<const std::uint8_t> more);
+    void Put(std::string_view type, const Data& data, std::vector<std::uint8_t> more);
     /// A text chunk under the keyword for comments; none for an empty text.
     void PutComment(const std::string& text);
-    std::vector<std::uint8_t> Take() { return std::move(bytes_); }
+    PiecedFile TakePieces() { return std::move(file_); }
+    std::vector<std::uint8_t> Take() { return std::move(file_).Join(); }
 
 private:
-    std::vector<std::uint8_t> bytes_;
+    PiecedFile file_;
 };
 
 struct Chunk {

@@ -64,8 +64,8 @@ int EffortOfFrame(int effort, std::size_t frame) {
     return frame * ofTwenty % 20 < ofTwenty ? kSlowEffort : kQuickEffort;
 }
 
-PngPicture::PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort)
-    : rect_(cut.rect), bits_(bits), delay_(delay), effort_(effort), indexes_(std::move(cut)) {}
+PngPicture::PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort, AfterPacking after)
+    : rect_(cut.rect), bits_(bits), delay_(delay), effort_(effort), after_(after), indexes_(std::move(cut)) {}
 
 PngPicture::PngPicture(ColourCut cut, std::int32_t delay, int effort)
     : rect_(cut.rect), bits_(24), delay_(delay), effort_(effort), colours_(std::move(cut)) {}
@@ -73,7 +73,6 @@ PngPicture::PngPicture(ColourCut cut, std::int32_t delay, int effort)
 /// Pixels that do not change may be drawn once more or left out, and rows of colours filtered or not; which
 /// packs best depends on the pictures.
 void PngPicture::Pack() {
-    if (packed_) return;
     const std::vector<Way> ways = Ways();
     Way best = ways.front();
     bool hasHoles = false;
@@ -95,19 +94,12 @@ void PngPicture::Pack() {
     constexpr std::size_t kPacksWell = 8;
     if (HasPalette() && effort_ == kQuickEffort && data_.size() * kPacksWell < rows.size())
         data_ = Deflate(rows, kSlowEffort);
-    packed_ = true;
-    if (!keepsPixels_) indexes_.pixels = std::vector<ChoicePixel>();
+    if (after_ == AfterPacking::DropPixels) indexes_.pixels = std::vector<ChoicePixel>();
 }
 
 void PngPicture::Repack(int bits) {
     bits_ = bits;
-    packed_ = false;
     Pack();
-}
-
-void PngPicture::KeepPixels(bool keep) {
-    keepsPixels_ = keep;
-    if (packed_ && !keep) indexes_.pixels = std::vector<ChoicePixel>();
 }
 
 std::vector<PngPicture::Way> PngPicture::Ways() const {

@@ -38,18 +38,20 @@ bool Draws(const Screen& screen, const Rect& rect, PixelValue colour);
 /// at 10, but that takes three times as long: at 6 to 9 a growing share of the frames is packed at 10.
 int EffortOfFrame(int effort, std::size_t frame);
 
-class PngPicture {
+/// What becomes of a picture's pixels once they are packed.
+enum class AfterPacking { DropPixels, KeepPixels };
+
+class PngPicture final : public PackedFrame {
 public:
     /// `bits` of a pixel, 1, 2, 4 or 8.
-    PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort);
+    PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort,
+               AfterPacking after = AfterPacking::DropPixels);
     PngPicture(ColourCut cut, std::int32_t delay, int effort);
 
-    /// Nothing when it is packed already. Throws std::bad_alloc.
-    void Pack();
+    void Pack() override;
     void SetDelay(std::int32_t delay) { delay_ = delay; }
-    /// Indexes may be packed once more, at fewer bits a pixel, until they are told to be needed no longer.
+    /// Indexes that were kept may be packed once more, at fewer bits a pixel.
     void Repack(int bits);
-    void KeepPixels(bool keep);
 
     const Rect& Place() const { return rect_; }
     std::int32_t Delay() const { return delay_; }
@@ -57,7 +59,6 @@ public:
     int Bits() const { return bits_; }
     // These are known once it is packed.
     bool HasHoles() const { return hasHoles_; }
-    std::size_t Bytes() const { return data_.size(); }
     /// Gives the packed data away.
     std::vector<std::uint8_t> TakeData() { return std::move(data_); }
 
@@ -84,7 +85,8 @@ private:
     int bits_; ///< of a pixel, 24 for colours
     std::int32_t delay_;
     int effort_;
-    bool packed_ = false, keepsPixels_ = false, hasHoles_ = false;
+    AfterPacking after_ = AfterPacking::DropPixels;
+    bool hasHoles_ = false;
     IndexCut indexes_;
     ColourCut colours_;
     std::vector<std::uint8_t> data_;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <type_traits>
+#include <functional>
 
 #include "platform/non_copyable.h"
 
@@ -24,6 +24,12 @@ public:
         Run(
             count, [](const void* w, std::size_t i) { (*static_cast<const Work*>(w))(i); }, &work);
     }
+
+    /// Has `work` done beside the caller, who goes on, by the time Settle returns. When others are slower it
+    /// is done before this returns. `work` must not throw.
+    virtual void Begin(const std::function<void()>& work) const { work(); }
+    /// Returns when all that was begun has ended.
+    virtual void Settle() const {}
 
 protected:
     using Piece = void (*)(const void* work, std::size_t index);

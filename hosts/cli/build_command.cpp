@@ -16,8 +16,8 @@
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/load_pictures.h"
 #include "hosts/cli/memory_limit.h"
-#include "hosts/cli/peak_memory.h"
 #include "hosts/cli/picture_order.h"
+#include "hosts/cli/process_memory.h"
 #include "hosts/cli/standard_streams.h"
 #include "hosts/common/paths.h"
 #include "hosts/common/processors.h"
@@ -133,7 +133,7 @@ private:
         RemarkOnSize(estimate);
         const bool trueColour = settings_.TransitionTruecolour != 0;
         const TakerNeed taker =
-            NeedOf(kind_, trueColour, trueColour ? PackedBytes(list) : 0, pool_.Workers());
+            NeedOf(kind_, options_.quality, trueColour, trueColour ? PackedBytes(list) : 0, pool_.Workers());
         why = WhyTooLarge(estimate, CommandBytes(list, estimate, taker), memoryLimit_);
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
     }
@@ -191,6 +191,7 @@ private:
             if (picture) sheet = EncodePng(picture.Get(), error);
             if (sheet.empty()) throw Failure(kFailed, "--sheet " + options_.sheet + ": " + error);
         }
+        ReturnFreedMemory(); // of the frames, before a file takes as much
         const std::uint64_t bytes = FileOrError([&] { return frames.Finish(host); }, error);
         if (Interrupted()) return kInterruptedStatus;
         if (!error.empty()) throw Failure(kFailed, NameBefore() + error);

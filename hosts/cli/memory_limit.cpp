@@ -27,21 +27,22 @@ std::string Text(std::uint64_t bytes) {
 
 std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBudget()); }
 
-// As measured. A writer of PNG data holds what a few frames change for each worker, and copies of the rows
-// that are at work; the WebP library works on pictures of its own.
-TakerNeed NeedOf(OutputKind kind, bool trueColour, double packed, std::size_t workers) {
-    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 6 * working;
+// As measured. A writer holds what two waiting frames change for each worker, and copies of the rows that are
+// at work; the WebP library works on pictures of its own.
+TakerNeed NeedOf(OutputKind kind, std::optional<int> quality, bool trueColour, double packed,
+                 std::size_t workers) {
+    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 2 * working;
     switch (kind) {
     case OutputKind::Folder:
         return {3, 0};
     case OutputKind::Y4m:
         return {8, 1.5};
     case OutputKind::Webp:
-        return {66, 1.7 * packed};
+        return quality ? TakerNeed{25, packed / 4} : TakerNeed{90, packed};
     case OutputKind::Gif:
         return {9 + 2 * waiting + 3 * working, 0.3};
     default:
-        return trueColour ? TakerNeed{9 + 6 * waiting + 6 * working, packed}
+        return trueColour ? TakerNeed{9 + 4 * waiting + 6 * working, packed}
                           : TakerNeed{9 + 2 * waiting + 3 * working, 0.3};
     }
 }

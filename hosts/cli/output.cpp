@@ -100,9 +100,9 @@ public:
     }
     void Add(const FrameView& frame) override { writer_->Add(frame); }
     std::uint64_t Finish(const FinishedTask& task) override {
-        const std::vector<std::uint8_t> file = writer_->Finish(task.comment, task.delays);
+        const PiecedFile file = writer_->Finish(task.comment, task.delays);
         writer_.reset();
-        return to_.Put(file);
+        return to_.Put(file.Pieces());
     }
 
 private:

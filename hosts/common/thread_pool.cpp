@@ -38,7 +38,7 @@ void ThreadPool::Run(std::size_t count, Piece piece, const void* work) const {
     workCame_.notify_all();
     while (batch.HasNext())
         RunNext(batch, lock);
-    pieceEnded_.wait(lock, [&] { return batch.running == 0; });
+    pieceEnded_.wait(lock, [&] { return batch.Ended(); });
     std::erase(batches_, &batch);
     if (batch.failure) std::rethrow_exception(batch.failure);
 }
@@ -59,13 +59,58 @@ void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const
         batch.next = batch.count;
         if (!batch.failure) batch.failure = failure;
     }
-    if (--batch.running == 0 && !batch.HasNext()) pieceEnded_.notify_all();
+    --batch.running;
+    if (batch.Ended()) pieceEnded_.notify_all();
+}
+
+void ThreadPool::Begin(const std::function<void()>& work) const {
+    if (workers_.empty()) {
+        Runner::Begin(work);
+        return;
+    }
+    constexpr std::ptrdiff_t kMostOfThread = 2;
+    const auto waiting = [&] {
+        return std::count_if(errands_.begin(), errands_.end(),
+                             [](const Errand& one) { return one.batch.HasNext(); });
+    };
+    std::unique_lock lock(mutex_);
+    DropEndedErrands();
+    errands_.emplace_back(work);
+    workCame_.notify_one();
+    while (waiting() > kMostOfThread * static_cast<std::ptrdiff_t>(Workers()))
+        RunNext(*OpenErrand(), lock);
+}
+
+void ThreadPool::Settle() const {
+    std::unique_lock lock(mutex_);
+    while (Batch* errand = OpenErrand())
+        RunNext(*errand, lock);
+    pieceEnded_.wait(lock, [&] {
+        return std::all_of(errands_.begin(), errands_.end(),
+                           [](const Errand& one) { return one.batch.Ended(); });
+    });
+    DropEndedErrands();
+}
+
+/// From the front; throws what the first of them threw.
+void ThreadPool::DropEndedErrands() const {
+    while (!errands_.empty() && errands_.front().batch.Ended()) {
+        const std::exception_ptr failure = errands_.front().batch.failure;
+        errands_.pop_front();
+        if (failure) std::rethrow_exception(failure);
+    }
+}
+
+ThreadPool::Batch* ThreadPool::OpenErrand() const {
+    const auto open =
+        std::find_if(errands_.begin(), errands_.end(), [](const Errand& one) { return one.batch.HasNext(); });
+    return open == errands_.end() ? nullptr : &open->batch;
 }
 
 ThreadPool::Batch* ThreadPool::OpenBatch() const {
     const auto open =
         std::find_if(batches_.rbegin(), batches_.rend(), [](const Batch* one) { return one->HasNext(); });
-    return open == batches_.rend() ? nullptr : *open;
+    return open == batches_.rend() ? OpenErrand() : *open;
 }
 
 void ThreadPool::Work() const {

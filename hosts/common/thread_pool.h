@@ -3,6 +3,7 @@
 
 #include <condition_variable>
 #include <cstddef>
+#include <deque>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -22,6 +23,11 @@ public:
 
     std::size_t Workers() const override { return workers_.size() + 1; }
 
+    /// Two pieces for each thread may wait; who brings one more does one of them. What a piece threw is
+    /// thrown from here or from Settle.
+    void Begin(const std::function<void()>& work) const override;
+    void Settle() const override;
+
 private:
     struct Batch {
         const Piece piece;
@@ -31,6 +37,13 @@ private:
         std::exception_ptr failure{};
 
         bool HasNext() const { return next < count; }
+        bool Ended() const { return !HasNext() && running == 0; }
+    };
+    /// A single piece that nobody waits for yet.
+    struct Errand {
+        std::function<void()> work;
+        Batch batch{[](const void* w, std::size_t) { (*static_cast<const std::function<void()>*>(w))(); },
+                    &work, 1};
     };
 
     /// When a piece throws, no further ones are begun, and the first exception is thrown from here.
@@ -38,10 +51,13 @@ private:
     void Work() const;
     void RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const;
     Batch* OpenBatch() const;
+    Batch* OpenErrand() const;
+    void DropEndedErrands() const;
 
     mutable std::mutex mutex_;
     mutable std::condition_variable workCame_, pieceEnded_;
     mutable std::vector<Batch*> batches_; // the latest is served first: those around it wait for it
+    mutable std::deque<Errand> errands_;  // served after batches, the earliest first
     bool ends_ = false;
     std::vector<std::thread> workers_;
 };

@@ -263,11 +263,12 @@ TEST(AnimationWriters, FindAnotherHoleWhenFramesDrawTheirs) {
 
 /// Runs pieces from the last to the first.
 class Backwards final : public Runner {
-    std::size_t Workers() const override { return 3; }
-    void Run(std::size_t count, Piece piece, const void* work) const override {
-        while (count > 0)
-            piece(work, --count);
+    void Begin(const std::function<void()>& work) const override { begun_.push_back(work); }
+    void Settle() const override {
+        for (; !begun_.empty(); begun_.pop_back())
+            begun_.back()();
     }
+    mutable std::vector<std::function<void()>> begun_;
 };
 
 TEST(AnimationWriters, PackFramesInAnyOrderAndTakeOtherDelaysLater) {
@@ -286,7 +287,7 @@ TEST(AnimationWriters, PackFramesInAnyOrderAndTakeOtherDelaysLater) {
                 const OwnedDib copy(GlobalDuplicate(frame.image.Get())); // gone before it is packed
                 writer->Add({*copy, 3, frame.transparentIndex});
             }
-            EXPECT_EQ(writer->Finish(animation.comment, delays), whole);
+            EXPECT_EQ(writer->Finish(animation.comment, delays).Join(), whole);
         }
         if (name.find("large") == std::string::npos) continue;
         std::string error;

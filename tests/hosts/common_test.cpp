@@ -48,6 +48,35 @@ TEST(ThreadPool, WorksAtOnceAndHandsFailuresToTheCaller) {
     }
 }
 
+TEST(ThreadPool, DoesErrandsBesideTheirGiver) {
+    for (const int jobs : {1, 2, 5}) {
+        const ThreadPool pool(jobs);
+        std::atomic<int> calls = 0;
+        bool settled = true; // by what follows, too
+        for (int i = 0; i < 200; ++i) {
+            pool.Begin([&] { pool.ForEach(3, [&](std::size_t) { ++calls; }); });
+            if (i % 50 != 49) continue;
+            pool.Settle();
+            settled &= calls == 3 * (i + 1);
+        }
+        EXPECT_TRUE(settled) << jobs;
+        const auto fail = [&] {
+            for (int i = 0; i < 30; ++i)
+                pool.Begin([] { throw std::runtime_error("lost"); });
+            pool.Settle();
+        };
+        EXPECT_THROW(fail(), std::runtime_error) << jobs;
+    }
+    const ThreadPool pool(2);
+    std::atomic<bool> goneOn = false;
+    pool.Begin([&] {
+        while (!goneOn)
+            std::this_thread::yield();
+    });
+    goneOn = true;
+    pool.Settle();
+}
+
 TEST(Processors, AreNoMoreThanTheShareKeepsBusy) {
     const std::pair<const char*, std::optional<int>> kCases[] = {
         {"200000 100000", 2}, {"150000 100000", 2}, {"1000 100000", 1}, {"max 100000", std::nullopt},

@@ -1,4 +1,4 @@
-#include "hosts/cli/peak_memory.h"
+#include "hosts/cli/process_memory.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -6,6 +6,9 @@
 #include <psapi.h>
 #else
 #include <sys/resource.h>
+#endif
+#ifdef __GLIBC__
+#include <malloc.h>
 #endif
 
 namespace lumafold {
@@ -26,5 +29,11 @@ std::uint64_t PeakMemory() {
 }
 
 #endif
+
+void ReturnFreedMemory() {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
 
 } // namespace lumafold
