@@ -33,8 +33,8 @@ public:
 
     bool Run() {
         BuildFixedPalette(&palette_, &paletteBits_, static_cast<std::int32_t>(settings_.TransitionPalette));
-        if (CountEntries() && MeasureCanvas() && FitsBudget() && PlaceImages() && RenderGaps() &&
-            ChoosePalette() && MarkUnchangedPixels() && ReduceColours()) {
+        if (CountEntries() && MeasureCanvas() && PlaceImages() && RenderGaps() && ChoosePalette() &&
+            MarkUnchangedPixels() && ReduceColours()) {
             return HandOver();
         }
         return Fail(BuildFailure::Memory);
@@ -92,7 +92,7 @@ private:
         return true;
     }
 
-    /// Asked where memory would run out first: what a host sees of a build that fits is not changed by it.
+    /// Asked where memory would run out: a host sees the same of a build that does not fit.
     bool FitsBudget() {
         BuildEstimate estimate;
         return EstimateBuild(list_, request_.kind, settings_, request_.runner.Workers(), estimate) &&
@@ -138,6 +138,7 @@ private:
             std::size_t gaps = 0;
             do {
                 host_.Position(first + 1, count_);
+                if (first == 0 && !FitsBudget()) return false;
                 if (!ReadGap(first++, contexts[gaps++])) return false;
             } while (gaps < most && first < count_ && RendersInTurn(contexts[gaps - 1].transition) &&
                      RendersInTurn(TransitionOf(first)));
@@ -211,41 +212,34 @@ private:
         return true;
     }
 
-    /// Calls `work(index, frame)` for every frame, several for each worker in turn as they take longer and
-    /// shorter, and puts the records back, changed or not: what a record was given is the list's to free.
-    /// Positions are told in order, each before the work on its frame. False as soon as one fails.
+    /// Calls `work(index, record)` for every frame, several for each worker in turn as they take longer and
+    /// shorter. Positions are told in order, each before the work on its frame. False as soon as one fails.
     template <typename Work>
     bool ForEachFrame(Work work) {
-        std::array<FrameRecord, 64> frames;
-        const std::size_t workers = request_.runner.Workers();
-        const std::size_t atOnce = std::min(workers == 1 ? 1 : 4 * workers, frames.size());
-        for (std::int32_t first = 0; first < frames_.count;) {
-            std::size_t count = 0;
-            for (; count < atOnce && first + static_cast<std::int32_t>(count) < frames_.count; ++count) {
-                const std::int32_t index = first + static_cast<std::int32_t>(count);
-                host_.Position(index, frames_.count);
-                if (!FrameListGet(frames_, index, frames[count])) return false;
-            }
-            // The list itself is changed by this thread alone, so that work may read it.
-            std::atomic<bool> failed = false;
-            request_.runner.ForEach(count, [&](std::size_t i) {
-                if (!work(first + static_cast<std::int32_t>(i), frames[i])) failed = true;
+        // Locked until all are done, so that no record can be lost that was given another picture.
+        const GlobalLocked<FrameRecord> records(frames_.handle);
+        if (!records) return false;
+        const auto workers = static_cast<std::int32_t>(request_.runner.Workers());
+        const std::int32_t atOnce = workers == 1 ? 1 : 4 * workers;
+        std::atomic<bool> failed = false;
+        for (std::int32_t first = 0; first < frames_.count && !failed; first += atOnce) {
+            const std::int32_t count = std::min(atOnce, frames_.count - first);
+            for (std::int32_t i = 0; i < count; ++i)
+                host_.Position(first + i, frames_.count);
+            request_.runner.ForEach(static_cast<std::size_t>(count), [&](std::size_t i) {
+                const std::int32_t index = first + static_cast<std::int32_t>(i);
+                if (!work(index, records.Get()[index])) failed = true;
             });
-            for (std::size_t i = 0; i < count; ++i) {
-                if (!FrameListPut(frames_, first++, frames[i])) failed = true;
-            }
-            if (failed) return false;
         }
-        return true;
+        return !failed;
     }
 
     bool MarkUnchangedPixels() {
         if (!supercompress_) return true;
         host_.Caption(LUMAFOLD_CAPTION_SUPERCOMPRESSING);
         return ForEachFrame([&](std::int32_t index, FrameRecord& frame) {
-            FrameRecord before;
-            return index == 0 || (FrameListGet(frames_, index - 1, before) &&
-                                  MarkUnchanged(before.image, frame, settings_.TransitionMattcolour));
+            // The picture before stays as it is while others are marked.
+            return index == 0 || MarkUnchanged((&frame)[-1].image, frame, settings_.TransitionMattcolour);
         });
     }
 

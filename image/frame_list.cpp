@@ -23,9 +23,11 @@ bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay) {
 }
 
 bool FrameListTakeAll(FrameList& list, FrameList& from) {
-    FrameRecord record;
-    for (std::int32_t i = 0; FrameListGet(from, i, record); ++i) {
-        if (!FrameListAppend(list, record) || !FrameListPut(from, i, FrameRecord{})) return false;
+    const GlobalLocked<FrameRecord> records(from.handle);
+    if (!records) return from.count == 0;
+    for (std::int32_t i = 0; i < from.count; ++i) {
+        if (!FrameListAppend(list, records.Get()[i])) return false;
+        records.Get()[i] = {};
     }
     return true;
 }
@@ -34,13 +36,6 @@ bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record
     const GlobalLocked<const FrameRecord> records(index >= 0 && index < list.count ? list.handle : 0);
     if (!records) return false;
     record = records.Get()[index];
-    return true;
-}
-
-bool FrameListPut(FrameList& list, std::int32_t index, const FrameRecord& record) {
-    const GlobalLocked<FrameRecord> records(index >= 0 && index < list.count ? list.handle : 0);
-    if (!records) return false;
-    records.Get()[index] = record;
     return true;
 }
 

@@ -31,9 +31,8 @@ bool FrameListAddImage(FrameList& list, OwnedDib image, std::int32_t delay);
 /// Appends the records of `from`, which no longer owns those that were taken. False when memory is short.
 bool FrameListTakeAll(FrameList& list, FrameList& from);
 
-/// Copy one record out or in; false, touching nothing, when there is no such slot or it cannot be locked.
+/// Copies one record out; false, touching nothing, when there is no such slot or it cannot be locked.
 bool FrameListGet(const FrameList& list, std::int32_t index, FrameRecord& record);
-bool FrameListPut(FrameList& list, std::int32_t index, const FrameRecord& record);
 
 /// Frees the record's pictures and zeroes it.
 void FrameRecordRelease(FrameRecord& record);

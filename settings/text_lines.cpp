@@ -5,6 +5,12 @@
 
 namespace lumafold {
 
+#ifdef _WIN32
+constexpr int kEndOfText = 0x1A; // where this system takes a text file to end
+#else
+constexpr int kEndOfText = -1;
+#endif
+
 bool LineReader::Next(char (&line)[kLineBytes]) {
     std::size_t length = 0;
     int letter = 0;
@@ -24,7 +30,8 @@ int LineReader::Peek() {
         filled_ = file_.Read(buffer_, std::min(sizeof(buffer_), left_));
         left_ -= filled_;
     }
-    return filled_ == 0 ? kEnd : buffer_[at_];
+    const int letter = filled_ == 0 ? kEnd : buffer_[at_];
+    return letter == kEndOfText ? kEnd : letter;
 }
 
 int LineReader::Take() {

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "build/build_driver.h"
 #include "platform/folders.h"
@@ -175,7 +176,32 @@ private:
     std::size_t count_ = 0;
 };
 
-void RunBuild(HWND dialog, TaskKind kind) {
+/// Controls whose values are followed as they change, and what tells of it; -1 for anything they tell.
+constexpr struct {
+    int id, code;
+} kFollowed[] = {{LUMAFOLD_MAIN_DELAY, -1},
+                 {LUMAFOLD_MAIN_PAUSE, -1},
+                 {LUMAFOLD_MAIN_TRANSITION, CBN_CLOSEUP},
+                 {LUMAFOLD_MAIN_PALETTE, CBN_CLOSEUP}};
+
+/// The build goes on with the values it began with; FollowPostponed makes up for it.
+void Postpone(int id, int code) {
+    for (std::size_t i = 0; i < std::size(kFollowed); ++i) {
+        if (kFollowed[i].id == id && (kFollowed[i].code == -1 || kFollowed[i].code == code))
+            Session().postponed |= 1U << i;
+    }
+}
+
+void Notified(HWND dialog, int id, int code);
+
+void FollowPostponed(HWND dialog) {
+    const unsigned postponed = std::exchange(Session().postponed, 0);
+    for (std::size_t i = 0; i < std::size(kFollowed) && IsWindow(dialog) != 0; ++i) {
+        if ((postponed >> i & 1) != 0) Notified(dialog, kFollowed[i].id, kFollowed[i].code);
+    }
+}
+
+void Build(HWND dialog, TaskKind kind) {
     const Raised building(Session().building);
     PauseLogo(dialog, LUMAFOLD_MAIN_LOGO);
     ControlsToSettings(dialog);
@@ -191,6 +217,11 @@ void RunBuild(HWND dialog, TaskKind kind) {
         SendMessageA(list, LB_SETCURSEL, static_cast<WPARAM>(selected), 0);
     }
     ResumeLogo(dialog, LUMAFOLD_MAIN_LOGO);
+}
+
+void RunBuild(HWND dialog, TaskKind kind) {
+    Build(dialog, kind);
+    FollowPostponed(dialog);
 }
 
 void RepaintMatte(HWND dialog) { InvalidateRect(GetDlgItem(dialog, LUMAFOLD_MAIN_MATTE), nullptr, TRUE); }
@@ -298,7 +329,10 @@ void Notified(HWND dialog, int id, int code) {
 }
 
 void Command(HWND dialog, int id, int code) {
-    if (Session().building) return;
+    if (Session().building) {
+        Postpone(id, code);
+        return;
+    }
     if (HasCallback() || id == IDCANCEL) Notified(dialog, id, code);
 }
 
@@ -320,6 +354,9 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
     case WM_COMMAND:
         Command(dialog, LOWORD(wparam), HIWORD(wparam));
         return TRUE;
+    case WM_CLOSE:
+        // The system would make a press of "Cancel" of it, to come after the build.
+        return Session().building ? TRUE : FALSE;
     case WM_DRAWITEM:
         DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
         return TRUE;

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "colour/nearest.h"
 #include "colour/palettes.h"
+#include "colour/remap.h"
 #include "platform/gdi_win32.h"
 #include "resources/texts/resource_ids.h"
 #include "settings/settings.h"
@@ -158,17 +158,27 @@ bool FixedPaletteInUse() {
            IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_TRUE_COLOUR) != BST_CHECKED;
 }
 
+/// What a build without dithering makes of a plain area; the colour itself when memory is short.
+COLORREF Reduced(COLORREF colour, const Palette& palette, int bits) {
+    const RemapOptions plain{Dithering::None, false, 0, 0};
+    const Remapper remapper(palette, bits, static_cast<int>(palette.size()), plain);
+    const OwnedDib area = DibCreateFlat(1, 1, colour);
+    const OwnedDib reduced = remapper && area ? remapper.Reduce(*area) : OwnedDib();
+    if (!reduced) return colour;
+    const Rgb& shown = palette[DibGetPixel(*reduced, 0, 0)];
+    return RGB(shown.red, shown.green, shown.blue);
+}
+
 /// The face is the colour itself, on a screen of few colours by way of the selected palette. The corner shows
 /// what a fixed palette makes of it, while one is in use and that is another colour.
 void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
     Palette colours;
+    int bits = 0;
     const int count =
-        BuildFixedPalette(&colours, nullptr, static_cast<std::int32_t>(Session().settings.TransitionPalette));
+        BuildFixedPalette(&colours, &bits, static_cast<std::int32_t>(Session().settings.TransitionPalette));
     const OwnedGdi<HPALETTE> palette(CreateLogicalPalette(colours, count));
     const SelectedPalette realised(context, palette.Get());
-    const Rgb nearest = colours[static_cast<std::size_t>(
-        FindNearestColour(GetRValue(colour), GetGValue(colour), GetBValue(colour), colours, count))];
-    const COLORREF shown = RGB(nearest.red, nearest.green, nearest.blue);
+    const COLORREF shown = Reduced(colour, colours, bits);
     FillColour(context, area, ScreenDepth() > kFewColours ? colour : shown | 0x02000000);
     if (shown != colour && FixedPaletteInUse()) FillCorner(context, area, shown);
 }

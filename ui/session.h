@@ -19,9 +19,10 @@ struct DialogSession {
     const HostContext* host = nullptr;
     HWND dialog = nullptr;
     HFONT listFont = nullptr;
-    bool open = false;     ///< one dialog at a time, even when a host calls again from within a command
-    bool busy = false;     ///< an action waits for the host, which may pump messages: no other may begin
-    bool building = false; ///< nor may anything change the list or close the dialog
+    bool open = false;      ///< one dialog at a time, even when a host calls again from within a command
+    bool busy = false;      ///< an action waits for the host, which may pump messages: no other may begin
+    bool building = false;  ///< nor may anything change the list or close the dialog
+    unsigned postponed = 0; ///< values that were changed during a build, a bit for each of their controls
 };
 
 DialogSession& Session();

@@ -118,7 +118,7 @@ TEST_F(BuildDriver, GivesUpBeforeRenderingWhatCannotFit) {
     host.Forget();
     EXPECT_EQ(host.Build(list, settings, TaskKind::Build, Runner(), estimate.bytes - 1), 0);
     EXPECT_EQ(host.failures, Failures{BuildFailure::Memory});
-    EXPECT_EQ(host.commands.back(), (RecordedCommand{13, 2, "2"})); // measured, nothing more
+    EXPECT_EQ(host.commands.back(), (RecordedCommand{13, 1, "2"})); // of the first gap
     ExpectListAsItWas(2);
 
     // A test build has no masks; one picture alone has its background beside it.

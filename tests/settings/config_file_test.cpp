@@ -69,7 +69,11 @@ TEST_F(ConfigFile, LinesSetWhatTheyBeginToName) {
         {"TransitionDelay =\t12\n", "TransitionDelay=0"},
         {"TransitionDelay = 12\rTransitionPause = 3\r\r\nFastRemap=0\r\n", "FastRemap=0 TransitionDelay=12"},
         {std::string("TransitionDelay = 1\0002\nFastRemap=0\n", 32), "FastRemap=0 TransitionDelay=1"},
+#ifdef _WIN32 // there it ends the file
+        {"TransitionDelay = 12\r\n\x1AZ\nFastRemap=0\n", "TransitionDelay=12"},
+#else
         {"TransitionDelay = 12\x1A\nFastRemap=0\n", "FastRemap=0 TransitionDelay=12"},
+#endif
         {"TransitionDelay\xA0= 12\n\xE4=1\n\x7F=1\n", ""},
         // Numbers are decimal, modulo 2^32.
         {"TransitionDelay = -1", "TransitionDelay=4294967295"},

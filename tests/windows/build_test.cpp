@@ -153,8 +153,14 @@ TEST_F(Building, TakesNoOrdersWhileTheHostIsAtWork) {
     ASSERT_EQ(host.frames.size(), 3U);
     for (const RecordedFrame& frame : host.frames)
         EXPECT_EQ(frame.delay, 31);
+    EXPECT_EQ(Entry(0).pause, 99) << "what was typed counts afterwards";
 
     host.chosen = 0;
+    host.answer = [&](std::uint32_t command) -> std::optional<std::int32_t> {
+        if (command == 4) SendMessageA(dialog, WM_CLOSE, 0, 0); // with nothing pumped after it
+        return std::nullopt;
+    };
+    Click(LUMAFOLD_MAIN_TEST);
     AddFiles({pictures.Add("d", PlainPicture(3, 3, 0))});
     Click(LUMAFOLD_MAIN_MATTE);
     Click(LUMAFOLD_ID_HELP);
