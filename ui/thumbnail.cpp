@@ -1,7 +1,6 @@
 #include "ui/thumbnail.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "image/resample.h"
 
@@ -10,37 +9,18 @@ namespace {
 
 constexpr int kMargin = 6;
 
-/// A picture's header, which is laid out as the system's, with its whole colour table, however many entries
-/// it calls used.
-struct WholeInfo {
-    explicit WholeInfo(const DibHeader& picture) : header(picture) {
-        header.biClrUsed = 0;
-        if (picture.biBitCount > 8) return;
-        std::memcpy(table, &picture + 1, DibTableEntries(picture.biBitCount) * sizeof(RGBQUAD));
-    }
-    const BITMAPINFO* Get() const { return reinterpret_cast<const BITMAPINFO*>(this); }
-
-    DibHeader header;
-    RGBQUAD table[256];
-};
-
-/// Draws the picture with its corner at the place's, as much of it as fits. False when nothing was drawn
-/// though there are pixels.
+/// Draws a true-colour picture with its corner at the place's, as much of it as fits. False when nothing was
+/// drawn though there are pixels.
 bool Blit(HDC context, const RECT& place, const DibHeader& picture) {
     if (picture.biWidth < 1 || picture.biHeight < 1) return true;
     const int saved = SaveDC(context);
     IntersectClipRect(context, place.left, place.top, place.right, place.bottom);
-    const bool drawn = StretchDIBits(context, place.left, place.top, picture.biWidth, picture.biHeight, 0, 0,
-                                     picture.biWidth, picture.biHeight, ConstRowView(picture).Stored(),
-                                     WholeInfo(picture).Get(), DIB_RGB_COLORS, SRCCOPY) > 0;
+    const bool drawn =
+        StretchDIBits(context, place.left, place.top, picture.biWidth, picture.biHeight, 0, 0,
+                      picture.biWidth, picture.biHeight, ConstRowView(picture).Stored(),
+                      reinterpret_cast<const BITMAPINFO*>(&picture), DIB_RGB_COLORS, SRCCOPY) > 0;
     RestoreDC(context, saved);
     return drawn;
-}
-
-/// Colours are averaged, not the indices that stand for them.
-OwnedDib ScaledColours(const DibHeader& picture, std::int32_t percent) {
-    OwnedDib colours = DibToTrueColour(picture);
-    return colours && percent < 100 ? DibScale(*colours, percent, percent) : std::move(colours);
 }
 
 } // namespace
@@ -51,10 +31,13 @@ RECT DrawThumbnail(const DRAWITEMSTRUCT& item, DibHandle picture) {
     const std::int32_t roomWidth = room.right - room.left, roomHeight = room.bottom - room.top;
     const ReadDib loaded(picture);
     if (!loaded) return {};
-    const std::int32_t percent = FitPercent(loaded->biWidth, loaded->biHeight, roomWidth, roomHeight);
-    const OwnedDib scaled = ScaledColours(*loaded, percent);
-    // Without a smaller copy the picture itself is shown, from the corner of the room on.
-    const DibHeader& shown = scaled ? *scaled : *loaded;
+    // Colours are averaged, not the indices that stand for them.
+    const OwnedDib copy = DibToTrueColour(*loaded);
+    if (!copy) return {};
+    const std::int32_t percent = FitPercent(copy->biWidth, copy->biHeight, roomWidth, roomHeight);
+    const OwnedDib scaled = percent < 100 ? DibScale(*copy, percent, percent) : OwnedDib();
+    // Without a smaller copy the whole one is shown, from the corner of the room on.
+    const DibHeader& shown = scaled ? *scaled : *copy;
 
     RECT place{room.left + FitOffset(roomWidth, shown.biWidth),
                room.top + FitOffset(roomHeight, shown.biHeight), 0, 0};

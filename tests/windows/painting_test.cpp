@@ -153,18 +153,21 @@ TEST(Thumbnail, ShowsWhatCannotBeScaled) {
     // At two percent nothing is left of one pixel, but the frame round it.
     DrawThumbnail(item, PlainPicture(1, 4000, 0xFF).Get());
     EXPECT_EQ(std::tuple(at(105, 9), at(106, 90), at(105, 91)), std::tuple(frame, frame, 0U));
-    // Without memory for a smaller copy the picture itself begins at the corner of the room and ends with it.
+    // Without memory for a smaller copy the whole one begins at the corner of the room and ends with it;
+    // without memory for any, nothing is drawn.
     OwnedDib large = NoisePicture(300, 200, 8, 1);
     large->biClrUsed = 2; // which says nothing about its pixels
     const OwnedDib colours = DibToTrueColour(*large);
-    for (const int failing : {1, 2}) {
+    for (const int failing : {1, 2, 3, 4}) {
         allocation_hooks::FailNth(failing);
         DrawThumbnail(item, large.Get());
         EXPECT_TRUE(allocation_hooks::HasFailed());
         allocation_hooks::FailNth(0);
+        const bool any = failing > 2; // the first two are the copy and a row of it
         for (const POINT place : {POINT{0, 0}, POINT{199, 87}})
-            EXPECT_EQ(at(6 + place.x, 6 + place.y), DibGetPixel(*colours, place.x, place.y));
-        EXPECT_EQ(std::tuple(at(206, 50), at(50, 94), at(207, 95)), std::tuple(frame, frame, 0U));
+            EXPECT_EQ(at(6 + place.x, 6 + place.y), any ? DibGetPixel(*colours, place.x, place.y) : 0U);
+        const COLORREF around = any ? frame : 0U;
+        EXPECT_EQ(std::tuple(at(206, 50), at(50, 94), at(207, 95)), std::tuple(around, around, 0U));
         PatBlt(context.Get(), 0, 0, 212, 100, BLACKNESS);
     }
 }
