@@ -5,8 +5,9 @@
 namespace lumafold {
 namespace {
 
-/// What is packed to find out which way packs best; the order of the ways is the same at every effort.
-constexpr int kTrialEffort = 2;
+/// How hard to pack to find out which way packs best: quickly, since the order of the ways hardly depends on
+/// it. Of indexes the quickest search chose ways that packed up to 2 % worse.
+constexpr int kIndexTrialEffort = 2, kColourTrialEffort = 1;
 constexpr std::size_t kWorthSampling = 32 * 1024; // pixels
 constexpr int kQuickEffort = 7, kSlowEffort = 10;
 
@@ -78,10 +79,10 @@ void PngPicture::Pack() {
     bool hasHoles = false;
     if (ways.size() > 1) {
         const Rows tried = Width() * Height() >= kWorthSampling ? Rows::Sample : Rows::All;
+        const int effort = std::min(effort_, HasPalette() ? kIndexTrialEffort : kColourTrialEffort);
         std::size_t least = ~std::size_t{0};
         for (const Way& way : ways) {
-            const std::size_t bytes =
-                Deflate(Filtered(way, tried, hasHoles), std::min(effort_, kTrialEffort)).size();
+            const std::size_t bytes = Deflate(Filtered(way, tried, hasHoles), effort).size();
             if (bytes < least) best = way;
             least = std::min(least, bytes);
         }
