@@ -71,35 +71,69 @@ PngPicture::PngPicture(IndexCut cut, int bits, std::int32_t delay, int effort, A
 PngPicture::PngPicture(ColourCut cut, std::int32_t delay, int effort)
     : rect_(cut.rect), bits_(24), delay_(delay), effort_(effort), colours_(std::move(cut)) {}
 
-/// Pixels that do not change may be drawn once more or left out, and rows of colours filtered or not; which
-/// packs best depends on the pictures.
+/// Pixels that do not change may be drawn once more or left out, rows of colours filtered or not, and
+/// repetitions said or runs alone; which packs best depends on the pictures.
 void PngPicture::Pack() {
-    const std::vector<Way> ways = Ways();
-    Way best = ways.front();
-    bool hasHoles = false;
-    if (ways.size() > 1) {
-        const Rows tried = Width() * Height() >= kWorthSampling ? Rows::Sample : Rows::All;
-        const int effort = std::min(effort_, HasPalette() ? kIndexTrialEffort : kColourTrialEffort);
-        std::size_t least = ~std::size_t{0};
-        for (const Way& way : ways) {
-            const std::size_t bytes = Deflate(Filtered(way, tried, hasHoles), effort).size();
-            if (bytes < least) best = way;
-            least = std::min(least, bytes);
-        }
+    const std::vector<Way> ways = WaysToTry();
+    for (const Way& way : ways) {
+        bool hasHoles = false;
+        const std::vector<std::uint8_t> rows = Filtered(way, Rows::All, hasHoles);
+        if (&way == &ways.back()) colours_.pixels = std::vector<PixelValue>();
+        std::vector<std::uint8_t> data = Packed(way, rows);
+        if (!data_.empty() && data.size() >= data_.size()) continue;
+        data_ = std::move(data);
+        hasHoles_ = hasHoles;
     }
-    hasHoles_ = false;
-    const std::vector<std::uint8_t> rows = Filtered(best, Rows::All, hasHoles_);
-    colours_.pixels = std::vector<PixelValue>();
-    data_ = Deflate(rows, effort_);
+    if (after_ == AfterPacking::DropPixels) indexes_.pixels = std::vector<ChoicePixel>();
+}
+
+/// By a sample, where there is enough of one: the best way to say repetitions, the best to say runs, or both
+/// where they come near each other.
+std::vector<PngPicture::Way> PngPicture::WaysToTry() const {
+    const std::vector<Way> ways = Ways();
+    if (ways.size() == 1) return ways;
+    const Rows tried = Width() * Height() >= kWorthSampling ? Rows::Sample : Rows::All;
+    bool hasHoles = false;
+    Way repetitions = ways.front(), runs = repetitions;
+    std::size_t least = ~std::size_t{0}, leastOfRuns = least;
+    for (const Way& way : ways) {
+        const std::vector<std::uint8_t> rows = Filtered(way, tried, hasHoles);
+        const bool saysRuns = way.saying == Saying::Runs;
+        const int effort = std::min(effort_, HasPalette() ? kIndexTrialEffort : kColourTrialEffort);
+        const std::size_t bytes = (saysRuns ? DeflateRuns(rows) : Deflate(rows, effort)).size();
+        if (bytes >= (saysRuns ? leastOfRuns : least)) continue;
+        (saysRuns ? runs : repetitions) = way;
+        (saysRuns ? leastOfRuns : least) = bytes;
+    }
+    if (leastOfRuns >= least) return {repetitions};
+    // A better search may find more repetitions.
+    least = Deflate(Filtered(repetitions, tried, hasHoles), effort_).size();
+    const std::size_t near = std::min(least, leastOfRuns) / 32;
+    if (leastOfRuns + near < least) return {runs};
+    if (least + near < leastOfRuns) return {repetitions};
+    return {runs, repetitions};
+}
+
+std::vector<std::uint8_t> PngPicture::Packed(const Way& way, std::span<const std::uint8_t> rows) const {
+    std::vector<std::uint8_t> data = way.saying == Saying::Runs ? DeflateRuns(rows) : Deflate(rows, effort_);
+    const auto orWith = [&](int effort) {
+        std::vector<std::uint8_t> other = Deflate(rows, effort);
+        if (other.size() < data.size()) data = std::move(other);
+    };
+    if (way.saying == Saying::Runs) {
+        if (effort_ >= kSlowEffort) orWith(effort_);
+        return data;
+    }
     // Text and drawings gain most from a long search.
     constexpr std::size_t kPacksWell = 8;
-    if (HasPalette() && effort_ == kQuickEffort && data_.size() * kPacksWell < rows.size())
-        data_ = Deflate(rows, kSlowEffort);
-    if (after_ == AfterPacking::DropPixels) indexes_.pixels = std::vector<ChoicePixel>();
+    const bool usual = HasPalette() ? effort_ == kQuickEffort : effort_ >= kUsualEffort && effort_ <= 8;
+    if (usual && data.size() * kPacksWell < rows.size()) orWith(HasPalette() ? kSlowEffort : 9);
+    return data;
 }
 
 void PngPicture::Repack(int bits) {
     bits_ = bits;
+    data_.clear();
     Pack();
 }
 
@@ -107,8 +141,10 @@ std::vector<PngPicture::Way> PngPicture::Ways() const {
     std::vector<Way> ways;
     for (const Kept kept : {Kept::Drawn, Kept::LeftOut}) {
         if (kept == Kept::LeftOut && !indexes_.mayLeaveOut && !colours_.mayLeaveOut) continue;
-        ways.push_back({kept, RowFilter::None});
-        if (!HasPalette()) ways.push_back({kept, RowFilter::Least});
+        ways.push_back({kept, RowFilter::None, Saying::Repetitions});
+        if (HasPalette()) continue;
+        ways.push_back({kept, RowFilter::Least, Saying::Repetitions});
+        ways.push_back({kept, RowFilter::Least, Saying::Runs});
     }
     return ways;
 }

@@ -65,9 +65,11 @@ public:
 private:
     enum class Kept { Drawn, LeftOut };
     enum class Rows { All, Sample };
+    enum class Saying { Repetitions, Runs };
     struct Way {
         Kept kept;
         RowFilter filter;
+        Saying saying;
     };
     struct Filled {
         std::vector<std::uint8_t> bytes;
@@ -75,6 +77,8 @@ private:
     };
 
     std::vector<Way> Ways() const;
+    std::vector<Way> WaysToTry() const;
+    std::vector<std::uint8_t> Packed(const Way& way, std::span<const std::uint8_t> rows) const;
     Filled Fill(Kept kept, Rows rows) const;
     void FillRow(std::size_t y, Kept kept, Filled& to) const;
     std::vector<std::uint8_t> Filtered(const Way& way, Rows rows, bool& hasHoles) const;

@@ -7,6 +7,7 @@
 #include <new>
 
 #include <libdeflate.h>
+#include <zlib.h>
 
 namespace lumafold {
 namespace {
@@ -109,6 +110,32 @@ std::vector<std::uint8_t> Deflate(std::span<const std::uint8_t> bytes, int effor
         libdeflate_zlib_compress(compressor.get(), bytes.data(), bytes.size(), packed.get(), most);
     if (length == 0) throw std::bad_alloc();
     return {packed.get(), packed.get() + length};
+}
+
+std::vector<std::uint8_t> DeflateRuns(std::span<const std::uint8_t> bytes) {
+    constexpr int kLevel = 6, kWindowBits = 15, kMostMemory = 9;
+    z_stream stream{};
+    if (deflateInit2(&stream, kLevel, Z_DEFLATED, kWindowBits, kMostMemory, Z_RLE) != Z_OK)
+        throw std::bad_alloc();
+    const std::unique_ptr<z_stream, decltype(&deflateEnd)> owner(&stream, deflateEnd);
+    std::vector<std::uint8_t> packed;
+    std::array<std::uint8_t, 1 << 16> room;
+    constexpr std::size_t kPiece = 1 << 30; // the library counts in 32 bits
+    int state = Z_OK;
+    while (state != Z_STREAM_END) {
+        if (stream.avail_in == 0) {
+            const auto piece = bytes.first(std::min(kPiece, bytes.size()));
+            bytes = bytes.subspan(piece.size());
+            stream.next_in = const_cast<std::uint8_t*>(piece.data());
+            stream.avail_in = static_cast<uInt>(piece.size());
+        }
+        stream.next_out = room.data();
+        stream.avail_out = static_cast<uInt>(room.size());
+        state = deflate(&stream, bytes.empty() ? Z_FINISH : Z_NO_FLUSH);
+        packed.insert(packed.end(), room.begin(), room.end() - stream.avail_out);
+    }
+    packed.shrink_to_fit();
+    return packed;
 }
 
 } // namespace lumafold
