@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 #include <png.h>
+#include <zlib.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <random>
 
+#include "codecs/animation_writer.h"
 #include "codecs/decode.h"
+#include "codecs/png_rows.h"
 #include "codecs/png_writer.h"
 #include "tests/codecs/compose.h"
 #include "tests/support/pictures.h"
@@ -162,6 +167,30 @@ TEST(PngWriter, IsReadBackAsItWas) {
     for (const DibHandle wrong : {indexed.Get(), empty.Get(), DibHandle{0}}) {
         EXPECT_TRUE(EncodePng(wrong, error).empty());
         EXPECT_NE(error, "");
+    }
+}
+
+TEST(PngWriter, SaysNoRepetitionsOfGrain) {
+    // Slopes with grain of some levels, as photos are.
+    std::vector<std::uint8_t> rows(300 * 3 * 230);
+    std::mt19937 random(1);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i] = static_cast<std::uint8_t>(i % 900 / 6 + i / 9000 + random() % 8);
+    OwnedDib picture = DibCreate(300, 230, nullptr, 24);
+    for (std::int32_t y = 0; y < 230; ++y)
+        std::memcpy(picture.Rows().Row(y), &rows[static_cast<std::size_t>(y) * 900], 900);
+    std::string error;
+    const std::size_t bytes = EncodePng(picture.Get(), error).size();
+    const auto filtered = FilterRows({900, 3, rows}, RowFilter::Least);
+    EXPECT_LT(bytes, Deflate(filtered, kUsualEffort).size() * 97 / 100);
+    for (const std::size_t length : {0U, 1U, 65536U, 200001U}) {
+        std::vector<std::uint8_t> read(length + 1);
+        uLongf got = read.size();
+        const auto packed = DeflateRuns(std::span(rows).first(length));
+        EXPECT_EQ(uncompress(read.data(), &got, packed.data(), packed.size()), Z_OK);
+        EXPECT_EQ(got, length);
+        EXPECT_TRUE(
+            std::equal(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(length), read.begin()));
     }
 }
 
