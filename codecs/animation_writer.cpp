@@ -19,14 +19,17 @@ std::vector<std::uint8_t> Encode(AnimationKind kind, const Animation& animation,
 
 } // namespace
 
+void AnimationWriter::Packing::operator()() const {
+    try {
+        frame.Pack();
+    } catch (const std::bad_alloc&) {
+        noMemory = true;
+    }
+}
+
 void AnimationWriter::Add(const FrameView& frame) {
-    runner_.Begin([this, &taken = Take(frame)] {
-        try {
-            taken.Pack();
-        } catch (const std::bad_alloc&) {
-            noMemory_ = true;
-        }
-    });
+    packings_.push_back({Take(frame), noMemory_});
+    runner_.Begin(packings_.back());
     if (noMemory_) throw std::bad_alloc();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 
@@ -50,8 +51,16 @@ protected:
     void FinishPacking() const;
 
 private:
+    /// Packs a frame, and notes when there is no memory for it.
+    struct Packing {
+        PackedFrame& frame;
+        std::atomic<bool>& noMemory;
+        void operator()() const;
+    };
+
     const Runner& runner_;
-    std::atomic<bool> noMemory_ = false; ///< for packing one of the frames
+    std::deque<Packing> packings_;
+    std::atomic<bool> noMemory_ = false;
 };
 
 /// Throws AnimationError for sides that the format cannot hold. GIF knows no effort. `runner` packs, and

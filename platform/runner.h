@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 
 #include "platform/non_copyable.h"
 
@@ -25,9 +24,12 @@ public:
             count, [](const void* w, std::size_t i) { (*static_cast<const Work*>(w))(i); }, &work);
     }
 
-    /// Has `work` done beside the caller, who goes on, by the time Settle returns. When others are slower it
-    /// is done before this returns. `work` must not throw.
-    virtual void Begin(const std::function<void()>& work) const { work(); }
+    /// Has `work()` done beside the caller, who goes on, by the time Settle returns; until then `work` stays
+    /// where it is. When others are slower it is done before this returns. `work` must not throw.
+    template <typename Work>
+    void Begin(const Work& work) const {
+        Start([](const void* w, std::size_t) { (*static_cast<const Work*>(w))(); }, &work);
+    }
     /// Returns when all that was begun has ended.
     virtual void Settle() const {}
 
@@ -37,6 +39,7 @@ protected:
         for (std::size_t i = 0; i < count; ++i)
             piece(work, i);
     }
+    virtual void Start(Piece piece, const void* work) const { piece(work, 0); }
 };
 
 } // namespace lumafold

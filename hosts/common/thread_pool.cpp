@@ -63,19 +63,19 @@ void ThreadPool::RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const
     if (batch.Ended()) pieceEnded_.notify_all();
 }
 
-void ThreadPool::Begin(const std::function<void()>& work) const {
+void ThreadPool::Start(Piece piece, const void* work) const {
     if (workers_.empty()) {
-        Runner::Begin(work);
+        Runner::Start(piece, work);
         return;
     }
     constexpr std::ptrdiff_t kMostOfThread = 2;
     const auto waiting = [&] {
         return std::count_if(errands_.begin(), errands_.end(),
-                             [](const Errand& one) { return one.batch.HasNext(); });
+                             [](const Batch& one) { return one.HasNext(); });
     };
     std::unique_lock lock(mutex_);
     DropEndedErrands();
-    errands_.emplace_back(work);
+    errands_.push_back({piece, work, 1});
     workCame_.notify_one();
     while (waiting() > kMostOfThread * static_cast<std::ptrdiff_t>(Workers()))
         RunNext(*OpenErrand(), lock);
@@ -86,16 +86,15 @@ void ThreadPool::Settle() const {
     while (Batch* errand = OpenErrand())
         RunNext(*errand, lock);
     pieceEnded_.wait(lock, [&] {
-        return std::all_of(errands_.begin(), errands_.end(),
-                           [](const Errand& one) { return one.batch.Ended(); });
+        return std::all_of(errands_.begin(), errands_.end(), [](const Batch& one) { return one.Ended(); });
     });
     DropEndedErrands();
 }
 
 /// From the front; throws what the first of them threw.
 void ThreadPool::DropEndedErrands() const {
-    while (!errands_.empty() && errands_.front().batch.Ended()) {
-        const std::exception_ptr failure = errands_.front().batch.failure;
+    while (!errands_.empty() && errands_.front().Ended()) {
+        const std::exception_ptr failure = errands_.front().failure;
         errands_.pop_front();
         if (failure) std::rethrow_exception(failure);
     }
@@ -103,8 +102,8 @@ void ThreadPool::DropEndedErrands() const {
 
 ThreadPool::Batch* ThreadPool::OpenErrand() const {
     const auto open =
-        std::find_if(errands_.begin(), errands_.end(), [](const Errand& one) { return one.batch.HasNext(); });
-    return open == errands_.end() ? nullptr : &open->batch;
+        std::find_if(errands_.begin(), errands_.end(), [](const Batch& one) { return one.HasNext(); });
+    return open == errands_.end() ? nullptr : &*open;
 }
 
 ThreadPool::Batch* ThreadPool::OpenBatch() const {

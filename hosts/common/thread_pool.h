@@ -23,9 +23,7 @@ public:
 
     std::size_t Workers() const override { return workers_.size() + 1; }
 
-    /// Two pieces for each thread may wait; who brings one more does one of them. What a piece threw is
-    /// thrown from here or from Settle.
-    void Begin(const std::function<void()>& work) const override;
+    /// What a piece that was begun threw is thrown from here, or when a later one is begun.
     void Settle() const override;
 
 private:
@@ -39,15 +37,11 @@ private:
         bool HasNext() const { return next < count; }
         bool Ended() const { return !HasNext() && running == 0; }
     };
-    /// A single piece that nobody waits for yet.
-    struct Errand {
-        std::function<void()> work;
-        Batch batch{[](const void* w, std::size_t) { (*static_cast<const std::function<void()>*>(w))(); },
-                    &work, 1};
-    };
 
     /// When a piece throws, no further ones are begun, and the first exception is thrown from here.
     void Run(std::size_t count, Piece piece, const void* work) const override;
+    /// Two pieces for each thread may wait; who brings one more does one of them.
+    void Start(Piece piece, const void* work) const override;
     void Work() const;
     void RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const;
     Batch* OpenBatch() const;
@@ -57,7 +51,7 @@ private:
     mutable std::mutex mutex_;
     mutable std::condition_variable workCame_, pieceEnded_;
     mutable std::vector<Batch*> batches_; // the latest is served first: those around it wait for it
-    mutable std::deque<Errand> errands_;  // served after batches, the earliest first
+    mutable std::deque<Batch> errands_;   // of one piece each, served after batches, the earliest first
     bool ends_ = false;
     std::vector<std::thread> workers_;
 };

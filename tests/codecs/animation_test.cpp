@@ -263,12 +263,12 @@ TEST(AnimationWriters, FindAnotherHoleWhenFramesDrawTheirs) {
 
 /// Runs pieces from the last to the first.
 class Backwards final : public Runner {
-    void Begin(const std::function<void()>& work) const override { begun_.push_back(work); }
+    void Start(Piece piece, const void* work) const override { begun_.emplace_back(piece, work); }
     void Settle() const override {
         for (; !begun_.empty(); begun_.pop_back())
-            begun_.back()();
+            begun_.back().first(begun_.back().second, 0);
     }
-    mutable std::vector<std::function<void()>> begun_;
+    mutable std::vector<std::pair<Piece, const void*>> begun_;
 };
 
 TEST(AnimationWriters, PackFramesInAnyOrderAndTakeOtherDelaysLater) {

@@ -53,26 +53,29 @@ TEST(ThreadPool, DoesErrandsBesideTheirGiver) {
         const ThreadPool pool(jobs);
         std::atomic<int> calls = 0;
         bool settled = true; // by what follows, too
+        const auto work = [&] { pool.ForEach(3, [&](std::size_t) { ++calls; }); };
         for (int i = 0; i < 200; ++i) {
-            pool.Begin([&] { pool.ForEach(3, [&](std::size_t) { ++calls; }); });
+            pool.Begin(work);
             if (i % 50 != 49) continue;
             pool.Settle();
             settled &= calls == 3 * (i + 1);
         }
         EXPECT_TRUE(settled) << jobs;
+        const auto lose = [] { throw std::runtime_error("lost"); };
         const auto fail = [&] {
             for (int i = 0; i < 30; ++i)
-                pool.Begin([] { throw std::runtime_error("lost"); });
+                pool.Begin(lose);
             pool.Settle();
         };
         EXPECT_THROW(fail(), std::runtime_error) << jobs;
     }
     const ThreadPool pool(2);
     std::atomic<bool> goneOn = false;
-    pool.Begin([&] {
+    const auto wait = [&] {
         while (!goneOn)
             std::this_thread::yield();
-    });
+    };
+    pool.Begin(wait);
     goneOn = true;
     pool.Settle();
 }
