@@ -103,7 +103,7 @@ test('pictures are pasted, and those that only the browser reads are read by it'
     // The finished animation, dragged and let go over the page, is no picture to add; one pasted there is.
     await visit.built();
     await visit.click('Show and save');
-    const shown = await visit.page.waitForSelector('.dialog .finished');
+    const shown = await visit.page.waitForSelector('.dialog[open] .finished');
     const { x, y } = (await shown!.boundingBox())!;
     await visit.page.mouse.move(x + 4, y + 3);
     await visit.page.mouse.down();
@@ -285,7 +285,7 @@ test('a frame is compared with its full colour, pixel by pixel, and nothing move
     await visit.click('Show and save');
     await visit.page.waitForSelector('canvas.finished');
     // There is one behind the dialog, too.
-    await visit.page.click('.dialog ::-p-aria(Play)');
+    await (await visit.page.waitForSelector('.dialog ::-p-aria(Play)'))!.click();
     await visit.page.waitForSelector('img.finished');
     await visit.end();
 });

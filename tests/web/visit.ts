@@ -158,7 +158,7 @@ export class Visit {
     async savedAnimation(): Promise<string> {
         await this.built();
         await this.click('Show and save');
-        await this.page.waitForSelector('.dialog .finished');
+        await this.page.waitForSelector('.dialog[open] .finished');
         const path = await this.saved(() => this.page.click('.dialog .button.primary'));
         await this.click('Close');
         return path;

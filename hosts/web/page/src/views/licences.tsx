@@ -1,10 +1,10 @@
 // The conditions of the libraries inside the page, in a dialog.
-import { useEffect, useRef } from 'preact/hooks';
+import { useLayoutEffect, useRef } from 'preact/hooks';
 import { texts } from '../texts';
 
 export function Licences({ onClose }: { onClose(): void }) {
     const dialog = useRef<HTMLDialogElement>(null);
-    useEffect(() => dialog.current?.showModal(), []);
+    useLayoutEffect(() => dialog.current?.showModal(), []);
     return (
         <dialog ref={dialog} class="dialog" aria-label={texts.licences} onClose={onClose}>
             <pre class="licences" tabIndex={0}>

@@ -1,6 +1,6 @@
 // The finished animation: playing, with what it is, to be saved, dragged out or copied; before it is finished,
 // how far it is.
-import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { blobOf } from '../engine/pixels';
 import type { Result } from '../state/builder';
 import { bytes, texts } from '../texts';
@@ -126,7 +126,8 @@ export function ResultDialog() {
     const error = useBuilder((state) => state.error);
     const running = useBuilder((state) => state.running);
     const dialog = useRef<HTMLDialogElement>(null);
-    useEffect(() => {
+    // Before it is painted, so that nobody meets what is in it while it is closed.
+    useLayoutEffect(() => {
         if (open && dialog.current?.open === false) dialog.current.showModal();
         if (!open && dialog.current?.open === true) dialog.current.close();
     }, [open]);
