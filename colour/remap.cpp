@@ -16,6 +16,11 @@ RemapOptions RemapOptionsOf(const PluginSettings& settings) {
             settings.DitherBrightness, settings.DitherContrast};
 }
 
+int UnditheredIndex(Rgb colour, const Palette& palette, int bits, int count) {
+    if (bits == 1) return BitOf(colour);
+    return FindNearestColour(colour.red & 0xF8, colour.green & 0xF8, colour.blue & 0xF8, palette, count);
+}
+
 Remapper::Remapper(const Palette& palette, int bits, int count, const RemapOptions& options)
     : palette_(palette), bits_(bits), count_(count), options_(options),
       ready_(bits >= 1 && bits <= 8 && PrepareTables()) {}
@@ -34,20 +39,19 @@ OwnedDib Remapper::Reduce(const DibHeader& picture) const {
     const int bits = picture.biBitCount;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 24) return {};
     OwnedDib target = DibCreate(picture.biWidth, picture.biHeight, &palette_, bits_);
-    if (!target) return target;
-    const bool filled = options_.dithering == Dithering::Diffused ? FillDiffused(picture, *target)
-                                                                  : FillNearest(picture, *target);
+    const bool diffused = options_.dithering == Dithering::Diffused;
+    const bool filled = target && (diffused ? FillDiffused(picture, *target) : FillNearest(picture, *target));
     return filled ? std::move(target) : OwnedDib();
 }
 
-/// What stands for black or white: an exact one if the fast way is chosen and there is one, else the nearest;
-/// the fast way's nearest is its cell's.
+/// What stands for black or white: the nearest, but if the fast way is chosen an exact one or, where there is
+/// none, its cell's.
 int Remapper::FindExtreme(int level) const {
     if (!options_.fast) return FindNearestColour(level, level, level, palette_, count_);
     const int exact = FindExactColour(level, level, level, palette_, count_);
     if (exact >= 0) return exact;
-    const int cellLevel = level & 0xF8;
-    return FindNearestColour(cellLevel, cellLevel, cellLevel, palette_, count_);
+    const auto channel = static_cast<std::uint8_t>(level);
+    return UnditheredIndex({channel, channel, channel}, palette_, bits_, count_);
 }
 
 /// The index of each entry of an indexed picture's table.
@@ -64,11 +68,9 @@ Remapper::IndexMap Remapper::MapTable(const DibHeader& source) const {
     } else {
         // As many entries as the depth allows, not count_: the black ones behind the palette's own can be
         // chosen.
-        for (std::size_t i = 0; i < entries; ++i) {
-            const Rgb colour = table[i];
+        for (std::size_t i = 0; i < entries; ++i)
             map[i] = static_cast<std::uint8_t>(
-                FindNearestColour(colour.red, colour.green, colour.blue, palette_, 1 << bits_));
-        }
+                FindNearestColour(table[i].red, table[i].green, table[i].blue, palette_, 1 << bits_));
     }
     return map;
 }

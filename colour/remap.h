@@ -18,6 +18,10 @@ struct RemapOptions {
 };
 RemapOptions RemapOptionsOf(const PluginSettings& settings);
 
+/// The index that a true-colour pixel gets without diffusion: that of its 15-bit cell, or to one bit that of
+/// its luminance. `bits` and `count` as for a Remapper, whose tables give the same.
+int UnditheredIndex(Rgb colour, const Palette& palette, int bits, int count);
+
 /// Reduces pictures of 1, 4, 8 or 24 bits to one palette. Once made it only reads, so that several threads
 /// may share it.
 class Remapper {

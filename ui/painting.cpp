@@ -158,17 +158,6 @@ bool FixedPaletteInUse() {
            IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_TRUE_COLOUR) != BST_CHECKED;
 }
 
-/// What a build without dithering makes of a plain area; the colour itself when memory is short.
-COLORREF Reduced(COLORREF colour, const Palette& palette, int bits) {
-    const RemapOptions plain{Dithering::None, false, 0, 0};
-    const Remapper remapper(palette, bits, static_cast<int>(palette.size()), plain);
-    const OwnedDib area = DibCreateFlat(1, 1, colour);
-    const OwnedDib reduced = remapper && area ? remapper.Reduce(*area) : OwnedDib();
-    if (!reduced) return colour;
-    const Rgb& shown = palette[DibGetPixel(*reduced, 0, 0)];
-    return RGB(shown.red, shown.green, shown.blue);
-}
-
 /// The face is the colour itself, on a screen of few colours by way of the selected palette. The corner shows
 /// what a fixed palette makes of it, while one is in use and that is another colour.
 void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
@@ -178,7 +167,9 @@ void FillSwatch(HDC context, const RECT& area, COLORREF colour) {
         BuildFixedPalette(&colours, &bits, static_cast<std::int32_t>(Session().settings.TransitionPalette));
     const OwnedGdi<HPALETTE> palette(CreateLogicalPalette(colours, count));
     const SelectedPalette realised(context, palette.Get());
-    const COLORREF shown = Reduced(colour, colours, bits);
+    const int entries = static_cast<int>(colours.size()); // those behind the palette's own are black
+    const int index = UnditheredIndex(RgbOf(colour), colours, bits, entries);
+    const COLORREF shown = ColourOf(colours[static_cast<std::size_t>(index)]);
     FillColour(context, area, ScreenDepth() > kFewColours ? colour : shown | 0x02000000);
     if (shown != colour && FixedPaletteInUse()) FillCorner(context, area, shown);
 }
