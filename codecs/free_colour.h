@@ -8,13 +8,16 @@
 
 namespace lumafold {
 
-/// Tried first.
+/// Black packs best: rows of nothing but holes are rows of zeros.
+inline constexpr PixelValue kZeroColour = 0;
+/// Hardly any picture has it.
 inline constexpr PixelValue kLikelyFreeColour = 0xFF00FF;
 
 /// Colours as 0x00BBGGRR; kNoPixel counts for none. 2 MB.
 class ColourSet {
 public:
     void Add(std::span<const PixelValue> pixels);
+    bool Has(PixelValue colour) const { return taken_[colour]; }
     /// kNoPixel when all are taken.
     PixelValue Free() const;
 

@@ -110,7 +110,8 @@ private:
         return table.Admit(use);
     }
     PixelValue Hole(const Rect& rect) const {
-        if (!Draws(screen_, rect, kLikelyFreeColour)) return kLikelyFreeColour;
+        for (const PixelValue likely : {kZeroColour, kLikelyFreeColour})
+            if (!Draws(screen_, rect, likely)) return likely;
         ColourSet taken;
         for (std::int32_t y = rect.top; y < rect.bottom; ++y)
             taken.Add({screen_.Row(y) + rect.left, static_cast<std::size_t>(RectWidth(rect))});
