@@ -16,6 +16,8 @@ struct AnimationError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+inline constexpr char kNoMemoryForFile[] = "there is not enough memory for the file";
+
 /// What every writer gives its caller: the file, or nothing and why not. `encode` makes the file or throws.
 template <typename Encode>
 auto FileOrError(Encode encode, std::string& error) -> decltype(encode()) {
@@ -25,7 +27,7 @@ auto FileOrError(Encode encode, std::string& error) -> decltype(encode()) {
     } catch (const AnimationError& failure) {
         error = failure.what();
     } catch (const std::bad_alloc&) {
-        error = "there is not enough memory for the file";
+        error = kNoMemoryForFile;
     }
     return {};
 }

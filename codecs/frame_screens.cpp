@@ -5,6 +5,7 @@
 namespace lumafold {
 namespace {
 
+constexpr std::ptrdiff_t kNothing = -1;
 constexpr std::size_t kKeptEvery = 16;
 constexpr std::size_t kMostKeptPixels = std::size_t{16} << 20;
 
@@ -33,23 +34,24 @@ const ScreenPixels& FrameScreens::At(std::size_t index) {
     // From what is shown, from a screen that was kept, or from the beginning: whichever is nearest before.
     const auto after = kept_.upper_bound(index);
     const std::ptrdiff_t nearest =
-        after == kept_.begin() ? -1 : static_cast<std::ptrdiff_t>(std::prev(after)->first);
+        after == kept_.begin() ? kNothing : static_cast<std::ptrdiff_t>(std::prev(after)->first);
     if (shown_ > wanted || shown_ < nearest || shown_ < 0) {
-        shown_ = nearest;
+        shown_ = kNothing;
         if (nearest >= 0) {
             screen_.Return(std::prev(after)->second);
         } else {
             screen_.Clear();
         }
+        shown_ = nearest;
     }
     std::ptrdiff_t first = wanted;
     while (first > shown_ + 1 && !Covers(static_cast<std::size_t>(first)))
         --first;
-    shown_ = first - 1;
-    while (shown_ < wanted) {
-        Draw(static_cast<std::size_t>(shown_ + 1));
-        ++shown_;
-        Keep(static_cast<std::size_t>(shown_));
+    for (std::ptrdiff_t next = first; next <= wanted; ++next) {
+        shown_ = kNothing; // in case that memory runs out amid the frame
+        Draw(static_cast<std::size_t>(next));
+        shown_ = next;
+        Keep(static_cast<std::size_t>(next));
     }
     return screen_.Shown();
 }
@@ -69,7 +71,7 @@ bool FrameScreens::Covers(std::size_t index) const {
 void FrameScreens::Keep(std::size_t index) {
     if (index == 0 || index % kKeptEvery != 0 || kept_.contains(index)) return;
     const ScreenPixels& shown = screen_.Shown();
-    if ((kept_.size() + 1) * shown.size() <= kMostKeptPixels) kept_[index] = shown;
+    if ((kept_.size() + 1) * shown.size() <= kMostKeptPixels) kept_.emplace(index, shown);
 }
 
 } // namespace lumafold

@@ -25,7 +25,7 @@ public:
     }
 
     /// Has `work()` done beside the caller, who goes on, by the time Settle returns; until then `work` stays
-    /// where it is. When others are slower it is done before this returns. `work` must not throw.
+    /// where it is. Where too many wait, one of them is done before this returns. `work` must not throw.
     template <typename Work>
     void Begin(const Work& work) const {
         Start([](const void* w, std::size_t) { (*static_cast<const Work*>(w))(); }, &work);

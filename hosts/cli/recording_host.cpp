@@ -20,9 +20,15 @@ void RecordingHost::Hear(HostCommand command, std::uint32_t wparam, std::intptr_
     commands_.push_back({static_cast<std::uint32_t>(command), wparam, std::move(text)});
 }
 
+/// A command that was lost would leave the file without what it told.
+void RecordingHost::HearFault(const char*) {
+    if (fault_.empty()) fault_ = kNoMemoryForFile;
+}
+
 /// False, with the reason kept, when the frames' taker cannot do it.
 template <typename Work>
 bool RecordingHost::Passed(Work work) {
+    if (!fault_.empty()) return false;
     return FileOrError(
         [&] {
             work();

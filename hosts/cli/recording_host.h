@@ -42,6 +42,7 @@ public:
 
 private:
     void Hear(HostCommand command, std::uint32_t wparam, std::intptr_t lparam) override;
+    void HearFault(const char* fault) override;
     bool CreateTask(const TaskRecord* task, TaskKind kind) override;
     bool AddFrame(const TaskRecord* task, const ImageRecord* frame) override;
     bool AddComment(const TaskRecord* task, const char* text) override;

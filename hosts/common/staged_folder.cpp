@@ -97,7 +97,7 @@ StagedFolder::TakenBack::~TakenBack() {
     if (path_.empty()) return;
     // One by one where nothing is left inside: on Windows the run-time library walks no folder whose path
     // is very long.
-    fs::remove(path_ / "former", ignored);
+    fs::remove(former_, ignored);
     if (!fs::remove(path_, ignored)) fs::remove_all(path_, ignored);
 }
 
@@ -145,10 +145,9 @@ bool StagedFolder::TargetsAreFree(std::string& error) const {
 bool StagedFolder::MoveIn(const std::function<bool(const std::string& name)>& isFormer,
                           std::string& error) const {
     std::error_code failure;
-    const fs::path aside = staged_->Path() / "former";
-    fs::create_directory(aside, failure);
+    fs::create_directory(staged_->Former(), failure);
     if (failure) return Fail(folder_, failure.message(), error);
-    FilesMoved former(folder_, aside), moved(staged_->Path(), folder_);
+    FilesMoved former(folder_, staged_->Former()), moved(staged_->Path(), folder_);
     // The file that came last goes first.
     const std::vector<std::string> names = FormerFiles(folder_, names_.back(), isFormer, failure);
     if (failure) return Fail(folder_, failure.message(), error);

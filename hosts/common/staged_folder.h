@@ -33,15 +33,17 @@ private:
     /// Removes a folder and all in it, unless told that it may stay.
     class TakenBack {
     public:
-        explicit TakenBack(std::filesystem::path path) : path_(std::move(path)) {}
+        explicit TakenBack(const std::filesystem::path& path) : path_(path), former_(path / "former") {}
         TakenBack(const TakenBack&) = delete;
         TakenBack& operator=(const TakenBack&) = delete;
         ~TakenBack();
         void Keep() { path_.clear(); }
         const std::filesystem::path& Path() const { return path_; }
+        /// Inside it: where the files go that are replaced.
+        const std::filesystem::path& Former() const { return former_; }
 
     private:
-        std::filesystem::path path_;
+        std::filesystem::path path_, former_; // made beforehand: nothing may fail while it is taken back
     };
 
     bool Begin(std::string& error);

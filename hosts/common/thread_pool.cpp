@@ -1,7 +1,6 @@
 #include "hosts/common/thread_pool.h"
 
 #include <algorithm>
-#include <system_error>
 #ifdef _WIN32
 #include <float.h>
 #endif
@@ -12,8 +11,8 @@ ThreadPool::ThreadPool(int jobs) {
     try {
         for (int i = 1; i < jobs; ++i)
             workers_.emplace_back(&ThreadPool::Work, this);
-    } catch (const std::system_error&) {
-        // Those that are there do all of it.
+    } catch (const std::exception&) {
+        // No more threads, or no memory for them: those that are there do all of it.
     }
 }
 
@@ -34,13 +33,21 @@ void ThreadPool::Run(std::size_t count, Piece piece, const void* work) const {
     }
     Batch batch{piece, work, count};
     std::unique_lock lock(mutex_);
-    batches_.push_back(&batch);
+    batch.around = latest_;
+    latest_ = &batch;
     workCame_.notify_all();
     while (batch.HasNext())
         RunNext(batch, lock);
     pieceEnded_.wait(lock, [&] { return batch.Ended(); });
-    std::erase(batches_, &batch);
+    Remove(batch);
     if (batch.failure) std::rethrow_exception(batch.failure);
+}
+
+void ThreadPool::Remove(const Batch& batch) const {
+    Batch** link = &latest_;
+    while (*link != &batch)
+        link = &(*link)->around;
+    *link = batch.around;
 }
 
 /// Takes a piece, and runs it without the lock.
@@ -107,9 +114,10 @@ ThreadPool::Batch* ThreadPool::OpenErrand() const {
 }
 
 ThreadPool::Batch* ThreadPool::OpenBatch() const {
-    const auto open =
-        std::find_if(batches_.rbegin(), batches_.rend(), [](const Batch* one) { return one->HasNext(); });
-    return open == batches_.rend() ? OpenErrand() : *open;
+    Batch* batch = latest_;
+    while (batch != nullptr && !batch->HasNext())
+        batch = batch->around;
+    return batch != nullptr ? batch : OpenErrand();
 }
 
 void ThreadPool::Work() const {

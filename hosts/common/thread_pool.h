@@ -33,6 +33,7 @@ private:
         const std::size_t count;
         std::size_t next = 0, running = 0;
         std::exception_ptr failure{};
+        Batch* around = nullptr; ///< the one that was there before
 
         bool HasNext() const { return next < count; }
         bool Ended() const { return !HasNext() && running == 0; }
@@ -44,14 +45,17 @@ private:
     void Start(Piece piece, const void* work) const override;
     void Work() const;
     void RunNext(Batch& batch, std::unique_lock<std::mutex>& lock) const;
+    void Remove(const Batch& batch) const;
     Batch* OpenBatch() const;
     Batch* OpenErrand() const;
     void DropEndedErrands() const;
 
     mutable std::mutex mutex_;
     mutable std::condition_variable workCame_, pieceEnded_;
-    mutable std::vector<Batch*> batches_; // the latest is served first: those around it wait for it
-    mutable std::deque<Batch> errands_;   // of one piece each, served after batches, the earliest first
+    // The latest batch, which is served first: those around it wait for it. They are linked to one another,
+    // so that running pieces needs no memory.
+    mutable Batch* latest_ = nullptr;
+    mutable std::deque<Batch> errands_; // of one piece each, served after batches, the earliest first
     bool ends_ = false;
     std::vector<std::thread> workers_;
 };

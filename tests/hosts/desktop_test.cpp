@@ -98,17 +98,6 @@ TEST(Playback, ShowsEveryFrameForItsDelay) {
     EXPECT_FALSE(one.IsPlaying() || none.IsPlaying() || none.Current() != 0);
 }
 
-TEST(FrameScreens, ShowsFramesInAnyOrder) {
-    Animation animation = EmptyAnimation(7, 5, 8);
-    for (unsigned i = 0; i < 70; ++i)
-        AddFrame(animation, {8, 5, i % 24 == 20 ? -1 : 255},
-                 [&](int x, int y) { return static_cast<unsigned>(x + 7 * y) % 35 == i % 35 ? i : 255U; });
-    const auto wanted = WantedScreens(animation);
-    FrameScreens screens(animation);
-    for (const std::size_t index : {69U, 0U, 33U, 32U, 68U, 16U, 15U, 17U, 69U, 69U, 1U})
-        EXPECT_EQ(screens.At(index), wanted[index]) << index;
-}
-
 TEST(ViewPicture, ZoomsInStepsAndFits) {
     constexpr struct {
         std::int32_t width, height, roomWidth, roomHeight;
