@@ -20,7 +20,11 @@ ChunkWriter::Data FrameControl(std::uint32_t sequence, const PngPicture& picture
     data.U32(static_cast<std::uint32_t>(RectWidth(rect)));
     data.U32(static_cast<std::uint32_t>(RectHeight(rect)));
     data.U32(static_cast<std::uint32_t>(rect.left)).U32(static_cast<std::uint32_t>(rect.top));
-    data.U16(static_cast<std::uint32_t>(std::clamp(picture.Delay(), 0, kMostDelay))).U16(kTicksPerSecond);
+    // Hundredths of a second as far as they reach, then seconds.
+    const std::int32_t delay = std::max(picture.Delay(), 0), seconds = delay / kTicksPerSecond;
+    const bool fits = delay <= kMostDelay;
+    data.U16(static_cast<std::uint32_t>(fits ? delay : std::min(seconds, kMostDelay)));
+    data.U16(fits ? kTicksPerSecond : 1);
     return data.U8(static_cast<std::uint32_t>(Dispose::None)).U8(static_cast<std::uint32_t>(blend));
 }
 
@@ -131,7 +135,8 @@ private:
         frames_.clear();
         screen_ = Screen(facts_.width, facts_.height);
         colours_ = true;
-        hole_ = taken.Free();
+        // Black may still come; all is written once more then, with a colour that hardly anything has.
+        hole_ = before.empty() && !taken.Has(kZeroColour) ? kZeroColour : taken.Free();
         if (before.empty()) return;
         Play(before, [&](const ShownScreen& screen, std::int32_t delay) {
             TakeColours({screen.width, screen.height, screen.pixels}, delay).Pack();

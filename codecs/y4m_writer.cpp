@@ -121,6 +121,15 @@ std::int32_t Y4mWriter::Unit() const {
 
 std::vector<std::span<const std::uint8_t>> Y4mWriter::Finish() {
     const std::int32_t unit = Unit();
+    constexpr std::int64_t kMostPictures = 1 << 22; // two days at 25 a second
+    std::int64_t pictures = 0;
+    for (const Frame& frame : frames_)
+        pictures += frame.delay / unit;
+    if (pictures > kMostPictures) {
+        throw AnimationError("a film shows pictures at one rate, and would repeat these " +
+                             std::to_string(pictures) +
+                             " times: use delays that are multiples of a longer time");
+    }
     head_ = Head(unit);
     std::vector<std::span<const std::uint8_t>> pieces{
         {reinterpret_cast<const std::uint8_t*>(head_.data()), head_.size()}};

@@ -6,7 +6,7 @@ namespace lumafold {
 
 BuiltFrames::BuiltFrames(const OutputRequest& output, const BuildOptions& options)
     : options_(options), plays_(output.kind != OutputKind::Folder && output.kind != OutputKind::Y4m),
-      output_(NewOutput(output)) {}
+      longest_(LongestDelay(output.kind)), output_(NewOutput(output)) {}
 
 void BuiltFrames::Begin(const AnimationFacts& facts, std::size_t frames) {
     AnimationFacts played = facts;
@@ -17,8 +17,9 @@ void BuiltFrames::Begin(const AnimationFacts& facts, std::size_t frames) {
 
 void BuiltFrames::Add(const FrameView& frame) {
     const bool holds = plays_ && options_.delays == DelayRule::AtLeastTwoHundredths;
-    const FrameView shown{frame.picture, holds ? delays_.Add(frame.delay) : frame.delay,
-                          frame.transparentIndex};
+    const std::int32_t delay = std::min(frame.delay, longest_);
+    if (delay < frame.delay) ++cut_;
+    const FrameView shown{frame.picture, holds ? delays_.Add(delay) : delay, frame.transparentIndex};
     hundredths_ += shown.delay;
     const bool tells = options_.estimate || options_.talk != Talk::Quiet;
     if (tells && !options_.json) colours_.Add(shown);

@@ -21,6 +21,8 @@ public:
     // After the last frame:
     /// How many frames are shown for longer than they were told to be.
     std::size_t Held() const { return delays_.Short(); }
+    /// How many are shown for less, since the file cannot say more.
+    std::size_t Cut() const { return cut_; }
     /// None when memory is short.
     OwnedDib Sheet();
     /// How many bytes were written. Throws as the output does.
@@ -33,12 +35,14 @@ private:
     std::span<const std::int32_t> Settled();
 
     const BuildOptions& options_;
-    const bool plays_; ///< whether players show it
+    const bool plays_;           ///< whether players show it
+    const std::int32_t longest_; ///< delay, in hundredths of a second
     const std::unique_ptr<AnimationOutput> output_;
     SheetCells cells_{kMostSheetCells};
     HeldDelays delays_;
     ColourCount colours_;
     std::int64_t hundredths_ = 0;
+    std::size_t cut_ = 0;
 };
 
 } // namespace lumafold

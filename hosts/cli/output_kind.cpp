@@ -65,6 +65,19 @@ OutputKind KindOfOutput(const std::string& path, std::optional<OutputKind> forma
             ", and a folder's name with / at its end");
 }
 
+std::int32_t LongestDelay(OutputKind kind) {
+    switch (kind) {
+    case OutputKind::Gif:
+        return 0xFFFF;
+    case OutputKind::Apng:
+        return 0xFFFF * 100; // in whole seconds
+    case OutputKind::Webp:
+        return 0xFFFFFF / 10;
+    default:
+        return INT32_MAX;
+    }
+}
+
 std::uint32_t CapabilityFlags(OutputKind kind) {
     return kind == OutputKind::Gif ? kHostTakesSupercompression
                                    : kHostTakesSupercompression | kHostTakesTrueColour;

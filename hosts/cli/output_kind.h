@@ -19,6 +19,9 @@ std::string OutputSuffixes();
 /// by its suffix. "" is a GIF. Throws Failure, with "-o" in front, for a name whose kind is not known.
 OutputKind KindOfOutput(const std::string& path, std::optional<OutputKind> format);
 
+/// The longest that a file of this kind can show one frame for, in hundredths of a second.
+std::int32_t LongestDelay(OutputKind kind);
+
 /// The capability flags of a host that writes this kind.
 std::uint32_t CapabilityFlags(OutputKind kind);
 

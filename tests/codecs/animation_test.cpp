@@ -25,7 +25,7 @@ constexpr struct Format {
     const char* name;
     AnimationKind kind;
     std::int32_t mostDelay;
-} kGif{"GIF", AnimationKind::Gif, 65535}, kApng{"APNG", AnimationKind::Apng, 65535},
+} kGif{"GIF", AnimationKind::Gif, 65535}, kApng{"APNG", AnimationKind::Apng, 6553500},
     kMng{"MNG", AnimationKind::Mng, std::numeric_limits<std::int32_t>::max()};
 
 File Encoded(AnimationKind kind, const Animation& animation) {
@@ -251,13 +251,16 @@ TEST(AnimationWriters, FindAnotherHoleWhenFramesDrawTheirs) {
     AddFrame(indexed, {8, 5, 255}, [&](int x, int y) { return std::min(all(x, y), 254U); });
     AddFrame(indexed, {8, 5}, all);
     AddFrame(indexed, {24, 5}, [](int x, int) { return x % 2 == 0 ? 0xFF00FFU : 0x00FF00U; });
-    Animation colours = EmptyAnimation(16, 16, 8);
-    AddFrame(colours, {24, 5}, all);
-    for (const unsigned colour : {0xFF00FFU, 0xFE01FEU, 0x000000U})
-        AddFrame(colours, {24, 5}, [&](int x, int y) { return x == y ? colour : all(x, y); });
     for (const Format& format : {kApng, kMng}) {
         WriteAndRead(format, indexed);
-        WriteAndRead(format, colours);
+        for (const unsigned darkest : {0U, 1U}) {
+            Animation colours = EmptyAnimation(16, 16, 8);
+            const auto many = [&](int x, int y) { return all(x, y) + darkest; };
+            AddFrame(colours, {24, 5}, many);
+            for (const unsigned colour : {0xFF00FFU, 0xFE01FEU, 0x000000U})
+                AddFrame(colours, {24, 5}, [&](int x, int y) { return x == y ? colour : many(x, y); });
+            WriteAndRead(format, colours);
+        }
     }
 }
 
