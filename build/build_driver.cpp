@@ -41,8 +41,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kMostGapsAtOnce = 16;
-
     bool Fail(BuildFailure failure) {
         request_.observer.Fail(failure);
         return false;
@@ -132,7 +130,7 @@ private:
         host_.ResetPosition();
         host_.Caption(LUMAFOLD_CAPTION_BUILDING);
         // Gaps whose frames must be rendered in turn keep one worker busy each; all others use every worker.
-        const std::size_t most = std::min(request_.runner.Workers(), kMostGapsAtOnce);
+        const std::size_t most = std::min<std::size_t>(request_.runner.Workers(), kMostGapsAtOnce);
         for (std::int32_t first = 0; first < count_;) {
             std::array<TransitionContext, kMostGapsAtOnce> contexts;
             std::size_t gaps = 0;

@@ -1,14 +1,12 @@
 #include "build/estimate.h"
 
-#include <limits>
-
 #include "transitions/table.h"
 
 namespace lumafold {
 namespace {
 
 std::uint64_t WholeBytes(double bytes) {
-    return bytes < 0x1p64 ? static_cast<std::uint64_t>(bytes) : std::numeric_limits<std::uint64_t>::max();
+    return bytes < 0x1p64 ? static_cast<std::uint64_t>(bytes) : UINT64_MAX;
 }
 
 } // namespace
@@ -24,15 +22,17 @@ bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& setting
         estimate.width = std::max(estimate.width, width);
         estimate.height = std::max(estimate.height, height);
     }
-    const auto atOnce = static_cast<double>(workers);
     double render = 0;
     const auto add = [&](std::int32_t row) {
         const std::int64_t frames = FrameCount(row, settings, {estimate.width, estimate.height});
-        if (__builtin_add_overflow(estimate.frames, frames, &estimate.frames))
-            estimate.frames = std::numeric_limits<std::int64_t>::max();
+        if (__builtin_add_overflow(estimate.frames, frames, &estimate.frames)) estimate.frames = INT64_MAX;
         // All workers are at one gap, or at one each where frames follow from one another.
+        const bool inTurn = RendersInTurn(row);
+        const std::int64_t pieces =
+            inTurn ? std::min(count, kMostGapsAtOnce) : std::min(frames, kMostFramesAtOnce);
+        const double atOnce = std::min(static_cast<double>(workers), static_cast<double>(pieces));
         const RenderNeed need = RenderNeedOf(row, settings);
-        render = std::max(render, need.gap * (RendersInTurn(row) ? atOnce : 1) + need.frame * atOnce);
+        render = std::max(render, need.gap * (inTurn ? atOnce : 1) + need.frame * atOnce);
     };
     for (std::int32_t i = 0; i < count; ++i) {
         if (!list.Read(i, entry)) return false;
@@ -51,8 +51,8 @@ bool EstimateBuild(ImageList& list, TaskKind kind, const PluginSettings& setting
     const bool marks = kind == TaskKind::Build && settings.Supercompress != 0;
     // While frames are made all of them have 24 bits; each may get a mask before the first loses its depth.
     const double masks = marks ? frames * picture(1) : 0;
-    const double reduced = masks + (reduces ? atOnce * picture(8) : 0);
-    const double rendered = render * estimate.width * estimate.height;
+    const double atWork = reduces ? std::min(frames, static_cast<double>(workers)) : 0;
+    const double rendered = render * estimate.width * estimate.height, reduced = masks + atWork * picture(8);
     const double always = frames * sizeof(FrameRecord) + std::max(count, 2) * picture(24);
     estimate.bytes = WholeBytes(always + frames * picture(24) + std::max(rendered, reduced));
     estimate.handedOver = WholeBytes(always + frames * picture(reduces ? 8 : 24) + masks);

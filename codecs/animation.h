@@ -40,8 +40,8 @@ inline AnimationFacts FactsOf(const Animation& animation) {
 struct FrameView {
     const DibHeader& picture;
     std::int32_t delay; ///< hundredths of a second
-    std::int32_t
-        transparentIndex; ///< of a pixel that leaves what is there: an index, or a colour; -1 for none
+    /// Of a pixel that leaves what is there: an index, or a colour; -1 for none.
+    std::int32_t transparentIndex;
 };
 
 } // namespace lumafold

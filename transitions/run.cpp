@@ -3,12 +3,10 @@
 namespace lumafold {
 
 bool AppendFrames(const TransitionContext& context, FrameSource& frames, std::int64_t count,
-                  std::size_t atOnce, const Runner& runner) {
-    std::array<OwnedDib, 64> rendered;
-    atOnce = std::min(atOnce, rendered.size());
+                  std::int64_t atOnce, const Runner& runner) {
+    std::array<OwnedDib, kMostFramesAtOnce> rendered;
     for (std::int64_t first = 0; first < count;) {
-        const auto batch =
-            static_cast<std::size_t>(std::min(static_cast<std::int64_t>(atOnce), count - first));
+        const auto batch = static_cast<std::size_t>(std::min({atOnce, kMostFramesAtOnce, count - first}));
         runner.ForEach(
             batch, [&](std::size_t i) { rendered[i] = frames.Frame(first + static_cast<std::int64_t>(i)); });
         for (std::size_t i = 0; i < batch; ++i, ++first) {

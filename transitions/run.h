@@ -102,7 +102,7 @@ bool IsGap(const DibHeader& source, const DibHeader& target);
 /// Appends `count` frames, at most `atOnce` of them rendered at once; false when one cannot be had or the
 /// list cannot take it.
 bool AppendFrames(const TransitionContext& context, FrameSource& frames, std::int64_t count,
-                  std::size_t atOnce, const Runner& runner);
+                  std::int64_t atOnce, const Runner& runner);
 
 template <typename Family, auto... kKinds>
 int RunEffect(TransitionContext& context, const PluginSettings& settings, const Runner& runner) {
@@ -118,7 +118,7 @@ int RunEffect(TransitionContext& context, const PluginSettings& settings, const 
     if (!frames) return kEffectFailed;
     // A few more frames than workers, so that none waits long for another.
     const bool severalAtOnce = FamilyFrames<Family>::kAnyOrder && runner.Workers() > 1;
-    const std::size_t atOnce = severalAtOnce ? 2 * runner.Workers() : 1;
+    const auto atOnce = severalAtOnce ? 2 * static_cast<std::int64_t>(runner.Workers()) : 1;
     return AppendFrames(context, frames, count, atOnce, runner) ? kEffectDone : kEffectFailed;
 }
 

@@ -39,6 +39,10 @@ std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canv
 /// Whether the row's frames follow from one another, so that one worker renders a gap.
 bool RendersInTurn(int row);
 
+/// Of one gap with its frames in any order, and of gaps with their frames in turn.
+inline constexpr std::int64_t kMostFramesAtOnce = 64;
+inline constexpr std::int32_t kMostGapsAtOnce = 16;
+
 /// Nothing where there is no such row.
 RenderNeed RenderNeedOf(int row, const PluginSettings& settings);
 

@@ -34,7 +34,7 @@ public:
     BuildRun(BuildOptions options, const Console& console)
         : options_(std::move(options)), console_(console),
           kind_(KindOfOutput(options_.output, options_.format)),
-          pool_(static_cast<int>(options_.jobs.value_or(UsableProcessors()))) {}
+          pool_(static_cast<int>(options_.jobs ? *options_.jobs : UsableProcessors())) {}
 
     int Run() {
         CheckNames();
@@ -131,9 +131,9 @@ private:
         std::string why = WhyCannotRun(list, settings_, estimate.width, estimate.height);
         if (!why.empty()) throw Failure(kFailed, why);
         RemarkOnSize(estimate);
-        const bool trueColour = settings_.TransitionTruecolour != 0;
-        const TakerNeed taker =
-            NeedOf(kind_, options_.quality, trueColour, trueColour ? PackedBytes(list) : 0, pool_.Workers());
+        std::optional<double> packed;
+        if (settings_.TransitionTruecolour != 0) packed = PackedBytes(list);
+        const TakerNeed taker = NeedOf(kind_, options_.quality, packed, pool_.Workers(), estimate.frames);
         why = WhyTooLarge(estimate, CommandBytes(list, estimate, taker), memoryLimit_);
         if (!why.empty()) throw Failure(kFailed, "the animation " + why + " (--memory-limit)");
     }
@@ -167,20 +167,27 @@ private:
         if (!host.Fault().empty()) throw Failure(kFailed, NameBefore() + host.Fault());
         if (!built) return kFailed; // the engine has said why
         if (const std::size_t held = frames.Held(); held > 0) RemarkOnDelays(held);
+        if (const std::size_t cut = frames.Cut(); cut > 0) {
+            Remark(Standing(cut) + "for " + DurationText(LongestDelay(kind_)) +
+                   " instead of longer, which this kind of file cannot say");
+        }
         return Write(host, frames);
     }
 
+    static std::string Standing(std::size_t frames) {
+        return std::to_string(frames) + (frames == 1 ? " frame stands " : " frames stand ");
+    }
+
     void RemarkOnDelays(std::size_t held) const {
-        Remark(std::to_string(held) + (held == 1 ? " frame stands" : " frames stand") +
-               " for 0.02 s instead of less, which browsers would make 0.1 s of, and those after it for the "
-               "less "
-               "(--exact-delays keeps all as they are)");
+        Remark(Standing(held) +
+               "for 0.02 s instead of less, which browsers would make 0.1 s of, and those after it for the "
+               "less (--exact-delays keeps all as they are)");
     }
 
     /// What is put before the reasons of an output that does not name files itself.
     std::string NameBefore() const {
-        const bool sends = WritesStream() && kind_ == OutputKind::Y4m;
-        return options_.estimate || sends || kind_ == OutputKind::Folder ? "" : options_.output + ": ";
+        return options_.estimate || WritesStream() || kind_ == OutputKind::Folder ? ""
+                                                                                  : options_.output + ": ";
     }
 
     int Write(const RecordingHost& host, BuiltFrames& frames) {

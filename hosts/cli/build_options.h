@@ -62,9 +62,8 @@ struct BuildOptions {
 };
 
 /// --transition, --pause and --delay apply to the pictures after them; where none was given, the settings do.
-/// What a
-/// --config file holds comes before all other words, wherever they stand. Lists of pictures and a settings
-/// file are read here. Throws Failure and Answer, as the others do.
+/// What a --config file holds comes before all other words, wherever they stand. Lists of pictures and a
+/// settings file are read here. Throws Failure and Answer, as the others do.
 BuildOptions ParseBuild(std::span<const std::string> words, std::istream& standardInput);
 
 struct SheetOptions {

@@ -4,6 +4,7 @@
 
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/interrupt.h"
+#include "hosts/cli/process_memory.h"
 
 #ifdef _WIN32
 
@@ -44,6 +45,7 @@ extern "C" int wmain(int count, wchar_t** words) {
 #else
 
 int main(int count, char** words) {
+    lumafold::ShareFreedMemory();
     lumafold::WatchForInterrupts();
     const std::vector<std::string> args(words + std::min(count, 1), words + count);
     return lumafold::RunCommandLine(args, {std::cin, std::cout, std::cerr});

@@ -29,21 +29,22 @@ std::uint64_t UsualMemoryLimit() { return std::min(PhysicalMemory() / 2, UsualBu
 
 // As measured. A writer holds what two waiting frames change for each worker, and copies of the rows that are
 // at work; the WebP library works on pictures of its own.
-TakerNeed NeedOf(OutputKind kind, std::optional<int> quality, bool trueColour, double packed,
-                 std::size_t workers) {
-    const auto working = static_cast<double>(workers), waiting = workers == 1 ? 1 : 2 * working;
+TakerNeed NeedOf(OutputKind kind, std::optional<int> quality, std::optional<double> packed,
+                 std::size_t workers, std::int64_t frames) {
+    const double all = static_cast<double>(frames), working = std::min(static_cast<double>(workers), all);
+    const double waiting = workers == 1 ? 1 : std::min(2 * working, all - working);
     switch (kind) {
     case OutputKind::Folder:
         return {3, 0};
     case OutputKind::Y4m:
         return {8, 1.5};
     case OutputKind::Webp:
-        return quality ? TakerNeed{25, packed / 4} : TakerNeed{90, packed};
+        return quality ? TakerNeed{25, packed.value_or(0) / 4} : TakerNeed{90, packed.value_or(0)};
     case OutputKind::Gif:
         return {9 + 2 * waiting + 3 * working, 0.3};
     default:
-        return trueColour ? TakerNeed{9 + 4 * waiting + 6 * working, packed}
-                          : TakerNeed{9 + 2 * waiting + 3 * working, 0.3};
+        return packed ? TakerNeed{9 + 4 * waiting + 6 * working, *packed}
+                      : TakerNeed{9 + 2 * waiting + 3 * working, 0.3};
     }
 }
 

@@ -17,10 +17,10 @@ struct TakerNeed {
     double frame; ///< for each frame, until the last one
 };
 inline constexpr TakerNeed kSheetNeed{6, 0}; ///< a contact sheet's screen, and a picture in true colour
-/// `quality` is that of a WebP, none without losses; `packed` is what a true-colour frame comes to, in bytes
-/// a pixel; `workers` pack at once.
-TakerNeed NeedOf(OutputKind kind, std::optional<int> quality, bool trueColour, double packed,
-                 std::size_t workers);
+/// `quality` is that of a WebP, none without losses; `packed` is what a frame comes to in true colour, in
+/// bytes a pixel, none in others; `workers` pack `frames` frames.
+TakerNeed NeedOf(OutputKind kind, std::optional<int> quality, std::optional<double> packed,
+                 std::size_t workers, std::int64_t frames);
 
 /// What the pictures come to as PNG data, in bytes a pixel, by a part of some of them.
 double PackedBytes(ImageList& list);

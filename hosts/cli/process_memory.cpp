@@ -30,6 +30,12 @@ std::uint64_t PeakMemory() {
 
 #endif
 
+void ShareFreedMemory() {
+#ifdef __GLIBC__
+    mallopt(M_ARENA_MAX, 1);
+#endif
+}
+
 void ReturnFreedMemory() {
 #ifdef __GLIBC__
     malloc_trim(0);
