@@ -292,8 +292,8 @@ OwnedDib DibCropRect(const DibHeader& source, const Rect& rect, PixelValue fill)
     if (!target) return target;
     const bool inside =
         rect.left >= 0 && rect.top >= 0 && rect.right <= source.biWidth && rect.bottom <= source.biHeight;
-    // New pixels are zero, so a fill of 0 needs no writing.
-    if (!inside && fill != 0) {
+    // New pixels are zero, so a fill of 0 needs no writing. At 32 bits a pixel may have the value of none.
+    if (fill != 0 && (!inside || source.biBitCount == 32)) {
         for (std::int32_t y = 0; y < target->biHeight; ++y) {
             for (std::int32_t x = 0; x < target->biWidth; ++x)
                 DibSetPixel(*target, x, y, fill);

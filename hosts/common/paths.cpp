@@ -1,5 +1,9 @@
 #include "hosts/common/paths.h"
 
+#ifdef _WIN32
+#include "hosts/common/wide_text.h"
+#endif
+
 namespace lumafold {
 namespace {
 
@@ -13,12 +17,9 @@ constexpr char kSeparators[] = "/";
 
 #ifdef _WIN32
 
-std::filesystem::path PathOf(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+std::filesystem::path PathOf(const std::string& name) { return Wide(name); }
 
-std::string NameOf(const std::filesystem::path& path) {
-    const std::u8string name = path.u8string();
-    return {name.begin(), name.end()};
-}
+std::string NameOf(const std::filesystem::path& path) { return Utf8(path.native()); }
 
 bool EndsInSeparator(const std::string& name) { return name.ends_with('/') || name.ends_with('\\'); }
 

@@ -7,8 +7,11 @@ namespace lumafold {
 std::wstring Wide(const std::string& text) {
     const int bytes = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0'); // never more units than bytes
-    const int units =
-        MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, wide.data(), static_cast<int>(wide.size()));
+    const auto take = [&](UINT codePage, DWORD flags) {
+        return MultiByteToWideChar(codePage, flags, text.data(), bytes, wide.data(), bytes);
+    };
+    int units = take(CP_UTF8, MB_ERR_INVALID_CHARS);
+    if (units == 0) units = take(CP_ACP, 0);
     wide.resize(static_cast<std::size_t>(units));
     return wide;
 }

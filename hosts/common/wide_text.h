@@ -5,8 +5,10 @@
 
 namespace lumafold {
 
-/// What is no UTF-8 becomes the sign for an unknown letter. Both may throw std::bad_alloc.
+// Both may throw std::bad_alloc.
+/// Bytes that are no UTF-8 are read in the process's code page, as names of files are.
 std::wstring Wide(const std::string& text);
+/// What is no text becomes the sign for an unknown letter.
 std::string Utf8(const std::wstring& text);
 
 } // namespace lumafold

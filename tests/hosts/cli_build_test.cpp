@@ -257,6 +257,10 @@ TEST_F(CommandLineTest, OrderEndAndDelaysAreAsAsked) {
         ASSERT_EQ(ran.status, 0) << ran.err;
         EXPECT_EQ(Timing(Get(row.output)), row.timing) << row.options;
     }
+    const Ran longer = Run("build --transition None --pause 70000 %/a.bmp %/b.bmp -o %/x.gif");
+    EXPECT_EQ(Timing(Get("x.gif")), "65535 65535 loop 0");
+    EXPECT_NE(longer.out.find("1310.70 s"), std::string::npos) << longer.out;
+    EXPECT_NE(longer.err.find("2 frames stand for 655.35 s instead of longer"), std::string::npos);
 }
 
 TEST_F(CommandLineTest, EveryKindSaysHowOftenItIsPlayed) {
@@ -353,6 +357,7 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
         {2, "%/out/frame-0000.bmp -o %/out/", "-o %/out/: would replace the picture "},
         {2, "%/out/task.json -o %/out/", "-o %/out/: would replace the picture "},
         {2, "@%/c.gif -o %/./c.gif", "-o %/./c.gif: would replace what is read"},
+        {1, "@%/odd -o %/x.gif", "%/caf\\xE9.png: there is no such file or folder"},
         {2, "--config %/c.gif -o %/./c.gif", "-o %/./c.gif: would replace what is read"},
         {2, "-o -", "-o -: say which kind of file, with --format "},
         {2, "-o %/x/ --format gif", "-o %/x/: a folder of frames takes no --format"},
@@ -360,6 +365,7 @@ TEST_F(CommandLineTest, FailuresSayWhyInOneLineAndWriteNothing) {
     std::filesystem::create_directories(Path("out"));
     PutPicture("out/frame-0000.bmp", 7, 5, 1);
     Put("c.gif", Path("a.bmp"));
+    Put("odd", Path("caf\xE9.png")); // no UTF-8
     const auto before = Names();
     for (const auto& row : kCases) {
         Ran ran = Run(std::string("build -q --transition None %/a.bmp ") + row.words);
