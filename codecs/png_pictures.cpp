@@ -95,9 +95,10 @@ std::vector<PngPicture::Way> PngPicture::WaysToTry() const {
     const Rows tried = Width() * Height() >= kWorthSampling ? Rows::Sample : Rows::All;
     bool hasHoles = false;
     Way repetitions = ways.front(), runs = repetitions;
-    std::size_t least = ~std::size_t{0}, leastOfRuns = least;
+    std::size_t least = ~std::size_t{0}, leastOfRuns = least, unpacked = 0;
     for (const Way& way : ways) {
         const std::vector<std::uint8_t> rows = Filtered(way, tried, hasHoles);
+        unpacked = rows.size();
         const bool saysRuns = way.saying == Saying::Runs;
         const int effort = std::min(effort_, HasPalette() ? kIndexTrialEffort : kColourTrialEffort);
         const std::size_t bytes = (saysRuns ? DeflateRuns(rows) : Deflate(rows, effort)).size();
@@ -105,9 +106,17 @@ std::vector<PngPicture::Way> PngPicture::WaysToTry() const {
         (saysRuns ? runs : repetitions) = way;
         (saysRuns ? leastOfRuns : least) = bytes;
     }
-    if (leastOfRuns >= least) return {repetitions};
-    // A better search may find more repetitions.
-    least = Deflate(Filtered(repetitions, tried, hasHoles), effort_).size();
+    // A better search may find more repetitions: more than runs, or of text and drawings in rows as they are.
+    const auto packed = [&](const Way& way) {
+        return Deflate(Filtered(way, tried, hasHoles), effort_).size();
+    };
+    if (leastOfRuns >= least) {
+        if (HasPalette() || least * 4 > unpacked) return {repetitions};
+        Way other = repetitions;
+        other.filter = other.filter == RowFilter::None ? RowFilter::Least : RowFilter::None;
+        return {packed(other) < packed(repetitions) ? other : repetitions};
+    }
+    least = packed(repetitions);
     const std::size_t near = std::min(least, leastOfRuns) / 32;
     if (leastOfRuns + near < least) return {runs};
     if (least + near < leastOfRuns) return {repetitions};
