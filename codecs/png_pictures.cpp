@@ -133,11 +133,16 @@ std::vector<std::uint8_t> PngPicture::Packed(const Way& way, std::span<const std
         if (effort_ >= kSlowEffort) orWith(effort_);
         return data;
     }
-    // Text and drawings gain most from a long search.
-    constexpr std::size_t kPacksWell = 8;
-    const bool usual = HasPalette() ? effort_ == kQuickEffort : effort_ >= kUsualEffort && effort_ <= 8;
-    if (usual && data.size() * kPacksWell < rows.size()) orWith(HasPalette() ? kSlowEffort : 9);
-    return data;
+    // Text and drawings gain most from a long search, and flat pictures from zlib's.
+    constexpr std::size_t kPacksWell = 8, kFlat = 32;
+    if (!HasPalette()) {
+        if (effort_ >= kUsualEffort && effort_ <= 8 && data.size() * kPacksWell < rows.size()) orWith(9);
+        return data;
+    }
+    if (effort_ == kQuickEffort && data.size() * kPacksWell < rows.size()) orWith(kSlowEffort);
+    if (effort_ < kQuickEffort || data.size() * kFlat >= rows.size()) return data;
+    std::vector<std::uint8_t> flat = DeflateFlat(rows);
+    return flat.size() < data.size() ? flat : data;
 }
 
 void PngPicture::Repack(int bits) {

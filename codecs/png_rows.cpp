@@ -65,6 +65,33 @@ std::uint64_t BitsToSay(std::span<const Byte> row) {
     return all;
 }
 
+/// By zlib.
+std::vector<std::uint8_t> DeflateBy(std::span<const std::uint8_t> bytes, int level, int strategy) {
+    constexpr int kWindowBits = 15, kMostMemory = 9;
+    z_stream stream{};
+    if (deflateInit2(&stream, level, Z_DEFLATED, kWindowBits, kMostMemory, strategy) != Z_OK)
+        throw std::bad_alloc();
+    const std::unique_ptr<z_stream, decltype(&deflateEnd)> owner(&stream, deflateEnd);
+    std::vector<std::uint8_t> packed;
+    std::array<std::uint8_t, 1 << 16> room;
+    constexpr std::size_t kPiece = 1 << 30; // the library counts in 32 bits
+    int state = Z_OK;
+    while (state != Z_STREAM_END) {
+        if (stream.avail_in == 0) {
+            const auto piece = bytes.first(std::min(kPiece, bytes.size()));
+            bytes = bytes.subspan(piece.size());
+            stream.next_in = const_cast<std::uint8_t*>(piece.data());
+            stream.avail_in = static_cast<uInt>(piece.size());
+        }
+        stream.next_out = room.data();
+        stream.avail_out = static_cast<uInt>(room.size());
+        state = deflate(&stream, bytes.empty() ? Z_FINISH : Z_NO_FLUSH);
+        packed.insert(packed.end(), room.begin(), room.end() - stream.avail_out);
+    }
+    packed.shrink_to_fit();
+    return packed;
+}
+
 } // namespace
 
 std::vector<std::uint8_t> FilterRows(const PngRows& rows, RowFilter filter) {
@@ -113,29 +140,11 @@ std::vector<std::uint8_t> Deflate(std::span<const std::uint8_t> bytes, int effor
 }
 
 std::vector<std::uint8_t> DeflateRuns(std::span<const std::uint8_t> bytes) {
-    constexpr int kLevel = 6, kWindowBits = 15, kMostMemory = 9;
-    z_stream stream{};
-    if (deflateInit2(&stream, kLevel, Z_DEFLATED, kWindowBits, kMostMemory, Z_RLE) != Z_OK)
-        throw std::bad_alloc();
-    const std::unique_ptr<z_stream, decltype(&deflateEnd)> owner(&stream, deflateEnd);
-    std::vector<std::uint8_t> packed;
-    std::array<std::uint8_t, 1 << 16> room;
-    constexpr std::size_t kPiece = 1 << 30; // the library counts in 32 bits
-    int state = Z_OK;
-    while (state != Z_STREAM_END) {
-        if (stream.avail_in == 0) {
-            const auto piece = bytes.first(std::min(kPiece, bytes.size()));
-            bytes = bytes.subspan(piece.size());
-            stream.next_in = const_cast<std::uint8_t*>(piece.data());
-            stream.avail_in = static_cast<uInt>(piece.size());
-        }
-        stream.next_out = room.data();
-        stream.avail_out = static_cast<uInt>(room.size());
-        state = deflate(&stream, bytes.empty() ? Z_FINISH : Z_NO_FLUSH);
-        packed.insert(packed.end(), room.begin(), room.end() - stream.avail_out);
-    }
-    packed.shrink_to_fit();
-    return packed;
+    return DeflateBy(bytes, 6, Z_RLE);
+}
+
+std::vector<std::uint8_t> DeflateFlat(std::span<const std::uint8_t> bytes) {
+    return DeflateBy(bytes, 9, Z_DEFAULT_STRATEGY);
 }
 
 } // namespace lumafold

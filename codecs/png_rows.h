@@ -25,5 +25,7 @@ std::vector<std::uint8_t> Deflate(std::span<const std::uint8_t> bytes, int effor
 /// One that says runs of a byte alone, and else how frequent each is: grain packs better without the short
 /// repetitions that occur by chance. Throws std::bad_alloc.
 std::vector<std::uint8_t> DeflateRuns(std::span<const std::uint8_t> bytes);
+/// The same for what packs to a small part, where a longer search costs little: repetitions at their longest.
+std::vector<std::uint8_t> DeflateFlat(std::span<const std::uint8_t> bytes);
 
 } // namespace lumafold
