@@ -82,8 +82,10 @@ void MainWindow::TakeLook(int dotsPerInch) {
     strip_.SetLook(*look_);
     list_.SetLook(*look_);
     files_.SetOwner(window_, look_->At(kThumbnailHeight));
-    for (std::size_t i = 0; i < documents_.Count(); ++i)
+    for (std::size_t i = 0; i < documents_.Count(); ++i) {
         documents_.At(i).SetThumbnailHeight(look_->At(kThumbnailHeight));
+        documents_.At(i).DrawThumbnails(1); // its card's
+    }
 }
 
 // The window came to a screen of other dots, or the person chose others for this one.

@@ -90,6 +90,14 @@ TEST_F(MainWindowTest, TakesTheWheelOverWhatDoesNotTurn) {
     }
 }
 
+TEST_F(MainWindowTest, DrawsAllCardsAgainForAnotherScreen) {
+    Take(TaskKind::Build);
+    Take(TaskKind::Build); // the current one, whose frames are drawn again in any case
+    const RECT place{0, 0, 900, 700};
+    SendMessageW(window_.Get(), 0x02E0, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
+    EXPECT_EQ(window_.Documents().At(0).ThumbnailOf(0).pixels.size(), 126U * 90U);
+}
+
 /// Presses the button of the window that shows how far the work is.
 void CALLBACK PressCancel(HWND, UINT, UINT_PTR timer, DWORD) {
     const HWND shown = FindWindowW(ProgressWindow::kClassName, nullptr);
