@@ -281,7 +281,7 @@ void MainWindow::Drop(HDROP drop) {
             files_.Open(path);
         return;
     }
-    session_.Queue(files_.OpenAnimationsOf(dropped));
+    session_.Queue(window_, files_.OpenAnimationsOf(dropped));
     if (!session_.HasQueued()) return;
     SetTimer(window_, kFeedTimer, kFeedMilliseconds, nullptr);
     PostMessageW(window_, WM_COMMAND, HOST_RUN_PLUGIN, 0);
