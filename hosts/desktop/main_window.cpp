@@ -45,7 +45,7 @@ MainWindow::MainWindow(const PluginLibrary& plugin, HostSettings& settings, Atte
                        std::string settingsPath)
     : plugin_(plugin), settings_(settings), attendant_(attendant), settingsPath_(std::move(settingsPath)),
       files_(documents_, settings, attendant), session_(plugin, files_, attendant),
-      measurer_([this] { PostMessageW(window_, kMeasured, 0, 0); }) {}
+      measurer_([this] { PostMessageW(toldOfSizes_, kMeasured, 0, 0); }) {}
 
 bool MainWindow::Make(int show) {
     if (!Window::Make(nullptr, Wide(kProgram).c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
@@ -65,6 +65,7 @@ bool MainWindow::TranslateKey(MSG& message) const {
 }
 
 LRESULT MainWindow::Create() {
+    toldOfSizes_ = window_;
     TakeLook(DotsPerInchOf(window_));
     const bool made = status_.Make(window_) && toolbar_.Make(window_, *look_) && list_.Make(window_) &&
                       canvas_.Make(window_) && strip_.Make(window_);
