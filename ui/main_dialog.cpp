@@ -364,7 +364,7 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
         if (Session().host != nullptr) Close(dialog); // else it was never opened
         return TRUE;
     default:
-        return AnswerPainting(dialog, message, wparam);
+        return AnswerPainting(dialog, message, wparam, lparam);
     }
 }
 
