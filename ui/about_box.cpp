@@ -12,7 +12,7 @@ void FreeLogo(HWND dialog) {
     DeleteObject(reinterpret_cast<HGDIOBJ>(logo)); // NOLINT(performance-no-int-to-ptr)
 }
 
-INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
+INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG:
         return TRUE;
@@ -24,7 +24,7 @@ INT_PTR CALLBACK AboutProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM
         FreeLogo(dialog);
         return TRUE;
     default:
-        return AnswerPainting(dialog, message, wparam);
+        return AnswerPainting(dialog, message, wparam, lparam);
     }
 }
 

@@ -103,7 +103,7 @@ INT_PTR CALLBACK AdvancedProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
             DrawSwatch(item);
         return TRUE;
     default:
-        return AnswerPainting(dialog, message, wparam);
+        return AnswerPainting(dialog, message, wparam, lparam);
     }
 }
 

@@ -147,6 +147,10 @@ void EnableByPalette(HWND dialog) {
                  IsDlgButtonChecked(dialog, LUMAFOLD_MAIN_CUSTOM_PALETTE) != BST_CHECKED);
 }
 
+/// Labels and lines, which take no input. Disabled, they would draw themselves again on a background that
+/// nobody cleared.
+bool IsLabel(HWND control) { return (SendMessageA(control, WM_GETDLGCODE, 0, 0) & DLGC_STATIC) != 0; }
+
 /// While it lives no control takes a click or a key, since the host may turn the message loop during a build.
 /// Afterwards each is enabled as it was, or as its own rule says.
 class DisabledControls {
@@ -154,7 +158,7 @@ public:
     explicit DisabledControls(HWND dialog) : dialog_(dialog), focus_(GetFocus()) {
         for (HWND child = GetWindow(dialog, GW_CHILD); child != nullptr;
              child = GetWindow(child, GW_HWNDNEXT)) {
-            if (count_ == std::size(disabled_) || IsWindowEnabled(child) == 0) continue;
+            if (count_ == std::size(disabled_) || IsWindowEnabled(child) == 0 || IsLabel(child)) continue;
             disabled_[count_++] = child;
             EnableWindow(child, FALSE);
         }
@@ -364,7 +368,7 @@ INT_PTR CALLBACK MainProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM 
         if (Session().host != nullptr) Close(dialog); // else it was never opened
         return TRUE;
     default:
-        return AnswerPainting(dialog, message, wparam);
+        return AnswerPainting(dialog, message, wparam, lparam);
     }
 }
 

@@ -74,7 +74,7 @@ INT_PTR CALLBACK OverrideProcedure(HWND dialog, UINT message, WPARAM wparam, LPA
         Draw(dialog, *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
         return TRUE;
     default:
-        return AnswerPainting(dialog, message, wparam);
+        return AnswerPainting(dialog, message, wparam, lparam);
     }
 }
 

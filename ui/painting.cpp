@@ -183,8 +183,7 @@ void PaintBackground(HWND dialog, HDC context) {
 
 /// The brush, after making the label transparent. Check boxes, which ask too, get the background for a brush,
 /// and disabled lists a face of their own.
-INT_PTR PaintStaticLabel(HDC context) {
-    const HWND control = WindowFromDC(context);
+INT_PTR PaintStaticLabel(HDC context, HWND control) {
     if (IsOfClass(control, "ComboBox") || IsOfClass(control, "Edit")) { // disabled, else they would not ask
         SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
         SetBkColor(context, GetSysColor(COLOR_BTNFACE));
@@ -218,10 +217,10 @@ void PaintBehind(HWND control, HDC context) {
     PaintBackground(dialog, context);
 }
 
-INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam) {
+INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
     case WM_CTLCOLORSTATIC:
-        return PaintStaticLabel(reinterpret_cast<HDC>(wparam));
+        return PaintStaticLabel(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
     case WM_ERASEBKGND:
         PaintBackground(dialog, reinterpret_cast<HDC>(wparam));
         SetWindowLongPtrA(dialog, DWLP_MSGRESULT, 1); // or the background is asked for again

@@ -14,7 +14,7 @@ void PaintBehind(HWND control, HDC context);
 
 /// What every dialog's procedure gives for the messages that it does not answer itself: the background and
 /// the labels that stand on it are painted, all else is left to the system.
-INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam);
+INT_PTR AnswerPainting(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
 
 /// Answers WM_DRAWITEM of an owner-drawn static: a frame with the caption in its upper edge.
 void DrawGroupFrame(const DRAWITEMSTRUCT& item);

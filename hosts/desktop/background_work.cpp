@@ -11,22 +11,38 @@ namespace {
 
 constexpr DWORD kMoment = 250, kBetweenLooks = 20; ///< milliseconds
 
+/// Told once and for good.
+class Event {
+public:
+    /// Throws std::bad_alloc where the system has none to give.
+    Event() : handle_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
+        if (handle_ == nullptr) throw std::bad_alloc();
+    }
+    Event(const Event&) = delete;
+    Event& operator=(const Event&) = delete;
+    ~Event() { CloseHandle(handle_); }
+
+    const HANDLE& Get() const { return handle_; }
+
+private:
+    HANDLE handle_;
+};
+
 /// The thread, and what both sides know of it.
 class Worker {
 public:
     explicit Worker(const std::function<void(const FrameProgress&)>& work)
-        : ended_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), thread_([this, &work] { Run(work); }) {}
+        : thread_([this, &work] { Run(work); }) {}
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
     ~Worker() {
         stopped = true;
         if (thread_.joinable()) thread_.join();
-        CloseHandle(ended_);
     }
 
     /// Whether it ended within the time; with `awake`, or something happened that a window may care for.
     bool WaitForEnd(DWORD milliseconds, bool awake) const {
-        return MsgWaitForMultipleObjects(1, &ended_, FALSE, milliseconds, awake ? QS_ALLINPUT : 0) ==
+        return MsgWaitForMultipleObjects(1, &ended_.Get(), FALSE, milliseconds, awake ? QS_ALLINPUT : 0) ==
                WAIT_OBJECT_0;
     }
     void Finish() {
@@ -48,10 +64,10 @@ private:
         } catch (...) {
             fault_ = std::current_exception();
         }
-        SetEvent(ended_);
+        SetEvent(ended_.Get());
     }
 
-    HANDLE ended_;
+    Event ended_;
     std::exception_ptr fault_;
     std::thread thread_; ///< last: it uses all of the above
 };
@@ -60,8 +76,8 @@ private:
 
 void WorkBehindProgress(HWND owner, const std::string& caption,
                         const std::function<void(const FrameProgress& progress)>& work) {
-    const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));
     Worker worker(work);
+    const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));
     ProgressWindow window(ProgressWindow::Stop::OnRequest);
     window.SetCaption(caption.c_str());
     if (!worker.WaitForEnd(kMoment, false)) {

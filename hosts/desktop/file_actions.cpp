@@ -25,15 +25,23 @@ ReadAnimation Read(const std::string& path) {
 struct Written {
     bool saved = false, stopped = false;
 };
-Written Write(HWND owner, const std::string& caption,
+/// `write` tells in `error` why it did not work; so does this for what it throws, and where it could not even
+/// begin.
+Written Write(HWND owner, const std::string& caption, std::string& error,
               const std::function<bool(const FrameProgress&)>& write) {
     Written written;
-    WorkBehindProgress(owner, caption, [&](const FrameProgress& progress) {
-        written.saved = write([&](std::size_t frame, std::size_t frames) {
-            written.stopped = !progress(frame, frames);
-            return !written.stopped;
+    try {
+        WorkBehindProgress(owner, caption, [&](const FrameProgress& progress) {
+            written.saved = write([&](std::size_t frame, std::size_t frames) {
+                written.stopped = !progress(frame, frames);
+                return !written.stopped;
+            });
         });
-    });
+    } catch (const std::bad_alloc&) {
+        error = "there is not enough memory";
+    } catch (const std::exception& failure) {
+        error = failure.what();
+    }
     return written;
 }
 
@@ -91,7 +99,7 @@ bool FileActions::Save(const std::string& path) {
     const std::string name = FileNamePart(path);
     std::string error;
     std::uint64_t bytes = 0;
-    const Written written = Write(owner_, "Saving " + name, [&](const FrameProgress& progress) {
+    const Written written = Write(owner_, "Saving " + name, error, [&](const FrameProgress& progress) {
         return SaveAnimation(path, document->GetAnimation(), progress, bytes, error);
     });
     if (!written.saved && !written.stopped) Fail(name + " has not been saved: " + error + ".");
@@ -113,7 +121,7 @@ bool FileActions::SaveFrames(const std::string& folder) {
     const Document* document = documents_.Current();
     if (document == nullptr) return false;
     std::string error;
-    const Written written = Write(owner_, "Saving frames", [&](const FrameProgress& progress) {
+    const Written written = Write(owner_, "Saving frames", error, [&](const FrameProgress& progress) {
         return lumafold::SaveFrames(folder, document->GetAnimation(), progress, error);
     });
     if (!written.saved && !written.stopped) Fail("The frames have not been saved: " + error + ".");

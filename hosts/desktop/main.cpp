@@ -86,19 +86,23 @@ std::vector<std::string> FirstFiles(const std::vector<std::string>& named, const
     return files;
 }
 
-void RunForPerson(const PluginLibrary& plugin, const std::vector<std::string>& files, int show) {
+int RunForPerson(const PluginLibrary& plugin, const std::vector<std::string>& files, int show) {
     const std::string path = HostSettingsPath();
     HostSettings settings;
     settings.Load(path);
     Person person(settings);
     MainWindow window(plugin, settings, person, path);
-    if (!window.Make(show)) return;
+    if (!window.Make(show)) {
+        person.Tell(nullptr, "The window cannot be opened.", Attendant::Tone::Error);
+        return 1;
+    }
     const std::vector<std::string> recent = settings.recentFiles;
     for (const std::string& file : FirstFiles(files, settings))
         window.Files().Open(file);
     if (files.empty()) settings.recentFiles = recent; // opening them again was nobody's wish
     RunMessageLoop(window);
     settings.Save(path);
+    return 0;
 }
 
 // A script finds the same program on every machine: nothing is kept, nothing is taken from before.
@@ -129,8 +133,7 @@ int Run(const Words& words, int show) {
     PluginLibrary plugin;
     plugin.Load();
     if (!words.script.empty()) return RunForScript(plugin, std::move(steps), show);
-    RunForPerson(plugin, words.files, show);
-    return 0;
+    return RunForPerson(plugin, words.files, show);
 }
 
 } // namespace

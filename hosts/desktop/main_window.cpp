@@ -45,7 +45,7 @@ MainWindow::MainWindow(const PluginLibrary& plugin, HostSettings& settings, Atte
                        std::string settingsPath)
     : plugin_(plugin), settings_(settings), attendant_(attendant), settingsPath_(std::move(settingsPath)),
       files_(documents_, settings, attendant), session_(plugin, files_, attendant),
-      measurer_([this] { PostMessageW(window_, kMeasured, 0, 0); }) {}
+      measurer_([this] { PostMessageW(toldOfSizes_, kMeasured, 0, 0); }) {}
 
 bool MainWindow::Make(int show) {
     if (!Window::Make(nullptr, Wide(kProgram).c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
@@ -65,6 +65,7 @@ bool MainWindow::TranslateKey(MSG& message) const {
 }
 
 LRESULT MainWindow::Create() {
+    toldOfSizes_ = window_;
     TakeLook(DotsPerInchOf(window_));
     const bool made = status_.Make(window_) && toolbar_.Make(window_, *look_) && list_.Make(window_) &&
                       canvas_.Make(window_) && strip_.Make(window_);
@@ -82,8 +83,10 @@ void MainWindow::TakeLook(int dotsPerInch) {
     strip_.SetLook(*look_);
     list_.SetLook(*look_);
     files_.SetOwner(window_, look_->At(kThumbnailHeight));
-    for (std::size_t i = 0; i < documents_.Count(); ++i)
+    for (std::size_t i = 0; i < documents_.Count(); ++i) {
         documents_.At(i).SetThumbnailHeight(look_->At(kThumbnailHeight));
+        documents_.At(i).DrawThumbnails(1); // its card's
+    }
 }
 
 // The window came to a screen of other dots, or the person chose others for this one.
@@ -279,7 +282,7 @@ void MainWindow::Drop(HDROP drop) {
             files_.Open(path);
         return;
     }
-    session_.Queue(files_.OpenAnimationsOf(dropped));
+    session_.Queue(window_, files_.OpenAnimationsOf(dropped));
     if (!session_.HasQueued()) return;
     SetTimer(window_, kFeedTimer, kFeedMilliseconds, nullptr);
     PostMessageW(window_, WM_COMMAND, HOST_RUN_PLUGIN, 0);

@@ -81,7 +81,8 @@ private:
     FrameStrip strip_;
     DocumentList list_;
     HACCEL keys_ = nullptr;
-    SizeMeasurer measurer_; ///< ends before the window that it tells
+    HWND toldOfSizes_ = nullptr; ///< the window, for the measuring thread: written once, before there is work
+    SizeMeasurer measurer_;      ///< ends before the window that it tells
 };
 
 } // namespace lumafold

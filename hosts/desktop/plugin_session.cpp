@@ -34,11 +34,10 @@ void PluginSession::TakeAnimation(Animation animation, TaskKind kind) {
 }
 
 // Files of one folder together, and no more of them than a choice may have.
-void PluginSession::Queue(const std::vector<std::string>& pictures) {
+void PluginSession::Queue(HWND owner, const std::vector<std::string>& pictures) {
     for (const std::string& path : pictures) {
         if (ChosenNamesBuffer({path}).empty()) {
-            attendant_.Tell(window_, path + ": this path is too long for the plug-in.",
-                            Attendant::Tone::Error);
+            attendant_.Tell(owner, path + ": this path is too long for the plug-in.", Attendant::Tone::Error);
             continue;
         }
         if (!queued_.empty()) {
@@ -67,7 +66,7 @@ std::vector<std::string> PluginSession::ChoosePictures(HWND owner) {
         std::vector<std::string> chosen = attendant_.ChoosePictures(owner);
         if (chosen.empty() || !ChosenNamesBuffer(chosen).empty()) return chosen;
         // More than the plug-in takes at once, or of several folders: the rest is added after these.
-        Queue(chosen);
+        Queue(owner, chosen);
         SetTimer(window_, kFeedTimer, kFeedMilliseconds, nullptr);
     }
     if (queued_.empty()) return {};

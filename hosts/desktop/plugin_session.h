@@ -26,8 +26,9 @@ public:
     bool IsRunning() const { return host_ != nullptr; }
     bool IsBuilding() const { return host_ && host_->IsBuilding(); }
 
-    /// Pictures for its list, full paths: "Add" is pressed for them as soon as its dialog is there.
-    void Queue(const std::vector<std::string>& pictures);
+    /// Pictures for its list, full paths: "Add" is pressed for them as soon as its dialog is there. What is
+    /// wrong with one is told above `owner`.
+    void Queue(HWND owner, const std::vector<std::string>& pictures);
     bool HasQueued() const { return !queued_.empty(); }
     /// Called now and then while it runs and something is queued.
     void Feed();

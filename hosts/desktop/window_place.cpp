@@ -40,7 +40,14 @@ void RememberPlace(HWND window, HostSettings& settings) {
     WINDOWPLACEMENT place{};
     place.length = sizeof(place);
     if (GetWindowPlacement(window, &place) == 0) return;
-    const RECT& at = place.rcNormalPosition;
+    RECT at = place.rcNormalPosition;
+    // Counted from the corner of what the task bar leaves; windows are made by places counted from the
+    // screen's.
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    if (GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor) != 0)
+        OffsetRect(&at, monitor.rcWork.left - monitor.rcMonitor.left,
+                   monitor.rcWork.top - monitor.rcMonitor.top);
     settings.window = {at.left, at.top, at.right, at.bottom};
     settings.maximised = place.showCmd == SW_SHOWMAXIMIZED;
 }

@@ -62,6 +62,14 @@ TEST(DamagedPictures, TooLargeOnesAreToldBeforeTheyAreUnpacked) {
     EXPECT_EQ(DecodePicture(With(png, 16, {0, 0, 0, 0}), 0, kMost).error, "the picture has no pixels");
 }
 
+TEST(DamagedPictures, ShowInSpiteOfWhatIsNotNeededForThem) {
+    Bytes file = SmallPng();
+    const std::initializer_list<std::uint8_t> text = {0, 0, 0, 2, 't', 'E', 'X', 't', 'a', 0, 1, 2, 3, 4};
+    file.insert(file.begin() + 33, text); // its sum is wrong
+    EXPECT_EQ(DecodePicture(file, 0, kMost).error, "");
+    EXPECT_EQ(DecodeAnimation(file, kMost).error, "");
+}
+
 #if !defined(_WIN32) && !defined(__EMSCRIPTEN__) // there are none
 TEST(DamagedPictures, DevicesThatNeverEndAreRefusedAtOnce) {
     const auto before = allocation_hooks::Requests();

@@ -16,10 +16,11 @@
 namespace lumafold::test {
 namespace {
 
-Animation Built() {
+/// One small frame on a screen of this size.
+Animation Built(std::int32_t width = 7, std::int32_t height = 5) {
     Animation animation;
-    animation.width = 7;
-    animation.height = 5;
+    animation.width = width;
+    animation.height = height;
     animation.frames.push_back({NoisePicture(7, 5, 24, 1), 10, -1});
     return animation;
 }
@@ -30,7 +31,12 @@ public:
     UnsavedAnswer answer = UnsavedAnswer::Cancel;
     int asked = 0;
     std::string saveName;
+    HWND toldAbove = nullptr;
 
+    void Tell(HWND owner, const std::string& text, Tone tone) override {
+        toldAbove = owner;
+        ScriptAnswers::Tell(owner, text, tone);
+    }
     UnsavedAnswer AskAboutUnsaved(HWND, const std::string&) override {
         ++asked;
         return answer;
@@ -88,6 +94,30 @@ TEST_F(MainWindowTest, TakesTheWheelOverWhatDoesNotTurn) {
         SendMessageW(child, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA),
                      MAKELPARAM(place.left + 3, place.top + 3));
     }
+}
+
+TEST_F(MainWindowTest, DrawsAllCardsAgainForAnotherScreen) {
+    Take(TaskKind::Build);
+    Take(TaskKind::Build); // the current one, whose frames are drawn again in any case
+    const RECT place{0, 0, 900, 700};
+    SendMessageW(window_.Get(), 0x02E0, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place));
+    EXPECT_EQ(window_.Documents().At(0).ThumbnailOf(0).pixels.size(), 126U * 90U);
+}
+
+TEST_F(MainWindowTest, TellsWhyFramesAreNotSavedAndOfPathsThatAreTooLong) {
+    window_.Plugin().TakeAnimation(Built(3000, 3000), TaskKind::Test);
+    std::vector<void*> taken; // nearly all addresses: no room is left for a screen of 36 MB
+    while (void* room = VirtualAlloc(nullptr, 16 << 20, MEM_RESERVE, PAGE_NOACCESS))
+        taken.push_back(room);
+    EXPECT_FALSE(window_.Files().SaveFrames("frames"));
+    for (void* room : taken)
+        VirtualFree(room, 0, MEM_RELEASE);
+    EXPECT_EQ(person_.messages,
+              std::vector<std::string>{"The frames have not been saved: there is not enough memory."});
+    person_.pictures = {std::string(300, 'x')};
+    HostServices& services = window_.Plugin();
+    EXPECT_TRUE(services.ChoosePictures(GetDesktopWindow()).empty());
+    EXPECT_EQ(person_.toldAbove, GetDesktopWindow());
 }
 
 /// Presses the button of the window that shows how far the work is.

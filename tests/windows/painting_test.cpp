@@ -124,6 +124,11 @@ TEST_F(Painting, PapersTheBackgroundAndColoursTheSwatch) {
         for (LONG y = 0; y + 250 < client.bottom; ++y)
             EXPECT_EQ(at(2, y), at(2, y + 250)) << y;
         EXPECT_EQ(different > 0, !plain);
+        // A control that is painted into memory first is cleared no less: its context belongs to no window.
+        const OwnedContext memory(CreateCompatibleDC(nullptr));
+        EXPECT_NE(SendMessageA(Dialog(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(memory.Get()),
+                               reinterpret_cast<LPARAM>(Control(LUMAFOLD_MAIN_DITHER))),
+                  reinterpret_cast<LRESULT>(GetStockObject(NULL_BRUSH)));
         // The face is the colour itself; its corner tells what a fixed palette makes of it, once one is in
         // use.
         const auto swatch = [&](LONG x, LONG y) { return Take().At(Control(LUMAFOLD_MAIN_MATTE), {x, y}); };
