@@ -23,9 +23,6 @@ std::size_t PrintableBytes(std::string_view text, std::size_t at) {
     const unsigned char first = ByteAt(text, at);
     if (first < 0x20 || first == 0x7F) return 0;
     if (first < 0x80) return 1;
-#ifdef _WIN32
-    return 1; // a letter, or half of one, of the system's code page
-#else
     const std::size_t bytes = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
     if (first < 0xC2 || first > 0xF4) return 0;
     for (std::size_t i = 1; i < bytes; ++i) {
@@ -39,7 +36,6 @@ std::size_t PrintableBytes(std::string_view text, std::size_t at) {
         (ByteAt(text, at + 1) == 0x80 && (last == 0x8E || last == 0x8F || (last >= 0xA8 && last <= 0xAE))) ||
         (ByteAt(text, at + 1) == 0x81 && last >= 0xA6 && last <= 0xA9);
     return first == 0xE2 && turns ? 0 : bytes;
-#endif
 }
 
 } // namespace

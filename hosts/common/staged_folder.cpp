@@ -1,7 +1,12 @@
 #include "hosts/common/staged_folder.h"
 
 #include <algorithm>
+#include <memory>
 #include <random>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 #include "codecs/files.h"
 #include "hosts/common/paths.h"
@@ -12,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kStagingStart[] = ".lumafold-";
+constexpr char kFormer[] = "former"; // inside it: where the files go that are replaced
 bool IsStagingFolder(const std::string& name) { return !NumberBetween(name, kStagingStart, "", 1).empty(); }
 
 /// Empty where none could be made.
@@ -55,32 +61,65 @@ bool Fail(const fs::path& file, const std::string& what, std::string& error) {
     return false;
 }
 
+enum class Entries { Files, Folders };
+
+/// The names of a folder's entries of one kind; links are files.
+std::vector<std::string> NamesIn(const fs::path& folder, Entries wanted, std::error_code& failure) {
+    std::vector<std::string> names;
+    const auto add = [&](const fs::path& name, bool isFolder) {
+        if (isFolder == (wanted == Entries::Folders)) names.push_back(NameOf(name));
+    };
+#ifdef _WIN32
+    // The run-time library walks no folder whose path is very long.
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW((folder / L"*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        failure.assign(static_cast<int>(GetLastError()), std::system_category());
+        return names;
+    }
+    const std::unique_ptr<void, decltype(&FindClose)> owner(search, FindClose);
+    do {
+        const std::wstring name = found.cFileName;
+        constexpr DWORD kFolderOrLink = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+        const bool isFolder = (found.dwFileAttributes & kFolderOrLink) == FILE_ATTRIBUTE_DIRECTORY;
+        if (name != L"." && name != L"..") add(name, isFolder);
+    } while (FindNextFileW(search, &found) != FALSE);
+#else
+    std::error_code ignored;
+    fs::directory_iterator entry(folder, failure);
+    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure))
+        add(entry->path().filename(), fs::is_directory(entry->symlink_status(ignored)));
+#endif
+    return names;
+}
+
+/// A folder and all in it, as far as that can be done.
+void RemoveTree(const fs::path& folder) { // NOLINT(misc-no-recursion): as deep as the folder is
+    std::error_code ignored;
+    for (const std::string& name : NamesIn(folder, Entries::Files, ignored))
+        fs::remove(folder / PathOf(name), ignored);
+    for (const std::string& name : NamesIn(folder, Entries::Folders, ignored))
+        RemoveTree(folder / PathOf(name));
+    fs::remove(folder, ignored);
+}
+
 /// What an earlier run left, `last` first if it did.
 std::vector<std::string> FormerFiles(const fs::path& folder, const std::string& last,
                                      const std::function<bool(const std::string& name)>& isFormer,
                                      std::error_code& failure) {
-    std::vector<std::string> names;
+    std::vector<std::string> names = NamesIn(folder, Entries::Files, failure);
+    std::erase_if(names, [&](const std::string& name) { return name == last || !isFormer(name); });
     std::error_code ignored;
-    fs::directory_iterator entry(folder, failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-        std::string name = NameOf(entry->path().filename());
-        if (name != last && isFormer(name) && !entry->is_directory(ignored)) names.push_back(std::move(name));
-    }
     if (fs::exists(fs::symlink_status(folder / PathOf(last), ignored))) names.insert(names.begin(), last);
     return names;
 }
 
-/// Of runs that were killed.
+/// Of this run, and of those that were killed.
 void RemoveOldStaging(const fs::path& folder) {
-    std::vector<fs::path> old;
     std::error_code ignored;
-    fs::directory_iterator entry(folder, ignored);
-    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
-        if (!IsStagingFolder(NameOf(entry->path().filename()))) continue;
-        if (fs::is_directory(entry->symlink_status(ignored))) old.push_back(entry->path());
+    for (const std::string& name : NamesIn(folder, Entries::Folders, ignored)) {
+        if (IsStagingFolder(name)) RemoveTree(folder / PathOf(name));
     }
-    for (const fs::path& path : old)
-        fs::remove_all(path, ignored);
 }
 
 /// A slash at the end would make the parent of "x/" be "x".
@@ -94,14 +133,23 @@ fs::path WithoutSlash(std::string path) {
 
 StagedFolder::TakenBack::~TakenBack() {
     std::error_code ignored;
-    if (path_.empty()) return;
-    // One by one where nothing is left inside: on Windows the run-time library walks no folder whose path
-    // is very long.
-    fs::remove(former_, ignored);
-    if (!fs::remove(path_, ignored)) fs::remove_all(path_, ignored);
+    if (!path_.empty()) fs::remove(path_, ignored);
 }
 
 StagedFolder::StagedFolder(const std::string& path) : folder_(WithoutSlash(path)) {}
+
+StagedFolder::~StagedFolder() {
+    if (!staged_) return;
+    std::error_code ignored;
+    try {
+        for (const std::string& name : names_)
+            fs::remove(staged_->Path() / PathOf(name), ignored);
+        // What could not go back to its place stays inside.
+        fs::remove(staged_->Path() / kFormer, ignored);
+    } catch (const std::exception&) {
+        // No memory for paths: a later run removes it.
+    }
+}
 
 bool StagedFolder::Begin(std::string& error) {
     std::error_code failure;
@@ -128,7 +176,11 @@ bool StagedFolder::Finish(const std::function<bool(const std::string& name)>& is
     if (!TargetsAreFree(error) || !MoveIn(isFormer, error)) return false;
     if (target_) target_->Keep();
     staged_.reset();
-    RemoveOldStaging(folder_);
+    try {
+        RemoveOldStaging(folder_); // this run's, too
+    } catch (const std::exception&) {
+        // No memory for names: a later run does it.
+    }
     return true;
 }
 
@@ -145,9 +197,10 @@ bool StagedFolder::TargetsAreFree(std::string& error) const {
 bool StagedFolder::MoveIn(const std::function<bool(const std::string& name)>& isFormer,
                           std::string& error) const {
     std::error_code failure;
-    fs::create_directory(staged_->Former(), failure);
+    const fs::path aside = staged_->Path() / kFormer;
+    fs::create_directory(aside, failure);
     if (failure) return Fail(folder_, failure.message(), error);
-    FilesMoved former(folder_, staged_->Former()), moved(staged_->Path(), folder_);
+    FilesMoved former(folder_, aside), moved(staged_->Path(), folder_);
     // The file that came last goes first.
     const std::vector<std::string> names = FormerFiles(folder_, names_.back(), isFormer, failure);
     if (failure) return Fail(folder_, failure.message(), error);

@@ -18,6 +18,9 @@ class StagedFolder {
 public:
     /// Nothing is made before the first file.
     explicit StagedFolder(const std::string& path);
+    StagedFolder(const StagedFolder&) = delete;
+    StagedFolder& operator=(const StagedFolder&) = delete;
+    ~StagedFolder();
 
     /// Writes a file aside. Finish moves files in the order in which they were added, so that whoever finds
     /// the last one finds all of them. False, with `error` in one line, when it cannot be written.
@@ -30,20 +33,18 @@ public:
     std::uint64_t Bytes() const { return bytes_; }
 
 private:
-    /// Removes a folder and all in it, unless told that it may stay.
+    /// Removes a folder if it is empty, unless told that it may stay.
     class TakenBack {
     public:
-        explicit TakenBack(const std::filesystem::path& path) : path_(path), former_(path / "former") {}
+        explicit TakenBack(std::filesystem::path path) : path_(std::move(path)) {}
         TakenBack(const TakenBack&) = delete;
         TakenBack& operator=(const TakenBack&) = delete;
         ~TakenBack();
         void Keep() { path_.clear(); }
         const std::filesystem::path& Path() const { return path_; }
-        /// Inside it: where the files go that are replaced.
-        const std::filesystem::path& Former() const { return former_; }
 
     private:
-        std::filesystem::path path_, former_; // made beforehand: nothing may fail while it is taken back
+        std::filesystem::path path_;
     };
 
     bool Begin(std::string& error);
