@@ -111,7 +111,8 @@ std::vector<PngPicture::Way> PngPicture::WaysToTry() const {
         return Deflate(Filtered(way, tried, hasHoles), effort_).size();
     };
     if (leastOfRuns >= least) {
-        if (HasPalette() || least * 4 > unpacked) return {repetitions};
+        constexpr std::size_t kMayBeDrawn = 4; // times smaller, by the quick search
+        if (HasPalette() || least * kMayBeDrawn > unpacked) return {repetitions};
         Way other = repetitions;
         other.filter = other.filter == RowFilter::None ? RowFilter::Least : RowFilter::None;
         return {packed(other) < packed(repetitions) ? other : repetitions};

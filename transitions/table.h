@@ -39,7 +39,7 @@ std::int64_t FrameCount(int row, const PluginSettings& settings, CanvasSize canv
 /// Whether the row's frames follow from one another, so that one worker renders a gap.
 bool RendersInTurn(int row);
 
-/// Of one gap with its frames in any order, and of gaps with their frames in turn.
+/// How many are rendered at once at the most: frames of a gap in any order, and gaps with frames in turn.
 inline constexpr std::int64_t kMostFramesAtOnce = 64;
 inline constexpr std::int32_t kMostGapsAtOnce = 16;
 

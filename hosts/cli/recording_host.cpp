@@ -20,7 +20,7 @@ void RecordingHost::Hear(HostCommand command, std::uint32_t wparam, std::intptr_
     commands_.push_back({static_cast<std::uint32_t>(command), wparam, std::move(text)});
 }
 
-/// A command that was lost would leave the file without what it told.
+/// A command that was lost would leave the file without what it told. Nothing but memory can be missing here.
 void RecordingHost::HearFault(const char*) {
     if (fault_.empty()) fault_ = kNoMemoryForFile;
 }
